@@ -1,0 +1,110 @@
+#include "app/progresswindow.h"
+
+#include "app/barwidget.h"
+
+#include <QCloseEvent>
+#include <QCoreApplication>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace qmr {
+
+ProgressWindow::ProgressWindow(QWidget* parent) : QDialog(parent)
+{
+    setObjectName(QStringLiteral("frmProgress"));
+    setWindowTitle(QStringLiteral("Progress"));
+    setModal(false);
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    auto* layout = new QVBoxLayout(this);
+    m_status = new QLabel(QStringLiteral("Status"), this);
+    m_status->setObjectName(QStringLiteral("lblStatus"));
+    m_status->setMinimumWidth(320);
+    layout->addWidget(m_status);
+    m_bar = new BarWidget(this);
+    m_bar->setObjectName(QStringLiteral("shpBackground"));
+    layout->addWidget(m_bar);
+    auto* row = new QHBoxLayout();
+    row->addStretch(1);
+    m_cancel = new QPushButton(QStringLiteral("Cancel"), this);
+    m_cancel->setObjectName(QStringLiteral("cmdCancel"));
+    m_cancel->hide();
+    row->addWidget(m_cancel);
+    layout->addLayout(row);
+    connect(m_cancel, &QPushButton::clicked, this, [this] {
+        // The running loop sees the flag at its next test and ends the progress itself.
+        m_stopped = true;
+        m_closeAllowed = true;
+    });
+    if (parent)
+        setWindowIcon(parent->window()->windowIcon());
+}
+
+QString ProgressWindow::status() const
+{
+    return m_status->text();
+}
+
+void ProgressWindow::start(const QString& title, int minimum, int maximum)
+{
+    m_stopped = false;
+    m_closeAllowed = false;
+    m_cancel->hide();
+    m_status->setText(title);
+    m_bar->setRange(minimum, maximum);
+    m_bar->draw(0);
+    show();
+    QCoreApplication::processEvents();
+}
+
+void ProgressWindow::step(const QString& status)
+{
+    m_status->setText(status);
+    if (m_bar->position() < m_bar->maximum()) {
+        if (m_bar->draw(m_bar->position() + 1))
+            QCoreApplication::processEvents();
+    }
+}
+
+void ProgressWindow::stopProgress()
+{
+    m_closeAllowed = true;
+    m_bar->draw(m_bar->maximum());
+    hide();
+}
+
+void ProgressWindow::end()
+{
+    stopProgress();
+    m_stopped = true;
+}
+
+void ProgressWindow::showCancel()
+{
+    m_cancel->show();
+    adjustSize();
+}
+
+void ProgressWindow::closeEvent(QCloseEvent* event)
+{
+    if (!m_closeAllowed) {
+        event->ignore();
+        return;
+    }
+    QDialog::closeEvent(event);
+}
+
+void ProgressWindow::keyPressEvent(QKeyEvent* event)
+{
+    // Esc would close a dialog; here it means Cancel, and only when Cancel is offered.
+    if (event->key() == Qt::Key_Escape) {
+        if (m_cancel->isVisible())
+            m_cancel->click();
+        event->accept();
+        return;
+    }
+    QDialog::keyPressEvent(event);
+}
+
+} // namespace qmr

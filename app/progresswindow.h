@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/progress.h"
+
+#include <QDialog>
+
+class QLabel;
+class QPushButton;
+
+namespace qmr {
+
+class BarWidget;
+
+// frmProgress: a modeless window with a bar, a status line and, when asked, Cancel. It
+// refuses to close while work runs and lets events through only at every 20th step.
+class ProgressWindow : public QDialog, public Progress
+{
+    Q_OBJECT
+public:
+    explicit ProgressWindow(QWidget* parent = nullptr);
+
+    void start(const QString& title, int minimum, int maximum) override;
+    void step(const QString& status) override;
+    void end() override;
+    void showCancel() override;
+    bool stopped() const override { return m_stopped; }
+
+    const BarWidget* bar() const { return m_bar; }
+    QString status() const;
+
+protected:
+    void closeEvent(QCloseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void stopProgress();
+
+    QLabel* m_status;
+    BarWidget* m_bar;
+    QPushButton* m_cancel;
+    bool m_closeAllowed = true;
+    bool m_stopped = true;
+};
+
+} // namespace qmr

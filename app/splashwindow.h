@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QWidget>
+
+class QLabel;
+
+namespace qmr {
+
+class BarWidget;
+
+// frmSplash: the start-up window with a status text and a bar.
+class SplashWindow : public QWidget
+{
+    Q_OBJECT
+public:
+    explicit SplashWindow(QWidget* parent = nullptr);
+
+    void ShowSplash(const QString& status, int minimum, int maximum);
+    void SplashStep(const QString& status);
+    void setStatus(const QString& status);
+    QString status() const;
+    const BarWidget* bar() const { return m_bar; }
+
+private:
+    QLabel* m_status;
+    BarWidget* m_bar;
+};
+
+} // namespace qmr

@@ -1,0 +1,78 @@
+#include "app/startup.h"
+
+#include "app/progresswindow.h"
+#include "app/splashwindow.h"
+#include "core/prompter.h"
+#include "core/settings.h"
+#include "navigator/navwindow.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "store/storeerror.h"
+#include "templates/drawertemplates.h"
+
+#include <QTreeWidget>
+
+namespace qmr {
+
+Startup::Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers)
+    : m_home(std::move(home)), m_settings(settings), m_prompter(prompter), m_choosers(choosers)
+{
+}
+
+Startup::~Startup() = default;
+
+bool Startup::CheckDataAccess(Prompter& prompter, int runtimeVersion)
+{
+    if (runtimeVersion >= StoreSchema::kMinimumSqlite)
+        return true;
+    prompter.tell(QStringLiteral("MDAC 2.7 is not installed.  Please visit our website and "
+                                 "select Download.  Then select MDAC."));
+    return false;
+}
+
+bool Startup::start(bool showWindow)
+{
+    m_session = std::make_unique<Session>(m_home, m_settings);
+    if (!CheckDataAccess(m_prompter, Database::runtimeVersion()))
+        return false;
+
+    m_splash = std::make_unique<SplashWindow>();
+    try {
+        if (!m_home.ensureExists())
+            throw StoreError(
+                QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
+        m_splash->setStatus(QStringLiteral("Opening database"));
+        StoreSchema::OpenDatabase(m_session->db(), m_home);
+        m_splash->setStatus(QStringLiteral("Opening database"));
+    } catch (const StoreError& e) {
+        m_prompter.tell(e.message());
+        return false;
+    }
+
+    if (showWindow)
+        m_splash->ShowSplash(QStringLiteral("Starting"), 1, 8);
+    m_session->readStartSettings();
+
+    m_splash->SplashStep(QStringLiteral("Load templates"));
+    m_templates = std::make_unique<DrawerTemplates>(m_home);
+    m_templates->LoadDrawerTemplates();
+
+    m_splash->SplashStep(QStringLiteral("Loading main menu"));
+    m_progress = std::make_unique<ProgressWindow>();
+    m_window = std::make_unique<NavWindow>(*m_session, m_prompter, m_choosers, *m_progress,
+                                           *m_templates);
+    m_window->load([this](const QString& text) { m_splash->SplashStep(text); });
+
+    m_splash->SplashStep(QStringLiteral("Initializing"));
+    m_session->findRecord().InitFindDefaults();
+
+    m_splash->close();
+    if (showWindow) {
+        m_window->showAsLoaded();
+        if (m_window->pageList()->isVisible())
+            m_window->pageList()->setFocus();
+    }
+    return true;
+}
+
+} // namespace qmr

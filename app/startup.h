@@ -1,0 +1,52 @@
+#pragma once
+
+#include "core/apphome.h"
+
+#include <memory>
+
+namespace qmr {
+
+class Choosers;
+class DrawerTemplates;
+class NavWindow;
+class ProgressWindow;
+class Prompter;
+class Session;
+class Settings;
+class SplashWindow;
+
+// The start of a run, in its fixed order: prerequisite test, store opened (created and
+// upgraded) before anything is on screen, settings read, templates loaded, main window
+// loaded, find defaults reset, main window shown.
+class Startup
+{
+public:
+    Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers);
+    ~Startup();
+
+    // False when the run must end: the prerequisite failed or the store could not be opened
+    // (the user has been told).
+    bool start(bool showWindow = true);
+
+    // True when the SQLite library is recent enough; otherwise tells the user and is false.
+    static bool CheckDataAccess(Prompter& prompter, int runtimeVersion);
+
+    Session& session() { return *m_session; }
+    NavWindow* window() { return m_window.get(); }
+    SplashWindow* splash() { return m_splash.get(); }
+    ProgressWindow* progress() { return m_progress.get(); }
+    DrawerTemplates& templates() { return *m_templates; }
+
+private:
+    AppHome m_home;
+    Settings& m_settings;
+    Prompter& m_prompter;
+    Choosers& m_choosers;
+    std::unique_ptr<Session> m_session;
+    std::unique_ptr<DrawerTemplates> m_templates;
+    std::unique_ptr<SplashWindow> m_splash;
+    std::unique_ptr<ProgressWindow> m_progress;
+    std::unique_ptr<NavWindow> m_window;
+};
+
+} // namespace qmr

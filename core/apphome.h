@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace qmr {
+
+// The directory that holds everything the program owns (store, page files, text files).
+class AppHome
+{
+public:
+    AppHome() = default;
+    explicit AppHome(const QString& dir);
+
+    // --home DIR on the command line, else $QUILLMERE_HOME, else $XDG_DATA_HOME/Quillmere.
+    static AppHome fromArguments(const QStringList& arguments);
+
+    const QString& path() const { return m_path; }
+    // A file or directory below the home; `relative` has no leading '/'.
+    QString file(const QString& relative) const;
+    bool ensureExists() const;
+
+private:
+    QString m_path;
+};
+
+} // namespace qmr

@@ -1,0 +1,99 @@
+#include "core/settings.h"
+
+namespace qmr {
+
+namespace {
+const QString kGroup = QStringLiteral("Settings/");
+}
+
+Settings::Settings()
+    : m_settings(std::make_unique<QSettings>(QSettings::NativeFormat, QSettings::UserScope,
+                                             QStringLiteral("QMR"), QStringLiteral("Quillmere")))
+{
+}
+
+Settings::Settings(const QString& iniPath)
+    : m_settings(std::make_unique<QSettings>(iniPath, QSettings::IniFormat))
+{
+}
+
+Settings::~Settings() = default;
+
+QString Settings::GetSetting(const QString& key, const QString& defaultValue) const
+{
+    const QVariant value = m_settings->value(kGroup + key);
+    if (!value.isValid())
+        return defaultValue;
+    return value.toString();
+}
+
+void Settings::SaveSetting(const QString& key, const QString& value)
+{
+    m_settings->setValue(kGroup + key, value);
+}
+
+bool Settings::contains(const QString& key) const
+{
+    return m_settings->contains(kGroup + key);
+}
+
+void Settings::sync()
+{
+    m_settings->sync();
+}
+
+QString Settings::fileName() const
+{
+    return m_settings->fileName();
+}
+
+void Settings::SavePlacement(const QString& formName, const Placement& placement)
+{
+    if (placement.windowState != 1 && placement.windowState != 2) {
+        SaveSetting(formName + QLatin1String(".Top"), QString::number(placement.top));
+        SaveSetting(formName + QLatin1String(".Left"), QString::number(placement.left));
+        SaveSetting(formName + QLatin1String(".Height"), QString::number(placement.height));
+        SaveSetting(formName + QLatin1String(".Width"), QString::number(placement.width));
+    }
+    SaveSetting(formName + QLatin1String(".WindowState"),
+                QString::number(placement.windowState));
+}
+
+Placement Settings::RestorePlacement(const QString& formName, const Placement& current,
+                                     bool sizable) const
+{
+    Placement result = current;
+    // Each key on its own: a bad value leaves that one field alone.
+    auto read = [&](const char* suffix, int& field) {
+        bool ok = false;
+        const double value =
+            GetSetting(formName + QLatin1String(suffix), QString::number(field)).toDouble(&ok);
+        if (ok && value > -1e9 && value < 1e9)
+            field = static_cast<int>(value);
+    };
+    read(".WindowState", result.windowState);
+    if (result.windowState == 1 || result.windowState < 0 || result.windowState > 2)
+        result.windowState = 0;
+    read(".Top", result.top);
+    read(".Left", result.left);
+    if (sizable) {
+        read(".Height", result.height);
+        read(".Width", result.width);
+    }
+    return result;
+}
+
+int Settings::displayCount() const
+{
+    bool ok = false;
+    const double value = GetSetting(QStringLiteral("DisplayCount"), QStringLiteral("20")).toDouble(&ok);
+    if (!ok)
+        return 20;
+    if (value < 1)
+        return 1;
+    if (value > 64)
+        return 64;
+    return static_cast<int>(value);
+}
+
+} // namespace qmr

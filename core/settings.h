@@ -1,0 +1,51 @@
+#pragma once
+
+#include <QSettings>
+#include <QString>
+#include <memory>
+
+namespace qmr {
+
+// A window's rectangle and state as kept in the settings (state: 0 normal, 1 minimised,
+// 2 maximised).
+struct Placement
+{
+    int top = 0;
+    int left = 0;
+    int height = 0;
+    int width = 0;
+    int windowState = 0;
+};
+
+// The per-user settings: organisation "QMR", application "Quillmere", group "Settings".
+// Values are text; absent and empty are different.
+class Settings
+{
+public:
+    // The user's own settings file.
+    Settings();
+    // A settings file at a given path (tests).
+    explicit Settings(const QString& iniPath);
+    ~Settings();
+
+    QString GetSetting(const QString& key, const QString& defaultValue = QString()) const;
+    void SaveSetting(const QString& key, const QString& value);
+    bool contains(const QString& key) const;
+    void sync();
+    QString fileName() const;
+
+    // Writes .Top/.Left/.Height/.Width only for a normal window, .WindowState always.
+    void SavePlacement(const QString& formName, const Placement& placement);
+    // Reads the stored placement over `current`; a stored minimised state comes back normal;
+    // a value that is no number leaves that field as it was. `sizable` false skips the size.
+    Placement RestorePlacement(const QString& formName, const Placement& current,
+                               bool sizable = true) const;
+
+    // DisplayCount clamped to 1..64; the stored value is not rewritten.
+    int displayCount() const;
+
+private:
+    std::unique_ptr<QSettings> m_settings;
+};
+
+} // namespace qmr

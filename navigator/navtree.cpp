@@ -1,0 +1,155 @@
+#include "navigator/navtree.h"
+
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+namespace qmr {
+
+namespace {
+
+constexpr int kKeyRole = Qt::UserRole + 1;
+
+// Children sort by text without regard to case, the way people read a list of names.
+class NavItem : public QTreeWidgetItem
+{
+public:
+    using QTreeWidgetItem::QTreeWidgetItem;
+    bool operator<(const QTreeWidgetItem& other) const override
+    {
+        const int c = text(0).compare(other.text(0), Qt::CaseInsensitive);
+        return c != 0 ? c < 0 : text(0) < other.text(0);
+    }
+};
+
+} // namespace
+
+NavTree::NavTree(QWidget* parent) : QTreeWidget(parent)
+{
+    setObjectName(QStringLiteral("tvwMain"));
+    setHeaderHidden(true);
+    setColumnCount(1);
+    setIconSize(QSize(16, 16));
+    setUniformRowHeights(true);
+    setSortingEnabled(true);
+    sortByColumn(0, Qt::AscendingOrder);
+    setSelectionMode(QAbstractItemView::SingleSelection);
+    connect(this, &QTreeWidget::itemExpanded, this, [this](QTreeWidgetItem* item) {
+        ++m_expandSignals;
+        emit expanding(keyOf(item));
+    });
+}
+
+QString NavTree::keyOf(const QTreeWidgetItem* item)
+{
+    return item ? item->data(0, kKeyRole).toString() : QString();
+}
+
+QTreeWidgetItem* NavTree::addNode(const QString& parentKey, const QString& key,
+                                  const QString& text, const QIcon& icon)
+{
+    if (key.isEmpty() || m_nodes.contains(key))
+        return nullptr;
+    QTreeWidgetItem* parent = nullptr;
+    if (!parentKey.isEmpty()) {
+        parent = m_nodes.value(parentKey);
+        if (!parent)
+            return nullptr;
+    }
+    auto* item = new NavItem();
+    item->setText(0, text);
+    item->setIcon(0, icon);
+    item->setData(0, kKeyRole, key);
+    if (parent)
+        parent->addChild(item);
+    else
+        addTopLevelItem(item);
+    m_nodes.insert(key, item);
+    return item;
+}
+
+void NavTree::forget(QTreeWidgetItem* item)
+{
+    for (int i = 0; i < item->childCount(); ++i)
+        forget(item->child(i));
+    m_nodes.remove(keyOf(item));
+}
+
+void NavTree::removeNode(const QString& key)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return;
+    forget(item);
+    delete item;
+}
+
+void NavTree::clearNodes()
+{
+    m_nodes.clear();
+    clear();
+}
+
+bool NavTree::setNodeText(const QString& key, const QString& text)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return false;
+    item->setText(0, text);
+    return true;
+}
+
+QString NavTree::selectedKey() const
+{
+    return keyOf(currentItem());
+}
+
+QString NavTree::parentKey(const QString& key) const
+{
+    const QTreeWidgetItem* item = m_nodes.value(key);
+    return item ? keyOf(item->parent()) : QString();
+}
+
+bool NavTree::selectNode(const QString& key)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return false;
+    setCurrentItem(item);
+    scrollToItem(item);
+    return true;
+}
+
+bool NavTree::expandNode(const QString& key)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return false;
+    const int before = m_expandSignals;
+    item->setExpanded(true);
+    if (m_expandSignals == before) // already open, or nothing below it yet
+        emit expanding(key);
+    return true;
+}
+
+void NavTree::mouseReleaseEvent(QMouseEvent* event)
+{
+    QTreeWidget::mouseReleaseEvent(event);
+    const Qt::MouseButton button = event->button();
+    if (button == Qt::LeftButton) {
+        QTreeWidgetItem* item = itemAt(event->position().toPoint());
+        if (item && item == currentItem())
+            emit nodeClicked(keyOf(item));
+    }
+    emit contextRequested(button);
+}
+
+void NavTree::keyPressEvent(QKeyEvent* event)
+{
+    if ((event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) && currentItem()) {
+        emit enterPressed(selectedKey());
+        return;
+    }
+    QTreeWidget::keyPressEvent(event);
+}
+
+} // namespace qmr

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QHash>
+#include <QTreeWidget>
+
+namespace qmr {
+
+// tvwMain: a tree whose nodes are found by key. It refuses a second node with a key it
+// holds, keeps every node's children sorted by text, and reports an expansion made from
+// code as well as one made by the user.
+class NavTree : public QTreeWidget
+{
+    Q_OBJECT
+public:
+    explicit NavTree(QWidget* parent = nullptr);
+
+    QTreeWidgetItem* node(const QString& key) const { return m_nodes.value(key); }
+    // Adds below `parentKey` (top level when empty). Returns nullptr, and changes nothing,
+    // when the key is taken or the parent is missing.
+    QTreeWidgetItem* addNode(const QString& parentKey, const QString& key, const QString& text,
+                             const QIcon& icon);
+    void removeNode(const QString& key);
+    void clearNodes();
+    bool setNodeText(const QString& key, const QString& text);
+
+    static QString keyOf(const QTreeWidgetItem* item);
+    QString selectedKey() const;
+    QString parentKey(const QString& key) const;
+    bool selectNode(const QString& key);
+    // Expands a node and reports it through expanding(), whether or not it has children.
+    bool expandNode(const QString& key);
+    int nodeCount() const { return m_nodes.size(); }
+
+signals:
+    void expanding(const QString& key);
+    // A node clicked with the left button, and the right-button release.
+    void nodeClicked(const QString& key);
+    void contextRequested(Qt::MouseButton button);
+    void enterPressed(const QString& key);
+
+protected:
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void forget(QTreeWidgetItem* item);
+
+    QHash<QString, QTreeWidgetItem*> m_nodes;
+    int m_expandSignals = 0;
+};
+
+} // namespace qmr

@@ -1,0 +1,228 @@
+#include "store/database.h"
+
+#include "store/columnwidths.h"
+#include "store/storeerror.h"
+
+#include <QDateTime>
+#include <sqlite3.h>
+
+namespace qmr {
+
+namespace {
+
+// Text compares without regard to case, beyond ASCII too: the schema asks for NOCASE and
+// this connection supplies a Unicode-aware one under that name.
+int compareNoCase(void*, int len1, const void* s1, int len2, const void* s2)
+{
+    const QString a = QString::fromUtf8(static_cast<const char*>(s1), len1);
+    const QString b = QString::fromUtf8(static_cast<const char*>(s2), len2);
+    return a.compare(b, Qt::CaseInsensitive);
+}
+
+void bindValue(sqlite3_stmt* stmt, int index, const QVariant& value)
+{
+    if (value.isNull()) {
+        sqlite3_bind_null(stmt, index);
+        return;
+    }
+    switch (value.typeId()) {
+    case QMetaType::Int:
+    case QMetaType::UInt:
+    case QMetaType::LongLong:
+    case QMetaType::ULongLong:
+    case QMetaType::Bool:
+        sqlite3_bind_int64(stmt, index, value.toLongLong());
+        return;
+    case QMetaType::Double:
+    case QMetaType::Float:
+        sqlite3_bind_double(stmt, index, value.toDouble());
+        return;
+    case QMetaType::QDate:
+        {
+            const QByteArray t =
+                value.toDate().toString(QStringLiteral("yyyy-MM-dd 00:00:00")).toUtf8();
+            sqlite3_bind_text(stmt, index, t.constData(), int(t.size()), SQLITE_TRANSIENT);
+        }
+        return;
+    case QMetaType::QDateTime: {
+        const QByteArray t =
+            value.toDateTime().toString(QStringLiteral("yyyy-MM-dd HH:mm:ss")).toUtf8();
+        sqlite3_bind_text(stmt, index, t.constData(), int(t.size()), SQLITE_TRANSIENT);
+        return;
+    }
+    case QMetaType::QByteArray: {
+        const QByteArray b = value.toByteArray();
+        sqlite3_bind_blob(stmt, index, b.constData(), int(b.size()), SQLITE_TRANSIENT);
+        return;
+    }
+    default: {
+        const QByteArray t = value.toString().toUtf8();
+        sqlite3_bind_text(stmt, index, t.constData(), int(t.size()), SQLITE_TRANSIENT);
+        return;
+    }
+    }
+}
+
+QVariant columnValue(sqlite3_stmt* stmt, int column)
+{
+    switch (sqlite3_column_type(stmt, column)) {
+    case SQLITE_INTEGER:
+        return QVariant(qlonglong(sqlite3_column_int64(stmt, column)));
+    case SQLITE_FLOAT:
+        return QVariant(sqlite3_column_double(stmt, column));
+    case SQLITE_TEXT:
+        return QVariant(QString::fromUtf8(
+            reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
+            sqlite3_column_bytes(stmt, column)));
+    case SQLITE_BLOB:
+        return QVariant(QByteArray(static_cast<const char*>(sqlite3_column_blob(stmt, column)),
+                                   sqlite3_column_bytes(stmt, column)));
+    default:
+        return QVariant();
+    }
+}
+
+} // namespace
+
+Database::~Database()
+{
+    close();
+}
+
+void Database::open(const QString& path)
+{
+    close();
+    sqlite3* db = nullptr;
+    const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db,
+                                   SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
+    if (rc != SQLITE_OK) {
+        const QString message = db ? QString::fromUtf8(sqlite3_errmsg(db))
+                                   : QString::fromUtf8(sqlite3_errstr(rc));
+        sqlite3_close(db);
+        throw StoreError(QStringLiteral("Cannot open the store %1: %2").arg(path, message));
+    }
+    m_db = db;
+    m_path = path;
+    sqlite3_busy_timeout(m_db, 2000);
+    sqlite3_extended_result_codes(m_db, 1);
+    sqlite3_create_collation(m_db, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase);
+    // Reading the schema proves that the file is a store at all.
+    run(QStringLiteral("SELECT count(*) FROM sqlite_master"), {});
+}
+
+void Database::close()
+{
+    if (m_db) {
+        sqlite3_close_v2(m_db);
+        m_db = nullptr;
+    }
+}
+
+void Database::fail(const QString& sql) const
+{
+    const int code = sqlite3_extended_errcode(m_db);
+    const QString engine = QString::fromUtf8(sqlite3_errmsg(m_db));
+    if (code == SQLITE_CONSTRAINT_CHECK) {
+        const QString width = ColumnWidths::messageForConstraint(engine);
+        if (!width.isEmpty())
+            throw StoreError(width);
+    }
+    if (code == SQLITE_FULL)
+        throw StoreError(QStringLiteral("The disk is full: %1").arg(engine));
+    Q_UNUSED(sql);
+    throw StoreError(QStringLiteral("The store could not carry out the command: %1").arg(engine));
+}
+
+Recordset Database::run(const QString& sql, const QVariantList& binds)
+{
+    if (!m_db)
+        throw StoreError(QStringLiteral("The store is not open."));
+    sqlite3_stmt* stmt = nullptr;
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &stmt, nullptr) != SQLITE_OK)
+        fail(sql);
+    struct Finalizer
+    {
+        sqlite3_stmt* s;
+        ~Finalizer() { sqlite3_finalize(s); }
+    } finalizer{stmt};
+    if (!stmt) // only white space or a comment
+        return Recordset();
+    for (int i = 0; i < binds.size(); ++i)
+        bindValue(stmt, i + 1, binds.at(i));
+
+    QStringList columns;
+    const int count = sqlite3_column_count(stmt);
+    for (int c = 0; c < count; ++c)
+        columns << QString::fromUtf8(sqlite3_column_name(stmt, c));
+    QVector<QVector<QVariant>> rows;
+    for (;;) {
+        const int rc = sqlite3_step(stmt);
+        if (rc == SQLITE_DONE)
+            break;
+        if (rc != SQLITE_ROW)
+            fail(sql);
+        QVector<QVariant> row;
+        row.reserve(count);
+        for (int c = 0; c < count; ++c)
+            row << columnValue(stmt, c);
+        rows << row;
+    }
+    return Recordset(columns, rows);
+}
+
+void Database::execute(const QString& sql, const QVariantList& binds)
+{
+    run(sql, binds);
+}
+
+Recordset Database::OpenRecordset(const QString& sql, const QVariantList& binds)
+{
+    return run(sql, binds);
+}
+
+QVariant Database::scalar(const QString& sql, const QVariantList& binds)
+{
+    const Recordset rs = run(sql, binds);
+    if (rs.RecordCount() < 1 || rs.columns().isEmpty())
+        return QVariant();
+    return rs.value(0, 0);
+}
+
+qint32 Database::lastInsertId() const
+{
+    return m_db ? static_cast<qint32>(sqlite3_last_insert_rowid(m_db)) : -1;
+}
+
+bool Database::hasColumn(const QString& table, const QString& column)
+{
+    const Recordset rs = run(QStringLiteral("SELECT name FROM pragma_table_info(?)"), {table});
+    for (int i = 0; i < rs.RecordCount(); ++i)
+        if (rs.text(i, QStringLiteral("name")).compare(column, Qt::CaseInsensitive) == 0)
+            return true;
+    return false;
+}
+
+int Database::runtimeVersion()
+{
+    return sqlite3_libversion_number();
+}
+
+Database::Transaction::Transaction(Database& db) : m_db(db)
+{
+    m_db.execute(QStringLiteral("BEGIN"));
+}
+
+Database::Transaction::~Transaction()
+{
+    if (!m_done && m_db.isOpen())
+        sqlite3_exec(m_db.m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+}
+
+void Database::Transaction::commit()
+{
+    m_db.execute(QStringLiteral("COMMIT"));
+    m_done = true;
+}
+
+} // namespace qmr

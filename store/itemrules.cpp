@@ -1,0 +1,103 @@
+#include "store/itemrules.h"
+
+#include <QStringList>
+
+namespace qmr {
+
+namespace {
+const QString kNameSet = QStringLiteral("\\/:*?\"<>|.");
+const QString kPathSet = QStringLiteral("/*?\"<>|");
+
+bool containsAny(const QString& text, const QString& set)
+{
+    for (const QChar c : text)
+        if (set.contains(c))
+            return true;
+    return false;
+}
+
+QString strip(const QString& text, const QString& set)
+{
+    QString out;
+    for (const QChar c : text)
+        if (!set.contains(c))
+            out += c;
+    return out;
+}
+} // namespace
+
+bool ItemRules::ContainsBadCharacters(const QString& text)
+{
+    return containsAny(text, kNameSet);
+}
+
+bool ItemRules::ContainsBadPathCharacters(const QString& text)
+{
+    return containsAny(text, kPathSet);
+}
+
+QString ItemRules::StripBadCharacters(const QString& text)
+{
+    return strip(text, kNameSet);
+}
+
+QString ItemRules::StripBadPathCharacters(const QString& text)
+{
+    return strip(text, kPathSet);
+}
+
+QString ItemRules::badCharactersMessage()
+{
+    return QStringLiteral("The following characters are not allowed:\n\\ / : * ? \" < > | .");
+}
+
+bool ItemRules::IsBlank(const QString& text)
+{
+    return text.trimmed().isEmpty();
+}
+
+QDate ItemRules::parseDate(const QString& text)
+{
+    const QString t = text.trimmed();
+    static const QStringList forms = {QStringLiteral("M/d/yyyy"), QStringLiteral("M/d/yy"),
+                                      QStringLiteral("yyyy-MM-dd"), QStringLiteral("M-d-yyyy")};
+    for (const QString& form : forms) {
+        QDate d = QDate::fromString(t, form);
+        if (d.isValid()) {
+            if (form == QLatin1String("M/d/yy") && d.year() < 1930)
+                d = d.addYears(100); // two-digit years: 30..99 are 19xx, 00..29 are 20xx
+            return d;
+        }
+    }
+    return QDate();
+}
+
+bool ItemRules::IsValidDate(const QString& text)
+{
+    return IsBlank(text) || parseDate(text).isValid();
+}
+
+QDate ItemRules::DateOrZero(const QString& text)
+{
+    if (IsBlank(text))
+        return QDate();
+    return parseDate(text);
+}
+
+QString ItemRules::displayDate(const QDate& date)
+{
+    return date.isValid() ? date.toString(QStringLiteral("MM/dd/yyyy")) : QString();
+}
+
+bool ItemRules::IsPictureFile(const QString& fileName)
+{
+    const QString name = fileName.toLower();
+    if (name.endsWith(QLatin1String(".jpg")) || name.endsWith(QLatin1String(".jpeg")) ||
+        name.endsWith(QLatin1String(".bmp")))
+        return true;
+    // Names that lost their dot ("scanjpg") still count.
+    return name.right(3) == QLatin1String("jpg") || name.right(3) == QLatin1String("bmp") ||
+           name.right(4) == QLatin1String("jpeg");
+}
+
+} // namespace qmr

@@ -1,0 +1,68 @@
+#pragma once
+
+#include "core/level.h"
+
+#include <QDate>
+#include <QString>
+#include <QVector>
+
+namespace qmr {
+
+class Database;
+class Progress;
+
+struct ItemRow
+{
+    qint32 id = -1;
+    QString name;
+    QDate date;        // documents: DateOnDocument
+    QString password;  // cabinets: the stored (enciphered) password, "" for Null
+};
+
+struct PageRow
+{
+    qint32 id = -1;
+    qint32 pageNumber = 0;
+    QString filename;
+    qint64 fileSize = 0;
+    QDate scanDate;
+    bool shortcut = false;
+};
+
+// The item queries that the navigator, templates and samples share: one routine per kind of
+// work, driven by the level's table.
+class ItemStore
+{
+public:
+    explicit ItemStore(Database& db) : m_db(db) {}
+
+    // The children of `parentId` on `level` (all cabinets for Level::Cabinet), by name.
+    QVector<ItemRow> children(Level level, qint32 parentId) const;
+    // One item, or an item with id -1 when there is no such row.
+    ItemRow item(Level level, qint32 id) const;
+    // The parent id of an item, -1 when the row is gone.
+    qint32 parentOf(Level level, qint32 id) const;
+    qint32 CabinetOfDrawer(qint32 drawerId) const { return parentOf(Level::Drawer, drawerId); }
+    qint32 DrawerOfFolder(qint32 folderId) const { return parentOf(Level::Folder, folderId); }
+    qint32 FolderOfDocument(qint32 documentId) const
+    {
+        return parentOf(Level::Document, documentId);
+    }
+    qint32 DocumentOfPage(qint32 pageId) const { return parentOf(Level::Page, pageId); }
+
+    // The pages of a document in page order.
+    QVector<PageRow> pages(qint32 documentId) const;
+
+    // Inserts a bare item (cabinets get the stored form of the empty password); returns its id.
+    qint32 insertItem(Level level, qint32 parentId, const QString& name);
+    int count(Level level) const;
+    bool cabinetNameExists(const QString& name) const;
+
+    // Numbers the pages 1, 2, 3 ... in their present order, ties by PageId, in two passes.
+    void RepaginateDocument(qint32 documentId, const QString& documentName, Progress& progress);
+
+private:
+    Database& m_db;
+};
+
+} // namespace qmr

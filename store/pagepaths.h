@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/apphome.h"
+
+#include <QString>
+
+namespace qmr {
+
+class Database;
+
+// The one place that turns a page id into its image and thumbnail paths. Computed pages
+// live in buckets of a thousand: Pages/0000012/12345.jpg.
+class PagePaths
+{
+public:
+    PagePaths(Database& db, AppHome home) : m_db(db), m_home(std::move(home)) {}
+
+    QString PageFilename(qint32 pageId) const; // "" when absent or Null
+    bool IsPageShortcut(qint32 pageId) const;
+    QString PagePath(qint32 pageId) const;
+    QString PageDirectory(qint32 pageId) const;
+    QString ThumbPath(qint32 pageId) const;
+    QString ThumbDirectory(qint32 pageId) const;
+
+    QString ComputedPagePath(qint32 pageId) const;
+    QString ComputedPageDirectory(qint32 pageId) const;
+    QString ComputedThumbPath(qint32 pageId) const;
+    QString ComputedThumbDirectory(qint32 pageId) const;
+
+    // Up to and including the last '/'; "" when there is none.
+    static QString DirectoryPart(const QString& path);
+    // After the last '/'; "" when there is none.
+    static QString FilePart(const QString& path);
+    // Makes every missing directory of a directory path, or of a file path's directory (a
+    // path with a dot anywhere is taken to end in a file name). False on failure.
+    static bool EnsurePathExists(const QString& path);
+
+private:
+    static QString bucket(qint32 pageId);
+
+    Database& m_db;
+    AppHome m_home;
+};
+
+} // namespace qmr

@@ -1,0 +1,13 @@
+#pragma once
+
+#include <QString>
+#include <QVariant>
+
+namespace qmr {
+
+// Doubles every single quote, for the few statements whose text is built.
+QString QuoteSql(const QString& text);
+// Null becomes "", anything else its text.
+QString NullToString(const QVariant& value);
+
+} // namespace qmr

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "core/apphome.h"
+
+#include <QStringList>
+
+namespace qmr {
+
+class ItemStore;
+class NavigatorCallbacks;
+
+// Named outlines of folders and documents in Drawer.txt, applied to a new drawer.
+class DrawerTemplates
+{
+public:
+    explicit DrawerTemplates(AppHome home) : m_home(std::move(home)) {}
+
+    QString filePath() const { return m_home.file(QStringLiteral("Drawer.txt")); }
+    // Reads the names: lines that begin exactly "DRW=", the name from the fifth character.
+    void LoadDrawerTemplates();
+    const QStringList& names() const { return m_names; }
+
+private:
+    AppHome m_home;
+    QStringList m_names;
+};
+
+} // namespace qmr

@@ -1,0 +1,118 @@
+#include "templates/samplecabinets.h"
+
+#include "core/level.h"
+#include "core/navigatorcallbacks.h"
+#include "store/database.h"
+#include "store/itemstore.h"
+#include "templates/outlinefile.h"
+
+#include <QFile>
+
+namespace qmr {
+
+QStringList SampleCabinets::defaultText()
+{
+    return {
+        QStringLiteral("CAB = Generic File Cabinet"),
+        QStringLiteral(" DRW = Household Equipment"),
+        QStringLiteral("  FLD = Refrigerator"),
+        QStringLiteral("  FLD = Stove"),
+        QStringLiteral(" DRW = Home"),
+        QStringLiteral("  FLD = House Repairs & Improvements"),
+        QStringLiteral("  FLD = Mortgage (and Realty Taxes)"),
+        QStringLiteral("  FLD = Electricity"),
+        QStringLiteral(" DRW = Automobile"),
+        QStringLiteral("  FLD = Auto Loan"),
+        QStringLiteral("  FLD = Auto Repairs"),
+        QStringLiteral(" DRW = Insurance"),
+        QStringLiteral("  FLD = Auto"),
+        QStringLiteral("  FLD = Life"),
+        QStringLiteral("  FLD = Medical"),
+        QStringLiteral("  FLD = Home"),
+        QStringLiteral(" DRW = Income Tax Returns"),
+        QStringLiteral(" DRW = Finances"),
+        QStringLiteral("  FLD = Bank Acocunt"),
+        QStringLiteral("  FLD = Stocks"),
+        QStringLiteral("  FLD = 401k"),
+        QStringLiteral("  FLD = Credit Cards"),
+    };
+}
+
+bool SampleCabinets::WriteDefaultSample() const
+{
+    return OutlineFile::writeLines(filePath(), defaultText());
+}
+
+bool SampleCabinets::ensureFile() const
+{
+    if (!QFile::exists(filePath()))
+        WriteDefaultSample();
+    return QFile::exists(filePath());
+}
+
+QStringList SampleCabinets::sampleNames() const
+{
+    QStringList names;
+    for (const QString& line : OutlineFile::readLines(filePath())) {
+        const OutlineLine l = OutlineFile::parse(line);
+        if (l.key == QLatin1String("CAB"))
+            names << l.name;
+    }
+    return names;
+}
+
+QVector<SampleCabinets::Created> SampleCabinets::FillSampleCabinet(const QString& name,
+                                                                   qint32 cabinetId)
+{
+    ItemStore items(m_db);
+    QVector<Created> created;
+    bool inSample = false;
+    qint32 drawer = -1;
+    qint32 folder = -1;
+    for (const QString& line : OutlineFile::readLines(filePath())) {
+        const OutlineLine l = OutlineFile::parse(line);
+        if (!inSample) {
+            inSample = l.key == QLatin1String("CAB") &&
+                       l.name.compare(name, Qt::CaseInsensitive) == 0;
+            continue;
+        }
+        if (l.key == QLatin1String("CAB"))
+            break;
+        if (l.key == QLatin1String("DRW")) {
+            drawer = items.insertItem(Level::Drawer, cabinetId, l.name);
+            folder = -1; // a document right behind a drawer line has no folder
+            created << Created{Level::Drawer, cabinetId, drawer, l.name};
+        } else if (l.key == QLatin1String("FLD") && drawer != -1) {
+            folder = items.insertItem(Level::Folder, drawer, l.name);
+            created << Created{Level::Folder, drawer, folder, l.name};
+        } else if (l.key == QLatin1String("DOC") && folder != -1) {
+            const qint32 doc = items.insertItem(Level::Document, folder, l.name);
+            created << Created{Level::Document, folder, doc, l.name};
+        }
+    }
+    return created;
+}
+
+qint32 SampleCabinets::CreateSampleCabinet(const QString& name)
+{
+    ItemStore items(m_db);
+    Database::Transaction tx(m_db);
+    const qint32 cabinetId = items.insertItem(Level::Cabinet, -1, name);
+    const QVector<Created> created = FillSampleCabinet(name, cabinetId);
+    tx.commit();
+    if (!m_navigator)
+        return cabinetId;
+    m_navigator->AddCabinetToNavTree(cabinetId, name);
+    for (const Created& c : created) {
+        if (c.level == Level::Drawer)
+            m_navigator->AddDrawerToNavTree(c.parentId, c.id, c.name);
+        else if (c.level == Level::Folder)
+            m_navigator->AddFolderToNavTree(c.parentId, c.id, c.name);
+        else
+            m_navigator->AddDocumentToNavTree(c.parentId, c.id, c.name, QDate());
+    }
+    m_navigator->ShowDrawersInListView(cabinetId);
+    return cabinetId;
+}
+
+} // namespace qmr

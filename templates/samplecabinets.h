@@ -1,0 +1,48 @@
+#pragma once
+
+#include "core/apphome.h"
+#include "core/level.h"
+
+#include <QStringList>
+
+namespace qmr {
+
+class Database;
+class NavigatorCallbacks;
+
+// Ready-made cabinet outlines in Sample.txt; a built-in default is written when it is missing.
+class SampleCabinets
+{
+public:
+    SampleCabinets(AppHome home, Database& db, NavigatorCallbacks* navigator)
+        : m_home(std::move(home)), m_db(db), m_navigator(navigator)
+    {
+    }
+
+    QString filePath() const { return m_home.file(QStringLiteral("Sample.txt")); }
+    static QStringList defaultText();
+    bool WriteDefaultSample() const;
+    // Writes the default when the file is missing; false when it is still missing.
+    bool ensureFile() const;
+    // The names of the samples, in file order.
+    QStringList sampleNames() const;
+    // Makes the cabinet and its outline in one transaction, then shows it in the navigator.
+    // Returns the new cabinet's id.
+    qint32 CreateSampleCabinet(const QString& name);
+
+private:
+    struct Created
+    {
+        Level level;
+        qint32 parentId;
+        qint32 id;
+        QString name;
+    };
+    QVector<Created> FillSampleCabinet(const QString& name, qint32 cabinetId);
+
+    AppHome m_home;
+    Database& m_db;
+    NavigatorCallbacks* m_navigator;
+};
+
+} // namespace qmr
