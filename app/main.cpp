@@ -23,8 +23,8 @@ int main(int argc, char* argv[])
     qmr::Settings settings;
     qmr::BoxPrompter prompter;
     qmr::DialogChoosers choosers;
-    qmr::Startup startup(qmr::AppHome::fromArguments(QApplication::arguments()), settings,
-                         prompter, choosers);
+    qmr::Startup startup(qmr::AppHome::fromArguments(QApplication::arguments()), settings, prompter,
+                         choosers);
     if (!startup.start())
         return 1;
     prompter.setParent(startup.window());

@@ -39,8 +39,7 @@ bool Startup::start(bool showWindow)
     m_splash = std::make_unique<SplashWindow>();
     try {
         if (!m_home.ensureExists())
-            throw StoreError(
-                QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
+            throw StoreError(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
         m_splash->setStatus(QStringLiteral("Opening database"));
         StoreSchema::OpenDatabase(m_session->db(), m_home);
         m_splash->setStatus(QStringLiteral("Opening database"));
@@ -59,8 +58,8 @@ bool Startup::start(bool showWindow)
 
     m_splash->SplashStep(QStringLiteral("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
-    m_window = std::make_unique<NavWindow>(*m_session, m_prompter, m_choosers, *m_progress,
-                                           *m_templates);
+    m_window =
+        std::make_unique<NavWindow>(*m_session, m_prompter, m_choosers, *m_progress, *m_templates);
     m_window->load([this](const QString& text) { m_splash->SplashStep(text); });
 
     m_splash->SplashStep(QStringLiteral("Initializing"));

@@ -5,7 +5,9 @@
 
 namespace qmr {
 
-AppHome::AppHome(const QString& dir) : m_path(QDir::cleanPath(QDir(dir).absolutePath())) {}
+AppHome::AppHome(const QString& dir) : m_path(QDir::cleanPath(QDir(dir).absolutePath()))
+{
+}
 
 AppHome AppHome::fromArguments(const QStringList& arguments)
 {

@@ -55,8 +55,7 @@ void Settings::SavePlacement(const QString& formName, const Placement& placement
         SaveSetting(formName + QLatin1String(".Height"), QString::number(placement.height));
         SaveSetting(formName + QLatin1String(".Width"), QString::number(placement.width));
     }
-    SaveSetting(formName + QLatin1String(".WindowState"),
-                QString::number(placement.windowState));
+    SaveSetting(formName + QLatin1String(".WindowState"), QString::number(placement.windowState));
 }
 
 Placement Settings::RestorePlacement(const QString& formName, const Placement& current,
@@ -86,7 +85,8 @@ Placement Settings::RestorePlacement(const QString& formName, const Placement& c
 int Settings::displayCount() const
 {
     bool ok = false;
-    const double value = GetSetting(QStringLiteral("DisplayCount"), QStringLiteral("20")).toDouble(&ok);
+    const double value =
+        GetSetting(QStringLiteral("DisplayCount"), QStringLiteral("20")).toDouble(&ok);
     if (!ok)
         return 20;
     if (value < 1)

@@ -87,8 +87,8 @@ void paint(QPainter& p, const QString& key)
         drawPaper(p, false);
         p.setPen(Qt::NoPen);
         p.setBrush(QColor(0x43, 0xa0, 0x47));
-        p.drawPolygon(QPolygonF({QPointF(9, 26), QPointF(15, 17), QPointF(19, 22),
-                                 QPointF(21, 19), QPointF(24, 26)}));
+        p.drawPolygon(QPolygonF(
+            {QPointF(9, 26), QPointF(15, 17), QPointF(19, 22), QPointF(21, 19), QPointF(24, 26)}));
         p.setBrush(QColor(0xff, 0xa0, 0x00));
         p.drawEllipse(QPointF(13, 13), 2.2, 2.2);
     } else if (key == QLatin1String("found")) {

@@ -120,8 +120,8 @@ const std::initializer_list<MenuDef>& menuTable()
 const QStringList& NavMenus::levelMenus()
 {
     static const QStringList names = {
-        QStringLiteral("mnuPopupRoot"),   QStringLiteral("mnuPopupCabinet"),
-        QStringLiteral("mnuPopupDrawer"), QStringLiteral("mnuPopupFolder"),
+        QStringLiteral("mnuPopupRoot"),     QStringLiteral("mnuPopupCabinet"),
+        QStringLiteral("mnuPopupDrawer"),   QStringLiteral("mnuPopupFolder"),
         QStringLiteral("mnuPopupDocument"), QStringLiteral("mnuPopupPage")};
     return names;
 }

@@ -1,5 +1,6 @@
 #include "navigator/navtree.h"
 
+#include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
 
@@ -30,6 +31,9 @@ NavTree::NavTree(QWidget* parent) : QTreeWidget(parent)
     setColumnCount(1);
     setIconSize(QSize(16, 16));
     setUniformRowHeights(true);
+    // Long names scroll sideways instead of being cut short.
+    header()->setStretchLastSection(false);
+    header()->setSectionResizeMode(0, QHeaderView::ResizeToContents);
     setSortingEnabled(true);
     sortByColumn(0, Qt::AscendingOrder);
     setSelectionMode(QAbstractItemView::SingleSelection);
@@ -44,8 +48,8 @@ QString NavTree::keyOf(const QTreeWidgetItem* item)
     return item ? item->data(0, kKeyRole).toString() : QString();
 }
 
-QTreeWidgetItem* NavTree::addNode(const QString& parentKey, const QString& key,
-                                  const QString& text, const QIcon& icon)
+QTreeWidgetItem* NavTree::addNode(const QString& parentKey, const QString& key, const QString& text,
+                                  const QIcon& icon)
 {
     if (key.isEmpty() || m_nodes.contains(key))
         return nullptr;

@@ -44,8 +44,8 @@ QString rootKey()
 
 } // namespace
 
-NavWindow::NavWindow(Session& session, Prompter& prompter, Choosers& choosers,
-                     Progress& progress, DrawerTemplates& templates, QWidget* parent)
+NavWindow::NavWindow(Session& session, Prompter& prompter, Choosers& choosers, Progress& progress,
+                     DrawerTemplates& templates, QWidget* parent)
     : QMainWindow(parent), m_session(session), m_prompter(prompter), m_choosers(choosers),
       m_progress(progress), m_templates(templates)
 {
@@ -128,9 +128,8 @@ void NavWindow::buildWidgets()
     outer->addWidget(m_splitter, 1);
     setCentralWidget(central);
 
-    connect(m_tree, &NavTree::expanding, this, [this](const QString& key) {
-        guarded([&] { onExpand(key); });
-    });
+    connect(m_tree, &NavTree::expanding, this,
+            [this](const QString& key) { guarded([&] { onExpand(key); }); });
     connect(m_tree, &NavTree::nodeClicked, this, &NavWindow::NodeClick);
     connect(m_tree, &NavTree::enterPressed, this, &NavWindow::NodeClick);
     connect(m_tree, &NavTree::contextRequested, this, &NavWindow::onTreeMouseUp);
@@ -180,8 +179,8 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     m_session.selection().clear();
     Settings& settings = m_session.settings();
 
-    m_firstShow = settings.GetSetting(QStringLiteral("FirstShow"), QStringLiteral("Y")) ==
-                  QLatin1String("Y");
+    m_firstShow =
+        settings.GetSetting(QStringLiteral("FirstShow"), QStringLiteral("Y")) == QLatin1String("Y");
     if (!m_firstShow) {
         Placement current{y(), x(), height(), width(), 0};
         const Placement p = settings.RestorePlacement(kFormName, current);
@@ -334,8 +333,7 @@ void NavWindow::tvwMainProcessNode(const QString& text)
     const NodeKey clicked = NodeKey::parse(text);
     bool proceed = true;
     try {
-        if (clicked.level() == Level::Cabinet &&
-            !m_session.locks().IsCabinetOpen(clicked.id()) &&
+        if (clicked.level() == Level::Cabinet && !m_session.locks().IsCabinetOpen(clicked.id()) &&
             !m_session.locks().OpenCabinet(clicked.id(), m_choosers, m_prompter, this))
             proceed = false;
     } catch (const StoreError& e) {
@@ -421,8 +419,7 @@ void NavWindow::onTreeMouseUp(Qt::MouseButton button)
             popup = m_menus.menu(QStringLiteral("mnuPopupFound"));
         } else if (key.isRoot()) {
             popup = m_menus.menu(QStringLiteral("mnuPopupRoot"));
-        } else if (const std::optional<Level> level = key.level();
-                   level && *level != Level::Page) {
+        } else if (const std::optional<Level> level = key.level(); level && *level != Level::Page) {
             if (*level == Level::Cabinet && !m_session.locks().IsCabinetOpen(key.id()))
                 return;
             setRecordFromKey(key);
@@ -511,9 +508,8 @@ void NavWindow::onListActivated(QListWidgetItem* item)
 
 void NavWindow::addItemNode(Level level, qint32 parentId, qint32 id, const QString& text)
 {
-    const QString parentKey = level == Level::Cabinet
-                                  ? rootKey()
-                                  : NodeKey::of(*parentLevel(level), parentId).text();
+    const QString parentKey =
+        level == Level::Cabinet ? rootKey() : NodeKey::of(*parentLevel(level), parentId).text();
     const QString key = NodeKey::of(level, id).text();
     if (m_tree->addNode(parentKey, key, text, iconFor(level, id)))
         m_tree->selectNode(key);

@@ -69,7 +69,8 @@ QString ColumnWidths::messageForConstraint(const QString& engineText)
 
 QString ColumnWidths::textColumn(const QString& table, const QString& column, int width)
 {
-    return QStringLiteral("%2 VARCHAR(%3) COLLATE NOCASE CONSTRAINT %1_%2_%3 CHECK (length(%2) <= %3)")
+    return QStringLiteral(
+               "%2 VARCHAR(%3) COLLATE NOCASE CONSTRAINT %1_%2_%3 CHECK (length(%2) <= %3)")
         .arg(table, column)
         .arg(width);
 }

@@ -37,12 +37,11 @@ void bindValue(sqlite3_stmt* stmt, int index, const QVariant& value)
     case QMetaType::Float:
         sqlite3_bind_double(stmt, index, value.toDouble());
         return;
-    case QMetaType::QDate:
-        {
-            const QByteArray t =
-                value.toDate().toString(QStringLiteral("yyyy-MM-dd 00:00:00")).toUtf8();
-            sqlite3_bind_text(stmt, index, t.constData(), int(t.size()), SQLITE_TRANSIENT);
-        }
+    case QMetaType::QDate: {
+        const QByteArray t =
+            value.toDate().toString(QStringLiteral("yyyy-MM-dd 00:00:00")).toUtf8();
+        sqlite3_bind_text(stmt, index, t.constData(), int(t.size()), SQLITE_TRANSIENT);
+    }
         return;
     case QMetaType::QDateTime: {
         const QByteArray t =
@@ -71,9 +70,9 @@ QVariant columnValue(sqlite3_stmt* stmt, int column)
     case SQLITE_FLOAT:
         return QVariant(sqlite3_column_double(stmt, column));
     case SQLITE_TEXT:
-        return QVariant(QString::fromUtf8(
-            reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
-            sqlite3_column_bytes(stmt, column)));
+        return QVariant(
+            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
+                              sqlite3_column_bytes(stmt, column)));
     case SQLITE_BLOB:
         return QVariant(QByteArray(static_cast<const char*>(sqlite3_column_blob(stmt, column)),
                                    sqlite3_column_bytes(stmt, column)));
@@ -96,8 +95,8 @@ void Database::open(const QString& path)
     const int rc = sqlite3_open_v2(path.toUtf8().constData(), &db,
                                    SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE, nullptr);
     if (rc != SQLITE_OK) {
-        const QString message = db ? QString::fromUtf8(sqlite3_errmsg(db))
-                                   : QString::fromUtf8(sqlite3_errstr(rc));
+        const QString message =
+            db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(rc));
         sqlite3_close(db);
         throw StoreError(QStringLiteral("Cannot open the store %1: %2").arg(path, message));
     }
@@ -107,7 +106,13 @@ void Database::open(const QString& path)
     sqlite3_extended_result_codes(m_db, 1);
     sqlite3_create_collation(m_db, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase);
     // Reading the schema proves that the file is a store at all.
-    run(QStringLiteral("SELECT count(*) FROM sqlite_master"), {});
+    try {
+        run(QStringLiteral("SELECT count(*) FROM sqlite_master"), {});
+    } catch (const StoreError&) {
+        const QString message = QString::fromUtf8(sqlite3_errmsg(m_db));
+        close();
+        throw StoreError(QStringLiteral("Cannot open the store %1: %2").arg(path, message));
+    }
 }
 
 void Database::close()

@@ -41,9 +41,8 @@ QVector<ItemRow> ItemStore::children(Level level, qint32 parentId) const
 ItemRow ItemStore::item(Level level, qint32 id) const
 {
     const ItemTable& t = ItemTable::of(level);
-    const Recordset rs =
-        m_db.OpenRecordset(QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()),
-                           {id});
+    const Recordset rs = m_db.OpenRecordset(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()), {id});
     ItemRow row;
     if (rs.RecordCount() < 1)
         return row;

@@ -15,8 +15,8 @@ struct ItemRow
 {
     qint32 id = -1;
     QString name;
-    QDate date;        // documents: DateOnDocument
-    QString password;  // cabinets: the stored (enciphered) password, "" for Null
+    QDate date;       // documents: DateOnDocument
+    QString password; // cabinets: the stored (enciphered) password, "" for Null
 };
 
 struct PageRow

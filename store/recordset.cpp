@@ -21,7 +21,8 @@ int Recordset::columnIndex(const QString& column) const
 QVariant Recordset::value(int row, int column) const
 {
     if (row < 0 || row >= m_rows.size() || column < 0 || column >= m_columns.size())
-        throw StoreError(QStringLiteral("No field %1 in row %2 of the result.").arg(column).arg(row));
+        throw StoreError(
+            QStringLiteral("No field %1 in row %2 of the result.").arg(column).arg(row));
     return m_rows.at(row).at(column);
 }
 

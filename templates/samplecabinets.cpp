@@ -72,8 +72,8 @@ QVector<SampleCabinets::Created> SampleCabinets::FillSampleCabinet(const QString
     for (const QString& line : OutlineFile::readLines(filePath())) {
         const OutlineLine l = OutlineFile::parse(line);
         if (!inSample) {
-            inSample = l.key == QLatin1String("CAB") &&
-                       l.name.compare(name, Qt::CaseInsensitive) == 0;
+            inSample =
+                l.key == QLatin1String("CAB") && l.name.compare(name, Qt::CaseInsensitive) == 0;
             continue;
         }
         if (l.key == QLatin1String("CAB"))

@@ -1,0 +1,187 @@
+#include "app/barwidget.h"
+#include "app/progresswindow.h"
+#include "app/splashwindow.h"
+#include "app/startup.h"
+#include "navigator/navtree.h"
+#include "navigator/navwindow.h"
+#include "store/database.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+#include <QFile>
+#include <QPushButton>
+#include <QTest>
+
+using namespace qmr;
+
+class TestStartup : public QObject
+{
+    Q_OBJECT
+private slots:
+    void firstAndSecondRun()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        QRect normal;
+        {
+            Startup run(home.home(), home.settings(), prompter, choosers);
+            QVERIFY(run.start());
+            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+            QVERIFY(QFile::exists(home.file("qmr.mdb")));
+            QCOMPARE(StoreSchema::readVersion(run.session().db()), 4);
+            NavWindow* w = run.window();
+            QVERIFY(w->isFirstShow());
+            QVERIFY(w->isMaximized());
+            QCOMPARE(home.settings().GetSetting("FirstShow"), QStringLiteral("N"));
+            QVERIFY(qAbs(w->treeWidthTwips() - 3000) <= 15);
+            QCOMPARE(w->tree()->node("ROOT")->child(0)->text(0),
+                     QStringLiteral("Generic File Cabinet"));
+            // Six steps of eight: the bar never quite fills.
+            QCOMPARE(run.splash()->bar()->position(), 6);
+            QCOMPARE(run.splash()->bar()->maximum(), 8);
+            QVERIFY(!run.splash()->isVisible());
+            QCOMPARE(run.session().findRecord().cabinetName, QStringLiteral("(All)"));
+            // Leave the window in its normal state at a known place, with a drawer selected.
+            w->showNormal();
+            w->setGeometry(40, 50, 700, 500);
+            normal = w->geometry();
+            const QString drawer = NavTree::keyOf(w->tree()->node("ROOT")->child(0)->child(1));
+            w->tree()->selectNode(drawer);
+            w->NodeClick(drawer);
+            w->close();
+        }
+        Settings& settings = home.reopenSettings();
+        QCOMPARE(settings.GetSetting("frmNavTree.WindowState"), QStringLiteral("0"));
+        const QString last = settings.GetSetting("LastNavTreeNodeKey");
+        QVERIFY(last.startsWith("DRW"));
+
+        Startup again(home.home(), settings, prompter, choosers);
+        QVERIFY(again.start());
+        NavWindow* w = again.window();
+        QVERIFY(!w->isFirstShow());
+        QVERIFY(!w->isMaximized());
+        QCOMPARE(w->geometry().size(), normal.size());
+        QCOMPARE(w->tree()->selectedKey(), last);
+        QCOMPARE(again.session().selection().lastNodeKey, last);
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QCOMPARE(choosers.passwordAsks(), 0);
+    }
+
+    void olderStoreIsUpgradedOnStart()
+    {
+        test::TestHome home;
+        {
+            Database db;
+            db.open(StoreSchema::storePath(home.home()));
+            StoreSchema::createTables(db);
+            StoreSchema::UpdateDatabase(db, 2);
+            db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Old one', '')");
+        }
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(run.start(false));
+        QCOMPARE(StoreSchema::readVersion(run.session().db()), 4);
+        QCOMPARE(run.window()->tree()->node("CAB1")->text(0), QStringLiteral("Old one"));
+    }
+
+    void failuresEndTheStartWithAMessage()
+    {
+        test::TestHome home;
+        QFile junk(home.file("qmr.mdb"));
+        QVERIFY(junk.open(QIODevice::WriteOnly));
+        junk.write(QByteArray(2048, '\x7f'));
+        junk.close();
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(!run.start(false));
+        QCOMPARE(prompter.seen().size(), 1);
+        QVERIFY2(prompter.seen().first().contains("qmr.mdb"), qPrintable(prompter.seen().first()));
+        QVERIFY(!run.window());
+        QCOMPARE(junk.size(), 2048); // untouched
+    }
+
+    void prerequisite()
+    {
+        test::ScriptedPrompter prompter;
+        QVERIFY(Startup::CheckDataAccess(prompter, StoreSchema::kMinimumSqlite));
+        QVERIFY(Startup::CheckDataAccess(prompter, Database::runtimeVersion()));
+        prompter.expect("MDAC 2.7 is not installed.  Please visit our website and select "
+                        "Download.  Then select MDAC.");
+        QVERIFY(!Startup::CheckDataAccess(prompter, 3007000));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+
+    void progressBar_data()
+    {
+        QTest::addColumn<int>("maximum");
+        QTest::addColumn<int>("steps");
+        QTest::addColumn<double>("fraction");
+        QTest::newRow("three of three") << 3 << 3 << 0.75;
+        QTest::newRow("beyond the end") << 3 << 9 << 0.75;
+        QTest::newRow("none") << 10 << 0 << 0.0;
+        QTest::newRow("half") << 9 << 5 << 0.5;
+    }
+    void progressBar()
+    {
+        QFETCH(int, maximum);
+        QFETCH(int, steps);
+        QFETCH(double, fraction);
+        ProgressWindow w;
+        w.start("Working", 0, maximum);
+        for (int i = 0; i < steps; ++i)
+            w.step(QString("step %1").arg(i));
+        QCOMPARE(w.bar()->fraction(), fraction);
+        if (steps > 0)
+            QCOMPARE(w.status(), QString("step %1").arg(steps - 1));
+        w.end();
+        QVERIFY(w.stopped());
+        QVERIFY(!w.isVisible());
+    }
+
+    void progressRefusesToCloseAndCancels()
+    {
+        ProgressWindow w;
+        w.start("Working", 1, 100);
+        QVERIFY(!w.stopped());
+        QVERIFY(!w.close());
+        QVERIFY(w.isVisible());
+        auto* cancel = w.findChild<QPushButton*>("cmdCancel");
+        QVERIFY(cancel);
+        QVERIFY(cancel->isHidden());
+        w.showCancel();
+        QVERIFY(!cancel->isHidden());
+        cancel->click();
+        QVERIFY(w.stopped());
+        // The loop that sees the flag ends the progress itself.
+        w.end();
+        QVERIFY(!w.isVisible());
+        // A second start may come while the window is up: the bar goes back to 0.
+        w.start("Counting", 1, 10);
+        w.step("one");
+        w.start("Deleting", 1, 4);
+        QCOMPARE(w.bar()->position(), 0);
+        QVERIFY(!w.stopped());
+        w.end();
+    }
+
+    void splashSteps()
+    {
+        SplashWindow s;
+        s.ShowSplash("Starting", 1, 3);
+        for (const char* text : {"a", "b", "c", "d", "e"})
+            s.SplashStep(text);
+        QCOMPARE(s.status(), QStringLiteral("e"));
+        QCOMPARE(s.bar()->position(), 3);
+        QCOMPARE(s.windowTitle(), QStringLiteral("Starting"));
+    }
+};
+
+QMR_TEST(TestStartup)
+#include "teststartup.moc"

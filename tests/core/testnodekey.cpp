@@ -1,0 +1,82 @@
+#include "core/nodekey.h"
+#include "tests/support/testrunner.h"
+
+#include <QTest>
+
+using namespace qmr;
+
+class TestNodeKey : public QObject
+{
+    Q_OBJECT
+private slots:
+    void parse_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("prefix");
+        QTest::addColumn<int>("id");
+        QTest::addColumn<int>("level"); // -1 for none
+        QTest::addColumn<int>("foundLevel");
+        QTest::addColumn<bool>("root");
+        QTest::addColumn<bool>("foundRoot");
+
+        QTest::newRow("cabinet 12") << "CAB12"
+                                    << "CAB" << 12 << 0 << -1 << false << false;
+        QTest::newRow("cabinet 1") << "CAB1"
+                                   << "CAB" << 1 << 0 << -1 << false << false;
+        QTest::newRow("drawer") << "DRW7"
+                                << "DRW" << 7 << 1 << -1 << false << false;
+        QTest::newRow("folder") << "FLD123456"
+                                << "FLD" << 123456 << 2 << -1 << false << false;
+        QTest::newRow("document") << "DOC0"
+                                  << "DOC" << 0 << 3 << -1 << false << false;
+        QTest::newRow("page") << "PAG99"
+                              << "PAG" << 99 << 4 << -1 << false << false;
+        QTest::newRow("found cabinet") << "FCB3"
+                                       << "FCB" << 3 << -1 << 0 << false << false;
+        QTest::newRow("found document") << "FDC5"
+                                        << "FDC" << 5 << -1 << 3 << false << false;
+        QTest::newRow("root") << "ROOT"
+                              << "ROO" << -1 << -1 << -1 << true << false;
+        QTest::newRow("found root") << "ROOTFOUND"
+                                    << "ROO" << -1 << -1 << -1 << false << true;
+        QTest::newRow("bare prefix") << "CAB"
+                                     << "CAB" << -1 << -1 << -1 << false << false;
+        QTest::newRow("not a number") << "CABx1"
+                                      << "CAB" << -1 << -1 << -1 << false << false;
+        QTest::newRow("signed") << "CAB-1"
+                                << "CAB" << -1 << -1 << -1 << false << false;
+        QTest::newRow("lower case") << "cab4"
+                                    << "cab" << 4 << -1 << -1 << false << false;
+        QTest::newRow("empty") << ""
+                               << "" << -1 << -1 << -1 << false << false;
+    }
+    void parse()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, prefix);
+        QFETCH(int, id);
+        QFETCH(int, level);
+        QFETCH(int, foundLevel);
+        QFETCH(bool, root);
+        QFETCH(bool, foundRoot);
+        const NodeKey key = NodeKey::parse(text);
+        QCOMPARE(key.text(), text);
+        QCOMPARE(key.prefix(), prefix);
+        QCOMPARE(key.id(), id);
+        QCOMPARE(key.level() ? int(*key.level()) : -1, level);
+        QCOMPARE(key.foundLevel() ? int(*key.foundLevel()) : -1, foundLevel);
+        QCOMPARE(key.isRoot(), root);
+        QCOMPARE(key.isFoundRoot(), foundRoot);
+    }
+
+    void keysCompareWhole()
+    {
+        QVERIFY(!(NodeKey::parse("CAB1") == NodeKey::parse("CAB12")));
+        QCOMPARE(NodeKey::of(Level::Cabinet, 12), NodeKey::parse("CAB12"));
+        QCOMPARE(NodeKey::found(Level::Folder, 8).text(), QStringLiteral("FFD8"));
+        QCOMPARE(NodeKey::of(Level::Document, 2147483647).id(), 2147483647);
+    }
+};
+
+QMR_TEST(TestNodeKey)
+#include "testnodekey.moc"

@@ -1,0 +1,145 @@
+#include "core/findrecord.h"
+#include "core/settings.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+#include <QTest>
+
+using namespace qmr;
+
+class TestSettings : public QObject
+{
+    Q_OBJECT
+private slots:
+    void absentEmptyAndDefaults()
+    {
+        test::TestHome home;
+        Settings& s = home.settings();
+        QCOMPARE(s.GetSetting("FirstShow", "Y"), QStringLiteral("Y"));
+        QCOMPARE(s.GetSetting("NoSuchKey"), QString());
+        QVERIFY(!s.contains("EmailSystem"));
+        s.SaveSetting("EmailSystem", "");
+        QVERIFY(s.contains("EmailSystem"));
+        // An empty value is a value: the default does not come back.
+        QCOMPARE(s.GetSetting("EmailSystem", "MAPI"), QString());
+        s.SaveSetting("Printer", "Desk Jet");
+        QCOMPARE(home.reopenSettings().GetSetting("Printer"), QStringLiteral("Desk Jet"));
+    }
+
+    void keysLiveInTheSettingsGroup()
+    {
+        test::TestHome home;
+        home.settings().SaveSetting("FirstShow", "N");
+        home.settings().sync();
+        QSettings raw(home.settingsPath(), QSettings::IniFormat);
+        QCOMPARE(raw.value("Settings/FirstShow").toString(), QStringLiteral("N"));
+    }
+
+    void displayCountClamp_data()
+    {
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<int>("expected");
+        QTest::newRow("absent") << QString() << 20;
+        QTest::newRow("zero") << "0" << 1;
+        QTest::newRow("negative") << "-5" << 1;
+        QTest::newRow("one") << "1" << 1;
+        QTest::newRow("sixty-four") << "64" << 64;
+        QTest::newRow("five hundred") << "500" << 64;
+        QTest::newRow("twelve") << "12" << 12;
+    }
+    void displayCountClamp()
+    {
+        QFETCH(QString, stored);
+        QFETCH(int, expected);
+        test::TestHome home;
+        if (!stored.isNull())
+            home.settings().SaveSetting("DisplayCount", stored);
+        QCOMPARE(home.settings().displayCount(), expected);
+        // The clamp never rewrites the stored value.
+        QCOMPARE(home.settings().GetSetting("DisplayCount"), stored);
+    }
+
+    void savePlacement_data()
+    {
+        QTest::addColumn<int>("state");
+        QTest::addColumn<bool>("rectangleWritten");
+        QTest::newRow("normal") << 0 << true;
+        QTest::newRow("minimised") << 1 << false;
+        QTest::newRow("maximised") << 2 << false;
+    }
+    void savePlacement()
+    {
+        QFETCH(int, state);
+        QFETCH(bool, rectangleWritten);
+        test::TestHome home;
+        Settings& s = home.settings();
+        s.SavePlacement("frmNavTree", Placement{10, 20, 300, 400, state});
+        QCOMPARE(s.GetSetting("frmNavTree.WindowState"), QString::number(state));
+        for (const char* key :
+             {"frmNavTree.Top", "frmNavTree.Left", "frmNavTree.Height", "frmNavTree.Width"})
+            QCOMPARE(s.contains(QLatin1String(key)), rectangleWritten);
+        if (rectangleWritten) {
+            QCOMPARE(s.GetSetting("frmNavTree.Top"), QStringLiteral("10"));
+            QCOMPARE(s.GetSetting("frmNavTree.Width"), QStringLiteral("400"));
+        }
+    }
+
+    void restorePlacement()
+    {
+        test::TestHome home;
+        Settings& s = home.settings();
+        const Placement current{1, 2, 3, 4, 0};
+        // Nothing stored: the current values stay.
+        Placement p = s.RestorePlacement("frmNavTree", current);
+        QCOMPARE(p.top, 1);
+        QCOMPARE(p.width, 4);
+
+        s.SavePlacement("frmNavTree", Placement{50, 60, 700, 800, 0});
+        s.SavePlacement("frmNavTree", Placement{0, 0, 0, 0, 1}); // closed minimised
+        p = s.RestorePlacement("frmNavTree", current);
+        QCOMPARE(p.windowState, 0); // never comes back minimised
+        QCOMPARE(p.top, 50);
+        QCOMPARE(p.left, 60);
+        QCOMPARE(p.height, 700);
+        QCOMPARE(p.width, 800);
+
+        // A bad value leaves that one field alone.
+        s.SaveSetting("frmNavTree.Left", "wide");
+        s.SaveSetting("frmNavTree.WindowState", "2");
+        p = s.RestorePlacement("frmNavTree", current);
+        QCOMPARE(p.left, 2);
+        QCOMPARE(p.top, 50);
+        QCOMPARE(p.windowState, 2);
+
+        // A fixed window keeps its size.
+        p = s.RestorePlacement("frmNavTree", current, false);
+        QCOMPARE(p.height, 3);
+        QCOMPARE(p.width, 4);
+    }
+
+    void findDefaults()
+    {
+        FindRecord r;
+        r.keywords = "tax";
+        r.matchAny = 0;
+        r.matchAll = 1;
+        r.cabinetName = "Home";
+        r.amountThru = 12;
+        r.scanFrom = QDate(2020, 1, 1);
+        r.InitFindDefaults();
+        QCOMPARE(r.keywords, QString());
+        QCOMPARE(r.matchAny, 1);
+        QCOMPARE(r.matchAll, 0);
+        QCOMPARE(r.cabinetName, QStringLiteral("(All)"));
+        QCOMPARE(r.drawerName, QStringLiteral("(All)"));
+        QCOMPARE(r.folderName, QStringLiteral("(All)"));
+        QCOMPARE(r.scanFrom, QDate(1901, 1, 1));
+        QCOMPARE(r.scanThru, QDate(2099, 12, 31));
+        QCOMPARE(r.docFrom, QDate(1901, 1, 1));
+        QCOMPARE(r.docThru, QDate(2099, 12, 31));
+        QCOMPARE(r.amountThru, 0.0);
+    }
+};
+
+QMR_TEST(TestSettings)
+#include "testsettings.moc"

@@ -1,0 +1,98 @@
+#pragma once
+
+#include "core/progress.h"
+#include "navigator/navtree.h"
+#include "navigator/navwindow.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "templates/drawertemplates.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+
+#include <QListWidget>
+#include <QMenu>
+#include <QTest>
+#include <memory>
+
+namespace qmr::test {
+
+// A main window on a temporary home, with scripted prompter and choosers.
+struct NavHarness
+{
+    TestHome home;
+    ScriptedPrompter prompter;
+    ScriptedChoosers choosers;
+    SilentProgress progress;
+    std::unique_ptr<Session> session;
+    std::unique_ptr<DrawerTemplates> templates;
+    std::unique_ptr<NavWindow> window;
+
+    // Opens the store; call fixture() before load() to fill it.
+    void openStore()
+    {
+        session = std::make_unique<Session>(home.home(), home.settings());
+        StoreSchema::OpenDatabase(session->db(), home.home());
+    }
+    void load(bool show = true)
+    {
+        if (!session)
+            openStore();
+        templates = std::make_unique<DrawerTemplates>(home.home());
+        window = std::make_unique<NavWindow>(*session, prompter, choosers, progress, *templates);
+        window->resize(900, 600);
+        window->load();
+        if (show) {
+            window->show();
+            QVERIFY(QTest::qWaitForWindowExposed(window.get()));
+        }
+    }
+    NavTree* tree() const { return window->tree(); }
+
+    // A left click on the node, as a person makes it.
+    void click(const QString& key)
+    {
+        QTreeWidgetItem* item = tree()->node(key);
+        QVERIFY2(item, qPrintable("no node " + key));
+        for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
+            p->setExpanded(true);
+        tree()->scrollToItem(item);
+        const QRect r = tree()->visualItemRect(item);
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, r.center());
+    }
+
+    QStringList childKeys(const QString& key) const
+    {
+        QStringList keys;
+        if (QTreeWidgetItem* item = tree()->node(key))
+            for (int i = 0; i < item->childCount(); ++i)
+                keys << NavTree::keyOf(item->child(i));
+        return keys;
+    }
+    QStringList childTexts(const QString& key) const
+    {
+        QStringList texts;
+        if (QTreeWidgetItem* item = tree()->node(key))
+            for (int i = 0; i < item->childCount(); ++i)
+                texts << item->child(i)->text(0);
+        return texts;
+    }
+    QStringList listTexts() const
+    {
+        QStringList texts;
+        for (int i = 0; i < window->list()->count(); ++i)
+            texts << window->list()->item(i)->text();
+        return texts;
+    }
+    QString visibleLevelMenu() const
+    {
+        QString shown;
+        for (const QString& name : NavMenus::levelMenus())
+            if (window->menus().menu(name)->menuAction()->isVisible())
+                shown += shown.isEmpty() ? name : "," + name;
+        return shown;
+    }
+};
+
+} // namespace qmr::test

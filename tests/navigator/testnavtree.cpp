@@ -1,0 +1,375 @@
+#include "navharness.h"
+#include "store/itemstore.h"
+#include "tests/support/testrunner.h"
+
+#include <QFile>
+#include <QSignalSpy>
+#include <QTest>
+
+using namespace qmr;
+using test::NavHarness;
+
+class TestNavTree : public QObject
+{
+    Q_OBJECT
+private slots:
+    void keyedTree()
+    {
+        NavTree tree;
+        QVERIFY(tree.addNode({}, "ROOT", "File Cabinets", {}));
+        QVERIFY(tree.addNode("ROOT", "CAB1", "beta", {}));
+        QVERIFY(tree.addNode("ROOT", "CAB12", "Alpha", {}));
+        QVERIFY(tree.addNode("ROOT", "CAB2", "gamma", {}));
+        // A second node with a key that is there, or under a missing parent, is refused.
+        QVERIFY(!tree.addNode("ROOT", "CAB1", "again", {}));
+        QVERIFY(!tree.addNode("CAB99", "DRW1", "orphan", {}));
+        QCOMPARE(tree.node("CAB1")->text(0), QStringLiteral("beta"));
+        QCOMPARE(tree.nodeCount(), 4);
+        // Children stay sorted by text without regard to case.
+        QTreeWidgetItem* root = tree.node("ROOT");
+        QCOMPARE(root->child(0)->text(0), QStringLiteral("Alpha"));
+        QCOMPARE(root->child(1)->text(0), QStringLiteral("beta"));
+        QCOMPARE(root->child(2)->text(0), QStringLiteral("gamma"));
+        tree.addNode("CAB1", "DRW5", "inner", {});
+        tree.removeNode("CAB1");
+        QVERIFY(!tree.node("DRW5"));
+        QVERIFY(tree.addNode("ROOT", "CAB1", "back", {}));
+    }
+
+    void expandFromCodeIsReported()
+    {
+        NavTree tree;
+        tree.addNode({}, "ROOT", "root", {});
+        tree.addNode("ROOT", "CAB1", "with child", {});
+        tree.addNode("CAB1", "DRW1", "child", {});
+        tree.addNode("ROOT", "CAB2", "bare", {});
+        QSignalSpy spy(&tree, &NavTree::expanding);
+        QVERIFY(tree.expandNode("CAB1"));
+        QVERIFY(tree.expandNode("CAB2"));
+        QVERIFY(!tree.expandNode("CAB3"));
+        QCOMPARE(spy.count(), 2);
+        QCOMPARE(spy.at(0).at(0).toString(), QStringLiteral("CAB1"));
+        QCOMPARE(spy.at(1).at(0).toString(), QStringLiteral("CAB2"));
+    }
+
+    void firstStartMakesTheSampleCabinet()
+    {
+        NavHarness h;
+        h.load();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(QFile::exists(h.home.file("Sample.txt")));
+        QCOMPARE(h.childTexts("ROOT"), QStringList{"Generic File Cabinet"});
+        QCOMPARE(h.tree()->node("ROOT")->text(0), QStringLiteral("File Cabinets"));
+        QVERIFY(h.tree()->node("ROOT")->isExpanded());
+        const QString cab = h.childKeys("ROOT").first();
+        QCOMPARE(h.childTexts(cab),
+                 (QStringList{"Automobile", "Finances", "Home", "Household Equipment",
+                              "Income Tax Returns", "Insurance"}));
+        QCOMPARE(h.tree()->selectedKey(), cab);
+        QCOMPARE(h.listTexts().size(), 6);
+        // Folders arrive under their drawers.
+        const QString finances = h.childKeys(cab).at(1);
+        QCOMPARE(h.childTexts(finances),
+                 (QStringList{"401k", "Bank Acocunt", "Credit Cards", "Stocks"}));
+    }
+
+    void refreshOnAnEmptyStoreBringsTheSampleBack()
+    {
+        NavHarness h;
+        h.load();
+        h.session->db().execute("DELETE FROM Folder");
+        h.session->db().execute("DELETE FROM Drawer");
+        h.session->db().execute("DELETE FROM Cabinet");
+        QTest::keyClick(h.tree(), Qt::Key_F5);
+        QCOMPARE(h.childTexts("ROOT"), QStringList{"Generic File Cabinet"});
+        QCOMPARE(ItemStore(h.session->db()).count(Level::Cabinet), 1);
+        QCOMPARE(h.childKeys("ROOT"), QStringList{"CAB2"}); // ids are never reused
+        QVERIFY(h.window->list()->isVisible());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void clicksFillTheNextLevelAndTheRecord_data()
+    {
+        QTest::addColumn<QStringList>("path");
+        QTest::addColumn<QString>("menu");
+        QTest::addColumn<int>("level");
+        QTest::addColumn<int>("id");
+        QTest::addColumn<int>("parent");
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QStringList>("list");
+        QTest::newRow("root") << QStringList{"ROOT"} << "mnuPopupRoot" << -1 << -1 << -1 << ""
+                              << QStringList{"Home Papers", "Private"};
+        QTest::newRow("cabinet") << QStringList{"CAB1"} << "mnuPopupCabinet" << 0 << 1 << -1
+                                 << "Home Papers" << QStringList{"Bank", "Taxes"};
+        QTest::newRow("drawer") << QStringList{"CAB1", "DRW1"} << "mnuPopupDrawer" << 1 << 1 << 1
+                                << "Bank" << QStringList{"Checking", "Savings"};
+        QTest::newRow("folder") << QStringList{"CAB1", "DRW1", "FLD1"} << "mnuPopupFolder" << 2 << 1
+                                << 1 << "Checking"
+                                << QStringList{"March statement", "O'Brien's letter"};
+        QTest::newRow("document") << QStringList{"CAB1", "DRW1", "FLD1", "DOC1"}
+                                  << "mnuPopupDocument" << 3 << 1 << 1
+                                  << "March statement (03/31/2026)" << QStringList{};
+    }
+    void clicksFillTheNextLevelAndTheRecord()
+    {
+        QFETCH(QStringList, path);
+        QFETCH(QString, menu);
+        QFETCH(int, level);
+        QFETCH(int, id);
+        QFETCH(int, parent);
+        QFETCH(QString, name);
+        QFETCH(QStringList, list);
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        // Before any click only drawers are loaded: no folders yet.
+        QCOMPARE(h.childKeys("DRW1"), QStringList{});
+        for (const QString& key : path)
+            h.click(key);
+        const SelectionRecord& r = h.session->selection();
+        QCOMPARE(r.lastNodeKey, path.last());
+        QCOMPARE(h.visibleLevelMenu(), menu);
+        QCOMPARE(r.currentParentId, parent);
+        for (int l = 0; l < 4; ++l) {
+            QCOMPARE(r.idOf(Level(l)), l == level ? id : -1);
+            QCOMPARE(const_cast<SelectionRecord&>(r).nameOf(Level(l)), l == level ? name : "");
+        }
+        if (level == 3) {
+            QVERIFY(h.window->pageList()->isVisible());
+            QCOMPARE(h.window->pageList()->topLevelItemCount(), 2);
+            QCOMPARE(h.window->pageList()->topLevelItem(0)->text(0), QStringLiteral("Page 1"));
+        } else {
+            QCOMPARE(h.listTexts(), list);
+        }
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void levelsFillAsTheyOpen()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.click("CAB1");
+        // A cabinet click brings its folders; documents wait for the drawer.
+        QCOMPARE(h.childTexts("DRW1"), (QStringList{"Checking", "Savings"}));
+        QCOMPARE(h.childKeys("FLD1"), QStringList{});
+        const int before = h.tree()->nodeCount();
+        h.click("ROOT");
+        h.click("CAB1");
+        QCOMPARE(h.tree()->nodeCount(), before);
+        h.click("DRW1");
+        QCOMPARE(h.childTexts("FLD1"),
+                 (QStringList{"March statement (03/31/2026)", "O'Brien's letter"}));
+        // Expanding a drawer by hand loads the documents of its folders as well.
+        h.tree()->node("DRW2")->setExpanded(true);
+        QCOMPARE(h.childTexts("FLD3"), QStringList{"Return (04/15/2026)"});
+    }
+
+    void lockedCabinetAsksForItsPassword()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        QCOMPARE(h.childKeys("CAB2"), QStringList{}); // a bare node
+        const QString listBefore = h.listTexts().join('|');
+
+        h.choosers.queuePassword(std::nullopt); // Cancel, or the window closed
+        h.click("CAB2");
+        QCOMPARE(h.childKeys("CAB2"), QStringList{});
+        QVERIFY(!h.tree()->node("CAB2")->isExpanded());
+        QCOMPARE(h.session->selection().lastNodeKey, QStringLiteral("CAB2"));
+        QCOMPARE(h.listTexts().join('|'), listBefore);
+
+        h.choosers.queuePassword(QStringLiteral("wrong"));
+        h.prompter.expect("Access Denied");
+        h.click("CAB2");
+        QCOMPARE(h.childKeys("CAB2"), QStringList{});
+
+        // The right password opens it; the node was the one handled last, so nothing more
+        // happens until another node has been clicked.
+        h.choosers.queuePassword(QStringLiteral("secret"));
+        h.click("CAB2");
+        QVERIFY(h.session->locks().IsCabinetOpen(2));
+        QCOMPARE(h.childKeys("CAB2"), QStringList{});
+        h.click("ROOT");
+        h.click("CAB2");
+        QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
+        QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
+        QCOMPARE(h.listTexts(), QStringList{"Health"});
+        QCOMPARE(h.session->selection().currentCabinetId, 2);
+        QCOMPARE(h.choosers.passwordAsks(), 3);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void namesAndDatesFollowUpdates()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.click("CAB1");
+        h.click("DRW1");
+        h.click("FLD1");
+        QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement (03/31/2026)"));
+        h.window->UpdateDocumentName(1, "April statement", QDate());
+        QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement"));
+        QVERIFY(h.listTexts().contains("April statement"));
+        h.window->UpdateDocumentName(1, "April statement", QDate(2026, 4, 30));
+        QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement (04/30/2026)"));
+        h.window->UpdateFolderName(1, "Current account");
+        QCOMPARE(h.tree()->node("FLD1")->text(0), QStringLiteral("Current account"));
+        // Not in the list: only the tree changes, without complaint.
+        h.window->UpdateCabinetName(1, "Home & Co");
+        QCOMPARE(h.tree()->node("CAB1")->text(0), QStringLiteral("Home & Co"));
+        h.window->AddDocumentToNavTree(1, 99, "Receipt", QDate(2026, 1, 5));
+        QCOMPARE(h.tree()->node("DOC99")->text(0), QStringLiteral("Receipt (01/05/2026)"));
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DOC99"));
+    }
+
+    void restoreWalk_data()
+    {
+        QTest::addColumn<QString>("saved");
+        QTest::addColumn<QString>("selected");
+        QTest::addColumn<QString>("menu");
+        QTest::addColumn<int>("level");
+        QTest::addColumn<int>("parent");
+        QTest::addColumn<QStringList>("list");
+        QTest::newRow("cabinet") << "CAB1"
+                                 << "CAB1"
+                                 << "mnuPopupCabinet" << 0 << -1 << QStringList{"Bank", "Taxes"};
+        QTest::newRow("drawer") << "DRW2"
+                                << "DRW2"
+                                << "mnuPopupDrawer" << 1 << 1 << QStringList{"2025"};
+        QTest::newRow("folder") << "FLD1"
+                                << "FLD1"
+                                << "mnuPopupFolder" << 2 << 1
+                                << QStringList{"March statement", "O'Brien's letter"};
+        QTest::newRow("document") << "DOC3"
+                                  << "DOC3"
+                                  << "mnuPopupDocument" << 3 << 3 << QStringList{};
+        QTest::newRow("gone") << "FLD77"
+                              << ""
+                              << "mnuPopupFolder" << -1 << -1 << QStringList{};
+        QTest::newRow("locked") << "FLD4"
+                                << ""
+                                << "mnuPopupFolder" << -1 << -1 << QStringList{};
+        QTest::newRow("page key") << "PAG1"
+                                  << ""
+                                  << "" << -1 << -1 << QStringList{};
+        QTest::newRow("garbage") << "XYZ"
+                                 << ""
+                                 << "" << -1 << -1 << QStringList{};
+        QTest::newRow("root") << "ROOT"
+                              << ""
+                              << "" << -1 << -1 << QStringList{};
+    }
+    void restoreWalk()
+    {
+        QFETCH(QString, saved);
+        QFETCH(QString, selected);
+        QFETCH(QString, menu);
+        QFETCH(int, level);
+        QFETCH(int, parent);
+        QFETCH(QStringList, list);
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.home.settings().SaveSetting("LastNavTreeNodeKey", saved);
+        h.load();
+        QCOMPARE(h.choosers.passwordAsks(), 0); // a start never asks
+        QCOMPARE(h.session->selection().lastNodeKey, saved);
+        QCOMPARE(h.visibleLevelMenu(), menu);
+        if (selected.isEmpty()) {
+            QVERIFY(h.tree()->selectedKey().isEmpty() || h.tree()->selectedKey() == "ROOT");
+            return;
+        }
+        QCOMPARE(h.tree()->selectedKey(), selected);
+        const SelectionRecord& r = h.session->selection();
+        QCOMPARE(r.idOf(Level(level)), NodeKey::parse(saved).id());
+        QCOMPARE(r.currentParentId, parent);
+        if (level == 3)
+            QCOMPARE(h.window->pageList()->topLevelItemCount(), 1);
+        else
+            QCOMPARE(h.listTexts(), list);
+        // The walk opened every level down to the node.
+        for (QTreeWidgetItem* p = h.tree()->node(selected)->parent(); p; p = p->parent())
+            QVERIFY(p->isExpanded());
+    }
+
+    void exitAsks_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("exits");
+        QTest::newRow("yes") << int(Prompter::Answer::Yes) << true;
+        QTest::newRow("no") << int(Prompter::Answer::No) << false;
+        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << false;
+    }
+    void exitAsks()
+    {
+        QFETCH(int, answer);
+        QFETCH(bool, exits);
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.click("CAB1");
+        h.click("DRW2");
+        QSignalSpy spy(h.window.get(), &NavWindow::exitRequested);
+        h.prompter.expect("Exit the Quillmere?", Prompter::Answer(answer));
+        QTest::keyClick(h.tree(), Qt::Key_Escape);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(spy.count(), exits ? 1 : 0);
+        QCOMPARE(h.session->db().isOpen(), !exits);
+        Settings& s = h.home.reopenSettings();
+        QCOMPARE(s.GetSetting("LastNavTreeNodeKey"), exits ? QString("DRW2") : QString());
+        QCOMPARE(s.contains("frmNavTree.WindowState"), exits);
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW2"));
+    }
+
+    void closingTheWindowSavesWithoutAsking()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.click("CAB1");
+        h.window->close();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        Settings& s = h.home.reopenSettings();
+        QCOMPARE(s.GetSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
+        QCOMPARE(s.GetSetting("FirstShow"), QStringLiteral("N"));
+        QVERIFY(s.contains("frmNavTree.Width"));
+        QVERIFY(!h.session->db().isOpen());
+    }
+
+    void listDoubleClickMovesTheTreeOnly()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.click("CAB1");
+        QListWidget* list = h.window->list();
+        QListWidgetItem* bank = list->findItems("Bank", Qt::MatchExactly).value(0);
+        QVERIFY(bank);
+        emit list->itemActivated(bank);
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
+        QCOMPARE(h.listTexts(), (QStringList{"Checking", "Savings"}));
+        // The record still tells of the last click in the tree.
+        QCOMPARE(h.session->selection().currentCabinetId, 1);
+        QCOMPARE(h.session->selection().currentDrawerId, -1);
+        QCOMPARE(h.session->selection().lastNodeKey, QStringLiteral("CAB1"));
+    }
+
+    void storeFailureIsAMessage()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.session->db().execute("DROP TABLE Folder");
+        h.prompter.expect("The store could not carry out the command: no such table: Folder");
+        h.click("CAB1");
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // The window goes on working.
+        h.click("ROOT");
+        QCOMPARE(h.listTexts(), (QStringList{"Home Papers", "Private"}));
+    }
+};
+
+QMR_TEST(TestNavTree)
+#include "testnavtree.moc"

@@ -1,0 +1,74 @@
+#include "store/cipher.h"
+#include "tests/support/testrunner.h"
+
+#include <QTest>
+
+using namespace qmr;
+
+class TestCipher : public QObject
+{
+    Q_OBJECT
+private slots:
+    void example()
+    {
+        const QString stored = EncryptText(QStringLiteral("AB"), Cipher::key());
+        QCOMPARE(stored.size(), 2);
+        QCOMPARE(int(stored.at(0).unicode()), 76);
+        QCOMPARE(int(stored.at(1).unicode()), 54);
+        QCOMPARE(DecryptText(stored, Cipher::key()), QStringLiteral("AB"));
+    }
+
+    void empty()
+    {
+        QCOMPARE(EncryptText(QString(), Cipher::key()), QString());
+        QCOMPARE(DecryptText(QString(), Cipher::key()), QString());
+    }
+
+    void roundTripEveryPrintableCharacter_data()
+    {
+        QTest::addColumn<int>("length");
+        for (int n = 1; n <= 10; ++n)
+            QTest::newRow(qPrintable(QString::number(n))) << n;
+    }
+    void roundTripEveryPrintableCharacter()
+    {
+        QFETCH(int, length);
+        // Every printable Latin-1 character at every key position, including those whose
+        // shift passes 255 and wraps.
+        QString printable;
+        for (int c = 32; c <= 255; ++c)
+            if (c < 127 || c > 160)
+                printable += QChar(c);
+        for (int start = 0; start < printable.size(); ++start) {
+            QString clear;
+            for (int i = 0; i < length; ++i)
+                clear += printable.at((start + i * 7) % printable.size());
+            const QString stored = EncryptText(clear, Cipher::key());
+            QCOMPARE(stored.size(), clear.size());
+            for (const QChar c : stored)
+                QVERIFY(c.unicode() <= 255);
+            QCOMPARE(DecryptText(stored, Cipher::key()), clear);
+        }
+    }
+
+    void keyRepeatsAndFallback()
+    {
+        // Eleven equal characters: the eleventh meets the first key character again.
+        const QString clear(11, QLatin1Char('m'));
+        const QString stored = EncryptText(clear, Cipher::key());
+        QCOMPARE(stored.at(10), stored.at(0));
+        QVERIFY(stored.at(9) != stored.at(0));
+        // An empty key falls back on the second key.
+        QCOMPARE(EncryptText("secret", QString()), EncryptText("secret", Cipher::fallbackKey()));
+        QCOMPARE(DecryptText(EncryptText("secret", QString()), QString()),
+                 QStringLiteral("secret"));
+    }
+
+    void caseMatters()
+    {
+        QVERIFY(EncryptText("Secret", Cipher::key()) != EncryptText("secret", Cipher::key()));
+    }
+};
+
+QMR_TEST(TestCipher)
+#include "testcipher.moc"

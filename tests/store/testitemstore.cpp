@@ -1,0 +1,118 @@
+#include "core/progress.h"
+#include "store/itemstore.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+#include <QTest>
+
+using namespace qmr;
+
+namespace {
+
+// Counts what a long operation reports.
+class CountingProgress : public Progress
+{
+public:
+    void start(const QString& t, int minimum, int maximum) override
+    {
+        title = t;
+        min = minimum;
+        max = maximum;
+        ++starts;
+    }
+    void step(const QString&) override { ++steps; }
+    void end() override { ++ends; }
+    void showCancel() override {}
+    bool stopped() const override { return false; }
+    QString title;
+    int min = 0, max = 0, starts = 0, steps = 0, ends = 0;
+};
+
+QList<int> numbersInIdOrder(Database& db, qint32 documentId)
+{
+    const Recordset rs = db.OpenRecordset(
+        "SELECT PageNumber FROM Page WHERE DocumentId = ? ORDER BY PageId", {documentId});
+    QList<int> numbers;
+    for (int i = 0; i < rs.RecordCount(); ++i)
+        numbers << rs.integer(i, "PageNumber");
+    return numbers;
+}
+
+} // namespace
+
+class TestItemStore : public QObject
+{
+    Q_OBJECT
+private slots:
+    void repaginate_data()
+    {
+        QTest::addColumn<QVariantList>("numbers"); // in PageId order; invalid means Null
+        QTest::addColumn<QList<int>>("expected");  // in PageId order
+        QTest::newRow("2 5 5 9") << QVariantList{2, 5, 5, 9} << QList<int>{1, 2, 3, 4};
+        QTest::newRow("reversed") << QVariantList{9, 5, 2} << QList<int>{3, 2, 1};
+        QTest::newRow("ties by id") << QVariantList{4, 4, 4} << QList<int>{1, 2, 3};
+        QTest::newRow("null first") << QVariantList{1, QVariant(), 2} << QList<int>{2, 1, 3};
+        QTest::newRow("one") << QVariantList{7} << QList<int>{1};
+    }
+    void repaginate()
+    {
+        QFETCH(QVariantList, numbers);
+        QFETCH(QList<int>, expected);
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        const qint32 doc = store.document(1, "Doc");
+        const qint32 other = store.document(1, "Other");
+        store.pageRow(other, 5);
+        for (const QVariant& n : numbers)
+            store.pageRow(doc, n);
+        CountingProgress progress;
+        ItemStore(store.db()).RepaginateDocument(doc, "Doc", progress);
+        QCOMPARE(numbersInIdOrder(store.db(), doc), expected);
+        QCOMPARE(numbersInIdOrder(store.db(), other), QList<int>{5}); // untouched
+        QCOMPARE(progress.title, QStringLiteral("Repaginate Doc"));
+        QCOMPARE(progress.max, 2 * int(numbers.size()));
+        QCOMPARE(progress.steps, 2 * int(numbers.size()));
+        QCOMPARE(progress.ends, 1);
+    }
+
+    void repaginateEmptyDocumentDoesNothing()
+    {
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        CountingProgress progress;
+        ItemStore(store.db()).RepaginateDocument(42, "None", progress);
+        QCOMPARE(progress.starts, 0);
+    }
+
+    void parentsAndChildren()
+    {
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        const qint32 cab = store.cabinet("C");
+        const qint32 drw = store.drawer(cab, "D");
+        const qint32 fld = store.folder(drw, "F");
+        const qint32 doc = store.document(fld, "Doc", QDate(2026, 1, 2));
+        const qint32 pag = store.pageRow(doc, 1);
+        ItemStore items(store.db());
+        QCOMPARE(items.CabinetOfDrawer(drw), cab);
+        QCOMPARE(items.DrawerOfFolder(fld), drw);
+        QCOMPARE(items.FolderOfDocument(doc), fld);
+        QCOMPARE(items.DocumentOfPage(pag), doc);
+        // A dangling id answers -1 instead of failing.
+        QCOMPARE(items.FolderOfDocument(9999), -1);
+        QCOMPARE(items.parentOf(Level::Cabinet, cab), -1);
+
+        store.drawer(cab, "b second");
+        store.drawer(cab, "A first");
+        const QVector<ItemRow> drawers = items.children(Level::Drawer, cab);
+        QCOMPARE(drawers.size(), 3);
+        QCOMPARE(drawers.at(0).name, QStringLiteral("A first"));
+        QCOMPARE(drawers.at(1).name, QStringLiteral("b second"));
+        QCOMPARE(items.children(Level::Document, fld).at(0).date, QDate(2026, 1, 2));
+        QCOMPARE(items.item(Level::Folder, 777).id, -1);
+    }
+};
+
+QMR_TEST(TestItemStore)
+#include "testitemstore.moc"

@@ -1,0 +1,171 @@
+#include "store/database.h"
+#include "store/pagepaths.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
+using namespace qmr;
+
+class TestPagePaths : public QObject
+{
+    Q_OBJECT
+private slots:
+    void computed_data()
+    {
+        QTest::addColumn<int>("id");
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("thumb");
+        QTest::newRow("7") << 7 << "Pages/0000000/7.jpg"
+                           << "Thumbs/0000000/7.jpg";
+        QTest::newRow("999") << 999 << "Pages/0000000/999.jpg"
+                             << "Thumbs/0000000/999.jpg";
+        QTest::newRow("1000") << 1000 << "Pages/0000001/1000.jpg"
+                              << "Thumbs/0000001/1000.jpg";
+        QTest::newRow("12345") << 12345 << "Pages/0000012/12345.jpg"
+                               << "Thumbs/0000012/12345.jpg";
+        QTest::newRow("max") << 2147483647 << "Pages/2147483/2147483647.jpg"
+                             << "Thumbs/2147483/2147483647.jpg";
+    }
+    void computed()
+    {
+        QFETCH(int, id);
+        QFETCH(QString, page);
+        QFETCH(QString, thumb);
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        PagePaths paths(store.db(), home.home());
+        // No row: the computed scheme, with or without the store.
+        QCOMPARE(paths.PagePath(id), home.file(page));
+        QCOMPARE(paths.ThumbPath(id), home.file(thumb));
+        QCOMPARE(paths.ComputedPagePath(id), home.file(page));
+        QCOMPARE(paths.ComputedThumbPath(id), home.file(thumb));
+        QCOMPARE(paths.PageDirectory(id) + "/", PagePaths::DirectoryPart(home.file(page)));
+        QVERIFY(!paths.IsPageShortcut(id));
+    }
+
+    void storedFilename_data()
+    {
+        QTest::addColumn<QString>("filename");
+        QTest::addColumn<QString>("shortcut");
+        QTest::addColumn<QString>("pageDir");
+        QTest::addColumn<QString>("thumbDir");
+        QTest::addColumn<QString>("thumb");
+        QTest::addColumn<bool>("isShortcut");
+        QTest::newRow("scan") << "/data/scans/june.tif"
+                              << ""
+                              << "/data/scans"
+                              << "/data/scans/Thumbs"
+                              << "/data/scans/Thumbs/june.tif" << false;
+        QTest::newRow("shortcut") << "/home/a/b.jpg"
+                                  << "Y"
+                                  << "/home/a"
+                                  << "/home/a/Thumbs"
+                                  << "/home/a/Thumbs/b.jpg" << true;
+        QTest::newRow("top level") << "/x.jpg"
+                                   << "N"
+                                   << "/"
+                                   << "/Thumbs"
+                                   << "/Thumbs/x.jpg" << false;
+        // A name with no separator at all: the thumbnail path ends in one.
+        QTest::newRow("bare name") << "x.jpg"
+                                   << ""
+                                   << ""
+                                   << "Thumbs"
+                                   << "Thumbs/" << false;
+    }
+    void storedFilename()
+    {
+        QFETCH(QString, filename);
+        QFETCH(QString, shortcut);
+        QFETCH(QString, pageDir);
+        QFETCH(QString, thumbDir);
+        QFETCH(QString, thumb);
+        QFETCH(bool, isShortcut);
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        const qint32 id = store.pageRow(1, 1);
+        store.db().execute("UPDATE Page SET Filename = ?, ShortcutYN = ? WHERE PageId = ?",
+                           {filename, shortcut, id});
+        PagePaths paths(store.db(), home.home());
+        QCOMPARE(paths.PageFilename(id), filename);
+        QCOMPARE(paths.PagePath(id), filename);
+        QCOMPARE(paths.PageDirectory(id), pageDir);
+        QCOMPARE(paths.ThumbDirectory(id), thumbDir);
+        QCOMPARE(paths.ThumbPath(id), thumb);
+        QCOMPARE(paths.IsPageShortcut(id), isShortcut);
+    }
+
+    void parts_data()
+    {
+        QTest::addColumn<QString>("path");
+        QTest::addColumn<QString>("dir");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("file") << "/a/b/c.jpg"
+                              << "/a/b/"
+                              << "c.jpg";
+        QTest::newRow("root file") << "/x.jpg"
+                                   << "/"
+                                   << "x.jpg";
+        QTest::newRow("bare") << "x.jpg"
+                              << ""
+                              << "";
+        QTest::newRow("dir") << "/a/b/"
+                             << "/a/b/"
+                             << "";
+    }
+    void parts()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, dir);
+        QFETCH(QString, file);
+        QCOMPARE(PagePaths::DirectoryPart(path), dir);
+        QCOMPARE(PagePaths::FilePart(path), file);
+    }
+
+    void ensurePathExists_data()
+    {
+        QTest::addColumn<QString>("path");     // below the temporary directory
+        QTest::addColumn<QStringList>("made"); // directories that must exist after
+        QTest::addColumn<QStringList>("notMade");
+        QTest::newRow("file path")
+            << "a/b/c.jpg" << QStringList{"a", "a/b"} << QStringList{"a/b/c.jpg"};
+        QTest::newRow("dotted directory") << "a.b/c" << QStringList{"a.b"} << QStringList{"a.b/c"};
+        QTest::newRow("plain directory")
+            << "p/q/r" << QStringList{"p", "p/q", "p/q/r"} << QStringList{};
+        QTest::newRow("bucket") << "Pages/0000012/12345.jpg" << QStringList{"Pages/0000012"}
+                                << QStringList{"Pages/0000012/12345.jpg"};
+    }
+    void ensurePathExists()
+    {
+        QFETCH(QString, path);
+        QFETCH(QStringList, made);
+        QFETCH(QStringList, notMade);
+        test::TestHome home;
+        QVERIFY(PagePaths::EnsurePathExists(home.file(path)));
+        for (const QString& d : made)
+            QVERIFY2(QFileInfo(home.file(d)).isDir(), qPrintable(d));
+        for (const QString& d : notMade)
+            QVERIFY2(!QFileInfo::exists(home.file(d)), qPrintable(d));
+        // Running it again changes nothing and still succeeds.
+        QVERIFY(PagePaths::EnsurePathExists(home.file(path)));
+    }
+
+    void ensurePathExistsEdges()
+    {
+        QVERIFY(PagePaths::EnsurePathExists("/"));
+        QVERIFY(PagePaths::EnsurePathExists(QString()));
+        test::TestHome home;
+        // A file where a directory should be: the answer is false, not a crash.
+        QFile blocker(home.file("blocker"));
+        QVERIFY(blocker.open(QIODevice::WriteOnly));
+        blocker.close();
+        QVERIFY(!PagePaths::EnsurePathExists(home.file("blocker/sub/x.jpg")));
+    }
+};
+
+QMR_TEST(TestPagePaths)
+#include "testpagepaths.moc"

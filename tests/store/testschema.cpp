@@ -1,0 +1,242 @@
+#include "store/database.h"
+#include "store/itemstore.h"
+#include "store/schema.h"
+#include "store/sqltext.h"
+#include "store/storeerror.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+#include <QFile>
+#include <QTest>
+
+using namespace qmr;
+
+namespace {
+
+int columnCount(Database& db, const QString& table)
+{
+    return db.scalar(QStringLiteral("SELECT count(*) FROM pragma_table_info(?)"), {table}).toInt();
+}
+
+int versionRows(Database& db)
+{
+    return db.scalar(QStringLiteral("SELECT count(*) FROM Version")).toInt();
+}
+
+// A store as an older program left it: the tables of version 0, brought to `version`.
+void makeStoreAt(const AppHome& home, int version)
+{
+    Database db;
+    db.open(StoreSchema::storePath(home));
+    StoreSchema::createTables(db);
+    StoreSchema::UpdateDatabase(db, version);
+}
+
+} // namespace
+
+class TestSchema : public QObject
+{
+    Q_OBJECT
+private slots:
+    void freshStore()
+    {
+        test::TestHome home;
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        QVERIFY(QFile::exists(home.file("qmr.mdb")));
+        QCOMPARE(StoreSchema::readVersion(db), 4);
+        QCOMPARE(versionRows(db), 1);
+        QCOMPARE(columnCount(db, "Cabinet"), 6);
+        QCOMPARE(columnCount(db, "Drawer"), 4);
+        QCOMPARE(columnCount(db, "Folder"), 5);
+        QCOMPARE(columnCount(db, "Document"), 6);
+        QCOMPARE(columnCount(db, "Page"), 13);
+        QCOMPARE(columnCount(db, "Version"), 1);
+        QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
+        // A parent that does not exist is the program's business, not the store's.
+        db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (999, 'Orphan')");
+    }
+
+    void upgradeFromEachVersion_data()
+    {
+        QTest::addColumn<int>("from");
+        QTest::newRow("0") << 0;
+        QTest::newRow("1") << 1;
+        QTest::newRow("2") << 2;
+        QTest::newRow("3") << 3;
+        QTest::newRow("4") << 4;
+    }
+    void upgradeFromEachVersion()
+    {
+        QFETCH(int, from);
+        test::TestHome home;
+        makeStoreAt(home.home(), from);
+        {
+            Database db;
+            db.open(StoreSchema::storePath(home.home()));
+            QCOMPARE(StoreSchema::readVersion(db), from);
+            QCOMPARE(db.hasColumn("Folder", "Email"), from >= 4);
+            QCOMPARE(db.hasColumn("Page", "ShortcutYN"), from >= 3);
+            QCOMPARE(db.hasColumn("Page", "Filetype"), from >= 2);
+            QCOMPARE(db.hasColumn("Cabinet", "Storage"), from >= 1);
+            if (from < 2)
+                db.execute("INSERT INTO Page (DocumentId, PageNumber) VALUES (1, 1)");
+        }
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        QCOMPARE(StoreSchema::readVersion(db), 4);
+        QCOMPARE(versionRows(db), 1);
+        QCOMPARE(columnCount(db, "Cabinet"), 6);
+        QCOMPARE(columnCount(db, "Folder"), 5);
+        QCOMPARE(columnCount(db, "Page"), 13);
+        if (from < 2) // pages older than the file type get "JPG"
+            QCOMPARE(db.scalar("SELECT Filetype FROM Page").toString(), QStringLiteral("JPG"));
+    }
+
+    void versionWithoutRowOrValue_data()
+    {
+        QTest::addColumn<bool>("nullRow");
+        QTest::newRow("no row") << false;
+        QTest::newRow("null value") << true;
+    }
+    void versionWithoutRowOrValue()
+    {
+        QFETCH(bool, nullRow);
+        test::TestHome home;
+        {
+            Database db;
+            db.open(StoreSchema::storePath(home.home()));
+            StoreSchema::createTables(db);
+            if (nullRow) {
+                // A Version table written outside the program, which allowed Null.
+                db.execute("DROP TABLE Version");
+                db.execute("CREATE TABLE Version (Version INTEGER)");
+                db.execute("INSERT INTO Version (Version) VALUES (NULL)");
+            }
+            QCOMPARE(StoreSchema::readVersion(db), 0);
+        }
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        QCOMPARE(StoreSchema::readVersion(db), 4);
+        QCOMPARE(versionRows(db), 1);
+    }
+
+    void emptyMdbIsCopied()
+    {
+        test::TestHome home;
+        makeStoreAt(home.home(), 2);
+        QVERIFY(QFile::rename(home.file("qmr.mdb"), home.file("empty.mdb")));
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        QVERIFY(QFile::exists(home.file("empty.mdb")));
+        QCOMPARE(StoreSchema::readVersion(db), 4);
+    }
+
+    void emptyMdbWithAddedColumnsButNoVersionFails()
+    {
+        test::TestHome home;
+        makeStoreAt(home.home(), 4);
+        {
+            Database db;
+            db.open(StoreSchema::storePath(home.home()));
+            db.execute("DELETE FROM Version");
+        }
+        QVERIFY(QFile::rename(home.file("qmr.mdb"), home.file("empty.mdb")));
+        Database db;
+        try {
+            StoreSchema::OpenDatabase(db, home.home());
+            QFAIL("the first upgrade step must fail on a column that exists");
+        } catch (const StoreError& e) {
+            QVERIFY2(e.message().contains("duplicate column"), qPrintable(e.message()));
+        }
+        // The failed step left nothing half done.
+        QCOMPARE(StoreSchema::readVersion(db), 0);
+        QCOMPARE(versionRows(db), 0);
+    }
+
+    void notAStoreFailsWithAMessage()
+    {
+        test::TestHome home;
+        QFile junk(home.file("qmr.mdb"));
+        QVERIFY(junk.open(QIODevice::WriteOnly));
+        junk.write(QByteArray(4096, 'x'));
+        junk.close();
+        Database db;
+        QVERIFY_THROWS_EXCEPTION(StoreError, StoreSchema::OpenDatabase(db, home.home()));
+    }
+
+    void namesRoundTripAndCompareWithoutCase()
+    {
+        test::TestHome home;
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        ItemStore items(db);
+        const QString name = QStringLiteral("O'Brien's \"Müller\" cabinet");
+        const qint32 id = items.insertItem(Level::Cabinet, -1, name);
+        QCOMPARE(items.item(Level::Cabinet, id).name, name);
+        QVERIFY(items.cabinetNameExists(QStringLiteral("o'brien's \"MÜLLER\" CABINET")));
+        QVERIFY(!items.cabinetNameExists(QStringLiteral("O'Brien")));
+        // Identifiers are never reused, not even after the last row is gone.
+        db.execute("DELETE FROM Cabinet");
+        QVERIFY(items.insertItem(Level::Cabinet, -1, "Next") > id);
+    }
+
+    void overLongValuesAreRefused_data()
+    {
+        QTest::addColumn<QString>("sql");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("cabinet name") << "INSERT INTO Cabinet (Name) VALUES (?)"
+                                      << "a cabinet's name can have at most 80 characters";
+        QTest::newRow("folder email") << "INSERT INTO Folder (DrawerId, Email) VALUES (1, ?)"
+                                      << "a folder's email address can have at most 100";
+        QTest::newRow("storage path") << "INSERT INTO Cabinet (StoragePath) VALUES (?)"
+                                      << "a cabinet's storage path can have at most 250";
+    }
+    void overLongValuesAreRefused()
+    {
+        QFETCH(QString, sql);
+        QFETCH(QString, message);
+        test::TestHome home;
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        try {
+            db.execute(sql, {QString(300, QLatin1Char('n'))});
+            QFAIL("an over-long value was stored");
+        } catch (const StoreError& e) {
+            QVERIFY2(e.message().contains(message), qPrintable(e.message()));
+        }
+        QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
+        // Exactly the width is fine.
+        ItemStore items(db);
+        items.insertItem(Level::Cabinet, -1, QString(80, QLatin1Char('w')));
+        QVERIFY_THROWS_EXCEPTION(StoreError,
+                                 items.insertItem(Level::Drawer, 1, QString(81, QLatin1Char('w'))));
+    }
+
+    void quoteSqlAndNulls()
+    {
+        QCOMPARE(QuoteSql("it's 'x'"), QStringLiteral("it''s ''x''"));
+        QCOMPARE(QuoteSql("a''b").size(), 6);
+        QCOMPARE(QuoteSql(QString()), QString());
+        QCOMPARE(NullToString(QVariant()), QString());
+        QCOMPARE(NullToString(QVariant(12)), QStringLiteral("12"));
+    }
+
+    void transactionRollsBack()
+    {
+        test::TestHome home;
+        Database db;
+        StoreSchema::OpenDatabase(db, home.home());
+        try {
+            Database::Transaction tx(db);
+            db.execute("INSERT INTO Cabinet (Name) VALUES ('A')");
+            db.execute("INSERT INTO NoSuchTable VALUES (1)");
+            tx.commit();
+        } catch (const StoreError&) {
+        }
+        QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
+    }
+};
+
+QMR_TEST(TestSchema)
+#include "testschema.moc"

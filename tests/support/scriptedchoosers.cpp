@@ -1,0 +1,29 @@
+#include "tests/support/scriptedchoosers.h"
+
+namespace qmr::test {
+
+std::optional<QString> ScriptedChoosers::take(std::deque<QVariant>& queue)
+{
+    if (queue.empty()) {
+        ++m_unanswered;
+        return std::nullopt;
+    }
+    const QVariant reply = queue.front();
+    queue.pop_front();
+    if (!reply.isValid())
+        return std::nullopt;
+    return reply.toString();
+}
+
+std::optional<QString> ScriptedChoosers::askPassword()
+{
+    ++m_passwordAsks;
+    return take(m_passwords);
+}
+
+std::optional<QString> ScriptedChoosers::chooseDirectory(const QString&)
+{
+    return take(m_dirs);
+}
+
+} // namespace qmr::test

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/choosers.h"
+
+#include <QVariant>
+#include <deque>
+
+namespace qmr::test {
+
+// Choosers that hand back scripted answers; a question with no answer queued is counted and
+// answered as Cancel.
+class ScriptedChoosers : public Choosers
+{
+public:
+    // Nothing (std::nullopt) stands for Cancel.
+    void queuePassword(const std::optional<QString>& reply)
+    {
+        m_passwords.push_back(toVariant(reply));
+    }
+    void queueDirectory(const std::optional<QString>& reply) { m_dirs.push_back(toVariant(reply)); }
+
+    std::optional<QString> askPassword() override;
+    std::optional<QString> chooseDirectory(const QString& start) override;
+
+    int passwordAsks() const { return m_passwordAsks; }
+    int unanswered() const { return m_unanswered; }
+    bool allUsed() const { return m_passwords.empty() && m_dirs.empty(); }
+
+private:
+    static QVariant toVariant(const std::optional<QString>& reply)
+    {
+        return reply ? QVariant(*reply) : QVariant();
+    }
+    std::optional<QString> take(std::deque<QVariant>& queue);
+
+    std::deque<QVariant> m_passwords;
+    std::deque<QVariant> m_dirs;
+    int m_passwordAsks = 0;
+    int m_unanswered = 0;
+};
+
+} // namespace qmr::test

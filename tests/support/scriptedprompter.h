@@ -1,0 +1,35 @@
+#pragma once
+
+#include "core/prompter.h"
+
+#include <QStringList>
+#include <deque>
+
+namespace qmr::test {
+
+// A prompter that expects given texts in order and answers them as scripted. Any text that
+// was not expected is recorded and fails verify().
+class ScriptedPrompter : public Prompter
+{
+public:
+    void expect(const QString& text, Answer answer = Answer::Ok);
+    Answer ask(const QString& text, Buttons buttons) override;
+
+    // True when every expected text came, in order, and nothing else did.
+    bool verify() const;
+    QString report() const;
+    const QStringList& seen() const { return m_seen; }
+    void reset();
+
+private:
+    struct Expected
+    {
+        QString text;
+        Answer answer;
+    };
+    std::deque<Expected> m_expected;
+    QStringList m_seen;
+    QStringList m_unexpected;
+};
+
+} // namespace qmr::test

@@ -1,0 +1,51 @@
+#include "tests/support/testrunner.h"
+
+#include <QApplication>
+#include <QTest>
+#include <cstring>
+
+namespace qmr::test {
+
+std::vector<TestEntry>& registry()
+{
+    static std::vector<TestEntry> entries;
+    return entries;
+}
+
+int runAll(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    QString only;
+    QString skip;
+    std::vector<char*> args;
+    for (int i = 0; i < argc; ++i) {
+        if (std::strncmp(argv[i], "--only=", 7) == 0)
+            only = QString::fromLocal8Bit(argv[i] + 7);
+        else if (std::strncmp(argv[i], "--skip=", 7) == 0)
+            skip = QString::fromLocal8Bit(argv[i] + 7);
+        else
+            args.push_back(argv[i]);
+    }
+    int failures = 0;
+    int ran = 0;
+    for (const TestEntry& entry : registry()) {
+        const QString name = QString::fromLatin1(entry.name);
+        if ((!only.isEmpty() && name != only) || name == skip)
+            continue;
+        std::unique_ptr<QObject> test = entry.make();
+        failures += QTest::qExec(test.get(), int(args.size()), args.data());
+        ++ran;
+    }
+    if (ran == 0) {
+        std::fprintf(stderr, "No test class matched.\n");
+        return 1;
+    }
+    return failures == 0 ? 0 : 1;
+}
+
+} // namespace qmr::test
+
+int main(int argc, char** argv)
+{
+    return qmr::test::runAll(argc, argv);
+}
