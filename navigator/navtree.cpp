@@ -3,6 +3,7 @@
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
+#include <QScrollBar>
 
 namespace qmr {
 
@@ -133,6 +134,13 @@ bool NavTree::expandNode(const QString& key)
     if (m_expandSignals == before) // already open, or nothing below it yet
         emit expanding(key);
     return true;
+}
+
+void NavTree::scrollTo(const QModelIndex& index, ScrollHint hint)
+{
+    const int across = horizontalScrollBar()->value();
+    QTreeWidget::scrollTo(index, hint);
+    horizontalScrollBar()->setValue(across);
 }
 
 void NavTree::mouseReleaseEvent(QMouseEvent* event)

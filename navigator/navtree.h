@@ -30,6 +30,8 @@ public:
     // Expands a node and reports it through expanding(), whether or not it has children.
     bool expandNode(const QString& key);
     int nodeCount() const { return m_nodes.size(); }
+    // Keeps the sideways position: a wide name must not push the tree out of view.
+    void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;
 
 signals:
     void expanding(const QString& key);

@@ -23,6 +23,7 @@
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QShortcut>
 #include <QSplitter>
 #include <QSplitterHandle>
@@ -106,7 +107,7 @@ void NavWindow::buildWidgets()
     m_list->setObjectName(QStringLiteral("lvwMain"));
     m_list->setViewMode(QListView::IconMode);
     m_list->setIconSize(QSize(32, 32));
-    m_list->setGridSize(QSize(120, 72));
+    m_list->setGridSize(QSize(130, 84));
     m_list->setResizeMode(QListView::Adjust);
     m_list->setMovement(QListView::Static);
     m_list->setWordWrap(true);
@@ -209,12 +210,14 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
 
 void NavWindow::showAsLoaded()
 {
-    if (m_firstShow)
+    if (m_firstShow || (windowState() & Qt::WindowMaximized)) {
+        // Without a window manager "maximised" means nothing; the screen's size still does.
+        if (QScreen* s = screen())
+            setGeometry(s->availableGeometry());
         showMaximized();
-    else if (windowState() & Qt::WindowMaximized)
-        showMaximized();
-    else
+    } else {
         show();
+    }
     // The splitter knows its real width only now.
     const int tree = m_splitter->sizes().value(0);
     m_splitter->setSizes({tree, qMax(1, m_splitter->width() - tree)});
@@ -651,7 +654,8 @@ void NavWindow::finishRun()
     m_finished = true;
     savePlacement();
     Settings& settings = m_session.settings();
-    settings.SaveSetting(QStringLiteral("LastNavTreeNodeKey"), m_session.selection().lastNodeKey);
+    // The node in view is the one to come back to; pages are no tree nodes.
+    settings.SaveSetting(QStringLiteral("LastNavTreeNodeKey"), m_tree->selectedKey());
     settings.sync();
     m_session.db().close();
 }
