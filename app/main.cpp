@@ -22,7 +22,7 @@ int main(int argc, char* argv[])
 
     qmr::Settings settings;
     qmr::BoxPrompter prompter;
-    qmr::DialogChoosers choosers;
+    qmr::DialogChoosers choosers(settings);
     qmr::Startup startup(qmr::AppHome::fromArguments(QApplication::arguments()), settings, prompter,
                          choosers);
     if (!startup.start())

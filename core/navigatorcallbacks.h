@@ -1,10 +1,23 @@
 #pragma once
 
+#include "core/level.h"
+
 #include <QDate>
+#include <QVector>
 #include <QString>
 #include <QtGlobal>
 
 namespace qmr {
+
+// An item that a command made below an existing one, to be shown once the store holds it.
+struct CreatedItem
+{
+    Level level;
+    qint32 parentId;
+    qint32 id;
+    QString name;
+    QDate date;
+};
 
 // What dialogs and modules may ask of the main window. The window implements it; nobody
 // below the navigator includes the window itself.
@@ -30,6 +43,9 @@ public:
     virtual void ShowDrawersInListView(qint32 cabinetId) = 0;
     // Removes and re-adds a cabinet node after it was unlocked, so that it fills anew.
     virtual void RebuildCabinetNode(qint32 cabinetId, const QString& name) = 0;
+
+    // Adds each item through the Add routine of its level, in order.
+    void announce(const QVector<CreatedItem>& items);
 };
 
 } // namespace qmr

@@ -1,8 +1,9 @@
 #include "dialogs/dialogchoosers.h"
 
 #include "dialogs/passworddialog.h"
+#include "dialogs/pathselectdialog.h"
 
-#include <QFileDialog>
+#include <QProcess>
 
 namespace qmr {
 
@@ -15,11 +16,26 @@ std::optional<QString> DialogChoosers::askPassword()
 
 std::optional<QString> DialogChoosers::chooseDirectory(const QString& start)
 {
-    const QString dir = QFileDialog::getExistingDirectory(m_parent, QStringLiteral("Select Path"),
-                                                          start, QFileDialog::ShowDirsOnly);
-    if (dir.isEmpty())
+    PathSelectDialog dialog(m_settings, start, m_parent);
+    if (dialog.exec() != QDialog::Accepted || dialog.path().isEmpty())
         return std::nullopt;
-    return dir;
+    return dialog.path();
+}
+
+std::optional<QString> DialogChoosers::openInEditor(const QString& path)
+{
+    // $VISUAL, then $EDITOR, then whatever the desktop opens text files with.
+    QString editor = qEnvironmentVariable("VISUAL");
+    if (editor.isEmpty())
+        editor = qEnvironmentVariable("EDITOR");
+    QStringList command = editor.isEmpty() ? QStringList{QStringLiteral("xdg-open")}
+                                           : QProcess::splitCommand(editor);
+    if (command.isEmpty())
+        command = {QStringLiteral("xdg-open")};
+    const QString program = command.takeFirst();
+    if (!QProcess::startDetached(program, command << path))
+        return QStringLiteral("Cannot start %1.").arg(program);
+    return std::nullopt;
 }
 
 } // namespace qmr

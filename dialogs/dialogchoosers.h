@@ -6,17 +6,24 @@ class QWidget;
 
 namespace qmr {
 
-// The real choosers: the password window and the system's directory chooser.
+class Settings;
+
+// The real choosers: the password window, the directory chooser and the text editor.
 class DialogChoosers : public Choosers
 {
 public:
-    explicit DialogChoosers(QWidget* parent = nullptr) : m_parent(parent) {}
+    explicit DialogChoosers(Settings& settings, QWidget* parent = nullptr)
+        : m_settings(settings), m_parent(parent)
+    {
+    }
     void setParent(QWidget* parent) { m_parent = parent; }
 
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
+    std::optional<QString> openInEditor(const QString& path) override;
 
 private:
+    Settings& m_settings;
     QWidget* m_parent;
 };
 

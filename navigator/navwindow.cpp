@@ -2,6 +2,8 @@
 
 #include "core/choosers.h"
 #include "core/progress.h"
+#include "dialogs/itemdialog.h"
+#include "dialogs/pagepropertiesdialog.h"
 #include "core/prompter.h"
 #include "navigator/navicons.h"
 #include "navigator/navtree.h"
@@ -10,7 +12,9 @@
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
+#include "templates/sampledialog.h"
 #include "templates/samplecabinets.h"
+#include "templates/templateeditor.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -21,6 +25,7 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QMenuBar>
+#include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
@@ -135,6 +140,20 @@ void NavWindow::buildWidgets()
     connect(m_tree, &NavTree::enterPressed, this, &NavWindow::NodeClick);
     connect(m_tree, &NavTree::contextRequested, this, &NavWindow::onTreeMouseUp);
     connect(m_list, &QListWidget::itemActivated, this, &NavWindow::onListActivated);
+    connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
+        const NodeKey key = NodeKey::parse(NavTree::keyOf(item));
+        if (!m_nodeBusy && key.level() == Level::Document) {
+            properties(Level::Document, key.id());
+            m_tree->setFocus();
+        }
+    });
+    m_pages->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    // The lists tell which control spoke last, and give their own pop-up menus.
+    m_list->viewport()->installEventFilter(this);
+    m_pages->viewport()->installEventFilter(this);
+    m_list->installEventFilter(this);
+    m_pages->installEventFilter(this);
+    m_tree->installEventFilter(this);
 
     auto* refresh = new QShortcut(QKeySequence(Qt::Key_F5), m_tree);
     refresh->setContext(Qt::WidgetShortcut);
@@ -149,6 +168,32 @@ void NavWindow::buildMenus()
     NavMenus::Commands commands;
     commands.insert(QStringLiteral("mnuFileExit"), [this] { mnuFileExit(); });
     commands.insert(QStringLiteral("mnuPopupRootRefresh"), [this] { RefreshNavTree(); });
+    commands.insert(QStringLiteral("mnuPopupRootNewFileCabinet"), [this] { newCabinet(); });
+    commands.insert(QStringLiteral("mnuPopupCabinetNewCabinet"), [this] { newCabinet(); });
+    commands.insert(QStringLiteral("mnuPopupCabinetNewDrawer"),
+                    [this] { newChild(Level::Cabinet); });
+    commands.insert(QStringLiteral("mnuPopupDrawerNewDrawer"),
+                    [this] { newSibling(Level::Drawer); });
+    commands.insert(QStringLiteral("mnuPopupDrawerNewFolder"),
+                    [this] { newChild(Level::Drawer); });
+    commands.insert(QStringLiteral("mnuPopupFolderNewFolder"),
+                    [this] { newSibling(Level::Folder); });
+    commands.insert(QStringLiteral("mnuPopupFolderNewDocument"),
+                    [this] { newChild(Level::Folder); });
+    commands.insert(QStringLiteral("mnuPopupDocumentNewDocument"),
+                    [this] { newSibling(Level::Document); });
+    commands.insert(QStringLiteral("mnuPopupCabinetProperties"),
+                    [this] { properties(Level::Cabinet); });
+    commands.insert(QStringLiteral("mnuPopupDrawerProperties"),
+                    [this] { properties(Level::Drawer); });
+    commands.insert(QStringLiteral("mnuPopupFolderProperties"),
+                    [this] { properties(Level::Folder); });
+    commands.insert(QStringLiteral("mnuPopupDocumentProperties"),
+                    [this] { properties(Level::Document); });
+    commands.insert(QStringLiteral("mnuPopupPageProperties"), [this] { pageProperties(); });
+    commands.insert(QStringLiteral("mnuToolsDrawerTemplates"), [this] { drawerTemplates(); });
+    commands.insert(QStringLiteral("mnuToolsCreateSampleCabinet"),
+                    [this] { createSampleCabinet(); });
     m_menus.build(menuBar(), commands);
 }
 
@@ -680,11 +725,234 @@ void NavWindow::closeEvent(QCloseEvent* event)
 
 bool NavWindow::eventFilter(QObject* watched, QEvent* event)
 {
+    if (event->type() == QEvent::MouseButtonRelease) {
+        const auto button = static_cast<QMouseEvent*>(event)->button();
+        if (watched == m_list->viewport()) {
+            onListMouseUp(button);
+        } else if (watched == m_pages->viewport()) {
+            m_contextSource = QStringLiteral("L2");
+            if (button == Qt::RightButton && m_menus.menu(QStringLiteral("mnuPopupPage")))
+                m_menus.menu(QStringLiteral("mnuPopupPage"))->exec(QCursor::pos());
+        }
+    } else if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (watched == m_tree && key != Qt::Key_F5)
+            m_contextSource = QStringLiteral("T");
+        else if (watched == m_list)
+            m_contextSource = QStringLiteral("L");
+        else if (watched == m_pages)
+            m_contextSource = QStringLiteral("L2");
+        if (key == Qt::Key_Insert && (watched == m_tree || watched == m_list)) {
+            onInsertKey(watched == m_tree);
+            return true;
+        }
+    }
     if (event->type() == QEvent::MouseButtonRelease && m_splitter &&
         watched == m_splitter->handle(1))
         m_session.settings().SaveSetting(QStringLiteral("tvwMainWidth"),
                                          QString::number(treeWidthTwips()));
     return QMainWindow::eventFilter(watched, event);
+}
+
+// ---- commands -----------------------------------------------------------------------------
+
+DialogServices NavWindow::services()
+{
+    return DialogServices{m_session, m_prompter, m_choosers, this};
+}
+
+QString NavWindow::listSelectedKey() const
+{
+    const QListWidgetItem* item = m_list->currentItem();
+    return item && item->isSelected() ? item->data(kKeyRole).toString() : QString();
+}
+
+NodeKey NavWindow::contextKey() const
+{
+    return NodeKey::parse(m_contextSource == QLatin1String("T") ? m_tree->selectedKey()
+                                                                : listSelectedKey());
+}
+
+qint32 NavWindow::targetId(Level level) const
+{
+    const qint32 id = m_session.selection().idOf(level);
+    if (id != -1)
+        return id;
+    const NodeKey key = contextKey();
+    return key.level() == level ? key.id() : -1;
+}
+
+void NavWindow::restoreFocus()
+{
+    if (m_contextSource == QLatin1String("T"))
+        m_tree->setFocus();
+    else if (m_contextSource == QLatin1String("L"))
+        (m_list->isVisible() ? static_cast<QWidget*>(m_list) : m_pages)->setFocus();
+}
+
+void NavWindow::newCabinet()
+{
+    guarded([this] {
+        ItemDialog dialog(Level::Cabinet, services(), this);
+        dialog.setAdd(-1);
+        dialog.exec();
+    });
+    restoreFocus();
+}
+
+void NavWindow::addNewDocument(qint32 folderId, const NewDocumentResult& result)
+{
+    ItemFields fields;
+    fields.name = result.Name;
+    fields.description = result.Description;
+    fields.dateOnDocument = ItemRules::DateOrZero(result.DateOnDocument);
+    fields.amount = result.Amount.toDouble();
+    fields.hasAmount = true;
+    const qint32 id = m_session.items().insertItem(Level::Document, folderId, fields);
+    AddDocumentToNavTree(folderId, id, fields.name, fields.dateOnDocument);
+}
+
+void NavWindow::newChild(Level parentLevel)
+{
+    newChildOf(parentLevel, targetId(parentLevel));
+}
+
+void NavWindow::newChildOf(Level parentLevel, qint32 parentId)
+{
+    guarded([&] {
+        const Level level = *childLevel(parentLevel);
+        if (parentId < 0 || level == Level::Page)
+            return;
+        if (level == Level::Document) {
+            ItemDialog dialog(Level::Document, services(), this, true);
+            if (dialog.exec() == QDialog::Accepted && !dialog.result().Cancelled)
+                addNewDocument(parentId, dialog.result());
+            return;
+        }
+        ItemDialog dialog(level, services(), this);
+        dialog.setAdd(parentId);
+        if (level == Level::Drawer)
+            dialog.PopulateTemplates(
+                m_templates.names(), [this](const QString& name, qint32 drawerId, ItemStore& items) {
+                    return m_templates.ApplyDrawerTemplate(name, drawerId, items);
+                });
+        dialog.exec();
+    });
+    restoreFocus();
+}
+
+void NavWindow::newSibling(Level level)
+{
+    const Level parent = *parentLevel(level);
+    const SelectionRecord& record = m_session.selection();
+    qint32 parentId = -1;
+    guarded([&] {
+        if (record.idOf(level) != -1) {
+            parentId = record.currentParentId;
+        } else if (record.idOf(parent) != -1) {
+            parentId = record.idOf(parent);
+        } else {
+            // The selected item of the control that spoke last: a sibling's parent, or the
+            // parent itself.
+            const NodeKey key = contextKey();
+            if (key.level() == level)
+                parentId = m_session.items().parentOf(level, key.id());
+            else if (key.level() == parent)
+                parentId = key.id();
+        }
+    });
+    if (parentId >= 0)
+        newChildOf(parent, parentId);
+}
+
+void NavWindow::properties(Level level, qint32 id)
+{
+    guarded([&] {
+        const qint32 target = id >= 0 ? id : targetId(level);
+        if (target < 0)
+            return;
+        if (level == Level::Cabinet &&
+            !m_session.locks().OpenCabinet(target, m_choosers, m_prompter, this))
+            return;
+        ItemDialog dialog(level, services(), this);
+        if (dialog.setEdit(target))
+            dialog.exec();
+    });
+    restoreFocus();
+}
+
+void NavWindow::pageProperties()
+{
+    QStringList keys;
+    for (const QTreeWidgetItem* item : m_pages->selectedItems())
+        keys << item->data(0, kKeyRole).toString();
+    if (keys.isEmpty())
+        return;
+    guarded([&] {
+        PagePropertiesDialog dialog(m_session.db(), this);
+        if (keys.size() == 1)
+            dialog.Populate(NodeKey::parse(keys.first()).id());
+        else
+            dialog.PopulateMultiple(keys);
+        dialog.exec();
+    });
+}
+
+void NavWindow::drawerTemplates()
+{
+    TemplateEditor editor(m_templates, m_prompter, this);
+    editor.exec();
+}
+
+void NavWindow::createSampleCabinet()
+{
+    SampleCabinets samples(m_session.home(), m_session.db(), this);
+    if (!samples.ensureFile()) {
+        m_prompter.tell(QStringLiteral("Missing file '") + samples.filePath() +
+                        QStringLiteral("'."));
+        return;
+    }
+    SampleDialog dialog(samples, m_prompter, m_choosers, this);
+    dialog.exec();
+}
+
+void NavWindow::onListMouseUp(Qt::MouseButton button)
+{
+    m_contextSource = QStringLiteral("L");
+    if (button != Qt::RightButton)
+        return;
+    guarded([this] {
+        const NodeKey key = NodeKey::parse(listSelectedKey());
+        const std::optional<Level> level = key.level();
+        if (!level || *level == Level::Page)
+            return;
+        if (*level == Level::Cabinet && !m_session.locks().IsCabinetOpen(key.id()))
+            return;
+        if (QMenu* popup = m_menus.menu(NavMenus::levelMenus().at(static_cast<int>(*level) + 1)))
+            popup->exec(QCursor::pos());
+    });
+}
+
+void NavWindow::onInsertKey(bool fromTree)
+{
+    const NodeKey key = NodeKey::parse(fromTree ? m_tree->selectedKey() : listSelectedKey());
+    if (fromTree && key.isRoot()) {
+        newCabinet();
+        return;
+    }
+    const std::optional<Level> level = key.level();
+    if (!level || *level == Level::Page)
+        return;
+    // In the tree Insert adds a child of the node; in the list a sibling of the item.
+    if (fromTree && *level != Level::Document)
+        newChild(*level);
+    else if (*level == Level::Cabinet)
+        newCabinet();
+    else if (!fromTree && *level == Level::Document)
+        return; // a new page comes from the scanner, which is not here yet
+    else
+        newSibling(*level);
+    (fromTree ? static_cast<QWidget*>(m_tree) : m_list)->setFocus();
 }
 
 } // namespace qmr

@@ -21,7 +21,9 @@ class NavTree;
 class Progress;
 class Prompter;
 class Session;
+struct DialogServices;
 struct ItemRow;
+struct NewDocumentResult;
 
 // frmNavTree: the main window with the filing tree, the container list and the page list.
 class NavWindow : public QMainWindow, public NavigatorCallbacks
@@ -64,11 +66,27 @@ public:
     // Esc and File > Exit: asks, and on Yes saves and asks the program to end.
     void mnuFileExit();
 
+    // New and Properties commands. A new item goes below the parent that the selection
+    // record, or else the control that spoke last, points at.
+    void newCabinet();
+    void newChild(Level parentLevel);
+    void newChildOf(Level parentLevel, qint32 parentId);
+    void newSibling(Level level);
+    // `id` -1: the target of the command.
+    void properties(Level level, qint32 id = -1);
+    void pageProperties();
+    void drawerTemplates();
+    void createSampleCabinet();
+    // The id a command of that level works on: the record's, else the key of the selected
+    // item of the control that spoke last (-1 when that is of another level).
+    qint32 targetId(Level level) const;
+
     NavTree* tree() const { return m_tree; }
     QListWidget* list() const { return m_list; }
     QTreeWidget* pageList() const { return m_pages; }
     const NavMenus& menus() const { return m_menus; }
     QString contextSource() const { return m_contextSource; }
+    void setContextSource(const QString& source) { m_contextSource = source; }
     // The tree's width in twips, as the settings keep it.
     int treeWidthTwips() const;
 
@@ -102,6 +120,15 @@ private:
     void setRecordFromKey(const NodeKey& key);
     void restoreLastNode();
     void onTreeMouseUp(Qt::MouseButton button);
+    void onListMouseUp(Qt::MouseButton button);
+    void onInsertKey(bool fromTree);
+    NodeKey contextKey() const;
+    QString listSelectedKey() const;
+    // Creates a document from the fields of the new-document dialog.
+    void addNewDocument(qint32 folderId, const NewDocumentResult& result);
+    // After a dialog the focus goes back to the control that spoke last.
+    void restoreFocus();
+    DialogServices services();
     void onListActivated(QListWidgetItem* item);
     void hidePagePane();
     void savePlacement();

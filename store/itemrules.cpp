@@ -89,6 +89,29 @@ QString ItemRules::displayDate(const QDate& date)
     return date.isValid() ? date.toString(QStringLiteral("MM/dd/yyyy")) : QString();
 }
 
+double ItemRules::leadingNumber(const QString& text)
+{
+    const QString t = text.trimmed();
+    int end = 0;
+    if (end < t.size() && (t.at(end) == QLatin1Char('-') || t.at(end) == QLatin1Char('+')))
+        ++end;
+    bool point = false;
+    while (end < t.size()) {
+        const QChar c = t.at(end);
+        if (c.isDigit() && c.unicode() < 128) {
+            ++end;
+        } else if (c == QLatin1Char('.') && !point) {
+            point = true;
+            ++end;
+        } else {
+            break;
+        }
+    }
+    bool ok = false;
+    const double value = t.left(end).toDouble(&ok);
+    return ok ? value : 0.0;
+}
+
 bool ItemRules::IsPictureFile(const QString& fileName)
 {
     const QString name = fileName.toLower();

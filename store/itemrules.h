@@ -27,6 +27,10 @@ public:
     // mm/dd/yyyy, the display form of a date.
     static QString displayDate(const QDate& date);
 
+    // The number at the start of a text: a sign, digits and one point; 0 when there is none.
+    // "12abc" is 12, "1,234.00" is 1.
+    static double leadingNumber(const QString& text);
+
     // By the name alone: .jpg, .jpeg, .bmp in any case.
     static bool IsPictureFile(const QString& fileName);
 };

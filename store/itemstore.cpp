@@ -55,6 +55,25 @@ ItemRow ItemStore::item(Level level, qint32 id) const
     return row;
 }
 
+PageFacts ItemStore::pageFacts(qint32 pageId) const
+{
+    const Recordset rs =
+        m_db.OpenRecordset(QStringLiteral("SELECT * FROM Page WHERE PageId = ?"), {pageId});
+    PageFacts facts;
+    if (rs.RecordCount() < 1)
+        return facts;
+    facts.found = true;
+    facts.scanDateStored = rs.text(0, QStringLiteral("ScanDate"));
+    facts.scanDate = rs.date(0, QStringLiteral("ScanDate"));
+    const QVariant size = rs.value(0, QStringLiteral("FileSize"));
+    facts.hasFileSize = !size.isNull();
+    facts.fileSize = size.toLongLong();
+    facts.fileType = rs.text(0, QStringLiteral("Filetype"));
+    facts.shortcut = rs.text(0, QStringLiteral("ShortcutYN")) == QLatin1String("Y");
+    facts.filename = rs.text(0, QStringLiteral("Filename"));
+    return facts;
+}
+
 QVector<PageRow> ItemStore::pages(qint32 documentId) const
 {
     const Recordset rs = m_db.OpenRecordset(
@@ -85,19 +104,130 @@ qint32 ItemStore::parentOf(Level level, qint32 id) const
     return v.isNull() ? -1 : v.toInt();
 }
 
-qint32 ItemStore::insertItem(Level level, qint32 parentId, const QString& name)
+namespace {
+
+// The stored columns of a level's fields, in statement order, with their values.
+QVector<QPair<QString, QVariant>> fieldColumns(Level level, const ItemFields& f)
+{
+    QVector<QPair<QString, QVariant>> columns{{QStringLiteral("Name"), f.name},
+                                              {QStringLiteral("Description"), f.description}};
+    switch (level) {
+    case Level::Cabinet:
+        columns << qMakePair(QStringLiteral("Password"),
+                             QVariant(EncryptText(f.password, Cipher::key())))
+                << qMakePair(QStringLiteral("Storage"), QVariant(f.storage))
+                << qMakePair(QStringLiteral("StoragePath"), QVariant(f.storagePath));
+        break;
+    case Level::Folder:
+        columns << qMakePair(QStringLiteral("Email"), QVariant(f.email));
+        break;
+    case Level::Document:
+        columns << qMakePair(QStringLiteral("DateOnDocument"),
+                             f.dateOnDocument.isValid() ? QVariant(f.dateOnDocument) : QVariant())
+                << qMakePair(QStringLiteral("Amount"),
+                             f.hasAmount ? QVariant(f.amount) : QVariant());
+        break;
+    default:
+        break;
+    }
+    return columns;
+}
+
+} // namespace
+
+void ItemStore::checkWidths(Level level, const ItemFields& fields)
+{
+    const QString table = ItemTable::of(level).name();
+    for (const auto& [column, value] : fieldColumns(level, fields))
+        if (value.typeId() == QMetaType::QString)
+            ColumnWidths::check(table, column, column == QLatin1String("Password")
+                                                   ? fields.password
+                                                   : value.toString());
+}
+
+std::optional<ItemFields> ItemStore::fields(Level level, qint32 id) const
 {
     const ItemTable& t = ItemTable::of(level);
-    ColumnWidths::check(t.name(), QStringLiteral("Name"), name);
+    const Recordset rs =
+        m_db.OpenRecordset(QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()),
+                           {id});
+    if (rs.RecordCount() < 1)
+        return std::nullopt;
+    ItemFields f;
+    f.name = rs.text(0, QStringLiteral("Name"));
+    f.description = rs.text(0, QStringLiteral("Description"));
     if (level == Level::Cabinet) {
-        m_db.execute(QStringLiteral("INSERT INTO Cabinet (Name, Password) VALUES (?, ?)"),
-                     {name, EncryptText(QString(), Cipher::key())});
-    } else {
-        m_db.execute(
-            QStringLiteral("INSERT INTO %1 (%2, Name) VALUES (?, ?)").arg(t.name(), t.parent()),
-            {parentId, name});
+        f.password = DecryptText(rs.text(0, QStringLiteral("Password")), Cipher::key());
+        f.storage = rs.integer(0, QStringLiteral("Storage"), 0) == 1 ? 1 : 0;
+        f.storagePath = rs.text(0, QStringLiteral("StoragePath"));
+    } else if (level == Level::Folder) {
+        f.email = rs.text(0, QStringLiteral("Email"));
+    } else if (level == Level::Document) {
+        f.dateOnDocument = rs.date(0, QStringLiteral("DateOnDocument"));
+        const QVariant amount = rs.value(0, QStringLiteral("Amount"));
+        f.hasAmount = !amount.isNull();
+        f.amount = amount.toDouble();
     }
+    return f;
+}
+
+qint32 ItemStore::insertItem(Level level, qint32 parentId, const ItemFields& fields)
+{
+    checkWidths(level, fields);
+    const ItemTable& t = ItemTable::of(level);
+    QStringList names;
+    QVariantList values;
+    if (level != Level::Cabinet) {
+        names << t.parent();
+        values << parentId;
+    }
+    for (const auto& [column, value] : fieldColumns(level, fields)) {
+        names << column;
+        values << value;
+    }
+    const QString marks = QStringList(QList<QString>(names.size(), QStringLiteral("?")))
+                              .join(QStringLiteral(", "));
+    m_db.execute(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
+                     .arg(t.name(), names.join(QStringLiteral(", ")), marks),
+                 values);
     return m_db.lastInsertId();
+}
+
+void ItemStore::updateItem(Level level, qint32 id, const ItemFields& fields)
+{
+    checkWidths(level, fields);
+    const ItemTable& t = ItemTable::of(level);
+    QStringList sets;
+    QVariantList values;
+    for (const auto& [column, value] : fieldColumns(level, fields)) {
+        sets << column + QStringLiteral(" = ?");
+        values << value;
+    }
+    values << id;
+    m_db.execute(QStringLiteral("UPDATE %1 SET %2 WHERE %3 = ?")
+                     .arg(t.name(), sets.join(QStringLiteral(", ")), t.id()),
+                 values);
+}
+
+bool ItemStore::nameTaken(Level level, qint32 parentId, const QString& name,
+                          qint32 exceptId) const
+{
+    const ItemTable& t = ItemTable::of(level);
+    QString sql = QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name = ? AND %2 <> ?")
+                      .arg(t.name(), t.id());
+    QVariantList binds{name, exceptId};
+    if (level != Level::Cabinet) {
+        sql += QStringLiteral(" AND %1 = ?").arg(t.parent());
+        binds << parentId;
+    }
+    return m_db.scalar(sql, binds).toInt() > 0;
+}
+
+qint32 ItemStore::insertItem(Level level, qint32 parentId, const QString& name)
+{
+    ItemFields fields;
+    fields.name = name;
+    return insertItem(level, parentId, fields);
 }
 
 int ItemStore::count(Level level) const

@@ -1,10 +1,12 @@
 #pragma once
 
 #include "core/level.h"
+#include "store/itemfields.h"
 
 #include <QDate>
 #include <QString>
 #include <QVector>
+#include <optional>
 
 namespace qmr {
 
@@ -29,6 +31,19 @@ struct PageRow
     bool shortcut = false;
 };
 
+// The facts of one page, as its properties show them.
+struct PageFacts
+{
+    bool found = false;
+    QString scanDateStored; // the stored text, "" for Null
+    QDate scanDate;
+    bool hasFileSize = false;
+    qint64 fileSize = 0;
+    QString fileType;
+    bool shortcut = false;
+    QString filename;
+};
+
 // The item queries that the navigator, templates and samples share: one routine per kind of
 // work, driven by the level's table.
 class ItemStore
@@ -50,8 +65,20 @@ public:
     }
     qint32 DocumentOfPage(qint32 pageId) const { return parentOf(Level::Page, pageId); }
 
+    PageFacts pageFacts(qint32 pageId) const;
     // The pages of a document in page order.
     QVector<PageRow> pages(qint32 documentId) const;
+
+    // The editable fields of one item; nothing when the row is gone.
+    std::optional<ItemFields> fields(Level level, qint32 id) const;
+    // Inserts an item with its fields below `parentId`; returns the new id.
+    qint32 insertItem(Level level, qint32 parentId, const ItemFields& fields);
+    void updateItem(Level level, qint32 id, const ItemFields& fields);
+    // Whether another item of the same parent (any cabinet, for cabinets) has this name,
+    // without regard to case; `exceptId` is the item being edited, or -1.
+    bool nameTaken(Level level, qint32 parentId, const QString& name, qint32 exceptId) const;
+    // Throws StoreError with a clear message when a field is too wide for its column.
+    static void checkWidths(Level level, const ItemFields& fields);
 
     // Inserts a bare item (cabinets get the stored form of the empty password); returns its id.
     qint32 insertItem(Level level, qint32 parentId, const QString& name);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/apphome.h"
+#include "core/navigatorcallbacks.h"
 
 #include <QStringList>
 
@@ -19,6 +20,12 @@ public:
     // Reads the names: lines that begin exactly "DRW=", the name from the fifth character.
     void LoadDrawerTemplates();
     const QStringList& names() const { return m_names; }
+    int count() const { return int(m_names.size()); }
+
+    // Creates the folders and documents of the first template of that name (without regard
+    // to case) in the drawer. The caller shows them once its transaction holds.
+    QVector<CreatedItem> ApplyDrawerTemplate(const QString& name, qint32 drawerId,
+                                             ItemStore& items) const;
 
 private:
     AppHome m_home;

@@ -61,11 +61,11 @@ QStringList SampleCabinets::sampleNames() const
     return names;
 }
 
-QVector<SampleCabinets::Created> SampleCabinets::FillSampleCabinet(const QString& name,
+QVector<CreatedItem> SampleCabinets::FillSampleCabinet(const QString& name,
                                                                    qint32 cabinetId)
 {
     ItemStore items(m_db);
-    QVector<Created> created;
+    QVector<CreatedItem> created;
     bool inSample = false;
     qint32 drawer = -1;
     qint32 folder = -1;
@@ -81,13 +81,13 @@ QVector<SampleCabinets::Created> SampleCabinets::FillSampleCabinet(const QString
         if (l.key == QLatin1String("DRW")) {
             drawer = items.insertItem(Level::Drawer, cabinetId, l.name);
             folder = -1; // a document right behind a drawer line has no folder
-            created << Created{Level::Drawer, cabinetId, drawer, l.name};
+            created << CreatedItem{Level::Drawer, cabinetId, drawer, l.name, {}};
         } else if (l.key == QLatin1String("FLD") && drawer != -1) {
             folder = items.insertItem(Level::Folder, drawer, l.name);
-            created << Created{Level::Folder, drawer, folder, l.name};
+            created << CreatedItem{Level::Folder, drawer, folder, l.name, {}};
         } else if (l.key == QLatin1String("DOC") && folder != -1) {
             const qint32 doc = items.insertItem(Level::Document, folder, l.name);
-            created << Created{Level::Document, folder, doc, l.name};
+            created << CreatedItem{Level::Document, folder, doc, l.name, {}};
         }
     }
     return created;
@@ -98,19 +98,12 @@ qint32 SampleCabinets::CreateSampleCabinet(const QString& name)
     ItemStore items(m_db);
     Database::Transaction tx(m_db);
     const qint32 cabinetId = items.insertItem(Level::Cabinet, -1, name);
-    const QVector<Created> created = FillSampleCabinet(name, cabinetId);
+    const QVector<CreatedItem> created = FillSampleCabinet(name, cabinetId);
     tx.commit();
     if (!m_navigator)
         return cabinetId;
     m_navigator->AddCabinetToNavTree(cabinetId, name);
-    for (const Created& c : created) {
-        if (c.level == Level::Drawer)
-            m_navigator->AddDrawerToNavTree(c.parentId, c.id, c.name);
-        else if (c.level == Level::Folder)
-            m_navigator->AddFolderToNavTree(c.parentId, c.id, c.name);
-        else
-            m_navigator->AddDocumentToNavTree(c.parentId, c.id, c.name, QDate());
-    }
+    m_navigator->announce(created);
     m_navigator->ShowDrawersInListView(cabinetId);
     return cabinetId;
 }

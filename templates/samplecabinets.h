@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/apphome.h"
-#include "core/level.h"
+#include "core/navigatorcallbacks.h"
 
 #include <QStringList>
 
@@ -19,6 +19,7 @@ public:
     {
     }
 
+    Database& db() { return m_db; }
     QString filePath() const { return m_home.file(QStringLiteral("Sample.txt")); }
     static QStringList defaultText();
     bool WriteDefaultSample() const;
@@ -31,14 +32,7 @@ public:
     qint32 CreateSampleCabinet(const QString& name);
 
 private:
-    struct Created
-    {
-        Level level;
-        qint32 parentId;
-        qint32 id;
-        QString name;
-    };
-    QVector<Created> FillSampleCabinet(const QString& name, qint32 cabinetId);
+    QVector<CreatedItem> FillSampleCabinet(const QString& name, qint32 cabinetId);
 
     AppHome m_home;
     Database& m_db;

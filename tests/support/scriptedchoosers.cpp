@@ -21,9 +21,18 @@ std::optional<QString> ScriptedChoosers::askPassword()
     return take(m_passwords);
 }
 
-std::optional<QString> ScriptedChoosers::chooseDirectory(const QString&)
+std::optional<QString> ScriptedChoosers::chooseDirectory(const QString& start)
 {
+    m_starts << start;
     return take(m_dirs);
+}
+
+std::optional<QString> ScriptedChoosers::openInEditor(const QString& path)
+{
+    m_edited << path;
+    if (m_editorFailure.isEmpty())
+        return std::nullopt;
+    return m_editorFailure;
 }
 
 } // namespace qmr::test

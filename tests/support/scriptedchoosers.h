@@ -2,6 +2,7 @@
 
 #include "core/choosers.h"
 
+#include <QStringList>
 #include <QVariant>
 #include <deque>
 
@@ -21,6 +22,11 @@ public:
 
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
+    // Records the path; answers with the queued failure text, if any.
+    std::optional<QString> openInEditor(const QString& path) override;
+    void failEditor(const QString& reason) { m_editorFailure = reason; }
+    const QStringList& edited() const { return m_edited; }
+    const QStringList& directoryStarts() const { return m_starts; }
 
     int passwordAsks() const { return m_passwordAsks; }
     int unanswered() const { return m_unanswered; }
@@ -35,6 +41,9 @@ private:
 
     std::deque<QVariant> m_passwords;
     std::deque<QVariant> m_dirs;
+    QStringList m_edited;
+    QStringList m_starts;
+    QString m_editorFailure;
     int m_passwordAsks = 0;
     int m_unanswered = 0;
 };

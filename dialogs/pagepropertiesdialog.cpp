@@ -1,0 +1,135 @@
+#include "dialogs/pagepropertiesdialog.h"
+
+#include "core/nodekey.h"
+#include "store/itemrules.h"
+#include "store/itemstore.h"
+
+#include <QFormLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+#include <QVBoxLayout>
+
+namespace qmr {
+
+namespace {
+
+QString bytes(qint64 size)
+{
+    return QLocale(QLocale::English, QLocale::UnitedStates).toString(size) +
+           QStringLiteral(" bytes");
+}
+
+} // namespace
+
+PagePropertiesDialog::PagePropertiesDialog(Database& db, QWidget* parent)
+    : QDialog(parent), m_db(db)
+{
+    setObjectName(QStringLiteral("frmPage"));
+    setWindowTitle(QStringLiteral("Page Properties"));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    if (parent)
+        setWindowIcon(parent->window()->windowIcon());
+    auto* layout = new QVBoxLayout(this);
+    auto* form = new QFormLayout();
+    struct Row
+    {
+        const char* caption;
+        const char* name;
+        const char* data;
+        const char* design;
+    };
+    static const Row rows[] = {
+        {"Page ID:", "lblPageId", "lblPageIdData", ""},
+        {"File size:", "lblFileSize", "lblFileSizeData", "0 bytes"},
+        {"Scan date:", "lblScanDate", "lblScanDateData", "12/31/2000"},
+        {"File type:", "lblFileType", "lblFileTypeData", ""},
+        {"Shortcut:", "lblShortcut", "lblShortcutData", "(not a shortcut)"},
+    };
+    for (const Row& r : rows) {
+        auto* caption = new QLabel(QLatin1String(r.caption), this);
+        caption->setObjectName(QLatin1String(r.name));
+        auto* data = new QLabel(QLatin1String(r.design), this);
+        data->setObjectName(QLatin1String(r.data));
+        data->setTextInteractionFlags(Qt::TextSelectableByMouse);
+        m_labels.insert(QLatin1String(r.name), caption);
+        m_labels.insert(QLatin1String(r.data), data);
+        form->addRow(caption, data);
+    }
+    layout->addLayout(form);
+    auto* buttons = new QHBoxLayout();
+    buttons->addStretch(1);
+    auto* ok = new QPushButton(QStringLiteral("OK"), this);
+    ok->setObjectName(QStringLiteral("cmdOK"));
+    ok->setDefault(true);
+    buttons->addWidget(ok);
+    layout->addLayout(buttons);
+    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
+    setMinimumWidth(320);
+}
+
+QLabel* PagePropertiesDialog::label(const char* name) const
+{
+    return m_labels.value(QLatin1String(name));
+}
+
+QString PagePropertiesDialog::text(const QString& labelName) const
+{
+    const QLabel* l = m_labels.value(labelName);
+    return l ? l->text() : QString();
+}
+
+void PagePropertiesDialog::Populate(qint32 pageId)
+{
+    const PageFacts f = ItemStore(m_db).pageFacts(pageId);
+    label("lblPageIdData")->setText(QString::number(pageId));
+    label("lblScanDateData")->setText(f.scanDate.isValid() ? ItemRules::displayDate(f.scanDate)
+                                                           : QStringLiteral("Not known"));
+    label("lblFileSizeData")->setText(f.hasFileSize ? bytes(f.fileSize)
+                                                    : QStringLiteral("Not known"));
+    label("lblFileTypeData")->setText(f.fileType);
+    if (f.shortcut)
+        label("lblShortcutData")->setText(f.filename);
+}
+
+void PagePropertiesDialog::PopulateMultiple(const QStringList& selectedKeys)
+{
+    label("lblPageId")->setText(QStringLiteral("Pages:"));
+    ItemStore items(m_db);
+    int count = 0;
+    QString firstDate;
+    QDate shownDate;
+    bool mixed = false;
+    bool sizeSeen = false;
+    qint64 total = 0;
+    for (const QString& text : selectedKeys) {
+        const NodeKey key = NodeKey::parse(text);
+        if (key.level() != Level::Page)
+            continue;
+        ++count;
+        const PageFacts f = items.pageFacts(key.id());
+        if (!f.scanDateStored.isEmpty()) {
+            if (firstDate.isEmpty()) {
+                firstDate = f.scanDateStored;
+                shownDate = f.scanDate;
+            } else if (f.scanDateStored != firstDate) {
+                mixed = true; // the stored values differ, times included
+            }
+        }
+        if (f.hasFileSize) {
+            total += f.fileSize;
+            sizeSeen = true;
+        }
+    }
+    label("lblPageIdData")->setText(QString::number(count) + QStringLiteral(" pages"));
+    label("lblScanDateData")
+        ->setText(firstDate.isEmpty() ? QStringLiteral("Not known")
+                  : mixed             ? QStringLiteral("Various")
+                                      : ItemRules::displayDate(shownDate));
+    label("lblFileSizeData")->setText(sizeSeen ? bytes(total) : QStringLiteral("Not known"));
+    label("lblFileTypeData")->setText(QStringLiteral("Not konwn"));
+    label("lblShortcutData")->setText(QStringLiteral("Not known"));
+}
+
+} // namespace qmr

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QDialog>
+#include <QHash>
+
+class QLabel;
+
+namespace qmr {
+
+class Database;
+
+// frmPage: the facts of one page, or a summary of several. Nothing can be changed in it.
+class PagePropertiesDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    explicit PagePropertiesDialog(Database& db, QWidget* parent = nullptr);
+
+    void Populate(qint32 pageId);
+    // The selected items' keys of the page list; only "PAG" keys count.
+    void PopulateMultiple(const QStringList& selectedKeys);
+    QString text(const QString& labelName) const;
+
+private:
+    QLabel* label(const char* name) const;
+
+    Database& m_db;
+    QHash<QString, QLabel*> m_labels;
+};
+
+} // namespace qmr

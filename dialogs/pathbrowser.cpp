@@ -1,0 +1,27 @@
+#include "dialogs/pathbrowser.h"
+
+#include "core/choosers.h"
+#include "core/settings.h"
+
+#include <QFileInfo>
+#include <QLineEdit>
+
+namespace qmr {
+
+void BrowseForPath(QLineEdit* box, Settings& settings, Choosers& choosers)
+{
+    if (!box)
+        return;
+    QString start = box->text().trimmed();
+    if (start.isEmpty())
+        start = settings.GetSetting(QStringLiteral("PathSelect"));
+    if (!QFileInfo(start).isDir())
+        start.clear(); // a stale path opens the chooser at its usual place
+    const std::optional<QString> chosen = choosers.chooseDirectory(start);
+    if (!chosen)
+        return;
+    settings.SaveSetting(QStringLiteral("PathSelect"), *chosen);
+    box->setText(*chosen);
+}
+
+} // namespace qmr

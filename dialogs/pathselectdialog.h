@@ -1,0 +1,36 @@
+#pragma once
+
+#include <QDialog>
+
+class QComboBox;
+class QFileSystemModel;
+class QTreeView;
+
+namespace qmr {
+
+class Settings;
+
+// frmPathSelect: a directory chooser with a list of drives (mounted volumes) and a directory
+// tree that opens a directory on one click.
+class PathSelectDialog : public QDialog
+{
+    Q_OBJECT
+public:
+    PathSelectDialog(Settings& settings, const QString& start, QWidget* parent = nullptr);
+    ~PathSelectDialog() override;
+
+    QString path() const { return m_path; }
+    void setPath(const QString& path);
+
+protected:
+    void done(int result) override;
+
+private:
+    Settings& m_settings;
+    QComboBox* m_drives;
+    QTreeView* m_dirs;
+    QFileSystemModel* m_model;
+    QString m_path;
+};
+
+} // namespace qmr

@@ -1,0 +1,204 @@
+#include "templates/templateeditor.h"
+
+#include "core/prompter.h"
+#include "templates/drawertemplates.h"
+#include "templates/outlinefile.h"
+#include "templates/templateoutline.h"
+
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QPainter>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace qmr {
+
+namespace {
+
+constexpr int kKeyRole = Qt::UserRole + 1;
+const char* const kKinds[] = {"DRW", "FLD", "DOC"};
+
+int kindOf(const QString& key)
+{
+    for (int i = 0; i < 3; ++i)
+        if (key.startsWith(QLatin1String(kKinds[i])))
+            return i;
+    return -1;
+}
+
+QIcon kindIcon(int kind)
+{
+    // The same shapes as the main tree, drawn small here so that the editor stands alone.
+    QPixmap pm(16, 16);
+    pm.fill(Qt::transparent);
+    QPainter p(&pm);
+    p.setRenderHint(QPainter::Antialiasing);
+    if (kind == 0) {
+        p.setPen(QColor(0x37, 0x47, 0x4f));
+        p.setBrush(QColor(0x90, 0xa4, 0xae));
+        p.drawRect(QRectF(1.5, 4.5, 13, 7));
+        p.fillRect(QRectF(6, 7, 4, 1.5), QColor(0x37, 0x47, 0x4f));
+    } else if (kind == 1) {
+        p.setPen(QColor(0x8d, 0x6e, 0x00));
+        p.setBrush(QColor(0xff, 0xca, 0x28));
+        p.drawRect(QRectF(1.5, 4.5, 13, 9));
+    } else {
+        p.setPen(QColor(0x42, 0x42, 0x42));
+        p.setBrush(Qt::white);
+        p.drawRect(QRectF(3.5, 1.5, 9, 13));
+        p.drawLine(QPointF(5.5, 6.5), QPointF(10.5, 6.5));
+        p.drawLine(QPointF(5.5, 9.5), QPointF(10.5, 9.5));
+    }
+    return QIcon(pm);
+}
+
+} // namespace
+
+TemplateEditor::TemplateEditor(DrawerTemplates& templates, Prompter& prompter, QWidget* parent)
+    : QDialog(parent), m_templates(templates), m_prompter(prompter)
+{
+    setObjectName(QStringLiteral("frmCustomDrawer"));
+    setWindowTitle(QStringLiteral("Drawer Templates"));
+    setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    if (parent)
+        setWindowIcon(parent->window()->windowIcon());
+    auto* layout = new QHBoxLayout(this);
+    m_tree = new QTreeWidget(this);
+    m_tree->setObjectName(QStringLiteral("tvwMain"));
+    m_tree->setHeaderHidden(true);
+    m_tree->setSortingEnabled(true);
+    m_tree->sortByColumn(0, Qt::AscendingOrder);
+    m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed |
+                            QAbstractItemView::SelectedClicked);
+    layout->addWidget(m_tree, 1);
+
+    auto* buttons = new QVBoxLayout();
+    auto makeButton = [&](const char* name, const char* caption) {
+        auto* b = new QPushButton(QString::fromUtf8(caption), this);
+        b->setObjectName(QLatin1String(name));
+        buttons->addWidget(b);
+        return b;
+    };
+    m_addChild = makeButton("cmdAddChild", "Add Drawer");
+    m_addSibling = makeButton("cmdAddSibling", "Add Drawer");
+    m_removeSibling = makeButton("cmdRemoveSibling", "Remove Drawer");
+    buttons->addStretch(1);
+    QPushButton* ok = makeButton("cmdOK", "OK");
+    QPushButton* cancel = makeButton("cmdCancel", "Cancel");
+    layout->addLayout(buttons);
+
+    connect(m_addChild, &QPushButton::clicked, this, &TemplateEditor::cmdAddChild);
+    connect(m_removeSibling, &QPushButton::clicked, this, &TemplateEditor::cmdRemoveSibling);
+    connect(ok, &QPushButton::clicked, this, &TemplateEditor::cmdOK);
+    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_tree, &QTreeWidget::currentItemChanged, this, [this] { updateButtons(); });
+    resize(480, 420);
+    load();
+}
+
+QTreeWidgetItem* TemplateEditor::addNode(QTreeWidgetItem* parent, const QString& key,
+                                         const QString& text)
+{
+    const int kind = kindOf(key);
+    auto* item = new QTreeWidgetItem(parent);
+    item->setText(0, text);
+    item->setIcon(0, kindIcon(kind));
+    item->setData(0, kKeyRole, key + QString::number(++m_counters[kind]));
+    item->setFlags(item->flags() | Qt::ItemIsEditable);
+    item->setExpanded(true);
+    m_created << item;
+    return item;
+}
+
+void TemplateEditor::load()
+{
+    m_tree->clear();
+    m_created.clear();
+    m_root = new QTreeWidgetItem(m_tree);
+    m_root->setText(0, QStringLiteral("Drawers"));
+    m_root->setIcon(0, kindIcon(0));
+    m_root->setData(0, kKeyRole, QStringLiteral("ROOT"));
+    m_root->setExpanded(true);
+    QVector<QTreeWidgetItem*> made;
+    for (const TemplateNode& node :
+         TemplateOutline::read(OutlineFile::readLines(m_templates.filePath())))
+        made << addNode(node.parent < 0 ? m_root : made.at(node.parent), node.key, node.name);
+    m_tree->setCurrentItem(m_root);
+    updateButtons();
+}
+
+void TemplateEditor::updateButtons()
+{
+    static const char* const addCaptions[] = {"Add Folder", "Add Document", nullptr};
+    static const char* const removeCaptions[] = {"Remove Drawer", "Remove Folder",
+                                                 "Remove Document"};
+    m_addSibling->setEnabled(false); // a sibling is made from the parent node
+    QTreeWidgetItem* item = m_tree->currentItem();
+    if (!item || item == m_root) {
+        m_addChild->setText(QStringLiteral("Add Drawer"));
+        m_addChild->setEnabled(true);
+        m_removeSibling->setEnabled(false);
+        return;
+    }
+    const int kind = kindOf(item->data(0, kKeyRole).toString());
+    if (addCaptions[kind]) {
+        m_addChild->setText(QLatin1String(addCaptions[kind]));
+        m_addChild->setEnabled(true);
+    } else {
+        m_addChild->setEnabled(false);
+    }
+    m_removeSibling->setText(QLatin1String(removeCaptions[kind]));
+    m_removeSibling->setEnabled(true);
+}
+
+void TemplateEditor::cmdAddChild()
+{
+    QTreeWidgetItem* parent = m_tree->currentItem() ? m_tree->currentItem() : m_root;
+    const int kind =
+        parent == m_root ? 0 : kindOf(parent->data(0, kKeyRole).toString()) + 1;
+    if (kind > 2)
+        return;
+    static const char* const texts[] = {"New Drawer", "New Folder", "New Document"};
+    QTreeWidgetItem* item = addNode(parent, QLatin1String(kKinds[kind]), QLatin1String(texts[kind]));
+    parent->setExpanded(true);
+    m_tree->setCurrentItem(item);
+    updateButtons();
+    m_tree->editItem(item, 0);
+}
+
+void TemplateEditor::forget(QTreeWidgetItem* item)
+{
+    for (int i = 0; i < item->childCount(); ++i)
+        forget(item->child(i));
+    m_created.removeAll(item);
+}
+
+void TemplateEditor::cmdRemoveSibling()
+{
+    QTreeWidgetItem* item = m_tree->currentItem();
+    if (!item || item == m_root)
+        return;
+    forget(item);
+    delete item;
+    updateButtons();
+}
+
+void TemplateEditor::cmdOK()
+{
+    QVector<TemplateNode> nodes;
+    for (const QTreeWidgetItem* item : m_created)
+        nodes << TemplateNode{item->data(0, kKeyRole).toString().left(3), item->text(0), -1};
+    setCursor(Qt::WaitCursor);
+    const bool written =
+        OutlineFile::writeLines(m_templates.filePath(), TemplateOutline::write(nodes));
+    unsetCursor();
+    if (!written) {
+        m_prompter.tell(QStringLiteral("Cannot write the file '%1'.").arg(m_templates.filePath()));
+        return;
+    }
+    m_templates.LoadDrawerTemplates();
+    accept();
+}
+
+} // namespace qmr
