@@ -51,7 +51,7 @@ public:
     qint32 itemId() const { return m_id; }
     Level level() const { return m_level; }
     void UpdateCaption();
-    const NewDocumentResult& result() const { return m_result; }
+    const NewDocumentResult& newDocument() const { return m_result; }
     bool statisticsLoaded() const { return m_statsLoaded; }
 
 public slots:

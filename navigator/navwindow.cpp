@@ -825,8 +825,8 @@ void NavWindow::newChildOf(Level parentLevel, qint32 parentId)
             return;
         if (level == Level::Document) {
             ItemDialog dialog(Level::Document, services(), this, true);
-            if (dialog.exec() == QDialog::Accepted && !dialog.result().Cancelled)
-                addNewDocument(parentId, dialog.result());
+            if (dialog.exec() == QDialog::Accepted && !dialog.newDocument().Cancelled)
+                addNewDocument(parentId, dialog.newDocument());
             return;
         }
         ItemDialog dialog(level, services(), this);

@@ -5,6 +5,7 @@
 #include "templates/outlinefile.h"
 #include "templates/samplecabinets.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/navrecorder.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
@@ -15,32 +16,7 @@ using namespace qmr;
 
 namespace {
 
-// Records what the navigator is told, in order.
-class NavRecorder : public NavigatorCallbacks
-{
-public:
-    void AddCabinetToNavTree(qint32 id, const QString& n) override { calls << "CAB" + key(id, n); }
-    void AddDrawerToNavTree(qint32 p, qint32 id, const QString& n) override
-    {
-        calls << QString("DRW%1<%2").arg(key(id, n)).arg(p);
-    }
-    void AddFolderToNavTree(qint32 p, qint32 id, const QString& n) override
-    {
-        calls << QString("FLD%1<%2").arg(key(id, n)).arg(p);
-    }
-    void AddDocumentToNavTree(qint32 p, qint32 id, const QString& n, const QDate&) override
-    {
-        calls << QString("DOC%1<%2").arg(key(id, n)).arg(p);
-    }
-    void UpdateCabinetName(qint32, const QString&) override {}
-    void UpdateDrawerName(qint32, const QString&) override {}
-    void UpdateFolderName(qint32, const QString&) override {}
-    void UpdateDocumentName(qint32, const QString&, const QDate&) override {}
-    void ShowDrawersInListView(qint32 id) override { calls << QString("SHOW%1").arg(id); }
-    void RebuildCabinetNode(qint32, const QString&) override {}
-    static QString key(qint32 id, const QString& n) { return QString("%1 %2").arg(id).arg(n); }
-    QStringList calls;
-};
+using test::NavRecorder;
 
 void writeFile(const QString& path, const QStringList& lines)
 {

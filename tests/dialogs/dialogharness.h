@@ -1,0 +1,63 @@
+#pragma once
+
+#include "dialogs/itemdialog.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/navrecorder.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabWidget>
+#include <memory>
+
+namespace qmr::test {
+
+// A filled store with a session, a scripted prompter and choosers, and a navigator that
+// records what it is told.
+//   Cabinets: 1 "Home Papers", 2 "Private" (password "secret"), 3 "Empty Drawers".
+//   Drawers: 1 "Bank" and 2 "Taxes" in 1; 3 "Health" in 2; 4, 5 in 3.
+//   Folders: 1 "Checking", 2 "Savings" in 1; 3 "2025" in 2; 4 "Doctor" in 3.
+//   Documents: 1 "March statement" (1234.5), 2 "O'Brien's letter", 3 "Return".
+//   Pages: 1, 2 in document 1; 3 in document 3.
+struct DialogHarness
+{
+    TestHome home;
+    ScriptedPrompter prompter;
+    ScriptedChoosers choosers;
+    NavRecorder nav;
+    std::unique_ptr<Session> session;
+
+    DialogHarness()
+    {
+        FixtureStore store(home.home());
+        store.fillSample();
+        const qint32 empty = store.cabinet("Empty Drawers");
+        store.drawer(empty, "One");
+        store.drawer(empty, "Two");
+        session = std::make_unique<Session>(home.home(), home.settings());
+        StoreSchema::OpenDatabase(session->db(), home.home());
+    }
+    DialogServices services() { return DialogServices{*session, prompter, choosers, &nav}; }
+    Database& db() { return session->db(); }
+};
+
+template <class T> T* child(QWidget* w, const char* name)
+{
+    T* found = w->findChild<T*>(QLatin1String(name));
+    if (!found)
+        qWarning("no control %s", name);
+    return found;
+}
+
+inline QString labelText(QWidget* w, const char* name)
+{
+    QLabel* l = child<QLabel>(w, name);
+    return l ? l->text() : QStringLiteral("<missing>");
+}
+
+} // namespace qmr::test

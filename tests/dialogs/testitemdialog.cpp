@@ -1,0 +1,400 @@
+#include "dialogharness.h"
+#include "store/cipher.h"
+#include "store/itemstore.h"
+#include "tests/support/testrunner.h"
+
+#include <QComboBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTest>
+#include <QToolButton>
+
+using namespace qmr;
+using test::child;
+using test::DialogHarness;
+
+class TestItemDialog : public QObject
+{
+    Q_OBJECT
+private slots:
+    void refusals_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<QString>("mode"); // Add, or Edit of item 1
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QString>("date");
+        QTest::addColumn<bool>("ownStorage");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("focus");
+        QTest::addColumn<QString>("nameAfter");
+        const QString bad = "The following characters are not allowed:\n\\ / : * ? \" < > | .";
+        QTest::newRow("dot before trimming") << 0 << "Add" << " a.b " << "" << false << bad
+                                             << "txtName" << " a.b ";
+        QTest::newRow("colon in drawer") << 1 << "Add" << "x:y" << "" << false << bad
+                                         << "txtName" << "x:y";
+        QTest::newRow("slash in document") << 3 << "Edit" << "a/b" << "" << false << bad
+                                           << "txtName" << "a/b";
+        QTest::newRow("blank cabinet") << 0 << "Add" << "   " << "" << false
+                                       << "A file cabinet name is required." << "txtName" << "";
+        QTest::newRow("blank drawer") << 1 << "Add" << "" << "" << false
+                                      << "A drawer name is required." << "txtName" << "";
+        QTest::newRow("blank folder") << 2 << "Edit" << " " << "" << false
+                                      << "A folder name is required." << "txtName" << "";
+        QTest::newRow("blank document") << 3 << "Add" << "  " << "" << false
+                                        << "A document name is required." << "txtName" << "";
+        QTest::newRow("storage path") << 0 << "Add" << "New" << "" << true
+                                      << "A storage path is required." << "txtSaveTo" << "New";
+        QTest::newRow("bad date") << 3 << "Add" << "Bill" << "2/30/2026" << false
+                                  << "Please enter a date (mm/dd/yyyy) or leave blank."
+                                  << "txtDateOnDocument" << "Bill";
+        QTest::newRow("cabinet double, other case")
+            << 0 << "Add" << " home PAPERS " << "" << false
+            << "A file cabined named 'home PAPERS' already exists." << "txtName"
+            << "home PAPERS";
+        QTest::newRow("cabinet double in edit") << 0 << "Edit" << "Private" << "" << false
+                                                << "A file cabined named 'Private' already exists."
+                                                << "txtName" << "Private";
+        QTest::newRow("drawer double") << 1 << "Add" << "TAXES" << "" << false
+                                       << "A drawer named 'TAXES' already exists." << "txtName"
+                                       << "TAXES";
+        QTest::newRow("folder double in edit") << 2 << "Edit" << "savings" << "" << false
+                                               << "A folder named 'savings' already exists."
+                                               << "txtName" << "savings";
+        QTest::newRow("too long") << 2 << "Add" << QString(81, 'f') << "" << false
+                                  << "The name is too long: a folder's name can have at most 80 "
+                                     "characters."
+                                  << "txtName" << QString(81, 'f');
+    }
+    void refusals()
+    {
+        QFETCH(int, level);
+        QFETCH(QString, mode);
+        QFETCH(QString, name);
+        QFETCH(QString, date);
+        QFETCH(bool, ownStorage);
+        QFETCH(QString, message);
+        QFETCH(QString, focus);
+        QFETCH(QString, nameAfter);
+        DialogHarness h;
+        ItemDialog dialog(Level(level), h.services());
+        if (mode == "Add")
+            dialog.setAdd(1);
+        else
+            QVERIFY(dialog.setEdit(1));
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        child<QLineEdit>(&dialog, "txtName")->setText(name);
+        if (level == 3)
+            child<QLineEdit>(&dialog, "txtDateOnDocument")->setText(date);
+        if (ownStorage)
+            child<QRadioButton>(&dialog, "optStorage1")->click();
+        const QString before = ItemStore(h.db()).item(Level(level), 1).name;
+        const int count = ItemStore(h.db()).count(Level(level));
+        h.prompter.expect(message);
+        dialog.cmdOK();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(dialog.isVisible()); // the first failure keeps the dialog open
+        QCOMPARE(child<QLineEdit>(&dialog, "txtName")->text(), nameAfter);
+        QVERIFY(dialog.focusWidget());
+        QCOMPARE(dialog.focusWidget()->objectName(), focus);
+        if (focus == "txtSaveTo")
+            QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->currentIndex(), 1);
+        QCOMPARE(ItemStore(h.db()).item(Level(level), 1).name, before);
+        QCOMPARE(ItemStore(h.db()).count(Level(level)), count);
+        QVERIFY(h.nav.calls.isEmpty());
+    }
+
+    void addWritesAndShows_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<int>("parent");
+        QTest::addColumn<QString>("call");
+        QTest::newRow("cabinet") << 0 << -1 << "CAB4 O'Neil's";
+        QTest::newRow("drawer") << 1 << 2 << "DRW6 O'Neil's<2";
+        QTest::newRow("folder") << 2 << 1 << "FLD5 O'Neil's<1";
+        QTest::newRow("document") << 3 << 2 << "DOC4 O'Neil's<2 @2026-03-04";
+    }
+    void addWritesAndShows()
+    {
+        QFETCH(int, level);
+        QFETCH(int, parent);
+        QFETCH(QString, call);
+        DialogHarness h;
+        ItemDialog dialog(Level(level), h.services());
+        dialog.setAdd(parent);
+        QCOMPARE(dialog.windowTitle(),
+                 QStringList({"Add File Cabinet", "Add Drawer", "Add Folder", "Add Document"})
+                     .at(level));
+        // Nothing to count before the item exists.
+        auto* tabs = child<QTabWidget>(&dialog, "tabMain");
+        QVERIFY(!tabs->isTabEnabled(tabs->count() - 1));
+        child<QLineEdit>(&dialog, "txtName")->setText("  O'Neil's  ");
+        child<QPlainTextEdit>(&dialog, "txtDescription")->setPlainText("line one\nline two");
+        if (level == 0) {
+            child<QLineEdit>(&dialog, "txtPassword")->setText("Pw");
+            child<QRadioButton>(&dialog, "optStorage1")->click();
+            child<QLineEdit>(&dialog, "txtSaveTo")->setText("/srv/scans");
+        } else if (level == 2) {
+            child<QLineEdit>(&dialog, "txtEmail")->setText("a@b.example");
+        } else if (level == 3) {
+            child<QLineEdit>(&dialog, "txtDateOnDocument")->setText("3/4/2026");
+            child<QLineEdit>(&dialog, "txtAmount")->setText("12abc");
+        }
+        dialog.cmdOK();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(dialog.result(), QDialog::Accepted);
+        QCOMPARE(h.nav.calls.value(0), call);
+        const ItemFields f = *ItemStore(h.db()).fields(Level(level), dialog.itemId());
+        QCOMPARE(f.name, QStringLiteral("O'Neil's"));
+        QCOMPARE(f.description, QStringLiteral("line one\nline two"));
+        if (level == 0) {
+            QCOMPARE(f.password, QStringLiteral("Pw"));
+            QCOMPARE(f.storage, 1);
+            QCOMPARE(f.storagePath, QStringLiteral("/srv/scans"));
+            QCOMPARE(h.db().scalar("SELECT Password FROM Cabinet WHERE CabinetId = 4").toString(),
+                     EncryptText("Pw", Cipher::key()));
+        } else if (level == 2) {
+            QCOMPARE(f.email, QStringLiteral("a@b.example"));
+        } else if (level == 3) {
+            QCOMPARE(f.dateOnDocument, QDate(2026, 3, 4));
+            QCOMPARE(f.amount, 12.0);
+        }
+        if (level > 0)
+            QCOMPARE(ItemStore(h.db()).parentOf(Level(level), dialog.itemId()), parent);
+    }
+
+    void editShowsAndUpdates()
+    {
+        DialogHarness h;
+        ItemDialog dialog(Level::Document, h.services());
+        QVERIFY(dialog.setEdit(1));
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Document Properties (1)"));
+        QCOMPARE(child<QLineEdit>(&dialog, "txtName")->text(), QStringLiteral("March statement"));
+        QCOMPARE(child<QLineEdit>(&dialog, "txtDateOnDocument")->text(),
+                 QStringLiteral("03/31/2026"));
+        QCOMPARE(child<QLineEdit>(&dialog, "txtAmount")->text(), QStringLiteral("1234.50"));
+        // A blank date clears the stored one; an amount of letters is 0.
+        child<QLineEdit>(&dialog, "txtDateOnDocument")->setText(" ");
+        child<QLineEdit>(&dialog, "txtAmount")->setText("none");
+        dialog.cmdOK();
+        QCOMPARE(h.nav.calls, QStringList{"=DOC1 March statement"});
+        const ItemFields f = *ItemStore(h.db()).fields(Level::Document, 1);
+        QVERIFY(!f.dateOnDocument.isValid());
+        QCOMPARE(f.amount, 0.0);
+        QVERIFY(f.hasAmount);
+
+        ItemDialog other(Level::Document, h.services());
+        QVERIFY(other.setEdit(2));
+        QCOMPARE(child<QLineEdit>(&other, "txtAmount")->text(), QString()); // Null amount
+        // Documents may share a name.
+        child<QLineEdit>(&other, "txtName")->setText("March statement");
+        other.cmdOK();
+        QCOMPARE(other.result(), QDialog::Accepted);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(!ItemDialog(Level::Folder, h.services()).setEdit(99));
+    }
+
+    void cabinetEdit()
+    {
+        DialogHarness h;
+        ItemDialog dialog(Level::Cabinet, h.services());
+        QVERIFY(dialog.setEdit(2));
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("File Cabinet Properties (2)"));
+        QCOMPARE(child<QLineEdit>(&dialog, "txtPassword")->text(), QStringLiteral("secret"));
+        QCOMPARE(child<QLineEdit>(&dialog, "txtPassword")->maxLength(), 10);
+        QVERIFY(child<QRadioButton>(&dialog, "optStorage0")->isChecked());
+        QVERIFY(!child<QLineEdit>(&dialog, "txtSaveTo")->isEnabled());
+        QVERIFY(!child<QPushButton>(&dialog, "cmdBrowse")->isEnabled());
+        // Keeping the name passes; the password removed leaves the cabinet unlocked.
+        child<QLineEdit>(&dialog, "txtPassword")->clear();
+        child<QLineEdit>(&dialog, "txtSaveTo")->setText("/kept/though/unused");
+        dialog.cmdOK();
+        QCOMPARE(h.nav.calls, QStringList{"=CAB2 Private"});
+        QCOMPARE(h.db().scalar("SELECT Password FROM Cabinet WHERE CabinetId = 2").toString(),
+                 QString());
+        QVERIFY(h.session->locks().IsCabinetOpen(2));
+        QCOMPARE(ItemStore(h.db()).fields(Level::Cabinet, 2)->storagePath,
+                 QStringLiteral("/kept/though/unused"));
+    }
+
+    void statistics_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<int>("id");
+        QTest::addColumn<QStringList>("expected"); // label=text
+        QTest::newRow("filled cabinet")
+            << 0 << 1
+            << QStringList{"lblDRWCount=2", "lblFLDCount=3", "lblDOCCount=3", "lblPAGCount=3",
+                           "lblTTLAmount=$1,234.50"};
+        QTest::newRow("drawers but no folders")
+            << 0 << 3
+            << QStringList{"lblDRWCount=2", "lblFLDCount=0", "lblDOCCount=0", "lblPAGCount=0",
+                           "lblByteCount=0 bytes", "lblTTLAmount=$0.00"};
+        QTest::newRow("drawer") << 1 << 1
+                                << QStringList{"lblFLDCount=2", "lblDOCCount=2", "lblPAGCount=2",
+                                               "lblTTLAmount=$1,234.50"};
+        QTest::newRow("empty folder") << 2 << 2
+                                      << QStringList{"lblDOCCount=0", "lblPAGCount=0",
+                                                     "lblByteCount=0 bytes", "lblTTLAmount=$0.00"};
+        QTest::newRow("folder with documents, no pages")
+            << 2 << 4 << QStringList{"lblDOCCount=2", "lblPAGCount=0", "lblByteCount=0 bytes"};
+        QTest::newRow("folder, null amounts")
+            << 2 << 3
+            << QStringList{"lblDOCCount=1", "lblPAGCount=1", "lblTTLAmount=$0.00"};
+        QTest::newRow("document") << 3 << 1 << QStringList{"lblPAGCount=2"};
+        QTest::newRow("document without pages")
+            << 3 << 2 << QStringList{"lblPAGCount=0", "lblByteCount=0 bytes"};
+    }
+    void statistics()
+    {
+        QFETCH(int, level);
+        QFETCH(int, id);
+        QFETCH(QStringList, expected);
+        DialogHarness h;
+        // Folder 4 gets two documents and no pages.
+        h.db().execute("INSERT INTO Document (FolderId, Name) VALUES (4, 'a'), (4, 'b')");
+        ItemDialog dialog(Level(level), h.services());
+        QVERIFY(dialog.setEdit(id));
+        auto* tabs = child<QTabWidget>(&dialog, "tabMain");
+        QVERIFY(!dialog.statisticsLoaded());
+        tabs->setCurrentIndex(tabs->count() - 1);
+        QVERIFY(dialog.statisticsLoaded());
+        for (const QString& e : expected) {
+            const QString label = e.section('=', 0, 0);
+            QCOMPARE(test::labelText(&dialog, qPrintable(label)), e.section('=', 1));
+        }
+        // The levels above the item have no row; a document has no amount.
+        QCOMPARE(dialog.findChild<QLabel*>("lblDRWCount") != nullptr, level == 0);
+        QCOMPARE(dialog.findChild<QLabel*>("lblTTLAmount") != nullptr, level < 3);
+        // Bytes are the real sizes of the fixture's JPEG files.
+        const qint64 bytes =
+            h.db().scalar("SELECT SUM(FileSize) FROM Page").toLongLong();
+        if (level == 0 && id == 1)
+            QCOMPARE(test::labelText(&dialog, "lblByteCount"),
+                     QLocale(QLocale::English, QLocale::UnitedStates).toString(bytes) + " bytes");
+        // Counted once: a page added later does not show until the dialog is opened again.
+        h.db().execute("INSERT INTO Page (DocumentId) VALUES (1)");
+        tabs->setCurrentIndex(0);
+        tabs->setCurrentIndex(tabs->count() - 1);
+        for (const QString& e : expected)
+            QCOMPARE(test::labelText(&dialog, qPrintable(e.section('=', 0, 0))), e.section('=', 1));
+    }
+
+    void bigSums()
+    {
+        DialogHarness h;
+        // Sizes whose sum does not fit 32 bits, and a large amount.
+        for (int i = 0; i < 3; ++i)
+            h.db().execute("INSERT INTO Page (DocumentId, FileSize) VALUES (2, 2000000000)");
+        h.db().execute("UPDATE Document SET Amount = 1234567.891 WHERE DocumentId = 2");
+        ItemDialog dialog(Level::Folder, h.services());
+        QVERIFY(dialog.setEdit(1));
+        auto* tabs = child<QTabWidget>(&dialog, "tabMain");
+        tabs->setCurrentIndex(tabs->count() - 1);
+        const qint64 pages = h.db().scalar("SELECT SUM(FileSize) FROM Page WHERE DocumentId = 1")
+                                 .toLongLong();
+        QCOMPARE(test::labelText(&dialog, "lblByteCount"),
+                 QLocale(QLocale::English, QLocale::UnitedStates).toString(6000000000LL + pages) +
+                     " bytes");
+        QCOMPARE(test::labelText(&dialog, "lblTTLAmount"), QStringLiteral("$1,235,802.39"));
+    }
+
+    void todayAndTemplates()
+    {
+        DialogHarness h;
+        ItemDialog doc(Level::Document, h.services());
+        doc.setAdd(1);
+        child<QLineEdit>(&doc, "txtDateOnDocument")->setText("01/01/1999");
+        child<QToolButton>(&doc, "imgNow")->click();
+        QCOMPARE(child<QLineEdit>(&doc, "txtDateOnDocument")->text(),
+                 QDate::currentDate().toString("MM/dd/yyyy"));
+
+        ItemDialog drawer(Level::Drawer, h.services());
+        drawer.setAdd(1);
+        drawer.PopulateTemplates({}, {});
+        QVERIFY(child<QComboBox>(&drawer, "cboTemplate")->isHidden());
+        QStringList applied;
+        drawer.PopulateTemplates({"Car", "House"}, [&](const QString& name, qint32 id,
+                                                       ItemStore& items) {
+            applied << QString("%1>%2").arg(name).arg(id);
+            const qint32 folder = items.insertItem(Level::Folder, id, "Repairs");
+            return QVector<CreatedItem>{{Level::Folder, id, folder, "Repairs", {}}};
+        });
+        auto* combo = child<QComboBox>(&drawer, "cboTemplate");
+        QVERIFY(!combo->isHidden());
+        QCOMPARE(combo->itemText(0), QStringLiteral("(none)"));
+        QCOMPARE(combo->currentIndex(), 0);
+        combo->setCurrentIndex(2);
+        child<QLineEdit>(&drawer, "txtName")->setText("Garage");
+        drawer.cmdOK();
+        QCOMPARE(applied, QStringList{"House>6"});
+        QCOMPARE(h.nav.calls, (QStringList{"DRW6 Garage<1", "FLD5 Repairs<6"}));
+
+        // "(none)" leaves the drawer empty.
+        h.nav.calls.clear();
+        ItemDialog plain(Level::Drawer, h.services());
+        plain.setAdd(1);
+        plain.PopulateTemplates({"Car"}, [&](const QString&, qint32, ItemStore&) {
+            applied << "wrong";
+            return QVector<CreatedItem>{};
+        });
+        child<QLineEdit>(&plain, "txtName")->setText("Attic");
+        plain.cmdOK();
+        QCOMPARE(applied.size(), 1);
+        QCOMPARE(h.nav.calls, QStringList{"DRW7 Attic<1"});
+    }
+
+    void newDocumentCollectsOnly()
+    {
+        DialogHarness h;
+        ItemDialog dialog(Level::Document, h.services(), nullptr, true);
+        QCOMPARE(dialog.objectName(), QStringLiteral("frmDocumentNew"));
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Add Document"));
+        QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->count(), 1);
+        child<QLineEdit>(&dialog, "txtName")->setText(" Receipt ");
+        child<QLineEdit>(&dialog, "txtDateOnDocument")->setText("12/24/2025");
+        child<QLineEdit>(&dialog, "txtAmount")->setText("19.99 EUR");
+        const int before = ItemStore(h.db()).count(Level::Document);
+        dialog.cmdOK();
+        QVERIFY(!dialog.newDocument().Cancelled);
+        QCOMPARE(dialog.newDocument().Name, QStringLiteral("Receipt"));
+        QCOMPARE(dialog.newDocument().DateOnDocument, QStringLiteral("12/24/2025"));
+        QCOMPARE(dialog.newDocument().Amount, QStringLiteral("19.99"));
+        QCOMPARE(ItemStore(h.db()).count(Level::Document), before);
+        QVERIFY(h.nav.calls.isEmpty());
+
+        ItemDialog cancelled(Level::Document, h.services(), nullptr, true);
+        child<QPushButton>(&cancelled, "cmdCancel")->click();
+        QVERIFY(cancelled.newDocument().Cancelled);
+    }
+
+    void browseForPath()
+    {
+        DialogHarness h;
+        ItemDialog dialog(Level::Cabinet, h.services());
+        dialog.setAdd(-1);
+        auto* saveTo = child<QLineEdit>(&dialog, "txtSaveTo");
+        // Disabled while the program chooses the names.
+        dialog.cmdBrowse();
+        QCOMPARE(h.choosers.directoryStarts().size(), 0);
+        child<QRadioButton>(&dialog, "optStorage1")->click();
+        h.home.settings().SaveSetting("PathSelect", h.home.path());
+        h.choosers.queueDirectory(std::nullopt);
+        dialog.cmdBrowse();
+        QCOMPARE(h.choosers.directoryStarts().value(0), h.home.path());
+        QCOMPARE(saveTo->text(), QString()); // cancelled: the box keeps its text
+        saveTo->setText("/no/such/dir");
+        h.choosers.queueDirectory(QStringLiteral("/srv/scans"));
+        dialog.cmdBrowse();
+        QCOMPARE(h.choosers.directoryStarts().value(1), QString()); // a stale path opens anywhere
+        QCOMPARE(saveTo->text(), QStringLiteral("/srv/scans"));
+        QCOMPARE(h.home.settings().GetSetting("PathSelect"), QStringLiteral("/srv/scans"));
+        // Going back to the program's names keeps the text but disables it.
+        child<QRadioButton>(&dialog, "optStorage0")->click();
+        QVERIFY(!saveTo->isEnabled());
+        QCOMPARE(saveTo->text(), QStringLiteral("/srv/scans"));
+    }
+};
+
+QMR_TEST(TestItemDialog)
+#include "testitemdialog.moc"
