@@ -1,0 +1,207 @@
+#include "store/itemstore.h"
+#include "templates/drawertemplates.h"
+#include "templates/outlinefile.h"
+#include "templates/sampledialog.h"
+#include "templates/samplecabinets.h"
+#include "templates/templateeditor.h"
+#include "templates/templateoutline.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/navrecorder.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
+using namespace qmr;
+
+namespace {
+
+const QStringList kHandWritten = {
+    "DRW=Car",
+    "DOC=Title, before any folder",
+    "FLD=Repairs",
+    "DOC=Invoice",
+    "  FLD  =  Insurance  ",
+    "fld=lower case",
+    "DOC=Policy = 2026",
+    "",
+    "DRW = House",
+    "FLD=Roof",
+    "drw=Shed",
+    "FLD=Tools",
+};
+
+QStringList texts(const QTreeWidgetItem* item)
+{
+    QStringList out;
+    for (int i = 0; i < item->childCount(); ++i)
+        out << item->child(i)->text(0);
+    return out;
+}
+
+} // namespace
+
+class TestDrawerTemplates : public QObject
+{
+    Q_OBJECT
+private slots:
+    void apply_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QStringList>("made");
+        QTest::newRow("car") << "Car"
+                             << QStringList{"FLD Repairs", "DOC Invoice", "FLD Insurance",
+                                            "DOC Policy = 2026"};
+        // Blanks around "=" are applied, though the list does not show the template.
+        // "drw" in lower case is no drawer line for this reader: Tools stays in House.
+        QTest::newRow("house, any case") << "house" << QStringList{"FLD Roof", "FLD Tools"};
+        QTest::newRow("missing") << "Boat" << QStringList{};
+    }
+    void apply()
+    {
+        QFETCH(QString, name);
+        QFETCH(QStringList, made);
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        const qint32 drawer = store.drawer(store.cabinet("C"), "New");
+        DrawerTemplates templates(home.home());
+        QVERIFY(OutlineFile::writeLines(templates.filePath(), kHandWritten));
+        templates.LoadDrawerTemplates();
+        QCOMPARE(templates.names(), QStringList{"Car"});
+        ItemStore items(store.db());
+        QStringList got;
+        for (const CreatedItem& c : templates.ApplyDrawerTemplate(name, drawer, items)) {
+            got << QLatin1String(levelInfo(c.level).prefix) + QLatin1Char(' ') + c.name;
+            QCOMPARE(items.parentOf(c.level, c.id), c.parentId);
+        }
+        QCOMPARE(got, made);
+        QCOMPARE(items.count(Level::Folder) + items.count(Level::Document), int(made.size()));
+    }
+
+    void editorReadsAndWrites()
+    {
+        // The editor takes keys in any case and names from the fifth character.
+        const QVector<TemplateNode> nodes = TemplateOutline::read(kHandWritten);
+        QStringList seen;
+        for (const TemplateNode& n : nodes)
+            seen << QString("%1:%2:%3").arg(n.key, n.name).arg(n.parent);
+        QCOMPARE(seen, (QStringList{"DRW:Car:-1", "FLD:Repairs:0", "DOC:Invoice:1",
+                                    "FLD:lower case:0", "DOC:Policy = 2026:3", "DRW:= House:-1",
+                                    "FLD:Roof:5", "DRW:Shed:-1", "FLD:Tools:7"}));
+        QCOMPARE(TemplateOutline::write(nodes).mid(0, 4),
+                 (QStringList{"", "DRW=Car", "FLD=Repairs", "DOC=Invoice"}));
+    }
+
+    void editorKeepsCreationOrder()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        DrawerTemplates templates(home.home());
+        QVERIFY(OutlineFile::writeLines(templates.filePath(),
+                                        {"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1"}));
+        templates.LoadDrawerTemplates();
+        {
+            TemplateEditor editor(templates, prompter);
+            QTreeWidget* tree = editor.tree();
+            QTreeWidgetItem* root = tree->topLevelItem(0);
+            QCOMPARE(root->text(0), QStringLiteral("Drawers"));
+            QCOMPARE(texts(root), (QStringList{"Alpha", "Beta"}));
+            auto* add = editor.findChild<QPushButton*>("cmdAddChild");
+            auto* remove = editor.findChild<QPushButton*>("cmdRemoveSibling");
+            auto* sibling = editor.findChild<QPushButton*>("cmdAddSibling");
+            QCOMPARE(add->text(), QStringLiteral("Add Drawer"));
+            QVERIFY(!remove->isEnabled());
+            QVERIFY(!sibling->isEnabled());
+            // A folder added to the first drawer is written after everything that was read.
+            tree->setCurrentItem(root->child(0));
+            QCOMPARE(add->text(), QStringLiteral("Add Folder"));
+            QCOMPARE(remove->text(), QStringLiteral("Remove Drawer"));
+            editor.cmdAddChild();
+            QCOMPARE(tree->currentItem()->text(0), QStringLiteral("New Folder"));
+            QCOMPARE(add->text(), QStringLiteral("Add Document"));
+            QCOMPARE(remove->text(), QStringLiteral("Remove Folder"));
+            tree->closePersistentEditor(tree->currentItem());
+            tree->currentItem()->setText(0, "A2");
+            editor.cmdAddChild();
+            QCOMPARE(remove->text(), QStringLiteral("Remove Document"));
+            QVERIFY(!add->isEnabled());
+            tree->currentItem()->setText(0, "Doc in A2");
+            // Removing a drawer takes its folders along.
+            tree->setCurrentItem(root->child(1));
+            tree->setCurrentItem(root);
+            editor.cmdAddChild();
+            tree->currentItem()->setText(0, "Gamma");
+            editor.cmdAddChild();
+            tree->currentItem()->setText(0, "G1");
+            tree->setCurrentItem(tree->currentItem()->parent());
+            editor.cmdRemoveSibling();
+            editor.cmdOK();
+        }
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QCOMPARE(OutlineFile::readLines(templates.filePath()),
+                 (QStringList{"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1", "FLD=A2",
+                              "DOC=Doc in A2"}));
+        QCOMPARE(templates.names(), (QStringList{"Alpha", "Beta"}));
+        // Read again, the new folder now stands under the second drawer.
+        TemplateEditor again(templates, prompter);
+        QTreeWidgetItem* beta = again.tree()->topLevelItem(0)->child(1);
+        QCOMPARE(texts(beta), (QStringList{"A2", "B1"}));
+    }
+
+    void cancelWritesNothing()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        DrawerTemplates templates(home.home());
+        TemplateEditor editor(templates, prompter);
+        editor.cmdAddChild();
+        editor.findChild<QPushButton*>("cmdCancel")->click();
+        QVERIFY(!QFile::exists(templates.filePath()));
+    }
+
+    void sampleDialog()
+    {
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        store.cabinet("second");
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        test::NavRecorder nav;
+        SampleCabinets samples(home.home(), store.db(), &nav);
+        QVERIFY(OutlineFile::writeLines(samples.filePath(),
+                                        {"CAB=First", " DRW=D", "CAB=Second", "CAB=Third"}));
+        SampleDialog dialog(samples, prompter, choosers);
+        QCOMPARE(dialog.windowTitle(), QStringLiteral("Create Sample Cabinet"));
+        QListWidget* list = dialog.list();
+        QCOMPARE(list->count(), 3);
+        QCOMPARE(list->currentRow(), 0);
+        // A name that differs only in case is taken.
+        list->setCurrentRow(1);
+        prompter.expect("A cabinet named 'Second' already exists.");
+        dialog.cmdCreate();
+        list->setCurrentRow(-1);
+        list->clearSelection();
+        prompter.expect("Please select a sample cabinet to create.");
+        dialog.cmdCreate();
+        list->setCurrentRow(0);
+        dialog.cmdCreate();
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QCOMPARE(dialog.result(), QDialog::Accepted);
+        QCOMPARE(nav.calls.first(), QStringLiteral("CAB2 First"));
+
+        SampleDialog edit(samples, prompter, choosers);
+        choosers.failEditor("Cannot start nano.");
+        prompter.expect("Error # Cannot start nano.");
+        edit.findChild<QPushButton*>("cmdEdit")->click();
+        QCOMPARE(choosers.edited(), QStringList{samples.filePath()});
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+};
+
+QMR_TEST(TestDrawerTemplates)
+#include "testdrawertemplates.moc"
