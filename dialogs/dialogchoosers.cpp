@@ -28,8 +28,8 @@ std::optional<QString> DialogChoosers::openInEditor(const QString& path)
     QString editor = qEnvironmentVariable("VISUAL");
     if (editor.isEmpty())
         editor = qEnvironmentVariable("EDITOR");
-    QStringList command = editor.isEmpty() ? QStringList{QStringLiteral("xdg-open")}
-                                           : QProcess::splitCommand(editor);
+    QStringList command =
+        editor.isEmpty() ? QStringList{QStringLiteral("xdg-open")} : QProcess::splitCommand(editor);
     if (command.isEmpty())
         command = {QStringLiteral("xdg-open")};
     const QString program = command.takeFirst();

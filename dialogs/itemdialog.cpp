@@ -130,8 +130,7 @@ void ItemDialog::buildWidgets()
     m_description->setObjectName(QStringLiteral("txtDescription"));
     m_description->setTabChangesFocus(true);
     m_description->setMinimumHeight(90);
-    form->addRow(namedLabel(QStringLiteral("Description:"), "lblDescription", main),
-                 m_description);
+    form->addRow(namedLabel(QStringLiteral("Description:"), "lblDescription", main), m_description);
     if (m_level == Level::Folder) {
         m_email = new QLineEdit(main);
         m_email->setObjectName(QStringLiteral("txtEmail"));
@@ -172,8 +171,8 @@ void ItemDialog::buildWidgets()
         m_storage0->setChecked(true);
         box->addWidget(m_storage0);
         box->addWidget(m_storage1);
-        box->addWidget(namedLabel(QStringLiteral("Save new images to:"), "lblSaveTo",
-                                  m_storageTab));
+        box->addWidget(
+            namedLabel(QStringLiteral("Save new images to:"), "lblSaveTo", m_storageTab));
         auto* row = new QHBoxLayout();
         m_saveTo = new QLineEdit(m_storageTab);
         m_saveTo->setObjectName(QStringLiteral("txtSaveTo"));

@@ -84,10 +84,11 @@ void PagePropertiesDialog::Populate(qint32 pageId)
 {
     const PageFacts f = ItemStore(m_db).pageFacts(pageId);
     label("lblPageIdData")->setText(QString::number(pageId));
-    label("lblScanDateData")->setText(f.scanDate.isValid() ? ItemRules::displayDate(f.scanDate)
-                                                           : QStringLiteral("Not known"));
-    label("lblFileSizeData")->setText(f.hasFileSize ? bytes(f.fileSize)
-                                                    : QStringLiteral("Not known"));
+    label("lblScanDateData")
+        ->setText(f.scanDate.isValid() ? ItemRules::displayDate(f.scanDate)
+                                       : QStringLiteral("Not known"));
+    label("lblFileSizeData")
+        ->setText(f.hasFileSize ? bytes(f.fileSize) : QStringLiteral("Not known"));
     label("lblFileTypeData")->setText(f.fileType);
     if (f.shortcut)
         label("lblShortcutData")->setText(f.filename);

@@ -44,6 +44,8 @@ PathSelectDialog::PathSelectDialog(Settings& settings, const QString& start, QWi
     for (int c = 1; c < m_model->columnCount(); ++c)
         m_dirs->hideColumn(c);
     m_dirs->header()->hide();
+    m_dirs->setSortingEnabled(true);
+    m_dirs->sortByColumn(0, Qt::AscendingOrder);
     layout->addWidget(m_dirs, 1);
 
     auto* buttons = new QHBoxLayout();

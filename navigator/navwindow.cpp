@@ -174,8 +174,7 @@ void NavWindow::buildMenus()
                     [this] { newChild(Level::Cabinet); });
     commands.insert(QStringLiteral("mnuPopupDrawerNewDrawer"),
                     [this] { newSibling(Level::Drawer); });
-    commands.insert(QStringLiteral("mnuPopupDrawerNewFolder"),
-                    [this] { newChild(Level::Drawer); });
+    commands.insert(QStringLiteral("mnuPopupDrawerNewFolder"), [this] { newChild(Level::Drawer); });
     commands.insert(QStringLiteral("mnuPopupFolderNewFolder"),
                     [this] { newSibling(Level::Folder); });
     commands.insert(QStringLiteral("mnuPopupFolderNewDocument"),
@@ -833,7 +832,8 @@ void NavWindow::newChildOf(Level parentLevel, qint32 parentId)
         dialog.setAdd(parentId);
         if (level == Level::Drawer)
             dialog.PopulateTemplates(
-                m_templates.names(), [this](const QString& name, qint32 drawerId, ItemStore& items) {
+                m_templates.names(),
+                [this](const QString& name, qint32 drawerId, ItemStore& items) {
                     return m_templates.ApplyDrawerTemplate(name, drawerId, items);
                 });
         dialog.exec();

@@ -47,9 +47,9 @@ Statistics ItemStatistics::of(Level level, qint32 id) const
     const ItemTable& top = ItemTable::of(level);
     const QString where = QStringLiteral(" WHERE %1.%2 = ?").arg(top.name(), top.id());
     auto aggregate = [&](const QString& expression, Level bottom) {
-        return m_db.scalar(QStringLiteral("SELECT %1 FROM %2%3")
-                               .arg(expression, joinChain(level, bottom), where),
-                           {id});
+        return m_db.scalar(
+            QStringLiteral("SELECT %1 FROM %2%3").arg(expression, joinChain(level, bottom), where),
+            {id});
     };
     for (int l = static_cast<int>(level) + 1; l <= static_cast<int>(Level::Page); ++l) {
         const Level below = static_cast<Level>(l);
@@ -58,7 +58,8 @@ Statistics ItemStatistics::of(Level level, qint32 id) const
             aggregate(QStringLiteral("COUNT(%1.%2)").arg(t.name(), t.id()), below).toLongLong();
     }
     if (level < Level::Document)
-        stats.amount = aggregate(QStringLiteral("SUM(Document.Amount)"), Level::Document).toDouble();
+        stats.amount =
+            aggregate(QStringLiteral("SUM(Document.Amount)"), Level::Document).toDouble();
     if (level < Level::Page)
         stats.bytes = aggregate(QStringLiteral("SUM(Page.FileSize)"), Level::Page).toLongLong();
     return stats;

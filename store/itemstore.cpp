@@ -140,17 +140,16 @@ void ItemStore::checkWidths(Level level, const ItemFields& fields)
     const QString table = ItemTable::of(level).name();
     for (const auto& [column, value] : fieldColumns(level, fields))
         if (value.typeId() == QMetaType::QString)
-            ColumnWidths::check(table, column, column == QLatin1String("Password")
-                                                   ? fields.password
-                                                   : value.toString());
+            ColumnWidths::check(table, column,
+                                column == QLatin1String("Password") ? fields.password
+                                                                    : value.toString());
 }
 
 std::optional<ItemFields> ItemStore::fields(Level level, qint32 id) const
 {
     const ItemTable& t = ItemTable::of(level);
-    const Recordset rs =
-        m_db.OpenRecordset(QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()),
-                           {id});
+    const Recordset rs = m_db.OpenRecordset(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()), {id});
     if (rs.RecordCount() < 1)
         return std::nullopt;
     ItemFields f;
@@ -185,8 +184,8 @@ qint32 ItemStore::insertItem(Level level, qint32 parentId, const ItemFields& fie
         names << column;
         values << value;
     }
-    const QString marks = QStringList(QList<QString>(names.size(), QStringLiteral("?")))
-                              .join(QStringLiteral(", "));
+    const QString marks =
+        QStringList(QList<QString>(names.size(), QStringLiteral("?"))).join(QStringLiteral(", "));
     m_db.execute(QStringLiteral("INSERT INTO %1 (%2) VALUES (%3)")
                      .arg(t.name(), names.join(QStringLiteral(", ")), marks),
                  values);
@@ -209,12 +208,11 @@ void ItemStore::updateItem(Level level, qint32 id, const ItemFields& fields)
                  values);
 }
 
-bool ItemStore::nameTaken(Level level, qint32 parentId, const QString& name,
-                          qint32 exceptId) const
+bool ItemStore::nameTaken(Level level, qint32 parentId, const QString& name, qint32 exceptId) const
 {
     const ItemTable& t = ItemTable::of(level);
-    QString sql = QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name = ? AND %2 <> ?")
-                      .arg(t.name(), t.id());
+    QString sql =
+        QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name = ? AND %2 <> ?").arg(t.name(), t.id());
     QVariantList binds{name, exceptId};
     if (level != Level::Cabinet) {
         sql += QStringLiteral(" AND %1 = ?").arg(t.parent());

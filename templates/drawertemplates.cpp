@@ -26,8 +26,8 @@ QVector<CreatedItem> DrawerTemplates::ApplyDrawerTemplate(const QString& name, q
     for (const QString& line : OutlineFile::readLines(filePath())) {
         const OutlineLine l = OutlineFile::parse(line);
         if (!inTemplate) {
-            inTemplate = l.key == QLatin1String("DRW") &&
-                         l.name.compare(name, Qt::CaseInsensitive) == 0;
+            inTemplate =
+                l.key == QLatin1String("DRW") && l.name.compare(name, Qt::CaseInsensitive) == 0;
             continue;
         }
         if (l.key == QLatin1String("DRW"))

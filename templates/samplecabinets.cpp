@@ -61,8 +61,7 @@ QStringList SampleCabinets::sampleNames() const
     return names;
 }
 
-QVector<CreatedItem> SampleCabinets::FillSampleCabinet(const QString& name,
-                                                                   qint32 cabinetId)
+QVector<CreatedItem> SampleCabinets::FillSampleCabinet(const QString& name, qint32 cabinetId)
 {
     ItemStore items(m_db);
     QVector<CreatedItem> created;

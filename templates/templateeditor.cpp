@@ -69,8 +69,7 @@ TemplateEditor::TemplateEditor(DrawerTemplates& templates, Prompter& prompter, Q
     m_tree->setHeaderHidden(true);
     m_tree->setSortingEnabled(true);
     m_tree->sortByColumn(0, Qt::AscendingOrder);
-    m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed |
-                            QAbstractItemView::SelectedClicked);
+    m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
     layout->addWidget(m_tree, 1);
 
     auto* buttons = new QVBoxLayout();
@@ -155,12 +154,12 @@ void TemplateEditor::updateButtons()
 void TemplateEditor::cmdAddChild()
 {
     QTreeWidgetItem* parent = m_tree->currentItem() ? m_tree->currentItem() : m_root;
-    const int kind =
-        parent == m_root ? 0 : kindOf(parent->data(0, kKeyRole).toString()) + 1;
+    const int kind = parent == m_root ? 0 : kindOf(parent->data(0, kKeyRole).toString()) + 1;
     if (kind > 2)
         return;
     static const char* const texts[] = {"New Drawer", "New Folder", "New Document"};
-    QTreeWidgetItem* item = addNode(parent, QLatin1String(kKinds[kind]), QLatin1String(texts[kind]));
+    QTreeWidgetItem* item =
+        addNode(parent, QLatin1String(kKinds[kind]), QLatin1String(texts[kind]));
     parent->setExpanded(true);
     m_tree->setCurrentItem(item);
     updateButtons();

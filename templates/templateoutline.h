@@ -10,9 +10,9 @@ namespace qmr {
 // upper case, a name from the fifth character on, and levels by the order of the lines.
 struct TemplateNode
 {
-    QString key;  // "DRW", "FLD" or "DOC"
+    QString key; // "DRW", "FLD" or "DOC"
     QString name;
-    int parent;   // index of the parent node, -1 for a drawer
+    int parent; // index of the parent node, -1 for a drawer
 };
 
 class TemplateOutline

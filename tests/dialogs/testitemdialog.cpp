@@ -28,38 +28,72 @@ private slots:
         QTest::addColumn<QString>("focus");
         QTest::addColumn<QString>("nameAfter");
         const QString bad = "The following characters are not allowed:\n\\ / : * ? \" < > | .";
-        QTest::newRow("dot before trimming") << 0 << "Add" << " a.b " << "" << false << bad
-                                             << "txtName" << " a.b ";
-        QTest::newRow("colon in drawer") << 1 << "Add" << "x:y" << "" << false << bad
-                                         << "txtName" << "x:y";
-        QTest::newRow("slash in document") << 3 << "Edit" << "a/b" << "" << false << bad
-                                           << "txtName" << "a/b";
-        QTest::newRow("blank cabinet") << 0 << "Add" << "   " << "" << false
-                                       << "A file cabinet name is required." << "txtName" << "";
-        QTest::newRow("blank drawer") << 1 << "Add" << "" << "" << false
-                                      << "A drawer name is required." << "txtName" << "";
-        QTest::newRow("blank folder") << 2 << "Edit" << " " << "" << false
-                                      << "A folder name is required." << "txtName" << "";
-        QTest::newRow("blank document") << 3 << "Add" << "  " << "" << false
-                                        << "A document name is required." << "txtName" << "";
-        QTest::newRow("storage path") << 0 << "Add" << "New" << "" << true
-                                      << "A storage path is required." << "txtSaveTo" << "New";
-        QTest::newRow("bad date") << 3 << "Add" << "Bill" << "2/30/2026" << false
+        QTest::newRow("dot before trimming") << 0 << "Add"
+                                             << " a.b "
+                                             << "" << false << bad << "txtName"
+                                             << " a.b ";
+        QTest::newRow("colon in drawer") << 1 << "Add"
+                                         << "x:y"
+                                         << "" << false << bad << "txtName"
+                                         << "x:y";
+        QTest::newRow("slash in document") << 3 << "Edit"
+                                           << "a/b"
+                                           << "" << false << bad << "txtName"
+                                           << "a/b";
+        QTest::newRow("blank cabinet") << 0 << "Add"
+                                       << "   "
+                                       << "" << false << "A file cabinet name is required."
+                                       << "txtName"
+                                       << "";
+        QTest::newRow("blank drawer") << 1 << "Add"
+                                      << ""
+                                      << "" << false << "A drawer name is required."
+                                      << "txtName"
+                                      << "";
+        QTest::newRow("blank folder") << 2 << "Edit"
+                                      << " "
+                                      << "" << false << "A folder name is required."
+                                      << "txtName"
+                                      << "";
+        QTest::newRow("blank document") << 3 << "Add"
+                                        << "  "
+                                        << "" << false << "A document name is required."
+                                        << "txtName"
+                                        << "";
+        QTest::newRow("storage path") << 0 << "Add"
+                                      << "New"
+                                      << "" << true << "A storage path is required."
+                                      << "txtSaveTo"
+                                      << "New";
+        QTest::newRow("bad date") << 3 << "Add"
+                                  << "Bill"
+                                  << "2/30/2026" << false
                                   << "Please enter a date (mm/dd/yyyy) or leave blank."
-                                  << "txtDateOnDocument" << "Bill";
+                                  << "txtDateOnDocument"
+                                  << "Bill";
         QTest::newRow("cabinet double, other case")
-            << 0 << "Add" << " home PAPERS " << "" << false
-            << "A file cabined named 'home PAPERS' already exists." << "txtName"
+            << 0 << "Add"
+            << " home PAPERS "
+            << "" << false << "A file cabined named 'home PAPERS' already exists."
+            << "txtName"
             << "home PAPERS";
-        QTest::newRow("cabinet double in edit") << 0 << "Edit" << "Private" << "" << false
-                                                << "A file cabined named 'Private' already exists."
-                                                << "txtName" << "Private";
-        QTest::newRow("drawer double") << 1 << "Add" << "TAXES" << "" << false
-                                       << "A drawer named 'TAXES' already exists." << "txtName"
+        QTest::newRow("cabinet double in edit")
+            << 0 << "Edit"
+            << "Private"
+            << "" << false << "A file cabined named 'Private' already exists."
+            << "txtName"
+            << "Private";
+        QTest::newRow("drawer double") << 1 << "Add"
+                                       << "TAXES"
+                                       << "" << false << "A drawer named 'TAXES' already exists."
+                                       << "txtName"
                                        << "TAXES";
-        QTest::newRow("folder double in edit") << 2 << "Edit" << "savings" << "" << false
-                                               << "A folder named 'savings' already exists."
-                                               << "txtName" << "savings";
+        QTest::newRow("folder double in edit")
+            << 2 << "Edit"
+            << "savings"
+            << "" << false << "A folder named 'savings' already exists."
+            << "txtName"
+            << "savings";
         QTest::newRow("too long") << 2 << "Add" << QString(81, 'f') << "" << false
                                   << "The name is too long: a folder's name can have at most 80 "
                                      "characters."
@@ -227,9 +261,8 @@ private slots:
             << QStringList{"lblDRWCount=2", "lblFLDCount=3", "lblDOCCount=3", "lblPAGCount=3",
                            "lblTTLAmount=$1,234.50"};
         QTest::newRow("drawers but no folders")
-            << 0 << 3
-            << QStringList{"lblDRWCount=2", "lblFLDCount=0", "lblDOCCount=0", "lblPAGCount=0",
-                           "lblByteCount=0 bytes", "lblTTLAmount=$0.00"};
+            << 0 << 3 << QStringList{"lblDRWCount=2", "lblFLDCount=0",        "lblDOCCount=0",
+                                     "lblPAGCount=0", "lblByteCount=0 bytes", "lblTTLAmount=$0.00"};
         QTest::newRow("drawer") << 1 << 1
                                 << QStringList{"lblFLDCount=2", "lblDOCCount=2", "lblPAGCount=2",
                                                "lblTTLAmount=$1,234.50"};
@@ -239,8 +272,7 @@ private slots:
         QTest::newRow("folder with documents, no pages")
             << 2 << 4 << QStringList{"lblDOCCount=2", "lblPAGCount=0", "lblByteCount=0 bytes"};
         QTest::newRow("folder, null amounts")
-            << 2 << 3
-            << QStringList{"lblDOCCount=1", "lblPAGCount=1", "lblTTLAmount=$0.00"};
+            << 2 << 3 << QStringList{"lblDOCCount=1", "lblPAGCount=1", "lblTTLAmount=$0.00"};
         QTest::newRow("document") << 3 << 1 << QStringList{"lblPAGCount=2"};
         QTest::newRow("document without pages")
             << 3 << 2 << QStringList{"lblPAGCount=0", "lblByteCount=0 bytes"};
@@ -267,8 +299,7 @@ private slots:
         QCOMPARE(dialog.findChild<QLabel*>("lblDRWCount") != nullptr, level == 0);
         QCOMPARE(dialog.findChild<QLabel*>("lblTTLAmount") != nullptr, level < 3);
         // Bytes are the real sizes of the fixture's JPEG files.
-        const qint64 bytes =
-            h.db().scalar("SELECT SUM(FileSize) FROM Page").toLongLong();
+        const qint64 bytes = h.db().scalar("SELECT SUM(FileSize) FROM Page").toLongLong();
         if (level == 0 && id == 1)
             QCOMPARE(test::labelText(&dialog, "lblByteCount"),
                      QLocale(QLocale::English, QLocale::UnitedStates).toString(bytes) + " bytes");
@@ -291,8 +322,8 @@ private slots:
         QVERIFY(dialog.setEdit(1));
         auto* tabs = child<QTabWidget>(&dialog, "tabMain");
         tabs->setCurrentIndex(tabs->count() - 1);
-        const qint64 pages = h.db().scalar("SELECT SUM(FileSize) FROM Page WHERE DocumentId = 1")
-                                 .toLongLong();
+        const qint64 pages =
+            h.db().scalar("SELECT SUM(FileSize) FROM Page WHERE DocumentId = 1").toLongLong();
         QCOMPARE(test::labelText(&dialog, "lblByteCount"),
                  QLocale(QLocale::English, QLocale::UnitedStates).toString(6000000000LL + pages) +
                      " bytes");
@@ -314,12 +345,12 @@ private slots:
         drawer.PopulateTemplates({}, {});
         QVERIFY(child<QComboBox>(&drawer, "cboTemplate")->isHidden());
         QStringList applied;
-        drawer.PopulateTemplates({"Car", "House"}, [&](const QString& name, qint32 id,
-                                                       ItemStore& items) {
-            applied << QString("%1>%2").arg(name).arg(id);
-            const qint32 folder = items.insertItem(Level::Folder, id, "Repairs");
-            return QVector<CreatedItem>{{Level::Folder, id, folder, "Repairs", {}}};
-        });
+        drawer.PopulateTemplates(
+            {"Car", "House"}, [&](const QString& name, qint32 id, ItemStore& items) {
+                applied << QString("%1>%2").arg(name).arg(id);
+                const qint32 folder = items.insertItem(Level::Folder, id, "Repairs");
+                return QVector<CreatedItem>{{Level::Folder, id, folder, "Repairs", {}}};
+            });
         auto* combo = child<QComboBox>(&drawer, "cboTemplate");
         QVERIFY(!combo->isHidden());
         QCOMPARE(combo->itemText(0), QStringLiteral("(none)"));

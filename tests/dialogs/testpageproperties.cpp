@@ -40,25 +40,33 @@ private slots:
         QTest::addColumn<QString>("count");
         QTest::addColumn<QString>("date");
         QTest::addColumn<QString>("size");
-        QTest::newRow("one") << QStringList{"PAG1"} << QStringList{} << "1 pages" << "03/14/2026"
+        QTest::newRow("one") << QStringList{"PAG1"} << QStringList{} << "1 pages"
+                             << "03/14/2026"
                              << "100 bytes";
         QTest::newRow("same date, same time")
-            << QStringList{"PAG1", "PAG2", "PAG3"} << QStringList{} << "3 pages" << "03/14/2026"
+            << QStringList{"PAG1", "PAG2", "PAG3"} << QStringList{} << "3 pages"
+            << "03/14/2026"
             << "300 bytes";
         QTest::newRow("same day, other time")
             << QStringList{"PAG1", "PAG2"}
             << QStringList{"UPDATE Page SET ScanDate = '2026-03-14 10:00:00' WHERE PageId = 2"}
-            << "2 pages" << "Various" << "200 bytes";
+            << "2 pages"
+            << "Various"
+            << "200 bytes";
         QTest::newRow("null size among others")
             << QStringList{"PAG1", "PAG2", "PAG3"}
             << QStringList{"UPDATE Page SET FileSize = NULL WHERE PageId = 2"} << "3 pages"
-            << "03/14/2026" << "200 bytes";
+            << "03/14/2026"
+            << "200 bytes";
         QTest::newRow("nothing known")
             << QStringList{"PAG2"}
             << QStringList{"UPDATE Page SET FileSize = NULL, ScanDate = NULL WHERE PageId = 2"}
-            << "1 pages" << "Not known" << "Not known";
+            << "1 pages"
+            << "Not known"
+            << "Not known";
         QTest::newRow("other keys do not count")
-            << QStringList{"DOC1", "PAG3", ""} << QStringList{} << "1 pages" << "03/14/2026"
+            << QStringList{"DOC1", "PAG3", ""} << QStringList{} << "1 pages"
+            << "03/14/2026"
             << "100 bytes";
     }
     void severalPages()

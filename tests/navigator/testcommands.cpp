@@ -68,30 +68,31 @@ private slots:
         QTest::addColumn<int>("parent");
         QTest::addColumn<QString>("caption");
         QTest::newRow("drawer in clicked cabinet")
-            << QStringList{"CAB1"} << "" << "mnuPopupCabinetNewDrawer" << 1 << 1 << "Add Drawer";
+            << QStringList{"CAB1"} << ""
+            << "mnuPopupCabinetNewDrawer" << 1 << 1 << "Add Drawer";
         QTest::newRow("drawer beside clicked drawer")
-            << QStringList{"CAB1", "DRW2"} << "" << "mnuPopupDrawerNewDrawer" << 1 << 1
-            << "Add Drawer";
+            << QStringList{"CAB1", "DRW2"} << ""
+            << "mnuPopupDrawerNewDrawer" << 1 << 1 << "Add Drawer";
         QTest::newRow("folder in clicked drawer")
-            << QStringList{"CAB1", "DRW2"} << "" << "mnuPopupDrawerNewFolder" << 2 << 2
-            << "Add Folder";
+            << QStringList{"CAB1", "DRW2"} << ""
+            << "mnuPopupDrawerNewFolder" << 2 << 2 << "Add Folder";
         QTest::newRow("folder beside clicked folder")
-            << QStringList{"CAB1", "DRW2", "FLD3"} << "" << "mnuPopupFolderNewFolder" << 2 << 2
-            << "Add Folder";
+            << QStringList{"CAB1", "DRW2", "FLD3"} << ""
+            << "mnuPopupFolderNewFolder" << 2 << 2 << "Add Folder";
         QTest::newRow("document in clicked folder")
-            << QStringList{"CAB1", "DRW1", "FLD1"} << "" << "mnuPopupFolderNewDocument" << 3 << 1
-            << "Add Document";
+            << QStringList{"CAB1", "DRW1", "FLD1"} << ""
+            << "mnuPopupFolderNewDocument" << 3 << 1 << "Add Document";
         QTest::newRow("document beside clicked document")
-            << QStringList{"CAB1", "DRW2", "FLD3", "DOC3"} << "" << "mnuPopupDocumentNewDocument"
-            << 3 << 3 << "Add Document";
+            << QStringList{"CAB1", "DRW2", "FLD3", "DOC3"} << ""
+            << "mnuPopupDocumentNewDocument" << 3 << 3 << "Add Document";
         QTest::newRow("drawer in the list's cabinet")
-            << QStringList{"ROOT"} << "Home Papers" << "mnuPopupCabinetNewDrawer" << 1 << 1
-            << "Add Drawer";
+            << QStringList{"ROOT"} << "Home Papers"
+            << "mnuPopupCabinetNewDrawer" << 1 << 1 << "Add Drawer";
         QTest::newRow("folder beside the list's folder")
-            << QStringList{"CAB1", "DRW1"} << "Checking" << "mnuPopupFolderNewFolder" << 2 << 1
-            << "Add Folder";
-        QTest::newRow("cabinet") << QStringList{"ROOT"} << "" << "mnuPopupRootNewFileCabinet"
-                                 << 0 << -1 << "Add File Cabinet";
+            << QStringList{"CAB1", "DRW1"} << "Checking"
+            << "mnuPopupFolderNewFolder" << 2 << 1 << "Add Folder";
+        QTest::newRow("cabinet") << QStringList{"ROOT"} << ""
+                                 << "mnuPopupRootNewFileCabinet" << 0 << -1 << "Add File Cabinet";
     }
     void newItemsFindTheirParent()
     {
@@ -107,7 +108,8 @@ private slots:
         for (const QString& key : clicks)
             h.click(key);
         if (!listItem.isEmpty()) {
-            QListWidgetItem* item = h.window->list()->findItems(listItem, Qt::MatchExactly).value(0);
+            QListWidgetItem* item =
+                h.window->list()->findItems(listItem, Qt::MatchExactly).value(0);
             QVERIFY(item);
             h.window->list()->setCurrentItem(item);
             h.window->setContextSource("L");

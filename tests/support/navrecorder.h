@@ -31,7 +31,10 @@ public:
         calls << "=DOC" + key(id, n) + date(d);
     }
     void ShowDrawersInListView(qint32 id) override { calls << QString("SHOW%1").arg(id); }
-    void RebuildCabinetNode(qint32 id, const QString& n) override { calls << "REBUILD" + key(id, n); }
+    void RebuildCabinetNode(qint32 id, const QString& n) override
+    {
+        calls << "REBUILD" + key(id, n);
+    }
 
     static QString key(qint32 id, const QString& n) { return QString("%1 %2").arg(id).arg(n); }
     static QString date(const QDate& d)
