@@ -170,25 +170,19 @@ void NavWindow::buildMenus()
     commands.insert(QStringLiteral("mnuPopupRootRefresh"), [this] { RefreshNavTree(); });
     commands.insert(QStringLiteral("mnuPopupRootNewFileCabinet"), [this] { newCabinet(); });
     commands.insert(QStringLiteral("mnuPopupCabinetNewCabinet"), [this] { newCabinet(); });
-    commands.insert(QStringLiteral("mnuPopupCabinetNewDrawer"),
-                    [this] { newChild(Level::Cabinet); });
-    commands.insert(QStringLiteral("mnuPopupDrawerNewDrawer"),
-                    [this] { newSibling(Level::Drawer); });
-    commands.insert(QStringLiteral("mnuPopupDrawerNewFolder"), [this] { newChild(Level::Drawer); });
-    commands.insert(QStringLiteral("mnuPopupFolderNewFolder"),
-                    [this] { newSibling(Level::Folder); });
-    commands.insert(QStringLiteral("mnuPopupFolderNewDocument"),
-                    [this] { newChild(Level::Folder); });
-    commands.insert(QStringLiteral("mnuPopupDocumentNewDocument"),
-                    [this] { newSibling(Level::Document); });
-    commands.insert(QStringLiteral("mnuPopupCabinetProperties"),
-                    [this] { properties(Level::Cabinet); });
-    commands.insert(QStringLiteral("mnuPopupDrawerProperties"),
-                    [this] { properties(Level::Drawer); });
-    commands.insert(QStringLiteral("mnuPopupFolderProperties"),
-                    [this] { properties(Level::Folder); });
-    commands.insert(QStringLiteral("mnuPopupDocumentProperties"),
-                    [this] { properties(Level::Document); });
+    // Each level's menu adds a sibling ("New Drawer" on a drawer) and a child ("New Folder"
+    // on a drawer), and shows its properties.
+    for (const Level level : {Level::Cabinet, Level::Drawer, Level::Folder, Level::Document}) {
+        const QString menu = QStringLiteral("mnuPopup") + QLatin1String(levelInfo(level).word);
+        const Level child = *childLevel(level);
+        if (level != Level::Cabinet)
+            commands.insert(menu + QStringLiteral("New") + QLatin1String(levelInfo(level).word),
+                            [this, level] { newSibling(level); });
+        if (child != Level::Page)
+            commands.insert(menu + QStringLiteral("New") + QLatin1String(levelInfo(child).word),
+                            [this, level] { newChild(level); });
+        commands.insert(menu + QStringLiteral("Properties"), [this, level] { properties(level); });
+    }
     commands.insert(QStringLiteral("mnuPopupPageProperties"), [this] { pageProperties(); });
     commands.insert(QStringLiteral("mnuToolsDrawerTemplates"), [this] { drawerTemplates(); });
     commands.insert(QStringLiteral("mnuToolsCreateSampleCabinet"),

@@ -1,9 +1,14 @@
 #pragma once
 
+#include "core/navigatorcallbacks.h"
+
 #include <QString>
 #include <QStringList>
+#include <QVector>
 
 namespace qmr {
+
+class ItemStore;
 
 // One line of Drawer.txt or Sample.txt: a three-letter key and the name behind the first "=".
 struct OutlineLine
@@ -20,6 +25,15 @@ public:
     // Writes the lines, replacing the file; false on failure.
     static bool writeLines(const QString& path, const QStringList& lines);
     static OutlineLine parse(const QString& line);
+    // The lines of the first section whose head line has the key `head` and the name `name`
+    // (without regard to case), up to the next head line or the end of the file.
+    static QVector<OutlineLine> section(const QString& path, const QString& head,
+                                        const QString& name);
+    // Creates the items of a section below `topId` of level `top`: "DRW", "FLD" and "DOC"
+    // lines make drawers, folders and documents below the latest item of the level above;
+    // a line with no such item is skipped, and each item ends the run of the levels below it.
+    static QVector<CreatedItem> createItems(const QVector<OutlineLine>& lines, Level top,
+                                            qint32 topId, ItemStore& items);
 };
 
 } // namespace qmr

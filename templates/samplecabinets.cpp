@@ -64,32 +64,8 @@ QStringList SampleCabinets::sampleNames() const
 QVector<CreatedItem> SampleCabinets::FillSampleCabinet(const QString& name, qint32 cabinetId)
 {
     ItemStore items(m_db);
-    QVector<CreatedItem> created;
-    bool inSample = false;
-    qint32 drawer = -1;
-    qint32 folder = -1;
-    for (const QString& line : OutlineFile::readLines(filePath())) {
-        const OutlineLine l = OutlineFile::parse(line);
-        if (!inSample) {
-            inSample =
-                l.key == QLatin1String("CAB") && l.name.compare(name, Qt::CaseInsensitive) == 0;
-            continue;
-        }
-        if (l.key == QLatin1String("CAB"))
-            break;
-        if (l.key == QLatin1String("DRW")) {
-            drawer = items.insertItem(Level::Drawer, cabinetId, l.name);
-            folder = -1; // a document right behind a drawer line has no folder
-            created << CreatedItem{Level::Drawer, cabinetId, drawer, l.name, {}};
-        } else if (l.key == QLatin1String("FLD") && drawer != -1) {
-            folder = items.insertItem(Level::Folder, drawer, l.name);
-            created << CreatedItem{Level::Folder, drawer, folder, l.name, {}};
-        } else if (l.key == QLatin1String("DOC") && folder != -1) {
-            const qint32 doc = items.insertItem(Level::Document, folder, l.name);
-            created << CreatedItem{Level::Document, folder, doc, l.name, {}};
-        }
-    }
-    return created;
+    return OutlineFile::createItems(OutlineFile::section(filePath(), QStringLiteral("CAB"), name),
+                                    Level::Cabinet, cabinetId, items);
 }
 
 qint32 SampleCabinets::CreateSampleCabinet(const QString& name)
