@@ -3,6 +3,7 @@
 #include "core/choosers.h"
 #include "core/progress.h"
 #include "dialogs/itemdialog.h"
+#include "dialogs/pagenumberdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "core/prompter.h"
 #include "navigator/navicons.h"
@@ -184,6 +185,8 @@ void NavWindow::buildMenus()
         commands.insert(menu + QStringLiteral("Properties"), [this, level] { properties(level); });
     }
     commands.insert(QStringLiteral("mnuPopupPageProperties"), [this] { pageProperties(); });
+    commands.insert(QStringLiteral("mnuPopupDocumentRepaginate"), [this] { repaginateDocument(); });
+    commands.insert(QStringLiteral("mnuPopupPageRenumber"), [this] { renumberPage(); });
     commands.insert(QStringLiteral("mnuToolsDrawerTemplates"), [this] { drawerTemplates(); });
     commands.insert(QStringLiteral("mnuToolsCreateSampleCabinet"),
                     [this] { createSampleCabinet(); });
@@ -889,6 +892,44 @@ void NavWindow::pageProperties()
         else
             dialog.PopulateMultiple(keys);
         dialog.exec();
+    });
+}
+
+void NavWindow::repaginateDocument()
+{
+    guarded([this] {
+        const qint32 id = targetId(Level::Document);
+        const ItemRow doc = m_session.items().item(Level::Document, id);
+        if (doc.id < 0)
+            return;
+        if (!m_prompter.confirm(QStringLiteral("Renumber all pages in '") + doc.name +
+                                QStringLiteral("'?")))
+            return;
+        try {
+            m_session.items().RepaginateDocument(id, doc.name, m_progress);
+        } catch (const StoreError&) {
+            m_progress.end(); // the numbers stay as they were
+            throw;
+        }
+        if (m_pages->isVisible())
+            ShowPagesInListView(id);
+    });
+}
+
+void NavWindow::renumberPage()
+{
+    QTreeWidgetItem* item = m_pages->currentItem();
+    const NodeKey key = NodeKey::parse(item ? item->data(0, kKeyRole).toString() : QString());
+    if (key.level() != Level::Page)
+        return;
+    // The list's text is "Page " and the number.
+    PageNumberDialog dialog(item->text(0).mid(5).toInt(), this);
+    dialog.exec();
+    if (dialog.reply() == -1)
+        return;
+    guarded([&] {
+        m_session.items().setPageNumber(key.id(), dialog.reply());
+        item->setText(0, QStringLiteral("Page ") + QString::number(dialog.reply()));
     });
 }
 

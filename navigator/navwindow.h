@@ -75,6 +75,10 @@ public:
     // `id` -1: the target of the command.
     void properties(Level level, qint32 id = -1);
     void pageProperties();
+    // Renumbers a document's pages 1, 2, 3 ... after asking.
+    void repaginateDocument();
+    // Gives the selected page a number of the user's choice.
+    void renumberPage();
     void drawerTemplates();
     void createSampleCabinet();
     // The id a command of that level works on: the record's, else the key of the selected

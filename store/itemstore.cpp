@@ -74,6 +74,12 @@ PageFacts ItemStore::pageFacts(qint32 pageId) const
     return facts;
 }
 
+void ItemStore::setPageNumber(qint32 pageId, qint32 number)
+{
+    m_db.execute(QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?"),
+                 {number, pageId});
+}
+
 QVector<PageRow> ItemStore::pages(qint32 documentId) const
 {
     const Recordset rs = m_db.OpenRecordset(

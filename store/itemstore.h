@@ -66,6 +66,7 @@ public:
     qint32 DocumentOfPage(qint32 pageId) const { return parentOf(Level::Page, pageId); }
 
     PageFacts pageFacts(qint32 pageId) const;
+    void setPageNumber(qint32 pageId, qint32 number);
     // The pages of a document in page order.
     QVector<PageRow> pages(qint32 documentId) const;
 

@@ -229,6 +229,69 @@ private slots:
         QCOMPARE(data, QStringLiteral("2 pages"));
     }
 
+    void renumbering_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<QString>("numbers");
+        QTest::newRow("yes") << int(Prompter::Answer::Yes) << "1,2";
+        QTest::newRow("no") << int(Prompter::Answer::No) << "5,5";
+        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << "5,5";
+    }
+    void renumbering()
+    {
+        QFETCH(int, answer);
+        QFETCH(QString, numbers);
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.session->db().execute("UPDATE Page SET PageNumber = 5 WHERE DocumentId = 1");
+        for (const char* key : {"CAB1", "DRW1", "FLD1", "DOC1"})
+            h.click(key);
+        h.prompter.expect("Renumber all pages in 'March statement'?", Prompter::Answer(answer));
+        trigger(h, "mnuPopupDocumentRepaginate");
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        const Recordset rs = h.session->db().OpenRecordset(
+            "SELECT PageNumber FROM Page WHERE DocumentId = 1 ORDER BY PageId");
+        QCOMPARE(QString("%1,%2").arg(rs.integer(0, "PageNumber")).arg(rs.integer(1, "PageNumber")),
+                 numbers);
+        QCOMPARE(h.window->pageList()->topLevelItem(1)->text(0), "Page " + numbers.section(',', 1));
+    }
+
+    void renumberOnePage_data()
+    {
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<bool>("ok");
+        QTest::addColumn<int>("stored");
+        QTest::newRow("number") << "7" << true << 7;
+        QTest::newRow("no number") << "seven" << true << 2;
+        QTest::newRow("cancel") << "9" << false << 2;
+    }
+    void renumberOnePage()
+    {
+        QFETCH(QString, typed);
+        QFETCH(bool, ok);
+        QFETCH(int, stored);
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        for (const char* key : {"CAB1", "DRW1", "FLD1", "DOC1"})
+            h.click(key);
+        QTreeWidget* pages = h.window->pageList();
+        pages->setCurrentItem(pages->topLevelItem(1));
+        QString present;
+        whenModal([&](QWidget* d) {
+            auto* box = d->findChild<QLineEdit*>("txtPageNumber");
+            present = box->text();
+            box->setText(typed);
+            d->findChild<QPushButton*>(ok ? "cmdOK" : "cmdCancel")->click();
+        });
+        trigger(h, "mnuPopupPageRenumber");
+        QCOMPARE(present, QStringLiteral("2"));
+        QCOMPARE(h.session->db().scalar("SELECT PageNumber FROM Page WHERE PageId = 2").toInt(),
+                 stored);
+        QCOMPARE(pages->topLevelItem(1)->text(0), "Page " + QString::number(stored));
+    }
+
     void sampleCabinetFromTheMenu()
     {
         NavHarness h;

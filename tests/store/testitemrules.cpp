@@ -86,6 +86,29 @@ private slots:
         QCOMPARE(ItemRules::displayDate(QDate()), QString());
     }
 
+    void leadingNumber_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<double>("number");
+        QTest::newRow("plain") << "12" << 12.0;
+        QTest::newRow("letters behind") << "12abc" << 12.0;
+        QTest::newRow("letters only") << "abc" << 0.0;
+        QTest::newRow("comma stops") << "1,234.00" << 1.0;
+        QTest::newRow("decimals") << "19.99 EUR" << 19.99;
+        QTest::newRow("second point stops") << "1.2.3" << 1.2;
+        QTest::newRow("negative") << "-5.5x" << -5.5;
+        QTest::newRow("blanks") << "  42 " << 42.0;
+        QTest::newRow("point only") << "." << 0.0;
+        QTest::newRow("sign only") << "-" << 0.0;
+        QTest::newRow("empty") << "" << 0.0;
+    }
+    void leadingNumber()
+    {
+        QFETCH(QString, text);
+        QFETCH(double, number);
+        QCOMPARE(ItemRules::leadingNumber(text), number);
+    }
+
     void pictureFiles_data()
     {
         QTest::addColumn<QString>("name");
