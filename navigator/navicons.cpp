@@ -124,12 +124,16 @@ QPixmap NavIcons::pixmap(const QString& key, int side)
     return pm;
 }
 
-QIcon NavIcons::icon(const QString& key)
+const QIcon& NavIcons::icon(const QString& key)
 {
-    QIcon icon;
-    icon.addPixmap(pixmap(key, 16));
-    icon.addPixmap(pixmap(key, 32));
-    return icon;
+    auto it = m_cache.find(key);
+    if (it == m_cache.end()) {
+        QIcon icon;
+        icon.addPixmap(pixmap(key, 16));
+        icon.addPixmap(pixmap(key, 32));
+        it = m_cache.insert(key, icon);
+    }
+    return *it;
 }
 
 } // namespace qmr

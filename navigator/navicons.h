@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QHash>
 #include <QIcon>
 #include <QString>
 
@@ -11,8 +12,12 @@ namespace qmr {
 class NavIcons
 {
 public:
-    static QIcon icon(const QString& key);
+    // Drawn once per key and kept: a large tree asks for the same few pictures many times.
+    const QIcon& icon(const QString& key);
     static QPixmap pixmap(const QString& key, int side);
+
+private:
+    QHash<QString, QIcon> m_cache;
 };
 
 } // namespace qmr

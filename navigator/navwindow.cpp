@@ -58,7 +58,7 @@ NavWindow::NavWindow(Session& session, Prompter& prompter, Choosers& choosers, P
 {
     setObjectName(kFormName);
     setWindowTitle(QStringLiteral("Quillmere"));
-    setWindowIcon(NavIcons::icon(QStringLiteral("cabinet")));
+    setWindowIcon(m_icons.icon(QStringLiteral("cabinet")));
     buildWidgets();
     buildMenus();
 }
@@ -275,8 +275,8 @@ QString NavWindow::GetCabinetIcon(qint32 cabinetId) const
 QIcon NavWindow::iconFor(Level level, qint32 id) const
 {
     if (level == Level::Cabinet)
-        return NavIcons::icon(GetCabinetIcon(id));
-    return NavIcons::icon(QLatin1String(levelInfo(level).icon));
+        return m_icons.icon(GetCabinetIcon(id));
+    return m_icons.icon(QLatin1String(levelInfo(level).icon));
 }
 
 QString NavWindow::nodeText(Level level, const QString& name, const QDate& date) const
@@ -296,7 +296,7 @@ void NavWindow::LoadNavTree()
     m_list->clear();
     m_tree->clearNodes();
     m_tree->addNode(QString(), rootKey(), QStringLiteral("File Cabinets"),
-                    NavIcons::icon(QStringLiteral("root")));
+                    m_icons.icon(QStringLiteral("root")));
     const QVector<ItemRow> cabinets = m_session.items().children(Level::Cabinet, -1);
     if (cabinets.isEmpty()) {
         // A store without cabinets always gets one, so that the root is never bare.
@@ -520,7 +520,7 @@ void NavWindow::ShowPagesInListView(qint32 documentId)
         item->setText(2, QLocale().toString(page.fileSize));
         item->setText(3, ItemRules::displayDate(page.scanDate));
         item->setData(0, kKeyRole, NodeKey::of(Level::Page, page.id).text());
-        item->setIcon(0, NavIcons::icon(QStringLiteral("page")));
+        item->setIcon(0, m_icons.icon(QStringLiteral("page")));
     }
 }
 
@@ -619,7 +619,7 @@ void NavWindow::RebuildCabinetNode(qint32 cabinetId, const QString& name)
     const QString key = NodeKey::of(Level::Cabinet, cabinetId).text();
     m_tree->removeNode(key);
     // Removing and adding makes the tree fill the drawers in anew.
-    if (m_tree->addNode(rootKey(), key, name, NavIcons::icon(QStringLiteral("cabinet")))) {
+    if (m_tree->addNode(rootKey(), key, name, m_icons.icon(QStringLiteral("cabinet")))) {
         m_tree->selectNode(key);
         m_tree->expandNode(key);
     }

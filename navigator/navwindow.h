@@ -2,6 +2,7 @@
 
 #include "core/navigatorcallbacks.h"
 #include "core/nodekey.h"
+#include "navigator/navicons.h"
 #include "navigator/navmenus.h"
 
 #include <QMainWindow>
@@ -146,6 +147,7 @@ private:
     DrawerTemplates& m_templates;
 
     NavMenus m_menus;
+    mutable NavIcons m_icons;
     NavTree* m_tree = nullptr;
     QListWidget* m_list = nullptr;
     QTreeWidget* m_pages = nullptr;
