@@ -18,6 +18,7 @@
 #include "templates/templateeditor.h"
 
 #include <QApplication>
+#include <QGuiApplication>
 #include <QCloseEvent>
 #include <QCursor>
 #include <QFrame>
@@ -226,8 +227,11 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     if (!m_firstShow) {
         Placement current{y(), x(), height(), width(), 0};
         const Placement p = settings.RestorePlacement(kFormName, current);
+        const QRect saved(p.left, p.top, p.width, p.height);
+        // A place saved on a larger or a departed screen would put the window out of reach.
+        const QScreen* s = QGuiApplication::screenAt(saved.center());
         if (p.width > 0 && p.height > 0)
-            setGeometry(p.left, p.top, p.width, p.height);
+            setGeometry(s ? saved : QRect(QPoint(0, 0), saved.size()));
         if (p.windowState == 2)
             setWindowState(windowState() | Qt::WindowMaximized);
     }
