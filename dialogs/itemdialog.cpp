@@ -392,10 +392,8 @@ bool ItemDialog::validate()
         return refuse(QStringLiteral("A storage path is required."), m_saveTo);
     if (m_date && !ItemRules::IsValidDate(m_date->text()))
         return refuse(QStringLiteral("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
-    if (m_collectOnly)
-        return true;
     const char* duplicate = textsOf(m_level).duplicate;
-    if (duplicate && ItemStore(m_services.session.db())
+    if (duplicate && !m_collectOnly && ItemStore(m_services.session.db())
                          .nameTaken(m_level, m_parentId, m_name->text(),
                                     m_mode == QLatin1String("Edit") ? m_id : -1))
         return refuse(QString::fromUtf8(duplicate).arg(m_name->text()), m_name);

@@ -394,6 +394,15 @@ private slots:
         QCOMPARE(ItemStore(h.db()).count(Level::Document), before);
         QVERIFY(h.nav.calls.isEmpty());
 
+        // Too long a name is refused here, before the caller could lose it.
+        ItemDialog tooLong(Level::Document, h.services(), nullptr, true);
+        child<QLineEdit>(&tooLong, "txtName")->setText(QString(81, 'n'));
+        h.prompter.expect("The name is too long: a document's name can have at most 80 "
+                          "characters.");
+        tooLong.cmdOK();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(tooLong.newDocument().Cancelled);
+
         ItemDialog cancelled(Level::Document, h.services(), nullptr, true);
         child<QPushButton>(&cancelled, "cmdCancel")->click();
         QVERIFY(cancelled.newDocument().Cancelled);
