@@ -15,7 +15,9 @@ ProgressWindow::ProgressWindow(QWidget* parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmProgress"));
     setWindowTitle(QStringLiteral("Progress"));
-    setModal(false);
+    // The main window waits while work runs: events still pass at every 20th step, but no
+    // second command and no close can start in the middle of this one.
+    setWindowModality(Qt::ApplicationModal);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto* layout = new QVBoxLayout(this);
     m_status = new QLabel(QStringLiteral("Status"), this);

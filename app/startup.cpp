@@ -61,6 +61,7 @@ bool Startup::start(bool showWindow)
     m_window =
         std::make_unique<NavWindow>(*m_session, m_prompter, m_choosers, *m_progress, *m_templates);
     m_window->load([this](const QString& text) { m_splash->SplashStep(text); });
+    m_progress->setWindowIcon(m_window->windowIcon());
 
     m_splash->SplashStep(QStringLiteral("Initializing"));
     m_session->findRecord().InitFindDefaults();

@@ -166,6 +166,7 @@ void ItemDialog::buildWidgets()
             QStringLiteral("Let me specify where new scanned images are saved"), m_storageTab);
         m_storage1->setObjectName(QStringLiteral("optStorage1"));
         auto* group = new QButtonGroup(m_storageTab);
+        group->setObjectName(QStringLiteral("optStorage"));
         group->addButton(m_storage0, 0);
         group->addButton(m_storage1, 1);
         m_storage0->setChecked(true);
@@ -393,9 +394,10 @@ bool ItemDialog::validate()
     if (m_date && !ItemRules::IsValidDate(m_date->text()))
         return refuse(QStringLiteral("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
     const char* duplicate = textsOf(m_level).duplicate;
-    if (duplicate && !m_collectOnly && ItemStore(m_services.session.db())
-                         .nameTaken(m_level, m_parentId, m_name->text(),
-                                    m_mode == QLatin1String("Edit") ? m_id : -1))
+    if (duplicate && !m_collectOnly &&
+        ItemStore(m_services.session.db())
+            .nameTaken(m_level, m_parentId, m_name->text(),
+                       m_mode == QLatin1String("Edit") ? m_id : -1))
         return refuse(QString::fromUtf8(duplicate).arg(m_name->text()), m_name);
     // Over-long values get a plain message here rather than a failure from the store.
     try {
@@ -444,20 +446,30 @@ void ItemDialog::write()
     tx.commit();
     if (!nav)
         return;
-    nav->announce({CreatedItem{m_level, m_parentId, m_id, f.name, f.dateOnDocument}});
-    nav->announce(created);
+    // Stored now: a failure to show it must not make the user add it a second time.
+    try {
+        nav->announce({CreatedItem{m_level, m_parentId, m_id, f.name, f.dateOnDocument}});
+        nav->announce(created);
+    } catch (const StoreError& e) {
+        m_services.prompter.tell(e.message());
+    }
 }
 
 void ItemDialog::cmdOK()
 {
-    if (!validate())
+    try {
+        if (!validate())
+            return;
+    } catch (const StoreError& e) {
+        m_services.prompter.tell(e.message());
         return;
+    }
     if (m_collectOnly) {
         m_result.Cancelled = false;
         m_result.Name = m_name->text();
         m_result.DateOnDocument = m_date->text();
         m_result.Description = m_description->toPlainText();
-        m_result.Amount = QString::number(ItemRules::leadingNumber(m_amount->text()));
+        m_result.Amount = QString::number(ItemRules::leadingNumber(m_amount->text()), 'g', 15);
         accept();
         return;
     }

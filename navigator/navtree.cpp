@@ -143,6 +143,16 @@ void NavTree::scrollTo(const QModelIndex& index, ScrollHint hint)
     horizontalScrollBar()->setValue(across);
 }
 
+void NavTree::mousePressEvent(QMouseEvent* event)
+{
+    // A right click selects nothing: its menu is for the node that stays selected.
+    if (event->button() == Qt::RightButton) {
+        event->accept();
+        return;
+    }
+    QTreeWidget::mousePressEvent(event);
+}
+
 void NavTree::mouseReleaseEvent(QMouseEvent* event)
 {
     QTreeWidget::mouseReleaseEvent(event);

@@ -257,7 +257,8 @@ void NavWindow::showAsLoaded()
 {
     if (m_firstShow || (windowState() & Qt::WindowMaximized)) {
         // Without a window manager "maximised" means nothing; the screen's size still does.
-        if (QScreen* s = screen())
+        // A restored window keeps its normal rectangle for when it is made smaller.
+        if (QScreen* s = screen(); s && m_firstShow)
             setGeometry(s->availableGeometry());
         showMaximized();
     } else {
@@ -454,12 +455,13 @@ void NavWindow::setRecordFromKey(const NodeKey& key)
 
 void NavWindow::onTreeMouseUp(Qt::MouseButton button)
 {
+    // After any button the commands find their target anew: from the menu's node after a
+    // right click, else from the selected node.
     m_contextSource = QStringLiteral("T");
+    m_session.selection().clear();
     if (button != Qt::RightButton)
         return;
     guarded([this] {
-        SelectionRecord& record = m_session.selection();
-        record.clear();
         // The menu is for the selected node; a right click selects nothing by itself.
         const NodeKey key = NodeKey::parse(m_tree->selectedKey());
         QMenu* popup = nullptr;

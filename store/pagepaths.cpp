@@ -93,13 +93,20 @@ QString PagePaths::FilePart(const QString& path)
     return slash < 0 ? QString() : path.mid(slash + 1);
 }
 
-bool PagePaths::EnsurePathExists(const QString& path)
+bool PagePaths::ensurePathExists(const QString& path) const
+{
+    return EnsurePathExists(path, m_home.path());
+}
+
+bool PagePaths::EnsurePathExists(const QString& path, const QString& base)
 {
     QString dir = path;
     if (dir.isEmpty() || dir == QLatin1String("/"))
         return true;
     // Callers pass file paths and plain directory paths: a dot anywhere means a file name.
-    if (dir.contains(QLatin1Char('.'))) {
+    const QString root = base.endsWith(QLatin1Char('/')) ? base : base + QLatin1Char('/');
+    const QString tested = !base.isEmpty() && dir.startsWith(root) ? dir.mid(root.size()) : dir;
+    if (tested.contains(QLatin1Char('.'))) {
         const int slash = dir.lastIndexOf(QLatin1Char('/'));
         if (slash >= 0)
             dir = dir.left(slash);

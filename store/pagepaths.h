@@ -32,8 +32,11 @@ public:
     // After the last '/'; "" when there is none.
     static QString FilePart(const QString& path);
     // Makes every missing directory of a directory path, or of a file path's directory (a
-    // path with a dot anywhere is taken to end in a file name). False on failure.
-    static bool EnsurePathExists(const QString& path);
+    // path with a dot anywhere is taken to end in a file name). False on failure. The dots of
+    // `base`, a directory the path lies in, do not count: a home below ~/.local is no file.
+    static bool EnsurePathExists(const QString& path, const QString& base = QString());
+    // The same, with the application home as the base.
+    bool ensurePathExists(const QString& path) const;
 
 private:
     static QString bucket(qint32 pageId);

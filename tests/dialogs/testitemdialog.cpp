@@ -384,13 +384,13 @@ private slots:
         QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->count(), 1);
         child<QLineEdit>(&dialog, "txtName")->setText(" Receipt ");
         child<QLineEdit>(&dialog, "txtDateOnDocument")->setText("12/24/2025");
-        child<QLineEdit>(&dialog, "txtAmount")->setText("19.99 EUR");
+        child<QLineEdit>(&dialog, "txtAmount")->setText("1234567.89 EUR");
         const int before = ItemStore(h.db()).count(Level::Document);
         dialog.cmdOK();
         QVERIFY(!dialog.newDocument().Cancelled);
         QCOMPARE(dialog.newDocument().Name, QStringLiteral("Receipt"));
         QCOMPARE(dialog.newDocument().DateOnDocument, QStringLiteral("12/24/2025"));
-        QCOMPARE(dialog.newDocument().Amount, QStringLiteral("19.99"));
+        QCOMPARE(dialog.newDocument().Amount, QStringLiteral("1234567.89"));
         QCOMPARE(ItemStore(h.db()).count(Level::Document), before);
         QVERIFY(h.nav.calls.isEmpty());
 

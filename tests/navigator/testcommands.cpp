@@ -19,11 +19,11 @@ using test::NavHarness;
 
 namespace {
 
-// Runs `act` on the next modal dialog once it is up; a dialog that is still open after five
-// seconds is closed, so that a failing test cannot hang.
-void whenModal(std::function<void(QWidget*)> act, int tries = 100)
+// Runs `act` on the next modal dialog once it is up, for as long as `context` lives; a
+// dialog that is still open after five seconds is closed, so that a failing test cannot hang.
+void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 100)
 {
-    QTimer::singleShot(20, [act, tries] {
+    QTimer::singleShot(20, context, [context, act, tries] {
         if (QWidget* w = QApplication::activeModalWidget()) {
             act(w);
             QTimer::singleShot(5000, w, [w] {
@@ -31,7 +31,7 @@ void whenModal(std::function<void(QWidget*)> act, int tries = 100)
                     w->close();
             });
         } else if (tries > 0) {
-            whenModal(act, tries - 1);
+            whenModal(context, act, tries - 1);
         }
     });
 }
@@ -116,7 +116,7 @@ private slots:
         }
         const int before = ItemStore(h.session->db()).count(Level(level));
         QString seen;
-        whenModal([&](QWidget* d) { typeNameAndOk(d, "Brand new", &seen); });
+        whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Brand new", &seen); });
         trigger(h, qPrintable(action));
         QCOMPARE(seen, caption);
         ItemStore items(h.session->db());
@@ -143,7 +143,7 @@ private slots:
         h.load();
         h.click("CAB1");
         QString seen;
-        whenModal([&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
+        whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
         // The drawer comes from the list, as nothing in the record names a drawer.
         h.window->list()->setCurrentItem(h.window->list()->item(0));
         h.window->setContextSource("L");
@@ -166,7 +166,7 @@ private slots:
         trigger(h, "mnuPopupCabinetProperties"); // cancelled: no dialog
         QString seen;
         h.choosers.queuePassword(QStringLiteral("secret"));
-        whenModal([&](QWidget* d) {
+        whenModal(h.window.get(), [&](QWidget* d) {
             seen = d->windowTitle();
             d->findChild<QPushButton*>("cmdCancel")->click();
         });
@@ -183,7 +183,7 @@ private slots:
         h.click("CAB1");
         h.click("DRW1");
         QString seen;
-        whenModal([&](QWidget* d) {
+        whenModal(h.window.get(), [&](QWidget* d) {
             seen = d->windowTitle();
             d->findChild<QLineEdit*>("txtDateOnDocument")->clear();
             d->findChild<QPushButton*>("cmdOK")->click();
@@ -202,12 +202,30 @@ private slots:
         h.click("CAB1");
         h.click("DRW1");
         QString seen;
-        whenModal([&](QWidget* d) { typeNameAndOk(d, "From the keyboard", &seen); });
+        whenModal(h.window.get(),
+                  [&](QWidget* d) { typeNameAndOk(d, "From the keyboard", &seen); });
         QTest::keyClick(h.tree(), Qt::Key_Insert);
         QCOMPARE(seen, QStringLiteral("Add Folder"));
         QCOMPARE(h.tree()->node(h.tree()->selectedKey())->text(0),
                  QStringLiteral("From the keyboard"));
         QCOMPARE(h.tree()->parentKey(h.tree()->selectedKey()), QStringLiteral("DRW1"));
+    }
+
+    void insertFollowsTheKeyboard()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.load();
+        h.click("CAB1");
+        // The arrow keys move the selection without driving the window; Insert then adds a
+        // drawer to the cabinet that is selected, not to the one clicked last.
+        h.tree()->selectNode("CAB2");
+        h.session->locks().OpenCabinet(2, h.choosers, h.prompter, nullptr);
+        QString seen;
+        whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Keyboard drawer", &seen); });
+        QTest::keyClick(h.tree(), Qt::Key_Insert);
+        QCOMPARE(seen, QStringLiteral("Add Drawer"));
+        QCOMPARE(ItemStore(h.session->db()).children(Level::Drawer, 2).size(), 2);
     }
 
     void pagePropertiesOfTheSelection()
@@ -221,7 +239,7 @@ private slots:
         QCOMPARE(pages->topLevelItemCount(), 2);
         pages->selectAll();
         QString data;
-        whenModal([&](QWidget* d) {
+        whenModal(h.window.get(), [&](QWidget* d) {
             data = d->findChild<QLabel*>("lblPageIdData")->text();
             d->findChild<QPushButton*>("cmdOK")->click();
         });
@@ -279,7 +297,7 @@ private slots:
         QTreeWidget* pages = h.window->pageList();
         pages->setCurrentItem(pages->topLevelItem(1));
         QString present;
-        whenModal([&](QWidget* d) {
+        whenModal(h.window.get(), [&](QWidget* d) {
             auto* box = d->findChild<QLineEdit*>("txtPageNumber");
             present = box->text();
             box->setText(typed);
@@ -297,7 +315,7 @@ private slots:
         NavHarness h;
         h.load(); // the first start made "Generic File Cabinet"
         h.prompter.expect("A cabinet named 'Generic File Cabinet' already exists.");
-        whenModal([](QWidget* d) {
+        whenModal(h.window.get(), [](QWidget* d) {
             d->findChild<QPushButton*>("cmdCreate")->click();
             d->findChild<QPushButton*>("cmdCancel")->click();
         });
@@ -307,7 +325,8 @@ private slots:
 
         // Renamed, the cabinet no longer blocks a second copy of the sample.
         h.session->db().execute("UPDATE Cabinet SET Name = 'Mine'");
-        whenModal([](QWidget* d) { d->findChild<QPushButton*>("cmdCreate")->click(); });
+        whenModal(h.window.get(),
+                  [](QWidget* d) { d->findChild<QPushButton*>("cmdCreate")->click(); });
         trigger(h, "mnuToolsCreateSampleCabinet");
         QCOMPARE(ItemStore(h.session->db()).count(Level::Cabinet), 2);
         QCOMPARE(h.tree()->node(h.tree()->selectedKey())->text(0),
@@ -324,7 +343,7 @@ private slots:
         h.load();
         h.templates->LoadDrawerTemplates();
         h.click("CAB1");
-        whenModal([](QWidget* d) {
+        whenModal(h.window.get(), [](QWidget* d) {
             d->findChild<QLineEdit*>("txtName")->setText("My car");
             d->findChild<QComboBox*>("cboTemplate")->setCurrentIndex(1);
             d->findChild<QPushButton*>("cmdOK")->click();

@@ -52,6 +52,31 @@ private slots:
         QCOMPARE(spy.at(1).at(0).toString(), QStringLiteral("CAB2"));
     }
 
+    void rightClickSelectsNothing()
+    {
+        NavTree tree;
+        tree.addNode({}, "ROOT", "root", {});
+        tree.addNode("ROOT", "CAB1", "one", {});
+        tree.addNode("ROOT", "CAB2", "two", {});
+        tree.expandAll();
+        tree.resize(200, 200);
+        tree.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&tree));
+        tree.selectNode("CAB1");
+        QSignalSpy clicks(&tree, &NavTree::nodeClicked);
+        QSignalSpy ups(&tree, &NavTree::contextRequested);
+        const QRect r = tree.visualItemRect(tree.node("CAB2"));
+        QTest::mouseClick(tree.viewport(), Qt::RightButton, {},
+                          QPoint(r.left() + 10, r.center().y()));
+        QCOMPARE(tree.selectedKey(), QStringLiteral("CAB1"));
+        QCOMPARE(clicks.count(), 0);
+        QCOMPARE(ups.count(), 1);
+        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {},
+                          QPoint(r.left() + 10, r.center().y()));
+        QCOMPARE(tree.selectedKey(), QStringLiteral("CAB2"));
+        QCOMPARE(clicks.count(), 1);
+    }
+
     void firstStartMakesTheSampleCabinet()
     {
         NavHarness h;
@@ -126,6 +151,16 @@ private slots:
         QCOMPARE(h.childKeys("DRW1"), QStringList{});
         for (const QString& key : path)
             h.click(key);
+        // A mouse click leaves the record empty again when the button comes up; a command
+        // then finds the clicked node as the tree's selection.
+        for (int l = 0; l < 4; ++l) {
+            QCOMPARE(h.session->selection().idOf(Level(l)), -1);
+            QCOMPARE(h.window->targetId(Level(l)), l == level ? id : -1);
+        }
+        // Enter drives the window as a click does, and the record it fills stays.
+        h.click("ROOT");
+        h.tree()->selectNode(path.last());
+        QTest::keyClick(h.tree(), Qt::Key_Return);
         const SelectionRecord& r = h.session->selection();
         QCOMPARE(r.lastNodeKey, path.last());
         QCOMPARE(h.visibleLevelMenu(), menu);
@@ -196,7 +231,7 @@ private slots:
         QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
         QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
         QCOMPARE(h.listTexts(), QStringList{"Health"});
-        QCOMPARE(h.session->selection().currentCabinetId, 2);
+        QCOMPARE(h.window->targetId(Level::Cabinet), 2);
         QCOMPARE(h.choosers.passwordAsks(), 3);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
@@ -343,17 +378,19 @@ private slots:
         NavHarness h;
         test::FixtureStore(h.home.home()).fillSample();
         h.load();
-        h.click("CAB1");
+        h.tree()->selectNode("CAB1");
+        QTest::keyClick(h.tree(), Qt::Key_Return); // fills the record, which then stays
         QListWidget* list = h.window->list();
         QListWidgetItem* bank = list->findItems("Bank", Qt::MatchExactly).value(0);
         QVERIFY(bank);
         emit list->itemActivated(bank);
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
         QCOMPARE(h.listTexts(), (QStringList{"Checking", "Savings"}));
-        // The record still tells of the last click in the tree.
+        // The record and the menu still tell of the last click in the tree.
         QCOMPARE(h.session->selection().currentCabinetId, 1);
         QCOMPARE(h.session->selection().currentDrawerId, -1);
         QCOMPARE(h.session->selection().lastNodeKey, QStringLiteral("CAB1"));
+        QCOMPARE(h.visibleLevelMenu(), QStringLiteral("mnuPopupCabinet"));
     }
 
     void storeFailureIsAMessage()

@@ -154,6 +154,25 @@ private slots:
         QVERIFY(PagePaths::EnsurePathExists(home.file(path)));
     }
 
+    void ensurePathExistsBelowADottedHome()
+    {
+        test::TestHome outer;
+        const AppHome home(outer.file(".local/share/Quillmere"));
+        QVERIFY(home.ensureExists());
+        Database db;
+        PagePaths paths(db, home);
+        // The home's dots do not make its directories file names.
+        QVERIFY(paths.ensurePathExists(home.file("Thumbs/0000012")));
+        QVERIFY(QFileInfo(home.file("Thumbs/0000012")).isDir());
+        QVERIFY(paths.ensurePathExists(home.file("Pages/0000003/3456.jpg")));
+        QVERIFY(QFileInfo(home.file("Pages/0000003")).isDir());
+        QVERIFY(!QFileInfo::exists(home.file("Pages/0000003/3456.jpg")));
+        // Below the home the rule stands: a dotted directory takes what follows for a file.
+        QVERIFY(paths.ensurePathExists(home.file("export.v2/inner")));
+        QVERIFY(QFileInfo(home.file("export.v2")).isDir());
+        QVERIFY(!QFileInfo::exists(home.file("export.v2/inner")));
+    }
+
     void ensurePathExistsEdges()
     {
         QVERIFY(PagePaths::EnsurePathExists("/"));

@@ -74,10 +74,10 @@ qint32 FixtureStore::page(qint32 documentId, int pageNumber, const QSize& size)
         p.drawText(image.rect(), Qt::AlignCenter, QString::number(pageNumber));
     }
     const QString file = paths.ComputedPagePath(id);
-    PagePaths::EnsurePathExists(file);
+    paths.ensurePathExists(file);
     image.save(file, "JPG", 80);
     const QString thumb = paths.ComputedThumbPath(id);
-    PagePaths::EnsurePathExists(thumb);
+    paths.ensurePathExists(thumb);
     image.scaled(100, 100, Qt::KeepAspectRatio, Qt::SmoothTransformation).save(thumb, "JPG", 80);
     m_db.execute(QStringLiteral("UPDATE Page SET FileSize = ? WHERE PageId = ?"),
                  {QFileInfo(file).size(), id});
