@@ -9,6 +9,7 @@
 #include "store/itemstore.h"
 #include "store/session.h"
 #include "store/storeerror.h"
+#include "ui_itemdialog.h"
 
 #include <QApplication>
 #include <QButtonGroup>
@@ -70,13 +71,6 @@ constexpr StatRow kCountRows[] = {
     {Level::Page, "Pages:", "lblPAG", "lblPAGCount"},
 };
 
-QLabel* namedLabel(const QString& text, const char* name, QWidget* parent)
-{
-    auto* label = new QLabel(text, parent);
-    label->setObjectName(QLatin1String(name));
-    return label;
-}
-
 QIcon clockIcon()
 {
     QPixmap pm(32, 32);
@@ -94,7 +88,8 @@ QIcon clockIcon()
 } // namespace
 
 ItemDialog::ItemDialog(Level level, DialogServices services, QWidget* parent, bool collectOnly)
-    : QDialog(parent), m_level(level), m_services(services), m_collectOnly(collectOnly)
+    : QDialog(parent), m_level(level), m_services(services), m_collectOnly(collectOnly),
+      m_ui(std::make_unique<Ui::ItemDialog>())
 {
     setObjectName(collectOnly ? QStringLiteral("frmDocumentNew")
                               : QLatin1String(textsOf(level).form));
@@ -109,137 +104,94 @@ ItemDialog::~ItemDialog() = default;
 
 void ItemDialog::buildWidgets()
 {
-    auto* outer = new QVBoxLayout(this);
-    m_tabs = new QTabWidget(this);
-    m_tabs->setObjectName(QStringLiteral("tabMain"));
-    outer->addWidget(m_tabs);
+    m_ui->setupUi(this);
+    m_tabs = m_ui->tabMain;
+    m_name = m_ui->txtName;
+    m_description = m_ui->txtDescription;
+    m_ok = m_ui->cmdOK;
+    m_tabs->setTabText(0, QLatin1String(textsOf(m_level).tab));
 
-    auto* main = new QWidget(m_tabs);
-    auto* form = new QFormLayout(main);
-    m_name = new QLineEdit(main);
-    m_name->setObjectName(QStringLiteral("txtName"));
-    m_name->setMinimumWidth(320);
-    form->addRow(namedLabel(QStringLiteral("Name:"), "lblName", main), m_name);
-    if (m_level == Level::Cabinet) {
-        m_password = new QLineEdit(main);
-        m_password->setObjectName(QStringLiteral("txtPassword"));
-        m_password->setMaxLength(10);
-        form->addRow(namedLabel(QStringLiteral("Password:"), "lblPassword", main), m_password);
-    }
-    m_description = new QPlainTextEdit(main);
-    m_description->setObjectName(QStringLiteral("txtDescription"));
-    m_description->setTabChangesFocus(true);
-    m_description->setMinimumHeight(90);
-    form->addRow(namedLabel(QStringLiteral("Description:"), "lblDescription", main), m_description);
-    if (m_level == Level::Folder) {
-        m_email = new QLineEdit(main);
-        m_email->setObjectName(QStringLiteral("txtEmail"));
-        form->addRow(namedLabel(QStringLiteral("Email to:"), "lblEmail", main), m_email);
-    }
+    // The form holds the fields of every level; each level keeps its own.
+    auto dropRow = [](QFormLayout* form, QWidget* label) {
+        int row = -1;
+        QFormLayout::ItemRole role;
+        form->getWidgetPosition(label, &row, &role);
+        if (row >= 0)
+            form->removeRow(row);
+    };
+    QFormLayout* form = m_ui->formItem;
+    if (m_level == Level::Cabinet)
+        m_password = m_ui->txtPassword;
+    else
+        dropRow(form, m_ui->lblPassword);
+    if (m_level == Level::Folder)
+        m_email = m_ui->txtEmail;
+    else
+        dropRow(form, m_ui->lblEmail);
     if (m_level == Level::Document) {
-        auto* row = new QHBoxLayout();
-        m_date = new QLineEdit(main);
-        m_date->setObjectName(QStringLiteral("txtDateOnDocument"));
-        m_date->setPlaceholderText(QStringLiteral("mm/dd/yyyy"));
-        m_now = new QToolButton(main);
-        m_now->setObjectName(QStringLiteral("imgNow"));
+        m_date = m_ui->txtDateOnDocument;
+        m_now = m_ui->imgNow;
+        m_amount = m_ui->txtAmount;
         m_now->setIcon(clockIcon());
-        m_now->setToolTip(QStringLiteral("Today"));
-        m_now->setAutoRaise(true);
         connect(m_now, &QToolButton::clicked, this, &ItemDialog::imgNow);
-        row->addWidget(m_date, 1);
-        row->addWidget(m_now);
-        form->addRow(namedLabel(QStringLiteral("Date:"), "lblDateOnDocument", main), row);
-        m_amount = new QLineEdit(main);
-        m_amount->setObjectName(QStringLiteral("txtAmount"));
-        form->addRow(namedLabel(QStringLiteral("Amount:"), "lblAmount", main), m_amount);
+    } else {
+        dropRow(form, m_ui->lblDateOnDocument);
+        dropRow(form, m_ui->lblDocAmount);
     }
-    m_tabs->addTab(main, QLatin1String(textsOf(m_level).tab));
 
     if (m_level == Level::Cabinet) {
-        m_storageTab = new QWidget(m_tabs);
-        auto* box = new QVBoxLayout(m_storageTab);
-        m_storage0 = new QRadioButton(
-            QStringLiteral("Let QMR determine saved image filenames (recommended)"), m_storageTab);
-        m_storage0->setObjectName(QStringLiteral("optStorage0"));
-        m_storage1 = new QRadioButton(
-            QStringLiteral("Let me specify where new scanned images are saved"), m_storageTab);
-        m_storage1->setObjectName(QStringLiteral("optStorage1"));
-        auto* group = new QButtonGroup(m_storageTab);
-        group->setObjectName(QStringLiteral("optStorage"));
-        group->addButton(m_storage0, 0);
-        group->addButton(m_storage1, 1);
-        m_storage0->setChecked(true);
-        box->addWidget(m_storage0);
-        box->addWidget(m_storage1);
-        box->addWidget(
-            namedLabel(QStringLiteral("Save new images to:"), "lblSaveTo", m_storageTab));
-        auto* row = new QHBoxLayout();
-        m_saveTo = new QLineEdit(m_storageTab);
-        m_saveTo->setObjectName(QStringLiteral("txtSaveTo"));
-        m_saveTo->setMaxLength(255);
-        m_browse = new QPushButton(QStringLiteral("Browse"), m_storageTab);
-        m_browse->setObjectName(QStringLiteral("cmdBrowse"));
-        row->addWidget(m_saveTo, 1);
-        row->addWidget(m_browse);
-        box->addLayout(row);
-        box->addStretch(1);
-        connect(group, &QButtonGroup::idClicked, this, [this] { storageChanged(); });
+        m_storageTab = m_ui->tabStorage;
+        m_storage0 = m_ui->optStorage0;
+        m_storage1 = m_ui->optStorage1;
+        m_saveTo = m_ui->txtSaveTo;
+        m_browse = m_ui->cmdBrowse;
+        m_ui->optStorage->setId(m_storage0, 0);
+        m_ui->optStorage->setId(m_storage1, 1);
+        connect(m_ui->optStorage, &QButtonGroup::idClicked, this, [this] { storageChanged(); });
         connect(m_browse, &QPushButton::clicked, this, &ItemDialog::cmdBrowse);
-        m_tabs->addTab(m_storageTab, QStringLiteral("Storage"));
         storageChanged();
+    } else {
+        m_tabs->removeTab(m_tabs->indexOf(m_ui->tabStorage));
+        delete m_ui->tabStorage;
     }
 
-    if (!m_collectOnly) {
-        m_statsTab = new QWidget(m_tabs);
-        auto* stats = new QFormLayout(m_statsTab);
+    if (m_collectOnly) {
+        m_tabs->removeTab(m_tabs->indexOf(m_ui->tabStatistics));
+        delete m_ui->tabStatistics;
+    } else {
+        m_statsTab = m_ui->tabStatistics;
+        QFormLayout* stats = m_ui->formStatistics;
         for (const StatRow& row : kCountRows) {
             if (row.level <= m_level)
-                continue;
-            QLabel* value = namedLabel(QStringLiteral("0"), row.value, m_statsTab);
-            m_statLabels.insert(QLatin1String(row.value), value);
-            stats->addRow(namedLabel(QLatin1String(row.caption), row.label, m_statsTab), value);
+                dropRow(stats, m_statsTab->findChild<QLabel*>(QLatin1String(row.label)));
+            else
+                m_statLabels.insert(QLatin1String(row.value),
+                                    m_statsTab->findChild<QLabel*>(QLatin1String(row.value)));
         }
-        QLabel* bytes = namedLabel(QStringLiteral("0 bytes"), "lblByteCount", m_statsTab);
-        m_statLabels.insert(QStringLiteral("lblByteCount"), bytes);
-        stats->addRow(namedLabel(QStringLiteral("Bytes:"), "lblBytes", m_statsTab), bytes);
-        if (m_level != Level::Document) {
-            QLabel* amount = namedLabel(QStringLiteral("$0.00"), "lblTTLAmount", m_statsTab);
-            m_statLabels.insert(QStringLiteral("lblTTLAmount"), amount);
-            stats->addRow(namedLabel(QStringLiteral("Amount:"), "lblAmount", m_statsTab), amount);
-        }
-        m_tabs->addTab(m_statsTab, QStringLiteral("Statistics"));
+        m_statLabels.insert(QStringLiteral("lblByteCount"), m_ui->lblByteCount);
+        if (m_level == Level::Document)
+            dropRow(stats, m_ui->lblAmount);
+        else
+            m_statLabels.insert(QStringLiteral("lblTTLAmount"), m_ui->lblTTLAmount);
         connect(m_tabs, &QTabWidget::currentChanged, this, [this](int index) {
             if (m_tabs->widget(index) == m_statsTab)
                 loadStatistics();
         });
     }
+    // A document calls its amount field's label by the name the statistics use elsewhere.
+    if (m_level == Level::Document)
+        m_ui->lblDocAmount->setObjectName(QStringLiteral("lblAmount"));
 
-    if (m_level == Level::Drawer) {
-        auto* row = new QHBoxLayout();
-        m_templateLabel = namedLabel(QStringLiteral("Build new drawer using this template:"),
-                                     "lblTemplate", this);
-        m_template = new QComboBox(this);
-        m_template->setObjectName(QStringLiteral("cboTemplate"));
-        row->addWidget(m_templateLabel);
-        row->addWidget(m_template, 1);
-        outer->addLayout(row);
-        m_templateLabel->hide();
-        m_template->hide();
-    }
+    m_templateLabel = m_ui->lblTemplate;
+    m_template = m_ui->cboTemplate;
+    m_templateLabel->hide();
+    m_template->hide();
+    if (m_level != Level::Drawer)
+        m_template = nullptr;
 
-    auto* buttons = new QHBoxLayout();
-    buttons->addStretch(1);
-    m_ok = new QPushButton(QStringLiteral("OK"), this);
-    m_ok->setObjectName(QStringLiteral("cmdOK"));
-    m_ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    buttons->addWidget(m_ok);
-    buttons->addWidget(cancel);
-    outer->addLayout(buttons);
     connect(m_ok, &QPushButton::clicked, this, &ItemDialog::cmdOK);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    adjustSize();
 }
 
 void ItemDialog::UpdateCaption()

@@ -6,6 +6,7 @@
 
 #include <QDialog>
 #include <QHash>
+#include <memory>
 
 class QComboBox;
 class QLabel;
@@ -15,6 +16,10 @@ class QPushButton;
 class QRadioButton;
 class QTabWidget;
 class QToolButton;
+
+namespace Ui {
+class ItemDialog;
+}
 
 namespace qmr {
 
@@ -80,6 +85,7 @@ private:
     bool m_statsLoaded = false;
     TemplateApplier m_applyTemplate;
     NewDocumentResult m_result;
+    std::unique_ptr<Ui::ItemDialog> m_ui;
 
     QTabWidget* m_tabs = nullptr;
     QWidget* m_statsTab = nullptr;
