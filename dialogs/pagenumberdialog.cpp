@@ -1,48 +1,27 @@
 #include "dialogs/pagenumberdialog.h"
 
-#include <QHBoxLayout>
-#include <QLabel>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QVBoxLayout>
+#include "ui_pagenumberdialog.h"
 
 namespace qmr {
 
-PageNumberDialog::PageNumberDialog(int present, QWidget* parent) : QDialog(parent)
+PageNumberDialog::PageNumberDialog(int present, QWidget* parent)
+    : QDialog(parent), m_ui(std::make_unique<Ui::PageNumberDialog>())
 {
-    setObjectName(QStringLiteral("frmPageNumber"));
-    setWindowTitle(QStringLiteral("Page Number"));
+    m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
-    auto* layout = new QVBoxLayout(this);
-    auto* row = new QHBoxLayout();
-    auto* label = new QLabel(QStringLiteral("New Page Number:"), this);
-    label->setObjectName(QStringLiteral("lblPageNumber"));
-    m_number = new QLineEdit(QString::number(present), this);
-    m_number->setObjectName(QStringLiteral("txtPageNumber"));
-    m_number->selectAll();
-    label->setBuddy(m_number);
-    row->addWidget(label);
-    row->addWidget(m_number);
-    layout->addLayout(row);
-    auto* buttons = new QHBoxLayout();
-    buttons->addStretch(1);
-    auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("&Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
-    connect(ok, &QPushButton::clicked, this, [this] {
+    m_ui->txtPageNumber->setText(QString::number(present));
+    m_ui->txtPageNumber->selectAll();
+    connect(m_ui->cmdOK, &QPushButton::clicked, this, [this] {
         bool isNumber = false;
-        const int value = m_number->text().trimmed().toInt(&isNumber);
+        const int value = m_ui->txtPageNumber->text().trimmed().toInt(&isNumber);
         m_reply = isNumber ? value : -1;
         accept();
     });
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 }
+
+PageNumberDialog::~PageNumberDialog() = default;
 
 } // namespace qmr

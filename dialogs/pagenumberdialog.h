@@ -1,8 +1,11 @@
 #pragma once
 
 #include <QDialog>
+#include <memory>
 
-class QLineEdit;
+namespace Ui {
+class PageNumberDialog;
+}
 
 namespace qmr {
 
@@ -12,11 +15,12 @@ class PageNumberDialog : public QDialog
     Q_OBJECT
 public:
     explicit PageNumberDialog(int present, QWidget* parent = nullptr);
+    ~PageNumberDialog() override;
     // The number typed, or -1 after Cancel or a text that is no number.
     int reply() const { return m_reply; }
 
 private:
-    QLineEdit* m_number;
+    std::unique_ptr<Ui::PageNumberDialog> m_ui;
     int m_reply = -1;
 };
 

@@ -3,13 +3,11 @@
 #include "core/nodekey.h"
 #include "store/itemrules.h"
 #include "store/itemstore.h"
+#include "ui_pagepropertiesdialog.h"
 
-#include <QFormLayout>
-#include <QHBoxLayout>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 namespace qmr {
 
@@ -24,50 +22,18 @@ QString bytes(qint64 size)
 } // namespace
 
 PagePropertiesDialog::PagePropertiesDialog(Database& db, QWidget* parent)
-    : QDialog(parent), m_db(db)
+    : QDialog(parent), m_db(db), m_ui(std::make_unique<Ui::PagePropertiesDialog>())
 {
-    setObjectName(QStringLiteral("frmPage"));
-    setWindowTitle(QStringLiteral("Page Properties"));
+    m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
-    auto* layout = new QVBoxLayout(this);
-    auto* form = new QFormLayout();
-    struct Row
-    {
-        const char* caption;
-        const char* name;
-        const char* data;
-        const char* design;
-    };
-    static const Row rows[] = {
-        {"Page ID:", "lblPageId", "lblPageIdData", ""},
-        {"File size:", "lblFileSize", "lblFileSizeData", "0 bytes"},
-        {"Scan date:", "lblScanDate", "lblScanDateData", "12/31/2000"},
-        {"File type:", "lblFileType", "lblFileTypeData", ""},
-        {"Shortcut:", "lblShortcut", "lblShortcutData", "(not a shortcut)"},
-    };
-    for (const Row& r : rows) {
-        auto* caption = new QLabel(QLatin1String(r.caption), this);
-        caption->setObjectName(QLatin1String(r.name));
-        auto* data = new QLabel(QLatin1String(r.design), this);
-        data->setObjectName(QLatin1String(r.data));
-        data->setTextInteractionFlags(Qt::TextSelectableByMouse);
-        m_labels.insert(QLatin1String(r.name), caption);
-        m_labels.insert(QLatin1String(r.data), data);
-        form->addRow(caption, data);
-    }
-    layout->addLayout(form);
-    auto* buttons = new QHBoxLayout();
-    buttons->addStretch(1);
-    auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    buttons->addWidget(ok);
-    layout->addLayout(buttons);
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
-    setMinimumWidth(320);
+    for (QLabel* l : findChildren<QLabel*>())
+        m_labels.insert(l->objectName(), l);
+    connect(m_ui->cmdOK, &QPushButton::clicked, this, &QDialog::accept);
 }
+
+PagePropertiesDialog::~PagePropertiesDialog() = default;
 
 QLabel* PagePropertiesDialog::label(const char* name) const
 {

@@ -2,8 +2,13 @@
 
 #include <QDialog>
 #include <QHash>
+#include <memory>
 
 class QLabel;
+
+namespace Ui {
+class PagePropertiesDialog;
+}
 
 namespace qmr {
 
@@ -15,6 +20,7 @@ class PagePropertiesDialog : public QDialog
     Q_OBJECT
 public:
     explicit PagePropertiesDialog(Database& db, QWidget* parent = nullptr);
+    ~PagePropertiesDialog() override;
 
     void Populate(qint32 pageId);
     // The selected items' keys of the page list; only "PAG" keys count.
@@ -25,6 +31,7 @@ private:
     QLabel* label(const char* name) const;
 
     Database& m_db;
+    std::unique_ptr<Ui::PagePropertiesDialog> m_ui;
     QHash<QString, QLabel*> m_labels;
 };
 

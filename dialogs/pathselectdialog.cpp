@@ -1,16 +1,14 @@
 #include "dialogs/pathselectdialog.h"
 
 #include "core/settings.h"
+#include "ui_pathselectdialog.h"
 
 #include <QComboBox>
 #include <QDir>
 #include <QFileSystemModel>
-#include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPushButton>
 #include <QStorageInfo>
 #include <QTreeView>
-#include <QVBoxLayout>
 
 namespace qmr {
 
@@ -19,45 +17,26 @@ const QString kFormName = QStringLiteral("frmPathSelect");
 }
 
 PathSelectDialog::PathSelectDialog(Settings& settings, const QString& start, QWidget* parent)
-    : QDialog(parent), m_settings(settings)
+    : QDialog(parent), m_settings(settings), m_ui(std::make_unique<Ui::PathSelectDialog>())
 {
-    setObjectName(kFormName);
-    setWindowTitle(QStringLiteral("Select Path"));
+    m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
-    auto* layout = new QVBoxLayout(this);
-    m_drives = new QComboBox(this);
-    m_drives->setObjectName(QStringLiteral("drvBox"));
+    m_drives = m_ui->drvBox;
     m_drives->addItem(QDir::homePath());
     for (const QStorageInfo& volume : QStorageInfo::mountedVolumes())
         if (volume.isValid() && volume.isReady() && m_drives->findText(volume.rootPath()) < 0)
             m_drives->addItem(volume.rootPath());
-    layout->addWidget(m_drives);
 
     m_model = new QFileSystemModel(this);
     m_model->setFilter(QDir::AllDirs | QDir::NoDotAndDotDot);
     m_model->setRootPath(QStringLiteral("/"));
-    m_dirs = new QTreeView(this);
-    m_dirs->setObjectName(QStringLiteral("dirBox"));
+    m_dirs = m_ui->dirBox;
     m_dirs->setModel(m_model);
     for (int c = 1; c < m_model->columnCount(); ++c)
         m_dirs->hideColumn(c);
-    m_dirs->header()->hide();
-    m_dirs->setSortingEnabled(true);
     m_dirs->sortByColumn(0, Qt::AscendingOrder);
-    layout->addWidget(m_dirs, 1);
-
-    auto* buttons = new QHBoxLayout();
-    buttons->addStretch(1);
-    auto* ok = new QPushButton(QStringLiteral("OK"), this);
-    ok->setObjectName(QStringLiteral("cmdOK"));
-    ok->setDefault(true);
-    auto* cancel = new QPushButton(QStringLiteral("&Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    buttons->addWidget(ok);
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
 
     connect(m_drives, &QComboBox::textActivated, this, [this](const QString& drive) {
         if (QFileInfo(drive).isDir()) // a drive with no medium leaves the list alone
@@ -68,8 +47,8 @@ PathSelectDialog::PathSelectDialog(Settings& settings, const QString& start, QWi
         setPath(m_model->filePath(index));
         m_dirs->expand(index);
     });
-    connect(ok, &QPushButton::clicked, this, &QDialog::accept);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_ui->cmdOK, &QPushButton::clicked, this, &QDialog::accept);
+    connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 
     resize(420, 480);
     const Placement p = m_settings.RestorePlacement(kFormName, {y(), x(), height(), width(), 0});

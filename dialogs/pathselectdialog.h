@@ -1,10 +1,15 @@
 #pragma once
 
 #include <QDialog>
+#include <memory>
 
 class QComboBox;
 class QFileSystemModel;
 class QTreeView;
+
+namespace Ui {
+class PathSelectDialog;
+}
 
 namespace qmr {
 
@@ -27,6 +32,7 @@ protected:
 
 private:
     Settings& m_settings;
+    std::unique_ptr<Ui::PathSelectDialog> m_ui;
     QComboBox* m_drives;
     QTreeView* m_dirs;
     QFileSystemModel* m_model;

@@ -6,49 +6,34 @@
 #include "store/itemstore.h"
 #include "store/storeerror.h"
 #include "templates/samplecabinets.h"
+#include "ui_sampledialog.h"
 
-#include <QHBoxLayout>
 #include <QListWidget>
 #include <QPushButton>
-#include <QVBoxLayout>
 
 namespace qmr {
 
 SampleDialog::SampleDialog(SampleCabinets& samples, Prompter& prompter, Choosers& choosers,
                            QWidget* parent)
-    : QDialog(parent), m_samples(samples), m_prompter(prompter), m_choosers(choosers)
+    : QDialog(parent), m_samples(samples), m_prompter(prompter), m_choosers(choosers),
+      m_ui(std::make_unique<Ui::SampleDialog>())
 {
-    setObjectName(QStringLiteral("frmSample"));
-    setWindowTitle(QStringLiteral("Create Sample Cabinet"));
+    m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
-    auto* layout = new QVBoxLayout(this);
-    m_list = new QListWidget(this);
-    m_list->setObjectName(QStringLiteral("lstType"));
+    m_list = m_ui->lstType;
     m_list->addItems(m_samples.sampleNames());
     if (m_list->count() > 0)
         m_list->setCurrentRow(0);
-    layout->addWidget(m_list, 1);
-    auto* buttons = new QHBoxLayout();
-    auto* create = new QPushButton(QStringLiteral("Create Sample"), this);
-    create->setObjectName(QStringLiteral("cmdCreate"));
-    create->setDefault(true);
-    auto* edit = new QPushButton(QStringLiteral("Edit Samples"), this);
-    edit->setObjectName(QStringLiteral("cmdEdit"));
-    auto* cancel = new QPushButton(QStringLiteral("Cancel"), this);
-    cancel->setObjectName(QStringLiteral("cmdCancel"));
-    buttons->addWidget(create);
-    buttons->addWidget(edit);
-    buttons->addStretch(1);
-    buttons->addWidget(cancel);
-    layout->addLayout(buttons);
-    connect(create, &QPushButton::clicked, this, &SampleDialog::cmdCreate);
-    connect(edit, &QPushButton::clicked, this, &SampleDialog::cmdEdit);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_ui->cmdCreate, &QPushButton::clicked, this, &SampleDialog::cmdCreate);
+    connect(m_ui->cmdEdit, &QPushButton::clicked, this, &SampleDialog::cmdEdit);
+    connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_list, &QListWidget::itemDoubleClicked, this, &SampleDialog::cmdCreate);
     resize(400, 300);
 }
+
+SampleDialog::~SampleDialog() = default;
 
 void SampleDialog::cmdCreate()
 {

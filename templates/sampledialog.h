@@ -1,8 +1,13 @@
 #pragma once
 
 #include <QDialog>
+#include <memory>
 
 class QListWidget;
+
+namespace Ui {
+class SampleDialog;
+}
 
 namespace qmr {
 
@@ -18,6 +23,7 @@ class SampleDialog : public QDialog
 public:
     SampleDialog(SampleCabinets& samples, Prompter& prompter, Choosers& choosers,
                  QWidget* parent = nullptr);
+    ~SampleDialog() override;
 
     QListWidget* list() const { return m_list; }
     void cmdCreate();
@@ -27,6 +33,7 @@ private:
     SampleCabinets& m_samples;
     Prompter& m_prompter;
     Choosers& m_choosers;
+    std::unique_ptr<Ui::SampleDialog> m_ui;
     QListWidget* m_list;
 };
 

@@ -4,13 +4,11 @@
 #include "templates/drawertemplates.h"
 #include "templates/outlinefile.h"
 #include "templates/templateoutline.h"
+#include "ui_templateeditor.h"
 
-#include <QHBoxLayout>
-#include <QHeaderView>
 #include <QPainter>
 #include <QPushButton>
 #include <QTreeWidget>
-#include <QVBoxLayout>
 
 namespace qmr {
 
@@ -56,45 +54,30 @@ QIcon kindIcon(int kind)
 } // namespace
 
 TemplateEditor::TemplateEditor(DrawerTemplates& templates, Prompter& prompter, QWidget* parent)
-    : QDialog(parent), m_templates(templates), m_prompter(prompter)
+    : QDialog(parent), m_templates(templates), m_prompter(prompter),
+      m_ui(std::make_unique<Ui::TemplateEditor>())
 {
-    setObjectName(QStringLiteral("frmCustomDrawer"));
-    setWindowTitle(QStringLiteral("Drawer Templates"));
+    m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
-    auto* layout = new QHBoxLayout(this);
-    m_tree = new QTreeWidget(this);
-    m_tree->setObjectName(QStringLiteral("tvwMain"));
-    m_tree->setHeaderHidden(true);
+    m_tree = m_ui->tvwMain;
     m_tree->setSortingEnabled(true);
     m_tree->sortByColumn(0, Qt::AscendingOrder);
     m_tree->setEditTriggers(QAbstractItemView::EditKeyPressed | QAbstractItemView::SelectedClicked);
-    layout->addWidget(m_tree, 1);
-
-    auto* buttons = new QVBoxLayout();
-    auto makeButton = [&](const char* name, const char* caption) {
-        auto* b = new QPushButton(QString::fromUtf8(caption), this);
-        b->setObjectName(QLatin1String(name));
-        buttons->addWidget(b);
-        return b;
-    };
-    m_addChild = makeButton("cmdAddChild", "Add Drawer");
-    m_addSibling = makeButton("cmdAddSibling", "Add Drawer");
-    m_removeSibling = makeButton("cmdRemoveSibling", "Remove Drawer");
-    buttons->addStretch(1);
-    QPushButton* ok = makeButton("cmdOK", "OK");
-    QPushButton* cancel = makeButton("cmdCancel", "Cancel");
-    layout->addLayout(buttons);
-
+    m_addChild = m_ui->cmdAddChild;
+    m_addSibling = m_ui->cmdAddSibling;
+    m_removeSibling = m_ui->cmdRemoveSibling;
     connect(m_addChild, &QPushButton::clicked, this, &TemplateEditor::cmdAddChild);
     connect(m_removeSibling, &QPushButton::clicked, this, &TemplateEditor::cmdRemoveSibling);
-    connect(ok, &QPushButton::clicked, this, &TemplateEditor::cmdOK);
-    connect(cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_ui->cmdOK, &QPushButton::clicked, this, &TemplateEditor::cmdOK);
+    connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
     connect(m_tree, &QTreeWidget::currentItemChanged, this, [this] { updateButtons(); });
     resize(480, 420);
     load();
 }
+
+TemplateEditor::~TemplateEditor() = default;
 
 QTreeWidgetItem* TemplateEditor::addNode(QTreeWidgetItem* parent, const QString& key,
                                          const QString& text)

@@ -2,10 +2,15 @@
 
 #include <QDialog>
 #include <QVector>
+#include <memory>
 
 class QPushButton;
 class QTreeWidget;
 class QTreeWidgetItem;
+
+namespace Ui {
+class TemplateEditor;
+}
 
 namespace qmr {
 
@@ -18,6 +23,7 @@ class TemplateEditor : public QDialog
     Q_OBJECT
 public:
     TemplateEditor(DrawerTemplates& templates, Prompter& prompter, QWidget* parent = nullptr);
+    ~TemplateEditor() override;
 
     QTreeWidget* tree() const { return m_tree; }
     // Adds a child of the selected node and starts editing its label.
@@ -35,6 +41,7 @@ private:
 
     DrawerTemplates& m_templates;
     Prompter& m_prompter;
+    std::unique_ptr<Ui::TemplateEditor> m_ui;
     QTreeWidget* m_tree;
     QTreeWidgetItem* m_root = nullptr;
     QPushButton* m_addChild;
