@@ -1,10 +1,16 @@
 #!/usr/bin/env bash
-# Configures and builds into build/ (or $QMR_BUILD_DIR).
+# Configures and builds into build/ (or $QMR_BUILD_DIR). Prints only what is worth reading.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 build="${QMR_BUILD_DIR:-$root/build}"
 if [ ! -f "$build/build.ninja" ]; then
   cmake -S "$root" -B "$build" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
 fi
-cmake --build "$build" -- -j"$(nproc)" | grep -vE '^\[[0-9]+/[0-9]+\]' || true
-test -x "$build/app/quillmere"
+log="$(mktemp)"
+trap 'rm -f "$log"' EXIT
+if ! cmake --build "$build" -- -j"$(nproc)" >"$log" 2>&1; then
+  cat "$log"
+  echo "The build failed." >&2
+  exit 1
+fi
+grep -vE '^(\[[0-9]+/[0-9]+\]|ninja: no work to do)' "$log" || true
