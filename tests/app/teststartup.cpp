@@ -13,6 +13,7 @@
 #include "tests/support/testrunner.h"
 
 #include <QFile>
+#include <QFileInfo>
 #include <QPushButton>
 #include <QTest>
 
@@ -93,10 +94,7 @@ private slots:
     void failuresEndTheStartWithAMessage()
     {
         test::TestHome home;
-        QFile junk(home.file("qmr.mdb"));
-        QVERIFY(junk.open(QIODevice::WriteOnly));
-        junk.write(QByteArray(2048, '\x7f'));
-        junk.close();
+        QVERIFY(home.writeFile("qmr.mdb", QByteArray(2048, '\x7f')));
         test::ScriptedPrompter prompter;
         test::ScriptedChoosers choosers;
         Startup run(home.home(), home.settings(), prompter, choosers);
@@ -104,7 +102,7 @@ private slots:
         QCOMPARE(prompter.seen().size(), 1);
         QVERIFY2(prompter.seen().first().contains("qmr.mdb"), qPrintable(prompter.seen().first()));
         QVERIFY(!run.window());
-        QCOMPARE(junk.size(), 2048); // untouched
+        QCOMPARE(QFileInfo(home.file("qmr.mdb")).size(), 2048); // untouched
     }
 
     void prerequisite()

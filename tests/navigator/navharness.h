@@ -48,6 +48,12 @@ struct NavHarness
             QVERIFY(QTest::qWaitForWindowExposed(window.get()));
         }
     }
+    // The filled store of FixtureStore::fillSample(), then the window on it.
+    void loadSample(bool show = true)
+    {
+        FixtureStore(home.home()).fillSample();
+        load(show);
+    }
     NavTree* tree() const { return window->tree(); }
 
     // A left click on the node, as a person makes it.
@@ -62,6 +68,12 @@ struct NavHarness
         // On the text's start: a long name may reach past the visible width.
         const QPoint at(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
         QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, at);
+    }
+
+    void clickPath(const QStringList& keys)
+    {
+        for (const QString& key : keys)
+            click(key);
     }
 
     QStringList childKeys(const QString& key) const

@@ -103,10 +103,8 @@ private slots:
         QFETCH(int, parent);
         QFETCH(QString, caption);
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
-        for (const QString& key : clicks)
-            h.click(key);
+        h.loadSample();
+        h.clickPath(clicks);
         if (!listItem.isEmpty()) {
             QListWidgetItem* item =
                 h.window->list()->findItems(listItem, Qt::MatchExactly).value(0);
@@ -139,8 +137,7 @@ private slots:
     void propertiesRenameEverywhere()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
@@ -156,8 +153,7 @@ private slots:
     void lockedCabinetPropertiesAskFirst()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("ROOT");
         h.window->list()->setCurrentItem(
             h.window->list()->findItems("Private", Qt::MatchExactly).value(0));
@@ -178,8 +174,7 @@ private slots:
     void documentDoubleClickOpensProperties()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         h.click("DRW1");
         QString seen;
@@ -197,8 +192,7 @@ private slots:
     void insertKeyAddsInTheTree()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         h.click("DRW1");
         QString seen;
@@ -214,8 +208,7 @@ private slots:
     void insertFollowsTheKeyboard()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         // The arrow keys move the selection without driving the window; Insert then adds a
         // drawer to the cabinet that is selected, not to the one clicked last.
@@ -231,10 +224,8 @@ private slots:
     void pagePropertiesOfTheSelection()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
-        for (const char* key : {"CAB1", "DRW1", "FLD1", "DOC1"})
-            h.click(key);
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
         QTreeWidget* pages = h.window->pageList();
         QCOMPARE(pages->topLevelItemCount(), 2);
         pages->selectAll();
@@ -260,11 +251,9 @@ private slots:
         QFETCH(int, answer);
         QFETCH(QString, numbers);
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.session->db().execute("UPDATE Page SET PageNumber = 5 WHERE DocumentId = 1");
-        for (const char* key : {"CAB1", "DRW1", "FLD1", "DOC1"})
-            h.click(key);
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
         h.prompter.expect("Renumber all pages in 'March statement'?", Prompter::Answer(answer));
         trigger(h, "mnuPopupDocumentRepaginate");
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
@@ -290,10 +279,8 @@ private slots:
         QFETCH(bool, ok);
         QFETCH(int, stored);
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
-        for (const char* key : {"CAB1", "DRW1", "FLD1", "DOC1"})
-            h.click(key);
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
         QTreeWidget* pages = h.window->pageList();
         pages->setCurrentItem(pages->topLevelItem(1));
         QString present;

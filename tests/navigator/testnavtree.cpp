@@ -145,12 +145,10 @@ private slots:
         QFETCH(QString, name);
         QFETCH(QStringList, list);
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         // Before any click only drawers are loaded: no folders yet.
         QCOMPARE(h.childKeys("DRW1"), QStringList{});
-        for (const QString& key : path)
-            h.click(key);
+        h.clickPath(path);
         // A mouse click leaves the record empty again when the button comes up; a command
         // then finds the clicked node as the tree's selection.
         for (int l = 0; l < 4; ++l) {
@@ -182,8 +180,7 @@ private slots:
     void levelsFillAsTheyOpen()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         // A cabinet click brings its folders; documents wait for the drawer.
         QCOMPARE(h.childTexts("DRW1"), (QStringList{"Checking", "Savings"}));
@@ -203,8 +200,7 @@ private slots:
     void lockedCabinetAsksForItsPassword()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         QCOMPARE(h.childKeys("CAB2"), QStringList{}); // a bare node
         const QString listBefore = h.listTexts().join('|');
 
@@ -239,8 +235,7 @@ private slots:
     void namesAndDatesFollowUpdates()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         h.click("DRW1");
         h.click("FLD1");
@@ -342,8 +337,7 @@ private slots:
         QFETCH(int, answer);
         QFETCH(bool, exits);
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         h.click("DRW2");
         QSignalSpy spy(h.window.get(), &NavWindow::exitRequested);
@@ -361,8 +355,7 @@ private slots:
     void closingTheWindowSavesWithoutAsking()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.click("CAB1");
         h.window->close();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
@@ -376,8 +369,7 @@ private slots:
     void listDoubleClickMovesTheTreeOnly()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.tree()->selectNode("CAB1");
         QTest::keyClick(h.tree(), Qt::Key_Return); // fills the record, which then stays
         QListWidget* list = h.window->list();
@@ -396,8 +388,7 @@ private slots:
     void storeFailureIsAMessage()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load();
+        h.loadSample();
         h.session->db().execute("DROP TABLE Folder");
         h.prompter.expect("The store could not carry out the command: no such table: Folder");
         h.click("CAB1");

@@ -179,9 +179,7 @@ private slots:
         QVERIFY(PagePaths::EnsurePathExists(QString()));
         test::TestHome home;
         // A file where a directory should be: the answer is false, not a crash.
-        QFile blocker(home.file("blocker"));
-        QVERIFY(blocker.open(QIODevice::WriteOnly));
-        blocker.close();
+        QVERIFY(home.writeFile("blocker", {}));
         QVERIFY(!PagePaths::EnsurePathExists(home.file("blocker/sub/x.jpg")));
     }
 };

@@ -157,10 +157,7 @@ private slots:
     void notAStoreFailsWithAMessage()
     {
         test::TestHome home;
-        QFile junk(home.file("qmr.mdb"));
-        QVERIFY(junk.open(QIODevice::WriteOnly));
-        junk.write(QByteArray(4096, 'x'));
-        junk.close();
+        QVERIFY(home.writeFile("qmr.mdb", QByteArray(4096, 'x')));
         Database db;
         QVERIFY_THROWS_EXCEPTION(StoreError, StoreSchema::OpenDatabase(db, home.home()));
     }

@@ -16,6 +16,8 @@ public:
     const AppHome& home() const { return m_home; }
     QString path() const { return m_dir.path(); }
     QString file(const QString& relative) const { return m_home.file(relative); }
+    // Writes a file below the home (a store that is no store, a file in a directory's way).
+    bool writeFile(const QString& relative, const QByteArray& bytes) const;
     Settings& settings() { return *m_settings; }
     QString settingsPath() const { return m_settingsPath; }
     // Reopens the settings from the file, as a new run would see them.
