@@ -41,7 +41,7 @@ QString SplashWindow::status() const
     return m_status->text();
 }
 
-void SplashWindow::ShowSplash(const QString& status, int minimum, int maximum)
+void SplashWindow::showSplash(const QString& status, int minimum, int maximum)
 {
     setStatus(status);
     m_bar->setRange(minimum, maximum);
@@ -51,7 +51,7 @@ void SplashWindow::ShowSplash(const QString& status, int minimum, int maximum)
     QCoreApplication::processEvents();
 }
 
-void SplashWindow::SplashStep(const QString& status)
+void SplashWindow::splashStep(const QString& status)
 {
     setStatus(status);
     if (m_bar->position() < m_bar->maximum())

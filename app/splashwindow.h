@@ -15,8 +15,8 @@ class SplashWindow : public QWidget
 public:
     explicit SplashWindow(QWidget* parent = nullptr);
 
-    void ShowSplash(const QString& status, int minimum, int maximum);
-    void SplashStep(const QString& status);
+    void showSplash(const QString& status, int minimum, int maximum);
+    void splashStep(const QString& status);
     void setStatus(const QString& status);
     QString status() const;
     const BarWidget* bar() const { return m_bar; }

@@ -21,7 +21,7 @@ Startup::Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers&
 
 Startup::~Startup() = default;
 
-bool Startup::CheckDataAccess(Prompter& prompter, int runtimeVersion)
+bool Startup::checkDataAccess(Prompter& prompter, int runtimeVersion)
 {
     if (runtimeVersion >= StoreSchema::kMinimumSqlite)
         return true;
@@ -33,7 +33,7 @@ bool Startup::CheckDataAccess(Prompter& prompter, int runtimeVersion)
 bool Startup::start(bool showWindow)
 {
     m_session = std::make_unique<Session>(m_home, m_settings);
-    if (!CheckDataAccess(m_prompter, Database::runtimeVersion()))
+    if (!checkDataAccess(m_prompter, Database::runtimeVersion()))
         return false;
 
     m_splash = std::make_unique<SplashWindow>();
@@ -41,7 +41,7 @@ bool Startup::start(bool showWindow)
         if (!m_home.ensureExists())
             throw StoreError(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
         m_splash->setStatus(QStringLiteral("Opening database"));
-        StoreSchema::OpenDatabase(m_session->db(), m_home);
+        StoreSchema::openDatabase(m_session->db(), m_home);
         m_splash->setStatus(QStringLiteral("Opening database"));
     } catch (const StoreError& e) {
         m_prompter.tell(e.message());
@@ -49,22 +49,22 @@ bool Startup::start(bool showWindow)
     }
 
     if (showWindow)
-        m_splash->ShowSplash(QStringLiteral("Starting"), 1, 8);
+        m_splash->showSplash(QStringLiteral("Starting"), 1, 8);
     m_session->readStartSettings();
 
-    m_splash->SplashStep(QStringLiteral("Load templates"));
+    m_splash->splashStep(QStringLiteral("Load templates"));
     m_templates = std::make_unique<DrawerTemplates>(m_home);
-    m_templates->LoadDrawerTemplates();
+    m_templates->loadDrawerTemplates();
 
-    m_splash->SplashStep(QStringLiteral("Loading main menu"));
+    m_splash->splashStep(QStringLiteral("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
     m_window =
         std::make_unique<NavWindow>(*m_session, m_prompter, m_choosers, *m_progress, *m_templates);
-    m_window->load([this](const QString& text) { m_splash->SplashStep(text); });
+    m_window->load([this](const QString& text) { m_splash->splashStep(text); });
     m_progress->setWindowIcon(m_window->windowIcon());
 
-    m_splash->SplashStep(QStringLiteral("Initializing"));
-    m_session->findRecord().InitFindDefaults();
+    m_splash->splashStep(QStringLiteral("Initializing"));
+    m_session->findRecord().initFindDefaults();
 
     m_splash->close();
     if (showWindow) {

@@ -29,7 +29,7 @@ public:
     bool start(bool showWindow = true);
 
     // True when the SQLite library is recent enough; otherwise tells the user and is false.
-    static bool CheckDataAccess(Prompter& prompter, int runtimeVersion);
+    static bool checkDataAccess(Prompter& prompter, int runtimeVersion);
 
     Session& session() { return *m_session; }
     NavWindow* window() { return m_window.get(); }

@@ -33,7 +33,7 @@ int main(int argc, char** argv)
 
     test::TestHome home;
     Session session(home.home(), home.settings());
-    StoreSchema::OpenDatabase(session.db(), home.home());
+    StoreSchema::openDatabase(session.db(), home.home());
     Database& db = session.db();
     QElapsedTimer timer;
     timer.start();
@@ -79,7 +79,7 @@ int main(int argc, char** argv)
                 static_cast<long long>(timer.restart()), window.tree()->nodeCount());
 
     window.tree()->selectNode("CAB1");
-    window.NodeClick("CAB1");
+    window.nodeClick("CAB1");
     std::printf("cabinet clicked:     %6lld ms  (%d nodes)\n",
                 static_cast<long long>(timer.restart()), window.tree()->nodeCount());
 

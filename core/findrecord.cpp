@@ -2,7 +2,7 @@
 
 namespace qmr {
 
-void FindRecord::InitFindDefaults()
+void FindRecord::initFindDefaults()
 {
     keywords.clear();
     matchAny = 1;

@@ -26,9 +26,9 @@ struct FindRecord
     QDate defaultFrom;
     QDate defaultThru;
 
-    FindRecord() { InitFindDefaults(); }
+    FindRecord() { initFindDefaults(); }
     // Resets every field: no keywords, match any word, "(All)" places, the widest dates.
-    void InitFindDefaults();
+    void initFindDefaults();
 };
 
 } // namespace qmr

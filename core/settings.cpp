@@ -19,7 +19,7 @@ Settings::Settings(const QString& iniPath)
 
 Settings::~Settings() = default;
 
-QString Settings::GetSetting(const QString& key, const QString& defaultValue) const
+QString Settings::getSetting(const QString& key, const QString& defaultValue) const
 {
     const QVariant value = m_settings->value(kGroup + key);
     if (!value.isValid())
@@ -27,7 +27,7 @@ QString Settings::GetSetting(const QString& key, const QString& defaultValue) co
     return value.toString();
 }
 
-void Settings::SaveSetting(const QString& key, const QString& value)
+void Settings::saveSetting(const QString& key, const QString& value)
 {
     m_settings->setValue(kGroup + key, value);
 }
@@ -47,18 +47,18 @@ QString Settings::fileName() const
     return m_settings->fileName();
 }
 
-void Settings::SavePlacement(const QString& formName, const Placement& placement)
+void Settings::savePlacement(const QString& formName, const Placement& placement)
 {
     if (placement.windowState != 1 && placement.windowState != 2) {
-        SaveSetting(formName + QLatin1String(".Top"), QString::number(placement.top));
-        SaveSetting(formName + QLatin1String(".Left"), QString::number(placement.left));
-        SaveSetting(formName + QLatin1String(".Height"), QString::number(placement.height));
-        SaveSetting(formName + QLatin1String(".Width"), QString::number(placement.width));
+        saveSetting(formName + QLatin1String(".Top"), QString::number(placement.top));
+        saveSetting(formName + QLatin1String(".Left"), QString::number(placement.left));
+        saveSetting(formName + QLatin1String(".Height"), QString::number(placement.height));
+        saveSetting(formName + QLatin1String(".Width"), QString::number(placement.width));
     }
-    SaveSetting(formName + QLatin1String(".WindowState"), QString::number(placement.windowState));
+    saveSetting(formName + QLatin1String(".WindowState"), QString::number(placement.windowState));
 }
 
-Placement Settings::RestorePlacement(const QString& formName, const Placement& current,
+Placement Settings::restorePlacement(const QString& formName, const Placement& current,
                                      bool sizable) const
 {
     Placement result = current;
@@ -66,7 +66,7 @@ Placement Settings::RestorePlacement(const QString& formName, const Placement& c
     auto read = [&](const char* suffix, int& field) {
         bool ok = false;
         const double value =
-            GetSetting(formName + QLatin1String(suffix), QString::number(field)).toDouble(&ok);
+            getSetting(formName + QLatin1String(suffix), QString::number(field)).toDouble(&ok);
         if (ok && value > -1e9 && value < 1e9)
             field = static_cast<int>(value);
     };
@@ -86,7 +86,7 @@ int Settings::displayCount() const
 {
     bool ok = false;
     const double value =
-        GetSetting(QStringLiteral("DisplayCount"), QStringLiteral("20")).toDouble(&ok);
+        getSetting(QStringLiteral("DisplayCount"), QStringLiteral("20")).toDouble(&ok);
     if (!ok)
         return 20;
     if (value < 1)

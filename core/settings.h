@@ -28,17 +28,17 @@ public:
     explicit Settings(const QString& iniPath);
     ~Settings();
 
-    QString GetSetting(const QString& key, const QString& defaultValue = QString()) const;
-    void SaveSetting(const QString& key, const QString& value);
+    QString getSetting(const QString& key, const QString& defaultValue = QString()) const;
+    void saveSetting(const QString& key, const QString& value);
     bool contains(const QString& key) const;
     void sync();
     QString fileName() const;
 
     // Writes .Top/.Left/.Height/.Width only for a normal window, .WindowState always.
-    void SavePlacement(const QString& formName, const Placement& placement);
+    void savePlacement(const QString& formName, const Placement& placement);
     // Reads the stored placement over `current`; a stored minimised state comes back normal;
     // a value that is no number leaves that field as it was. `sizable` false skips the size.
-    Placement RestorePlacement(const QString& formName, const Placement& current,
+    Placement restorePlacement(const QString& formName, const Placement& current,
                                bool sizable = true) const;
 
     // DisplayCount clamped to 1..64; the stored value is not rewritten.

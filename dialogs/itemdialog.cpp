@@ -97,7 +97,7 @@ ItemDialog::ItemDialog(Level level, DialogServices services, QWidget* parent, bo
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
     buildWidgets();
-    UpdateCaption();
+    updateCaption();
 }
 
 ItemDialog::~ItemDialog() = default;
@@ -194,7 +194,7 @@ void ItemDialog::buildWidgets()
     adjustSize();
 }
 
-void ItemDialog::UpdateCaption()
+void ItemDialog::updateCaption()
 {
     const LevelTexts& t = textsOf(m_level);
     if (m_collectOnly || m_mode == QLatin1String("Add"))
@@ -211,7 +211,7 @@ void ItemDialog::setAdd(qint32 parentId)
     m_mode = QStringLiteral("Add");
     m_parentId = parentId;
     m_id = -1;
-    UpdateCaption();
+    updateCaption();
 }
 
 bool ItemDialog::setEdit(qint32 id)
@@ -223,7 +223,7 @@ bool ItemDialog::setEdit(qint32 id)
     m_id = id;
     m_parentId = ItemStore(m_services.session.db()).parentOf(m_level, id);
     showFields(*fields);
-    UpdateCaption();
+    updateCaption();
     return true;
 }
 
@@ -246,7 +246,7 @@ void ItemDialog::showFields(const ItemFields& f)
     }
 }
 
-void ItemDialog::PopulateTemplates(const QStringList& names, TemplateApplier apply)
+void ItemDialog::populateTemplates(const QStringList& names, TemplateApplier apply)
 {
     if (!m_template || names.isEmpty())
         return;
@@ -269,7 +269,7 @@ void ItemDialog::storageChanged()
 void ItemDialog::cmdBrowse()
 {
     if (m_browse && m_browse->isEnabled())
-        BrowseForPath(m_saveTo, m_services.session.settings(), m_services.choosers);
+        browseForPath(m_saveTo, m_services.session.settings(), m_services.choosers);
 }
 
 void ItemDialog::imgNow()
@@ -314,7 +314,7 @@ ItemFields ItemDialog::fieldsFromControls() const
     if (m_email)
         f.email = m_email->text();
     if (m_date) {
-        f.dateOnDocument = ItemRules::DateOrZero(m_date->text());
+        f.dateOnDocument = ItemRules::dateOrZero(m_date->text());
         f.amount = ItemRules::leadingNumber(m_amount->text());
         f.hasAmount = true;
     }
@@ -336,14 +336,14 @@ bool ItemDialog::refuse(const QString& message, QWidget* focus)
 bool ItemDialog::validate()
 {
     // The characters are tested before trimming, so that a stray one is never hidden.
-    if (ItemRules::ContainsBadCharacters(m_name->text()))
+    if (ItemRules::containsBadCharacters(m_name->text()))
         return refuse(ItemRules::badCharactersMessage(), m_name);
     m_name->setText(m_name->text().trimmed());
     if (m_name->text().isEmpty())
         return refuse(QLatin1String(textsOf(m_level).required), m_name);
-    if (m_storage1 && m_storage1->isChecked() && ItemRules::IsBlank(m_saveTo->text()))
+    if (m_storage1 && m_storage1->isChecked() && ItemRules::isBlank(m_saveTo->text()))
         return refuse(QStringLiteral("A storage path is required."), m_saveTo);
-    if (m_date && !ItemRules::IsValidDate(m_date->text()))
+    if (m_date && !ItemRules::isValidDate(m_date->text()))
         return refuse(QStringLiteral("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
     const char* duplicate = textsOf(m_level).duplicate;
     if (duplicate && !m_collectOnly &&
@@ -417,11 +417,11 @@ void ItemDialog::cmdOK()
         return;
     }
     if (m_collectOnly) {
-        m_result.Cancelled = false;
-        m_result.Name = m_name->text();
-        m_result.DateOnDocument = m_date->text();
-        m_result.Description = m_description->toPlainText();
-        m_result.Amount = QString::number(ItemRules::leadingNumber(m_amount->text()), 'g', 15);
+        m_result.cancelled = false;
+        m_result.name = m_name->text();
+        m_result.dateOnDocument = m_date->text();
+        m_result.description = m_description->toPlainText();
+        m_result.amount = QString::number(ItemRules::leadingNumber(m_amount->text()), 'g', 15);
         accept();
         return;
     }

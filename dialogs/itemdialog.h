@@ -26,11 +26,11 @@ namespace qmr {
 // What a new-document dialog hands back to its caller.
 struct NewDocumentResult
 {
-    bool Cancelled = true;
-    QString Name;
-    QString DateOnDocument;
-    QString Description;
-    QString Amount;
+    bool cancelled = true;
+    QString name;
+    QString dateOnDocument;
+    QString description;
+    QString amount;
 };
 
 // The add and properties dialog of a cabinet, drawer, folder or document (frmCabinet,
@@ -50,12 +50,12 @@ public:
     // Mode "Edit" of an existing item; false when its row is gone.
     bool setEdit(qint32 id);
     // Offers the drawer templates (new drawers only); nothing when there are none.
-    void PopulateTemplates(const QStringList& names, TemplateApplier apply);
+    void populateTemplates(const QStringList& names, TemplateApplier apply);
 
     QString mode() const { return m_mode; }
     qint32 itemId() const { return m_id; }
     Level level() const { return m_level; }
-    void UpdateCaption();
+    void updateCaption();
     const NewDocumentResult& newDocument() const { return m_result; }
     bool statisticsLoaded() const { return m_statsLoaded; }
 

@@ -60,7 +60,7 @@ void PagePropertiesDialog::Populate(qint32 pageId)
         label("lblShortcutData")->setText(f.filename);
 }
 
-void PagePropertiesDialog::PopulateMultiple(const QStringList& selectedKeys)
+void PagePropertiesDialog::populateMultiple(const QStringList& selectedKeys)
 {
     label("lblPageId")->setText(QStringLiteral("Pages:"));
     ItemStore items(m_db);

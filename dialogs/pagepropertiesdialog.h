@@ -24,7 +24,7 @@ public:
 
     void Populate(qint32 pageId);
     // The selected items' keys of the page list; only "PAG" keys count.
-    void PopulateMultiple(const QStringList& selectedKeys);
+    void populateMultiple(const QStringList& selectedKeys);
     QString text(const QString& labelName) const;
 
 private:

@@ -8,19 +8,19 @@
 
 namespace qmr {
 
-void BrowseForPath(QLineEdit* box, Settings& settings, Choosers& choosers)
+void browseForPath(QLineEdit* box, Settings& settings, Choosers& choosers)
 {
     if (!box)
         return;
     QString start = box->text().trimmed();
     if (start.isEmpty())
-        start = settings.GetSetting(QStringLiteral("PathSelect"));
+        start = settings.getSetting(QStringLiteral("PathSelect"));
     if (!QFileInfo(start).isDir())
         start.clear(); // a stale path opens the chooser at its usual place
     const std::optional<QString> chosen = choosers.chooseDirectory(start);
     if (!chosen)
         return;
-    settings.SaveSetting(QStringLiteral("PathSelect"), *chosen);
+    settings.saveSetting(QStringLiteral("PathSelect"), *chosen);
     box->setText(*chosen);
 }
 

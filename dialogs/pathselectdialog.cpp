@@ -51,7 +51,7 @@ PathSelectDialog::PathSelectDialog(Settings& settings, const QString& start, QWi
     connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
 
     resize(420, 480);
-    const Placement p = m_settings.RestorePlacement(kFormName, {y(), x(), height(), width(), 0});
+    const Placement p = m_settings.restorePlacement(kFormName, {y(), x(), height(), width(), 0});
     if (p.width > 0 && p.height > 0)
         setGeometry(p.left, p.top, p.width, p.height);
     setPath(QFileInfo(start).isDir() ? start : QDir::homePath());
@@ -72,7 +72,7 @@ void PathSelectDialog::setPath(const QString& path)
 void PathSelectDialog::done(int result)
 {
     const QRect g = geometry();
-    m_settings.SavePlacement(kFormName, Placement{g.top(), g.left(), g.height(), g.width(), 0});
+    m_settings.savePlacement(kFormName, Placement{g.top(), g.left(), g.height(), g.width(), 0});
     QDialog::done(result);
 }
 

@@ -138,8 +138,8 @@ void NavWindow::buildWidgets()
 
     connect(m_tree, &NavTree::expanding, this,
             [this](const QString& key) { guarded([&] { onExpand(key); }); });
-    connect(m_tree, &NavTree::nodeClicked, this, &NavWindow::NodeClick);
-    connect(m_tree, &NavTree::enterPressed, this, &NavWindow::NodeClick);
+    connect(m_tree, &NavTree::nodeClicked, this, &NavWindow::nodeClick);
+    connect(m_tree, &NavTree::enterPressed, this, &NavWindow::nodeClick);
     connect(m_tree, &NavTree::contextRequested, this, &NavWindow::onTreeMouseUp);
     connect(m_list, &QListWidget::itemActivated, this, &NavWindow::onListActivated);
     connect(m_tree, &QTreeWidget::itemDoubleClicked, this, [this](QTreeWidgetItem* item) {
@@ -159,7 +159,7 @@ void NavWindow::buildWidgets()
 
     auto* refresh = new QShortcut(QKeySequence(Qt::Key_F5), m_tree);
     refresh->setContext(Qt::WidgetShortcut);
-    connect(refresh, &QShortcut::activated, this, &NavWindow::RefreshNavTree);
+    connect(refresh, &QShortcut::activated, this, &NavWindow::refreshNavTree);
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     escape->setContext(Qt::WindowShortcut);
     connect(escape, &QShortcut::activated, this, &NavWindow::mnuFileExit);
@@ -169,7 +169,7 @@ void NavWindow::buildMenus()
 {
     NavMenus::Commands commands;
     commands.insert(QStringLiteral("mnuFileExit"), [this] { mnuFileExit(); });
-    commands.insert(QStringLiteral("mnuPopupRootRefresh"), [this] { RefreshNavTree(); });
+    commands.insert(QStringLiteral("mnuPopupRootRefresh"), [this] { refreshNavTree(); });
     commands.insert(QStringLiteral("mnuPopupRootNewFileCabinet"), [this] { newCabinet(); });
     commands.insert(QStringLiteral("mnuPopupCabinetNewCabinet"), [this] { newCabinet(); });
     // Each level's menu adds a sibling ("New Drawer" on a drawer) and a child ("New Folder"
@@ -223,10 +223,10 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     Settings& settings = m_session.settings();
 
     m_firstShow =
-        settings.GetSetting(QStringLiteral("FirstShow"), QStringLiteral("Y")) == QLatin1String("Y");
+        settings.getSetting(QStringLiteral("FirstShow"), QStringLiteral("Y")) == QLatin1String("Y");
     if (!m_firstShow) {
         Placement current{y(), x(), height(), width(), 0};
-        const Placement p = settings.RestorePlacement(kFormName, current);
+        const Placement p = settings.restorePlacement(kFormName, current);
         const QRect saved(p.left, p.top, p.width, p.height);
         // A place saved on a larger or a departed screen would put the window out of reach.
         const QScreen* s = QGuiApplication::screenAt(saved.center());
@@ -235,16 +235,16 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
         if (p.windowState == 2)
             setWindowState(windowState() | Qt::WindowMaximized);
     }
-    settings.SaveSetting(QStringLiteral("FirstShow"), QStringLiteral("N"));
+    settings.saveSetting(QStringLiteral("FirstShow"), QStringLiteral("N"));
 
     bool ok = false;
     const double twips =
-        settings.GetSetting(QStringLiteral("tvwMainWidth"), QStringLiteral("3000")).toDouble(&ok);
+        settings.getSetting(QStringLiteral("tvwMainWidth"), QStringLiteral("3000")).toDouble(&ok);
     const int treePixels = ok && twips > 0 ? int(twips / kTwipsPerPixel) : 3000 / kTwipsPerPixel;
     m_splitter->setSizes({treePixels, qMax(1, width() - treePixels)});
 
     step(QStringLiteral("Loading main menu"));
-    guarded([this] { LoadNavTree(); });
+    guarded([this] { loadNavTree(); });
     step(QStringLiteral("Loading main menu"));
     m_tree->expandNode(rootKey());
     m_menus.showOnly(QString());
@@ -271,16 +271,16 @@ void NavWindow::showAsLoaded()
 
 // ---- tree population ----------------------------------------------------------------------
 
-QString NavWindow::GetCabinetIcon(qint32 cabinetId) const
+QString NavWindow::getCabinetIcon(qint32 cabinetId) const
 {
-    return m_session.locks().IsCabinetOpen(cabinetId) ? QStringLiteral("cabinet")
+    return m_session.locks().isCabinetOpen(cabinetId) ? QStringLiteral("cabinet")
                                                       : QStringLiteral("locked");
 }
 
 QIcon NavWindow::iconFor(Level level, qint32 id) const
 {
     if (level == Level::Cabinet)
-        return m_icons.icon(GetCabinetIcon(id));
+        return m_icons.icon(getCabinetIcon(id));
     return m_icons.icon(QLatin1String(levelInfo(level).icon));
 }
 
@@ -296,7 +296,7 @@ QString NavWindow::nodeText(Level level, const ItemRow& row) const
     return nodeText(level, row.name, row.date);
 }
 
-void NavWindow::LoadNavTree()
+void NavWindow::loadNavTree()
 {
     m_list->clear();
     m_tree->clearNodes();
@@ -307,7 +307,7 @@ void NavWindow::LoadNavTree()
         // A store without cabinets always gets one, so that the root is never bare.
         SampleCabinets samples(m_session.home(), m_session.db(), this);
         samples.ensureFile();
-        samples.CreateSampleCabinet(QStringLiteral("Generic File Cabinet"));
+        samples.createSampleCabinet(QStringLiteral("Generic File Cabinet"));
         return;
     }
     for (const ItemRow& cabinet : cabinets) {
@@ -317,16 +317,16 @@ void NavWindow::LoadNavTree()
         item->setData(kKeyRole, key);
         m_list->addItem(item);
         // A cabinet with a password stands bare until it is opened, even if it was open last time.
-        if (DecryptText(cabinet.password, Cipher::key()).isEmpty())
+        if (decryptText(cabinet.password, Cipher::key()).isEmpty())
             addChildNodes(Level::Cabinet, cabinet.id);
     }
 }
 
-void NavWindow::RefreshNavTree()
+void NavWindow::refreshNavTree()
 {
     guarded([this] {
         hidePagePane();
-        LoadNavTree();
+        loadNavTree();
         m_tree->expandNode(rootKey());
     });
 }
@@ -342,18 +342,18 @@ void NavWindow::addChildNodes(Level parentLevel, qint32 parentId)
                         iconFor(level, row.id));
 }
 
-void NavWindow::AddDrawersToCabinetNode(qint32 cabinetId)
+void NavWindow::addDrawersToCabinetNode(qint32 cabinetId)
 {
     addChildNodes(Level::Cabinet, cabinetId);
 }
 
-void NavWindow::AddFoldersToDrawerNodes(qint32 cabinetId)
+void NavWindow::addFoldersToDrawerNodes(qint32 cabinetId)
 {
     for (const ItemRow& drawer : m_session.items().children(Level::Drawer, cabinetId))
         addChildNodes(Level::Drawer, drawer.id);
 }
 
-void NavWindow::AddDocumentsToFolderNodes(qint32 drawerId)
+void NavWindow::addDocumentsToFolderNodes(qint32 drawerId)
 {
     for (const ItemRow& folder : m_session.items().children(Level::Folder, drawerId))
         addChildNodes(Level::Folder, folder.id);
@@ -363,14 +363,14 @@ void NavWindow::onExpand(const QString& text)
 {
     const NodeKey key = NodeKey::parse(text);
     if (key.level() == Level::Cabinet)
-        AddFoldersToDrawerNodes(key.id());
+        addFoldersToDrawerNodes(key.id());
     else if (key.level() == Level::Drawer)
-        AddDocumentsToFolderNodes(key.id());
+        addDocumentsToFolderNodes(key.id());
 }
 
 // ---- clicks -------------------------------------------------------------------------------
 
-void NavWindow::NodeClick(const QString& key)
+void NavWindow::nodeClick(const QString& key)
 {
     m_contextSource = QStringLiteral("T");
     tvwMainProcessNode(key);
@@ -382,8 +382,8 @@ void NavWindow::tvwMainProcessNode(const QString& text)
     const NodeKey clicked = NodeKey::parse(text);
     bool proceed = true;
     try {
-        if (clicked.level() == Level::Cabinet && !m_session.locks().IsCabinetOpen(clicked.id()) &&
-            !m_session.locks().OpenCabinet(clicked.id(), m_choosers, m_prompter, this))
+        if (clicked.level() == Level::Cabinet && !m_session.locks().isCabinetOpen(clicked.id()) &&
+            !m_session.locks().openCabinet(clicked.id(), m_choosers, m_prompter, this))
             proceed = false;
     } catch (const StoreError& e) {
         m_prompter.tell(e.message());
@@ -401,13 +401,13 @@ void NavWindow::tvwMainProcessNode(const QString& text)
             if (key.prefix() == QLatin1String("ROO")) {
                 if (!key.isFoundRoot()) {
                     m_menus.showOnly(QStringLiteral("mnuPopupRoot"));
-                    ShowCabinetsInListView();
+                    showCabinetsInListView();
                 }
                 return;
             }
             const std::optional<Level> level = key.level();
             if (level == Level::Cabinet) {
-                if (!m_session.locks().OpenCabinet(key.id(), m_choosers, m_prompter, this))
+                if (!m_session.locks().openCabinet(key.id(), m_choosers, m_prompter, this))
                     return;
                 // Opening may have rebuilt the node; what is selected now is the cabinet.
             }
@@ -416,23 +416,23 @@ void NavWindow::tvwMainProcessNode(const QString& text)
                 setRecordFromKey(NodeKey::parse(m_tree->selectedKey()));
                 switch (*level) {
                 case Level::Cabinet:
-                    AddDrawersToCabinetNode(key.id());
-                    AddFoldersToDrawerNodes(key.id());
+                    addDrawersToCabinetNode(key.id());
+                    addFoldersToDrawerNodes(key.id());
                     showChildrenInList(Level::Drawer, key.id());
                     break;
                 case Level::Drawer:
-                    AddDocumentsToFolderNodes(key.id());
+                    addDocumentsToFolderNodes(key.id());
                     showChildrenInList(Level::Folder, key.id());
                     break;
                 case Level::Folder:
                     showChildrenInList(Level::Document, key.id());
                     break;
                 default:
-                    ShowPagesInListView(key.id());
+                    showPagesInListView(key.id());
                     break;
                 }
             } else if (key.foundLevel() == Level::Document) {
-                ShowPagesInListView(key.id());
+                showPagesInListView(key.id());
             }
         });
     }
@@ -470,7 +470,7 @@ void NavWindow::onTreeMouseUp(Qt::MouseButton button)
         } else if (key.isRoot()) {
             popup = m_menus.menu(QStringLiteral("mnuPopupRoot"));
         } else if (const std::optional<Level> level = key.level(); level && *level != Level::Page) {
-            if (*level == Level::Cabinet && !m_session.locks().IsCabinetOpen(key.id()))
+            if (*level == Level::Cabinet && !m_session.locks().isCabinetOpen(key.id()))
                 return;
             setRecordFromKey(key);
             popup = m_menus.menu(NavMenus::levelMenus().at(static_cast<int>(*level) + 1));
@@ -500,7 +500,7 @@ void NavWindow::showChildrenInList(Level childLevel, qint32 parentId)
     }
 }
 
-void NavWindow::ShowCabinetsInListView()
+void NavWindow::showCabinetsInListView()
 {
     showChildrenInList(Level::Cabinet, -1);
 }
@@ -513,7 +513,7 @@ void NavWindow::ShowDrawersInListView(qint32 cabinetId)
     guarded([&] { showChildrenInList(Level::Drawer, cabinetId); });
 }
 
-void NavWindow::ShowPagesInListView(qint32 documentId)
+void NavWindow::showPagesInListView(qint32 documentId)
 {
     m_list->hide();
     m_pages->show();
@@ -521,7 +521,7 @@ void NavWindow::ShowPagesInListView(qint32 documentId)
     for (const PageRow& page : m_session.items().pages(documentId)) {
         auto* item = new QTreeWidgetItem(m_pages);
         item->setText(0, QStringLiteral("Page ") + QString::number(page.pageNumber));
-        item->setText(1, page.filename.isEmpty() ? m_session.paths().ComputedPagePath(page.id)
+        item->setText(1, page.filename.isEmpty() ? m_session.paths().computedPagePath(page.id)
                                                  : page.filename);
         item->setText(2, QLocale().toString(page.fileSize));
         item->setText(3, ItemRules::displayDate(page.scanDate));
@@ -540,15 +540,15 @@ void NavWindow::onListActivated(QListWidgetItem* item)
         if (!level || *level == Level::Page)
             return;
         if (*level == Level::Cabinet &&
-            !m_session.locks().OpenCabinet(key.id(), m_choosers, m_prompter, this))
+            !m_session.locks().openCabinet(key.id(), m_choosers, m_prompter, this))
             return;
         // This path moves the tree's selection only; the record and menus stay as they were.
         if (*level == Level::Cabinet)
-            AddDrawersToCabinetNode(key.id());
+            addDrawersToCabinetNode(key.id());
         m_tree->selectNode(key.text());
         m_tree->expandNode(key.text());
         if (*level == Level::Document)
-            ShowPagesInListView(key.id());
+            showPagesInListView(key.id());
         else
             showChildrenInList(*childLevel(*level), key.id());
     });
@@ -637,7 +637,7 @@ void NavWindow::restoreLastNode()
 {
     SelectionRecord& record = m_session.selection();
     const QString saved =
-        m_session.settings().GetSetting(QStringLiteral("LastNavTreeNodeKey"), QString());
+        m_session.settings().getSetting(QStringLiteral("LastNavTreeNodeKey"), QString());
     if (saved.isEmpty())
         return;
     record.lastNodeKey = saved;
@@ -656,7 +656,7 @@ void NavWindow::restoreLastNode()
         chain.prepend(NodeKey::of(*parentLevel(l), parent));
     }
     // A start never asks for a password: a locked cabinet keeps its content hidden.
-    if (!m_session.locks().IsCabinetOpen(chain.first().id()))
+    if (!m_session.locks().isCabinetOpen(chain.first().id()))
         return;
     for (const NodeKey& step : chain) {
         if (!m_tree->selectNode(step.text()))
@@ -674,7 +674,7 @@ void NavWindow::restoreLastNode()
         showChildrenInList(Level::Document, key.id());
         break;
     default:
-        ShowPagesInListView(key.id());
+        showPagesInListView(key.id());
         break;
     }
     const NodeKey selected = NodeKey::parse(m_tree->selectedKey());
@@ -690,7 +690,7 @@ void NavWindow::savePlacement()
     else if (isMaximized())
         state = 2;
     const QRect g = geometry();
-    m_session.settings().SavePlacement(kFormName,
+    m_session.settings().savePlacement(kFormName,
                                        Placement{g.top(), g.left(), g.height(), g.width(), state});
 }
 
@@ -702,7 +702,7 @@ void NavWindow::finishRun()
     savePlacement();
     Settings& settings = m_session.settings();
     // The node in view is the one to come back to; pages are no tree nodes.
-    settings.SaveSetting(QStringLiteral("LastNavTreeNodeKey"), m_tree->selectedKey());
+    settings.saveSetting(QStringLiteral("LastNavTreeNodeKey"), m_tree->selectedKey());
     settings.sync();
     m_session.db().close();
 }
@@ -751,7 +751,7 @@ bool NavWindow::eventFilter(QObject* watched, QEvent* event)
     }
     if (event->type() == QEvent::MouseButtonRelease && m_splitter &&
         watched == m_splitter->handle(1))
-        m_session.settings().SaveSetting(QStringLiteral("tvwMainWidth"),
+        m_session.settings().saveSetting(QStringLiteral("tvwMainWidth"),
                                          QString::number(treeWidthTwips()));
     return QMainWindow::eventFilter(watched, event);
 }
@@ -805,10 +805,10 @@ void NavWindow::newCabinet()
 void NavWindow::addNewDocument(qint32 folderId, const NewDocumentResult& result)
 {
     ItemFields fields;
-    fields.name = result.Name;
-    fields.description = result.Description;
-    fields.dateOnDocument = ItemRules::DateOrZero(result.DateOnDocument);
-    fields.amount = result.Amount.toDouble();
+    fields.name = result.name;
+    fields.description = result.description;
+    fields.dateOnDocument = ItemRules::dateOrZero(result.dateOnDocument);
+    fields.amount = result.amount.toDouble();
     fields.hasAmount = true;
     const qint32 id = m_session.items().insertItem(Level::Document, folderId, fields);
     AddDocumentToNavTree(folderId, id, fields.name, fields.dateOnDocument);
@@ -827,17 +827,17 @@ void NavWindow::newChildOf(Level parentLevel, qint32 parentId)
             return;
         if (level == Level::Document) {
             ItemDialog dialog(Level::Document, services(), this, true);
-            if (dialog.exec() == QDialog::Accepted && !dialog.newDocument().Cancelled)
+            if (dialog.exec() == QDialog::Accepted && !dialog.newDocument().cancelled)
                 addNewDocument(parentId, dialog.newDocument());
             return;
         }
         ItemDialog dialog(level, services(), this);
         dialog.setAdd(parentId);
         if (level == Level::Drawer)
-            dialog.PopulateTemplates(
+            dialog.populateTemplates(
                 m_templates.names(),
                 [this](const QString& name, qint32 drawerId, ItemStore& items) {
-                    return m_templates.ApplyDrawerTemplate(name, drawerId, items);
+                    return m_templates.applyDrawerTemplate(name, drawerId, items);
                 });
         dialog.exec();
     });
@@ -875,7 +875,7 @@ void NavWindow::properties(Level level, qint32 id)
         if (target < 0)
             return;
         if (level == Level::Cabinet &&
-            !m_session.locks().OpenCabinet(target, m_choosers, m_prompter, this))
+            !m_session.locks().openCabinet(target, m_choosers, m_prompter, this))
             return;
         ItemDialog dialog(level, services(), this);
         if (dialog.setEdit(target))
@@ -896,7 +896,7 @@ void NavWindow::pageProperties()
         if (keys.size() == 1)
             dialog.Populate(NodeKey::parse(keys.first()).id());
         else
-            dialog.PopulateMultiple(keys);
+            dialog.populateMultiple(keys);
         dialog.exec();
     });
 }
@@ -912,13 +912,13 @@ void NavWindow::repaginateDocument()
                                 QStringLiteral("'?")))
             return;
         try {
-            m_session.items().RepaginateDocument(id, doc.name, m_progress);
+            m_session.items().repaginateDocument(id, doc.name, m_progress);
         } catch (const StoreError&) {
             m_progress.end(); // the numbers stay as they were
             throw;
         }
         if (m_pages->isVisible())
-            ShowPagesInListView(id);
+            showPagesInListView(id);
     });
 }
 
@@ -967,7 +967,7 @@ void NavWindow::onListMouseUp(Qt::MouseButton button)
         const std::optional<Level> level = key.level();
         if (!level || *level == Level::Page)
             return;
-        if (*level == Level::Cabinet && !m_session.locks().IsCabinetOpen(key.id()))
+        if (*level == Level::Cabinet && !m_session.locks().isCabinetOpen(key.id()))
             return;
         if (QMenu* popup = m_menus.menu(NavMenus::levelMenus().at(static_cast<int>(*level) + 1)))
             popup->exec(QCursor::pos());

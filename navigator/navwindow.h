@@ -56,13 +56,13 @@ public:
     void RebuildCabinetNode(qint32 cabinetId, const QString& name) override;
 
     // Tree population and clicks.
-    void LoadNavTree();
-    void RefreshNavTree();
-    void NodeClick(const QString& key);
+    void loadNavTree();
+    void refreshNavTree();
+    void nodeClick(const QString& key);
     void tvwMainProcessNode(const QString& key);
-    QString GetCabinetIcon(qint32 cabinetId) const;
-    void ShowCabinetsInListView();
-    void ShowPagesInListView(qint32 documentId);
+    QString getCabinetIcon(qint32 cabinetId) const;
+    void showCabinetsInListView();
+    void showPagesInListView(qint32 documentId);
 
     // Esc and File > Exit: asks, and on Yes saves and asks the program to end.
     void mnuFileExit();
@@ -116,9 +116,9 @@ private:
     void addChildNodes(Level parentLevel, qint32 parentId);
     void addItemNode(Level level, qint32 parentId, qint32 id, const QString& text);
     void updateItemName(Level level, qint32 id, const QString& text);
-    void AddDrawersToCabinetNode(qint32 cabinetId);
-    void AddFoldersToDrawerNodes(qint32 cabinetId);
-    void AddDocumentsToFolderNodes(qint32 drawerId);
+    void addDrawersToCabinetNode(qint32 cabinetId);
+    void addFoldersToDrawerNodes(qint32 cabinetId);
+    void addDocumentsToFolderNodes(qint32 drawerId);
     void onExpand(const QString& key);
     // Lists the children of a container in lvwMain (cabinets for the root).
     void showChildrenInList(Level childLevel, qint32 parentId);

@@ -8,29 +8,29 @@
 
 namespace qmr {
 
-bool CabinetLock::IsCabinetOpen(qint32 cabinetId) const
+bool CabinetLock::isCabinetOpen(qint32 cabinetId) const
 {
     if (inOpenList(cabinetId))
         return true;
-    const Recordset rs = m_db.OpenRecordset(
+    const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT Password FROM Cabinet WHERE CabinetId = ?"), {cabinetId});
-    if (rs.RecordCount() < 1)
+    if (rs.recordCount() < 1)
         return true;
     // A Null written outside the program counts as no password.
-    return DecryptText(rs.text(0, QStringLiteral("Password")), Cipher::key()).isEmpty();
+    return decryptText(rs.text(0, QStringLiteral("Password")), Cipher::key()).isEmpty();
 }
 
-bool CabinetLock::OpenCabinet(qint32 cabinetId, Choosers& choosers, Prompter& prompter,
+bool CabinetLock::openCabinet(qint32 cabinetId, Choosers& choosers, Prompter& prompter,
                               NavigatorCallbacks* navigator)
 {
     if (inOpenList(cabinetId))
         return true;
-    const Recordset rs = m_db.OpenRecordset(
+    const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT Password, Name FROM Cabinet WHERE CabinetId = ?"), {cabinetId});
     QString clear;
     QString name;
-    if (rs.RecordCount() > 0) {
-        clear = DecryptText(rs.text(0, QStringLiteral("Password")), Cipher::key());
+    if (rs.recordCount() > 0) {
+        clear = decryptText(rs.text(0, QStringLiteral("Password")), Cipher::key());
         name = rs.text(0, QStringLiteral("Name"));
     }
     if (!clear.isEmpty()) {

@@ -20,10 +20,10 @@ public:
     explicit CabinetLock(Database& db) : m_db(db) {}
 
     // Asks nobody: in the open list, or no password.
-    bool IsCabinetOpen(qint32 cabinetId) const;
+    bool isCabinetOpen(qint32 cabinetId) const;
     // Asks for the password if need be; on success enters the list and has the navigator
     // rebuild the cabinet's node (when `navigator` is given).
-    bool OpenCabinet(qint32 cabinetId, Choosers& choosers, Prompter& prompter,
+    bool openCabinet(qint32 cabinetId, Choosers& choosers, Prompter& prompter,
                      NavigatorCallbacks* navigator);
     bool inOpenList(qint32 cabinetId) const { return m_open.contains(cabinetId); }
 

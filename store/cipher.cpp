@@ -31,12 +31,12 @@ QString shift(const QString& text, QString key, int direction)
 
 } // namespace
 
-QString EncryptText(const QString& clear, const QString& key)
+QString encryptText(const QString& clear, const QString& key)
 {
     return shift(clear, key, +1);
 }
 
-QString DecryptText(const QString& stored, const QString& key)
+QString decryptText(const QString& stored, const QString& key)
 {
     return shift(stored, key, -1);
 }

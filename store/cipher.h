@@ -13,7 +13,7 @@ public:
     static QString fallbackKey() { return QStringLiteral("QMXRTPAVKD"); }
 };
 
-QString EncryptText(const QString& clear, const QString& key);
-QString DecryptText(const QString& stored, const QString& key);
+QString encryptText(const QString& clear, const QString& key);
+QString decryptText(const QString& stored, const QString& key);
 
 } // namespace qmr

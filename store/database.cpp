@@ -181,7 +181,7 @@ void Database::execute(const QString& sql, const QVariantList& binds)
     run(sql, binds);
 }
 
-Recordset Database::OpenRecordset(const QString& sql, const QVariantList& binds)
+Recordset Database::openRecordset(const QString& sql, const QVariantList& binds)
 {
     return run(sql, binds);
 }
@@ -189,7 +189,7 @@ Recordset Database::OpenRecordset(const QString& sql, const QVariantList& binds)
 QVariant Database::scalar(const QString& sql, const QVariantList& binds)
 {
     const Recordset rs = run(sql, binds);
-    if (rs.RecordCount() < 1 || rs.columns().isEmpty())
+    if (rs.recordCount() < 1 || rs.columns().isEmpty())
         return QVariant();
     return rs.value(0, 0);
 }
@@ -202,7 +202,7 @@ qint32 Database::lastInsertId() const
 bool Database::hasColumn(const QString& table, const QString& column)
 {
     const Recordset rs = run(QStringLiteral("SELECT name FROM pragma_table_info(?)"), {table});
-    for (int i = 0; i < rs.RecordCount(); ++i)
+    for (int i = 0; i < rs.recordCount(); ++i)
         if (rs.text(i, QStringLiteral("name")).compare(column, Qt::CaseInsensitive) == 0)
             return true;
     return false;

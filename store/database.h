@@ -26,7 +26,7 @@ public:
     const QString& path() const { return m_path; }
 
     void execute(const QString& sql, const QVariantList& binds = {});
-    Recordset OpenRecordset(const QString& sql, const QVariantList& binds = {});
+    Recordset openRecordset(const QString& sql, const QVariantList& binds = {});
     // The first field of the first row, or a null QVariant when there is no row.
     QVariant scalar(const QString& sql, const QVariantList& binds = {});
     qint32 lastInsertId() const;

@@ -26,22 +26,22 @@ QString strip(const QString& text, const QString& set)
 }
 } // namespace
 
-bool ItemRules::ContainsBadCharacters(const QString& text)
+bool ItemRules::containsBadCharacters(const QString& text)
 {
     return containsAny(text, kNameSet);
 }
 
-bool ItemRules::ContainsBadPathCharacters(const QString& text)
+bool ItemRules::containsBadPathCharacters(const QString& text)
 {
     return containsAny(text, kPathSet);
 }
 
-QString ItemRules::StripBadCharacters(const QString& text)
+QString ItemRules::stripBadCharacters(const QString& text)
 {
     return strip(text, kNameSet);
 }
 
-QString ItemRules::StripBadPathCharacters(const QString& text)
+QString ItemRules::stripBadPathCharacters(const QString& text)
 {
     return strip(text, kPathSet);
 }
@@ -51,7 +51,7 @@ QString ItemRules::badCharactersMessage()
     return QStringLiteral("The following characters are not allowed:\n\\ / : * ? \" < > | .");
 }
 
-bool ItemRules::IsBlank(const QString& text)
+bool ItemRules::isBlank(const QString& text)
 {
     return text.trimmed().isEmpty();
 }
@@ -72,14 +72,14 @@ QDate ItemRules::parseDate(const QString& text)
     return QDate();
 }
 
-bool ItemRules::IsValidDate(const QString& text)
+bool ItemRules::isValidDate(const QString& text)
 {
-    return IsBlank(text) || parseDate(text).isValid();
+    return isBlank(text) || parseDate(text).isValid();
 }
 
-QDate ItemRules::DateOrZero(const QString& text)
+QDate ItemRules::dateOrZero(const QString& text)
 {
-    if (IsBlank(text))
+    if (isBlank(text))
         return QDate();
     return parseDate(text);
 }
@@ -112,7 +112,7 @@ double ItemRules::leadingNumber(const QString& text)
     return ok ? value : 0.0;
 }
 
-bool ItemRules::IsPictureFile(const QString& fileName)
+bool ItemRules::isPictureFile(const QString& fileName)
 {
     const QString name = fileName.toLower();
     if (name.endsWith(QLatin1String(".jpg")) || name.endsWith(QLatin1String(".jpeg")) ||

@@ -10,19 +10,19 @@ class ItemRules
 {
 public:
     // \ / : * ? " < > | . in names of cabinets, drawers, folders and documents.
-    static bool ContainsBadCharacters(const QString& text);
+    static bool containsBadCharacters(const QString& text);
     // / * ? " < > | in a page's file name.
-    static bool ContainsBadPathCharacters(const QString& text);
-    static QString StripBadCharacters(const QString& text);
-    static QString StripBadPathCharacters(const QString& text);
+    static bool containsBadPathCharacters(const QString& text);
+    static QString stripBadCharacters(const QString& text);
+    static QString stripBadPathCharacters(const QString& text);
     // The message that goes with a refused name.
     static QString badCharactersMessage();
 
-    static bool IsBlank(const QString& text);
+    static bool isBlank(const QString& text);
     // Blank, or a date in one of the accepted forms (mm/dd/yyyy, m/d/yy, yyyy-mm-dd).
-    static bool IsValidDate(const QString& text);
+    static bool isValidDate(const QString& text);
     // The date, or a null date (the zero date) when blank or invalid.
-    static QDate DateOrZero(const QString& text);
+    static QDate dateOrZero(const QString& text);
     static QDate parseDate(const QString& text);
     // mm/dd/yyyy, the display form of a date.
     static QString displayDate(const QDate& date);
@@ -32,7 +32,7 @@ public:
     static double leadingNumber(const QString& text);
 
     // By the name alone: .jpg, .jpeg, .bmp in any case.
-    static bool IsPictureFile(const QString& fileName);
+    static bool isPictureFile(const QString& fileName);
 };
 
 } // namespace qmr

@@ -22,10 +22,10 @@ QVector<ItemRow> ItemStore::children(Level level, qint32 parentId) const
         binds << parentId;
     }
     sql += QStringLiteral(" ORDER BY Name, %1").arg(t.id());
-    const Recordset rs = m_db.OpenRecordset(sql, binds);
+    const Recordset rs = m_db.openRecordset(sql, binds);
     QVector<ItemRow> rows;
-    rows.reserve(rs.RecordCount());
-    for (int i = 0; i < rs.RecordCount(); ++i) {
+    rows.reserve(rs.recordCount());
+    for (int i = 0; i < rs.recordCount(); ++i) {
         ItemRow row;
         row.id = rs.integer(i, t.id());
         row.name = rs.text(i, QStringLiteral("Name"));
@@ -41,10 +41,10 @@ QVector<ItemRow> ItemStore::children(Level level, qint32 parentId) const
 ItemRow ItemStore::item(Level level, qint32 id) const
 {
     const ItemTable& t = ItemTable::of(level);
-    const Recordset rs = m_db.OpenRecordset(
+    const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()), {id});
     ItemRow row;
-    if (rs.RecordCount() < 1)
+    if (rs.recordCount() < 1)
         return row;
     row.id = id;
     row.name = rs.text(0, QStringLiteral("Name"));
@@ -58,9 +58,9 @@ ItemRow ItemStore::item(Level level, qint32 id) const
 PageFacts ItemStore::pageFacts(qint32 pageId) const
 {
     const Recordset rs =
-        m_db.OpenRecordset(QStringLiteral("SELECT * FROM Page WHERE PageId = ?"), {pageId});
+        m_db.openRecordset(QStringLiteral("SELECT * FROM Page WHERE PageId = ?"), {pageId});
     PageFacts facts;
-    if (rs.RecordCount() < 1)
+    if (rs.recordCount() < 1)
         return facts;
     facts.found = true;
     facts.scanDateStored = rs.text(0, QStringLiteral("ScanDate"));
@@ -82,12 +82,12 @@ void ItemStore::setPageNumber(qint32 pageId, qint32 number)
 
 QVector<PageRow> ItemStore::pages(qint32 documentId) const
 {
-    const Recordset rs = m_db.OpenRecordset(
+    const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT PageId, PageNumber, Filename, FileSize, ScanDate, ShortcutYN "
                        "FROM Page WHERE DocumentId = ? ORDER BY PageNumber, PageId"),
         {documentId});
     QVector<PageRow> rows;
-    for (int i = 0; i < rs.RecordCount(); ++i) {
+    for (int i = 0; i < rs.recordCount(); ++i) {
         PageRow row;
         row.id = rs.integer(i, QStringLiteral("PageId"));
         row.pageNumber = rs.integer(i, QStringLiteral("PageNumber"), 0);
@@ -120,7 +120,7 @@ QVector<QPair<QString, QVariant>> fieldColumns(Level level, const ItemFields& f)
     switch (level) {
     case Level::Cabinet:
         columns << qMakePair(QStringLiteral("Password"),
-                             QVariant(EncryptText(f.password, Cipher::key())))
+                             QVariant(encryptText(f.password, Cipher::key())))
                 << qMakePair(QStringLiteral("Storage"), QVariant(f.storage))
                 << qMakePair(QStringLiteral("StoragePath"), QVariant(f.storagePath));
         break;
@@ -154,15 +154,15 @@ void ItemStore::checkWidths(Level level, const ItemFields& fields)
 std::optional<ItemFields> ItemStore::fields(Level level, qint32 id) const
 {
     const ItemTable& t = ItemTable::of(level);
-    const Recordset rs = m_db.OpenRecordset(
+    const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()), {id});
-    if (rs.RecordCount() < 1)
+    if (rs.recordCount() < 1)
         return std::nullopt;
     ItemFields f;
     f.name = rs.text(0, QStringLiteral("Name"));
     f.description = rs.text(0, QStringLiteral("Description"));
     if (level == Level::Cabinet) {
-        f.password = DecryptText(rs.text(0, QStringLiteral("Password")), Cipher::key());
+        f.password = decryptText(rs.text(0, QStringLiteral("Password")), Cipher::key());
         f.storage = rs.integer(0, QStringLiteral("Storage"), 0) == 1 ? 1 : 0;
         f.storagePath = rs.text(0, QStringLiteral("StoragePath"));
     } else if (level == Level::Folder) {
@@ -246,7 +246,7 @@ bool ItemStore::cabinetNameExists(const QString& name) const
                .toInt() > 0;
 }
 
-void ItemStore::RepaginateDocument(qint32 documentId, const QString& documentName,
+void ItemStore::repaginateDocument(qint32 documentId, const QString& documentName,
                                    Progress& progress)
 {
     const int count =
@@ -256,7 +256,7 @@ void ItemStore::RepaginateDocument(qint32 documentId, const QString& documentNam
         return;
     const QString title = QStringLiteral("Repaginate ") + documentName;
     progress.start(title, 1, 2 * count);
-    const Recordset rs = m_db.OpenRecordset(
+    const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? ORDER BY PageNumber, PageId"),
         {documentId});
     // Both passes in one transaction: an interrupted renumbering leaves the old numbers.
@@ -264,12 +264,12 @@ void ItemStore::RepaginateDocument(qint32 documentId, const QString& documentNam
     const QString update = QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?");
     // First out of the way, from the top down, so that no two pages meet mid-way.
     int number = 9999999;
-    for (int i = rs.RecordCount() - 1; i >= 0; --i) {
+    for (int i = rs.recordCount() - 1; i >= 0; --i) {
         progress.step(title);
         m_db.execute(update, {number--, rs.integer(i, QStringLiteral("PageId"))});
     }
     number = 1;
-    for (int i = 0; i < rs.RecordCount(); ++i) {
+    for (int i = 0; i < rs.recordCount(); ++i) {
         progress.step(title);
         m_db.execute(update, {number++, rs.integer(i, QStringLiteral("PageId"))});
     }

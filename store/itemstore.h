@@ -57,13 +57,13 @@ public:
     ItemRow item(Level level, qint32 id) const;
     // The parent id of an item, -1 when the row is gone.
     qint32 parentOf(Level level, qint32 id) const;
-    qint32 CabinetOfDrawer(qint32 drawerId) const { return parentOf(Level::Drawer, drawerId); }
-    qint32 DrawerOfFolder(qint32 folderId) const { return parentOf(Level::Folder, folderId); }
-    qint32 FolderOfDocument(qint32 documentId) const
+    qint32 cabinetOfDrawer(qint32 drawerId) const { return parentOf(Level::Drawer, drawerId); }
+    qint32 drawerOfFolder(qint32 folderId) const { return parentOf(Level::Folder, folderId); }
+    qint32 folderOfDocument(qint32 documentId) const
     {
         return parentOf(Level::Document, documentId);
     }
-    qint32 DocumentOfPage(qint32 pageId) const { return parentOf(Level::Page, pageId); }
+    qint32 documentOfPage(qint32 pageId) const { return parentOf(Level::Page, pageId); }
 
     PageFacts pageFacts(qint32 pageId) const;
     void setPageNumber(qint32 pageId, qint32 number);
@@ -87,7 +87,7 @@ public:
     bool cabinetNameExists(const QString& name) const;
 
     // Numbers the pages 1, 2, 3 ... in their present order, ties by PageId, in two passes.
-    void RepaginateDocument(qint32 documentId, const QString& documentName, Progress& progress);
+    void repaginateDocument(qint32 documentId, const QString& documentName, Progress& progress);
 
 private:
     Database& m_db;

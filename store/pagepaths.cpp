@@ -12,93 +12,93 @@ QString PagePaths::bucket(qint32 pageId)
     return QStringLiteral("%1").arg(pageId, 10, 10, QLatin1Char('0')).left(7);
 }
 
-QString PagePaths::PageFilename(qint32 pageId) const
+QString PagePaths::pageFilename(qint32 pageId) const
 {
     return m_db.scalar(QStringLiteral("SELECT Filename FROM Page WHERE PageId = ?"), {pageId})
         .toString();
 }
 
-bool PagePaths::IsPageShortcut(qint32 pageId) const
+bool PagePaths::isPageShortcut(qint32 pageId) const
 {
     return m_db.scalar(QStringLiteral("SELECT ShortcutYN FROM Page WHERE PageId = ?"), {pageId})
                .toString() == QLatin1String("Y");
 }
 
-QString PagePaths::ComputedPageDirectory(qint32 pageId) const
+QString PagePaths::computedPageDirectory(qint32 pageId) const
 {
     return m_home.file(QStringLiteral("Pages/") + bucket(pageId));
 }
 
-QString PagePaths::ComputedThumbDirectory(qint32 pageId) const
+QString PagePaths::computedThumbDirectory(qint32 pageId) const
 {
     return m_home.file(QStringLiteral("Thumbs/") + bucket(pageId));
 }
 
-QString PagePaths::ComputedPagePath(qint32 pageId) const
+QString PagePaths::computedPagePath(qint32 pageId) const
 {
-    return ComputedPageDirectory(pageId) + QLatin1Char('/') + QString::number(pageId) +
+    return computedPageDirectory(pageId) + QLatin1Char('/') + QString::number(pageId) +
            QLatin1String(".jpg");
 }
 
-QString PagePaths::ComputedThumbPath(qint32 pageId) const
+QString PagePaths::computedThumbPath(qint32 pageId) const
 {
-    return ComputedThumbDirectory(pageId) + QLatin1Char('/') + QString::number(pageId) +
+    return computedThumbDirectory(pageId) + QLatin1Char('/') + QString::number(pageId) +
            QLatin1String(".jpg");
 }
 
-QString PagePaths::PageDirectory(qint32 pageId) const
+QString PagePaths::pageDirectory(qint32 pageId) const
 {
-    const QString stored = PageFilename(pageId);
+    const QString stored = pageFilename(pageId);
     if (stored.isEmpty())
-        return ComputedPageDirectory(pageId);
-    QString dir = DirectoryPart(stored);
+        return computedPageDirectory(pageId);
+    QString dir = directoryPart(stored);
     if (dir.endsWith(QLatin1Char('/')) && dir.size() > 1)
         dir.chop(1);
     return dir;
 }
 
-QString PagePaths::PagePath(qint32 pageId) const
+QString PagePaths::pagePath(qint32 pageId) const
 {
-    const QString stored = PageFilename(pageId);
+    const QString stored = pageFilename(pageId);
     if (!stored.isEmpty())
         return stored;
-    return ComputedPagePath(pageId);
+    return computedPagePath(pageId);
 }
 
-QString PagePaths::ThumbDirectory(qint32 pageId) const
+QString PagePaths::thumbDirectory(qint32 pageId) const
 {
-    const QString stored = PageFilename(pageId);
+    const QString stored = pageFilename(pageId);
     if (stored.isEmpty())
-        return ComputedThumbDirectory(pageId);
-    return DirectoryPart(stored) + QLatin1String("Thumbs");
+        return computedThumbDirectory(pageId);
+    return directoryPart(stored) + QLatin1String("Thumbs");
 }
 
-QString PagePaths::ThumbPath(qint32 pageId) const
+QString PagePaths::thumbPath(qint32 pageId) const
 {
-    const QString stored = PageFilename(pageId);
+    const QString stored = pageFilename(pageId);
     if (stored.isEmpty())
-        return ComputedThumbPath(pageId);
-    return ThumbDirectory(pageId) + QLatin1Char('/') + FilePart(stored);
+        return computedThumbPath(pageId);
+    return thumbDirectory(pageId) + QLatin1Char('/') + filePart(stored);
 }
 
-QString PagePaths::DirectoryPart(const QString& path)
+QString PagePaths::directoryPart(const QString& path)
 {
     const int slash = path.lastIndexOf(QLatin1Char('/'));
     return slash < 0 ? QString() : path.left(slash + 1);
 }
 
-QString PagePaths::FilePart(const QString& path)
+QString PagePaths::filePart(const QString& path)
 {
     const int slash = path.lastIndexOf(QLatin1Char('/'));
     return slash < 0 ? QString() : path.mid(slash + 1);
 }
 
-bool PagePaths::ensurePathExists(const QString& path) const
+bool PagePaths::ensurePathInHome(const QString& path) const
 {
-    return EnsurePathExists(path, m_home.path());
+    return ensurePathExists(path, m_home.path());
 }
 
-bool PagePaths::EnsurePathExists(const QString& path, const QString& base)
+bool PagePaths::ensurePathExists(const QString& path, const QString& base)
 {
     QString dir = path;
     if (dir.isEmpty() || dir == QLatin1String("/"))

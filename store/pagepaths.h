@@ -15,28 +15,28 @@ class PagePaths
 public:
     PagePaths(Database& db, AppHome home) : m_db(db), m_home(std::move(home)) {}
 
-    QString PageFilename(qint32 pageId) const; // "" when absent or Null
-    bool IsPageShortcut(qint32 pageId) const;
-    QString PagePath(qint32 pageId) const;
-    QString PageDirectory(qint32 pageId) const;
-    QString ThumbPath(qint32 pageId) const;
-    QString ThumbDirectory(qint32 pageId) const;
+    QString pageFilename(qint32 pageId) const; // "" when absent or Null
+    bool isPageShortcut(qint32 pageId) const;
+    QString pagePath(qint32 pageId) const;
+    QString pageDirectory(qint32 pageId) const;
+    QString thumbPath(qint32 pageId) const;
+    QString thumbDirectory(qint32 pageId) const;
 
-    QString ComputedPagePath(qint32 pageId) const;
-    QString ComputedPageDirectory(qint32 pageId) const;
-    QString ComputedThumbPath(qint32 pageId) const;
-    QString ComputedThumbDirectory(qint32 pageId) const;
+    QString computedPagePath(qint32 pageId) const;
+    QString computedPageDirectory(qint32 pageId) const;
+    QString computedThumbPath(qint32 pageId) const;
+    QString computedThumbDirectory(qint32 pageId) const;
 
     // Up to and including the last '/'; "" when there is none.
-    static QString DirectoryPart(const QString& path);
+    static QString directoryPart(const QString& path);
     // After the last '/'; "" when there is none.
-    static QString FilePart(const QString& path);
+    static QString filePart(const QString& path);
     // Makes every missing directory of a directory path, or of a file path's directory (a
     // path with a dot anywhere is taken to end in a file name). False on failure. The dots of
     // `base`, a directory the path lies in, do not count: a home below ~/.local is no file.
-    static bool EnsurePathExists(const QString& path, const QString& base = QString());
+    static bool ensurePathExists(const QString& path, const QString& base = QString());
     // The same, with the application home as the base.
-    bool ensurePathExists(const QString& path) const;
+    bool ensurePathInHome(const QString& path) const;
 
 private:
     static QString bucket(qint32 pageId);

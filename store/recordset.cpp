@@ -33,7 +33,7 @@ QVariant Recordset::value(int row, const QString& column) const
 
 QString Recordset::text(int row, const QString& column) const
 {
-    return NullToString(value(row, column));
+    return nullToString(value(row, column));
 }
 
 qint32 Recordset::integer(int row, const QString& column, qint32 ifNull) const

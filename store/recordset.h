@@ -15,7 +15,7 @@ public:
     Recordset() = default;
     Recordset(QStringList columns, QVector<QVector<QVariant>> rows);
 
-    int RecordCount() const { return m_rows.size(); }
+    int recordCount() const { return m_rows.size(); }
     bool isEmpty() const { return m_rows.isEmpty(); }
     const QStringList& columns() const { return m_columns; }
 

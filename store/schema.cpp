@@ -79,15 +79,15 @@ QString StoreSchema::storePath(const AppHome& home)
     return home.file(QStringLiteral("qmr.mdb"));
 }
 
-void StoreSchema::OpenDatabase(Database& db, const AppHome& home)
+void StoreSchema::openDatabase(Database& db, const AppHome& home)
 {
     if (!QFile::exists(storePath(home)))
-        CreateDatabase(home);
+        createDatabase(home);
     db.open(storePath(home));
-    UpdateDatabase(db);
+    updateDatabase(db);
 }
 
-void StoreSchema::CreateDatabase(const AppHome& home)
+void StoreSchema::createDatabase(const AppHome& home)
 {
     const QString target = storePath(home);
     const QString prepared = home.file(QStringLiteral("empty.mdb"));
@@ -124,19 +124,19 @@ int StoreSchema::readVersion(Database& db)
     return v.isNull() ? 0 : v.toInt();
 }
 
-void StoreSchema::UpdateDatabase(Database& db, int target)
+void StoreSchema::updateDatabase(Database& db, int target)
 {
     for (int version = readVersion(db); version < target; ++version) {
         // One step is one transaction: a failed step leaves the store as it was before it.
         Database::Transaction tx(db);
         for (const QString& sql : upgradeStatements(version))
             db.execute(sql);
-        SetDatabaseVersion(db, version + 1);
+        setDatabaseVersion(db, version + 1);
         tx.commit();
     }
 }
 
-void StoreSchema::SetDatabaseVersion(Database& db, int version)
+void StoreSchema::setDatabaseVersion(Database& db, int version)
 {
     db.execute(QStringLiteral("DELETE FROM Version"));
     db.execute(QStringLiteral("INSERT INTO Version (Version) VALUES (?)"), {version});

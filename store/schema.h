@@ -16,14 +16,14 @@ public:
     static constexpr int kMinimumSqlite = 3031000;
 
     // Creates the store when it is missing, opens it and runs the upgrades.
-    static void OpenDatabase(Database& db, const AppHome& home);
+    static void openDatabase(Database& db, const AppHome& home);
     // Copies empty.mdb to qmr.mdb when there is one; else builds the tables of version 0.
-    static void CreateDatabase(const AppHome& home);
+    static void createDatabase(const AppHome& home);
     // The six tables at version 0, with no Version row.
     static void createTables(Database& db);
     // The upgrade chain from the stored version up to `target`.
-    static void UpdateDatabase(Database& db, int target = kCurrentVersion);
-    static void SetDatabaseVersion(Database& db, int version);
+    static void updateDatabase(Database& db, int target = kCurrentVersion);
+    static void setDatabaseVersion(Database& db, int version);
     // No row, or a Null value, is version 0.
     static int readVersion(Database& db);
 

@@ -11,12 +11,12 @@ Session::~Session() = default;
 
 void Session::readStartSettings()
 {
-    m_zoomDefault = m_settings.GetSetting(QStringLiteral("ZoomDefault"), QStringLiteral("NONE"));
+    m_zoomDefault = m_settings.getSetting(QStringLiteral("ZoomDefault"), QStringLiteral("NONE"));
     m_displayCount = m_settings.displayCount();
     // The stored side is read but has no effect: thumbnails are always 100 pixels.
-    m_settings.GetSetting(QStringLiteral("ThumbSide"), QStringLiteral("100"));
+    m_settings.getSetting(QStringLiteral("ThumbSide"), QStringLiteral("100"));
     m_thumbSide = 100;
-    m_thumbView = m_settings.GetSetting(QStringLiteral("ThumbView"), QStringLiteral("thumbnail"));
+    m_thumbView = m_settings.getSetting(QStringLiteral("ThumbView"), QStringLiteral("thumbnail"));
 }
 
 } // namespace qmr

@@ -2,7 +2,7 @@
 
 namespace qmr {
 
-QString QuoteSql(const QString& text)
+QString quoteSql(const QString& text)
 {
     QString result;
     result.reserve(text.size());
@@ -14,7 +14,7 @@ QString QuoteSql(const QString& text)
     return result;
 }
 
-QString NullToString(const QVariant& value)
+QString nullToString(const QVariant& value)
 {
     if (value.isNull() || !value.isValid())
         return QString();

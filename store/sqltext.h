@@ -6,8 +6,8 @@
 namespace qmr {
 
 // Doubles every single quote, for the few statements whose text is built.
-QString QuoteSql(const QString& text);
+QString quoteSql(const QString& text);
 // Null becomes "", anything else its text.
-QString NullToString(const QVariant& value);
+QString nullToString(const QVariant& value);
 
 } // namespace qmr

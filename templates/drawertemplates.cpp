@@ -5,7 +5,7 @@
 
 namespace qmr {
 
-void DrawerTemplates::LoadDrawerTemplates()
+void DrawerTemplates::loadDrawerTemplates()
 {
     m_names.clear();
     for (const QString& line : OutlineFile::readLines(filePath()))
@@ -17,7 +17,7 @@ void DrawerTemplates::LoadDrawerTemplates()
 
 namespace qmr {
 
-QVector<CreatedItem> DrawerTemplates::ApplyDrawerTemplate(const QString& name, qint32 drawerId,
+QVector<CreatedItem> DrawerTemplates::applyDrawerTemplate(const QString& name, qint32 drawerId,
                                                           ItemStore& items) const
 {
     return OutlineFile::createItems(OutlineFile::section(filePath(), QStringLiteral("DRW"), name),

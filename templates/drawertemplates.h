@@ -18,13 +18,13 @@ public:
 
     QString filePath() const { return m_home.file(QStringLiteral("Drawer.txt")); }
     // Reads the names: lines that begin exactly "DRW=", the name from the fifth character.
-    void LoadDrawerTemplates();
+    void loadDrawerTemplates();
     const QStringList& names() const { return m_names; }
     int count() const { return int(m_names.size()); }
 
     // Creates the folders and documents of the first template of that name (without regard
     // to case) in the drawer. The caller shows them once its transaction holds.
-    QVector<CreatedItem> ApplyDrawerTemplate(const QString& name, qint32 drawerId,
+    QVector<CreatedItem> applyDrawerTemplate(const QString& name, qint32 drawerId,
                                              ItemStore& items) const;
 
 private:

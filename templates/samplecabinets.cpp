@@ -38,7 +38,7 @@ QStringList SampleCabinets::defaultText()
     };
 }
 
-bool SampleCabinets::WriteDefaultSample() const
+bool SampleCabinets::writeDefaultSample() const
 {
     return OutlineFile::writeLines(filePath(), defaultText());
 }
@@ -46,7 +46,7 @@ bool SampleCabinets::WriteDefaultSample() const
 bool SampleCabinets::ensureFile() const
 {
     if (!QFile::exists(filePath()))
-        WriteDefaultSample();
+        writeDefaultSample();
     return QFile::exists(filePath());
 }
 
@@ -61,19 +61,19 @@ QStringList SampleCabinets::sampleNames() const
     return names;
 }
 
-QVector<CreatedItem> SampleCabinets::FillSampleCabinet(const QString& name, qint32 cabinetId)
+QVector<CreatedItem> SampleCabinets::fillSampleCabinet(const QString& name, qint32 cabinetId)
 {
     ItemStore items(m_db);
     return OutlineFile::createItems(OutlineFile::section(filePath(), QStringLiteral("CAB"), name),
                                     Level::Cabinet, cabinetId, items);
 }
 
-qint32 SampleCabinets::CreateSampleCabinet(const QString& name)
+qint32 SampleCabinets::createSampleCabinet(const QString& name)
 {
     ItemStore items(m_db);
     Database::Transaction tx(m_db);
     const qint32 cabinetId = items.insertItem(Level::Cabinet, -1, name);
-    const QVector<CreatedItem> created = FillSampleCabinet(name, cabinetId);
+    const QVector<CreatedItem> created = fillSampleCabinet(name, cabinetId);
     tx.commit();
     if (!m_navigator)
         return cabinetId;

@@ -22,17 +22,17 @@ public:
     Database& db() { return m_db; }
     QString filePath() const { return m_home.file(QStringLiteral("Sample.txt")); }
     static QStringList defaultText();
-    bool WriteDefaultSample() const;
+    bool writeDefaultSample() const;
     // Writes the default when the file is missing; false when it is still missing.
     bool ensureFile() const;
     // The names of the samples, in file order.
     QStringList sampleNames() const;
     // Makes the cabinet and its outline in one transaction, then shows it in the navigator.
     // Returns the new cabinet's id.
-    qint32 CreateSampleCabinet(const QString& name);
+    qint32 createSampleCabinet(const QString& name);
 
 private:
-    QVector<CreatedItem> FillSampleCabinet(const QString& name, qint32 cabinetId);
+    QVector<CreatedItem> fillSampleCabinet(const QString& name, qint32 cabinetId);
 
     AppHome m_home;
     Database& m_db;

@@ -49,7 +49,7 @@ void SampleDialog::cmdCreate()
             m_list->setFocus();
             return;
         }
-        m_samples.CreateSampleCabinet(name);
+        m_samples.createSampleCabinet(name);
     } catch (const StoreError& e) {
         m_prompter.tell(e.message());
         return;

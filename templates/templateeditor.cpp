@@ -179,7 +179,7 @@ void TemplateEditor::cmdOK()
         m_prompter.tell(QStringLiteral("Cannot write the file '%1'.").arg(m_templates.filePath()));
         return;
     }
-    m_templates.LoadDrawerTemplates();
+    m_templates.loadDrawerTemplates();
     accept();
 }
 

@@ -38,7 +38,7 @@ private slots:
             NavWindow* w = run.window();
             QVERIFY(w->isFirstShow());
             QVERIFY(w->isMaximized());
-            QCOMPARE(home.settings().GetSetting("FirstShow"), QStringLiteral("N"));
+            QCOMPARE(home.settings().getSetting("FirstShow"), QStringLiteral("N"));
             QVERIFY(qAbs(w->treeWidthTwips() - 3000) <= 15);
             QCOMPARE(w->tree()->node("ROOT")->child(0)->text(0),
                      QStringLiteral("Generic File Cabinet"));
@@ -53,12 +53,12 @@ private slots:
             normal = w->geometry();
             const QString drawer = NavTree::keyOf(w->tree()->node("ROOT")->child(0)->child(1));
             w->tree()->selectNode(drawer);
-            w->NodeClick(drawer);
+            w->nodeClick(drawer);
             w->close();
         }
         Settings& settings = home.reopenSettings();
-        QCOMPARE(settings.GetSetting("frmNavTree.WindowState"), QStringLiteral("0"));
-        const QString last = settings.GetSetting("LastNavTreeNodeKey");
+        QCOMPARE(settings.getSetting("frmNavTree.WindowState"), QStringLiteral("0"));
+        const QString last = settings.getSetting("LastNavTreeNodeKey");
         QVERIFY(last.startsWith("DRW"));
 
         Startup again(home.home(), settings, prompter, choosers);
@@ -80,7 +80,7 @@ private slots:
             Database db;
             db.open(StoreSchema::storePath(home.home()));
             StoreSchema::createTables(db);
-            StoreSchema::UpdateDatabase(db, 2);
+            StoreSchema::updateDatabase(db, 2);
             db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Old one', '')");
         }
         test::ScriptedPrompter prompter;
@@ -108,11 +108,11 @@ private slots:
     void prerequisite()
     {
         test::ScriptedPrompter prompter;
-        QVERIFY(Startup::CheckDataAccess(prompter, StoreSchema::kMinimumSqlite));
-        QVERIFY(Startup::CheckDataAccess(prompter, Database::runtimeVersion()));
+        QVERIFY(Startup::checkDataAccess(prompter, StoreSchema::kMinimumSqlite));
+        QVERIFY(Startup::checkDataAccess(prompter, Database::runtimeVersion()));
         prompter.expect("MDAC 2.7 is not installed.  Please visit our website and select "
                         "Download.  Then select MDAC.");
-        QVERIFY(!Startup::CheckDataAccess(prompter, 3007000));
+        QVERIFY(!Startup::checkDataAccess(prompter, 3007000));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
     }
 
@@ -172,9 +172,9 @@ private slots:
     void splashSteps()
     {
         SplashWindow s;
-        s.ShowSplash("Starting", 1, 3);
+        s.showSplash("Starting", 1, 3);
         for (const char* text : {"a", "b", "c", "d", "e"})
-            s.SplashStep(text);
+            s.splashStep(text);
         QCOMPARE(s.status(), QStringLiteral("e"));
         QCOMPARE(s.bar()->position(), 3);
         QCOMPARE(s.windowTitle(), QStringLiteral("Starting"));

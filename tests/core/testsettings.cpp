@@ -15,21 +15,21 @@ private slots:
     {
         test::TestHome home;
         Settings& s = home.settings();
-        QCOMPARE(s.GetSetting("FirstShow", "Y"), QStringLiteral("Y"));
-        QCOMPARE(s.GetSetting("NoSuchKey"), QString());
+        QCOMPARE(s.getSetting("FirstShow", "Y"), QStringLiteral("Y"));
+        QCOMPARE(s.getSetting("NoSuchKey"), QString());
         QVERIFY(!s.contains("EmailSystem"));
-        s.SaveSetting("EmailSystem", "");
+        s.saveSetting("EmailSystem", "");
         QVERIFY(s.contains("EmailSystem"));
         // An empty value is a value: the default does not come back.
-        QCOMPARE(s.GetSetting("EmailSystem", "MAPI"), QString());
-        s.SaveSetting("Printer", "Desk Jet");
-        QCOMPARE(home.reopenSettings().GetSetting("Printer"), QStringLiteral("Desk Jet"));
+        QCOMPARE(s.getSetting("EmailSystem", "MAPI"), QString());
+        s.saveSetting("Printer", "Desk Jet");
+        QCOMPARE(home.reopenSettings().getSetting("Printer"), QStringLiteral("Desk Jet"));
     }
 
     void keysLiveInTheSettingsGroup()
     {
         test::TestHome home;
-        home.settings().SaveSetting("FirstShow", "N");
+        home.settings().saveSetting("FirstShow", "N");
         home.settings().sync();
         QSettings raw(home.settingsPath(), QSettings::IniFormat);
         QCOMPARE(raw.value("Settings/FirstShow").toString(), QStringLiteral("N"));
@@ -53,10 +53,10 @@ private slots:
         QFETCH(int, expected);
         test::TestHome home;
         if (!stored.isNull())
-            home.settings().SaveSetting("DisplayCount", stored);
+            home.settings().saveSetting("DisplayCount", stored);
         QCOMPARE(home.settings().displayCount(), expected);
         // The clamp never rewrites the stored value.
-        QCOMPARE(home.settings().GetSetting("DisplayCount"), stored);
+        QCOMPARE(home.settings().getSetting("DisplayCount"), stored);
     }
 
     void savePlacement_data()
@@ -73,14 +73,14 @@ private slots:
         QFETCH(bool, rectangleWritten);
         test::TestHome home;
         Settings& s = home.settings();
-        s.SavePlacement("frmNavTree", Placement{10, 20, 300, 400, state});
-        QCOMPARE(s.GetSetting("frmNavTree.WindowState"), QString::number(state));
+        s.savePlacement("frmNavTree", Placement{10, 20, 300, 400, state});
+        QCOMPARE(s.getSetting("frmNavTree.WindowState"), QString::number(state));
         for (const char* key :
              {"frmNavTree.Top", "frmNavTree.Left", "frmNavTree.Height", "frmNavTree.Width"})
             QCOMPARE(s.contains(QLatin1String(key)), rectangleWritten);
         if (rectangleWritten) {
-            QCOMPARE(s.GetSetting("frmNavTree.Top"), QStringLiteral("10"));
-            QCOMPARE(s.GetSetting("frmNavTree.Width"), QStringLiteral("400"));
+            QCOMPARE(s.getSetting("frmNavTree.Top"), QStringLiteral("10"));
+            QCOMPARE(s.getSetting("frmNavTree.Width"), QStringLiteral("400"));
         }
     }
 
@@ -90,13 +90,13 @@ private slots:
         Settings& s = home.settings();
         const Placement current{1, 2, 3, 4, 0};
         // Nothing stored: the current values stay.
-        Placement p = s.RestorePlacement("frmNavTree", current);
+        Placement p = s.restorePlacement("frmNavTree", current);
         QCOMPARE(p.top, 1);
         QCOMPARE(p.width, 4);
 
-        s.SavePlacement("frmNavTree", Placement{50, 60, 700, 800, 0});
-        s.SavePlacement("frmNavTree", Placement{0, 0, 0, 0, 1}); // closed minimised
-        p = s.RestorePlacement("frmNavTree", current);
+        s.savePlacement("frmNavTree", Placement{50, 60, 700, 800, 0});
+        s.savePlacement("frmNavTree", Placement{0, 0, 0, 0, 1}); // closed minimised
+        p = s.restorePlacement("frmNavTree", current);
         QCOMPARE(p.windowState, 0); // never comes back minimised
         QCOMPARE(p.top, 50);
         QCOMPARE(p.left, 60);
@@ -104,15 +104,15 @@ private slots:
         QCOMPARE(p.width, 800);
 
         // A bad value leaves that one field alone.
-        s.SaveSetting("frmNavTree.Left", "wide");
-        s.SaveSetting("frmNavTree.WindowState", "2");
-        p = s.RestorePlacement("frmNavTree", current);
+        s.saveSetting("frmNavTree.Left", "wide");
+        s.saveSetting("frmNavTree.WindowState", "2");
+        p = s.restorePlacement("frmNavTree", current);
         QCOMPARE(p.left, 2);
         QCOMPARE(p.top, 50);
         QCOMPARE(p.windowState, 2);
 
         // A fixed window keeps its size.
-        p = s.RestorePlacement("frmNavTree", current, false);
+        p = s.restorePlacement("frmNavTree", current, false);
         QCOMPARE(p.height, 3);
         QCOMPARE(p.width, 4);
     }
@@ -126,7 +126,7 @@ private slots:
         r.cabinetName = "Home";
         r.amountThru = 12;
         r.scanFrom = QDate(2020, 1, 1);
-        r.InitFindDefaults();
+        r.initFindDefaults();
         QCOMPARE(r.keywords, QString());
         QCOMPARE(r.matchAny, 1);
         QCOMPARE(r.matchAll, 0);

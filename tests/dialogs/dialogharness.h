@@ -40,7 +40,7 @@ struct DialogHarness
         store.drawer(empty, "One");
         store.drawer(empty, "Two");
         session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::OpenDatabase(session->db(), home.home());
+        StoreSchema::openDatabase(session->db(), home.home());
     }
     DialogServices services() { return DialogServices{*session, prompter, choosers, &nav}; }
     Database& db() { return session->db(); }

@@ -186,7 +186,7 @@ private slots:
             QCOMPARE(f.storage, 1);
             QCOMPARE(f.storagePath, QStringLiteral("/srv/scans"));
             QCOMPARE(h.db().scalar("SELECT Password FROM Cabinet WHERE CabinetId = 4").toString(),
-                     EncryptText("Pw", Cipher::key()));
+                     encryptText("Pw", Cipher::key()));
         } else if (level == 2) {
             QCOMPARE(f.email, QStringLiteral("a@b.example"));
         } else if (level == 3) {
@@ -246,7 +246,7 @@ private slots:
         QCOMPARE(h.nav.calls, QStringList{"=CAB2 Private"});
         QCOMPARE(h.db().scalar("SELECT Password FROM Cabinet WHERE CabinetId = 2").toString(),
                  QString());
-        QVERIFY(h.session->locks().IsCabinetOpen(2));
+        QVERIFY(h.session->locks().isCabinetOpen(2));
         QCOMPARE(ItemStore(h.db()).fields(Level::Cabinet, 2)->storagePath,
                  QStringLiteral("/kept/though/unused"));
     }
@@ -342,10 +342,10 @@ private slots:
 
         ItemDialog drawer(Level::Drawer, h.services());
         drawer.setAdd(1);
-        drawer.PopulateTemplates({}, {});
+        drawer.populateTemplates({}, {});
         QVERIFY(child<QComboBox>(&drawer, "cboTemplate")->isHidden());
         QStringList applied;
-        drawer.PopulateTemplates(
+        drawer.populateTemplates(
             {"Car", "House"}, [&](const QString& name, qint32 id, ItemStore& items) {
                 applied << QString("%1>%2").arg(name).arg(id);
                 const qint32 folder = items.insertItem(Level::Folder, id, "Repairs");
@@ -365,7 +365,7 @@ private slots:
         h.nav.calls.clear();
         ItemDialog plain(Level::Drawer, h.services());
         plain.setAdd(1);
-        plain.PopulateTemplates({"Car"}, [&](const QString&, qint32, ItemStore&) {
+        plain.populateTemplates({"Car"}, [&](const QString&, qint32, ItemStore&) {
             applied << "wrong";
             return QVector<CreatedItem>{};
         });
@@ -387,10 +387,10 @@ private slots:
         child<QLineEdit>(&dialog, "txtAmount")->setText("1234567.89 EUR");
         const int before = ItemStore(h.db()).count(Level::Document);
         dialog.cmdOK();
-        QVERIFY(!dialog.newDocument().Cancelled);
-        QCOMPARE(dialog.newDocument().Name, QStringLiteral("Receipt"));
-        QCOMPARE(dialog.newDocument().DateOnDocument, QStringLiteral("12/24/2025"));
-        QCOMPARE(dialog.newDocument().Amount, QStringLiteral("1234567.89"));
+        QVERIFY(!dialog.newDocument().cancelled);
+        QCOMPARE(dialog.newDocument().name, QStringLiteral("Receipt"));
+        QCOMPARE(dialog.newDocument().dateOnDocument, QStringLiteral("12/24/2025"));
+        QCOMPARE(dialog.newDocument().amount, QStringLiteral("1234567.89"));
         QCOMPARE(ItemStore(h.db()).count(Level::Document), before);
         QVERIFY(h.nav.calls.isEmpty());
 
@@ -401,11 +401,11 @@ private slots:
                           "characters.");
         tooLong.cmdOK();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        QVERIFY(tooLong.newDocument().Cancelled);
+        QVERIFY(tooLong.newDocument().cancelled);
 
         ItemDialog cancelled(Level::Document, h.services(), nullptr, true);
         child<QPushButton>(&cancelled, "cmdCancel")->click();
-        QVERIFY(cancelled.newDocument().Cancelled);
+        QVERIFY(cancelled.newDocument().cancelled);
     }
 
     void browseForPath()
@@ -418,7 +418,7 @@ private slots:
         dialog.cmdBrowse();
         QCOMPARE(h.choosers.directoryStarts().size(), 0);
         child<QRadioButton>(&dialog, "optStorage1")->click();
-        h.home.settings().SaveSetting("PathSelect", h.home.path());
+        h.home.settings().saveSetting("PathSelect", h.home.path());
         h.choosers.queueDirectory(std::nullopt);
         dialog.cmdBrowse();
         QCOMPARE(h.choosers.directoryStarts().value(0), h.home.path());
@@ -428,7 +428,7 @@ private slots:
         dialog.cmdBrowse();
         QCOMPARE(h.choosers.directoryStarts().value(1), QString()); // a stale path opens anywhere
         QCOMPARE(saveTo->text(), QStringLiteral("/srv/scans"));
-        QCOMPARE(h.home.settings().GetSetting("PathSelect"), QStringLiteral("/srv/scans"));
+        QCOMPARE(h.home.settings().getSetting("PathSelect"), QStringLiteral("/srv/scans"));
         // Going back to the program's names keeps the text but disables it.
         child<QRadioButton>(&dialog, "optStorage0")->click();
         QVERIFY(!saveTo->isEnabled());

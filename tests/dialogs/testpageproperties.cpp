@@ -81,7 +81,7 @@ private slots:
         for (const QString& sql : updates)
             h.db().execute(sql);
         PagePropertiesDialog dialog(h.db());
-        dialog.PopulateMultiple(keys);
+        dialog.populateMultiple(keys);
         QCOMPARE(dialog.text("lblPageId"), QStringLiteral("Pages:"));
         QCOMPARE(dialog.text("lblPageIdData"), count);
         QCOMPARE(dialog.text("lblScanDateData"), date);

@@ -33,7 +33,7 @@ struct NavHarness
     void openStore()
     {
         session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::OpenDatabase(session->db(), home.home());
+        StoreSchema::openDatabase(session->db(), home.home());
     }
     void load(bool show = true)
     {

@@ -213,7 +213,7 @@ private slots:
         // The arrow keys move the selection without driving the window; Insert then adds a
         // drawer to the cabinet that is selected, not to the one clicked last.
         h.tree()->selectNode("CAB2");
-        h.session->locks().OpenCabinet(2, h.choosers, h.prompter, nullptr);
+        h.session->locks().openCabinet(2, h.choosers, h.prompter, nullptr);
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Keyboard drawer", &seen); });
         QTest::keyClick(h.tree(), Qt::Key_Insert);
@@ -257,7 +257,7 @@ private slots:
         h.prompter.expect("Renumber all pages in 'March statement'?", Prompter::Answer(answer));
         trigger(h, "mnuPopupDocumentRepaginate");
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        const Recordset rs = h.session->db().OpenRecordset(
+        const Recordset rs = h.session->db().openRecordset(
             "SELECT PageNumber FROM Page WHERE DocumentId = 1 ORDER BY PageId");
         QCOMPARE(QString("%1,%2").arg(rs.integer(0, "PageNumber")).arg(rs.integer(1, "PageNumber")),
                  numbers);
@@ -328,7 +328,7 @@ private slots:
         QVERIFY(OutlineFile::writeLines(h.home.file("Drawer.txt"),
                                         {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice"}));
         h.load();
-        h.templates->LoadDrawerTemplates();
+        h.templates->loadDrawerTemplates();
         h.click("CAB1");
         whenModal(h.window.get(), [](QWidget* d) {
             d->findChild<QLineEdit*>("txtName")->setText("My car");

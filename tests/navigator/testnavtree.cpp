@@ -220,7 +220,7 @@ private slots:
         // happens until another node has been clicked.
         h.choosers.queuePassword(QStringLiteral("secret"));
         h.click("CAB2");
-        QVERIFY(h.session->locks().IsCabinetOpen(2));
+        QVERIFY(h.session->locks().isCabinetOpen(2));
         QCOMPARE(h.childKeys("CAB2"), QStringList{});
         h.click("ROOT");
         h.click("CAB2");
@@ -302,7 +302,7 @@ private slots:
         QFETCH(QStringList, list);
         NavHarness h;
         test::FixtureStore(h.home.home()).fillSample();
-        h.home.settings().SaveSetting("LastNavTreeNodeKey", saved);
+        h.home.settings().saveSetting("LastNavTreeNodeKey", saved);
         h.load();
         QCOMPARE(h.choosers.passwordAsks(), 0); // a start never asks
         QCOMPARE(h.session->selection().lastNodeKey, saved);
@@ -347,7 +347,7 @@ private slots:
         QCOMPARE(spy.count(), exits ? 1 : 0);
         QCOMPARE(h.session->db().isOpen(), !exits);
         Settings& s = h.home.reopenSettings();
-        QCOMPARE(s.GetSetting("LastNavTreeNodeKey"), exits ? QString("DRW2") : QString());
+        QCOMPARE(s.getSetting("LastNavTreeNodeKey"), exits ? QString("DRW2") : QString());
         QCOMPARE(s.contains("frmNavTree.WindowState"), exits);
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW2"));
     }
@@ -360,8 +360,8 @@ private slots:
         h.window->close();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         Settings& s = h.home.reopenSettings();
-        QCOMPARE(s.GetSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
-        QCOMPARE(s.GetSetting("FirstShow"), QStringLiteral("N"));
+        QCOMPARE(s.getSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
+        QCOMPARE(s.getSetting("FirstShow"), QStringLiteral("N"));
         QVERIFY(s.contains("frmNavTree.Width"));
         QVERIFY(!h.session->db().isOpen());
     }

@@ -116,7 +116,7 @@ private slots:
         }
         ItemDialog drawer(Level::Drawer, services);
         drawer.setAdd(1);
-        drawer.PopulateTemplates({"Car", "House"}, {});
+        drawer.populateTemplates({"Car", "House"}, {});
         drawer.show();
         QVERIFY(QTest::qWaitForWindowExposed(&drawer));
         save(&drawer, "dialog-drawer-add-template");
@@ -134,7 +134,7 @@ private slots:
         QVERIFY(OutlineFile::writeLines(h.home.file("Drawer.txt"),
                                         {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice",
                                          "FLD=Insurance", "", "DRW=House", "FLD=Roof"}));
-        h.templates->LoadDrawerTemplates();
+        h.templates->loadDrawerTemplates();
         TemplateEditor editor(*h.templates, h.prompter);
         editor.tree()->expandAll();
         editor.show();

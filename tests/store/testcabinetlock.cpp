@@ -59,18 +59,18 @@ private slots:
         test::ScriptedPrompter prompter;
         test::ScriptedChoosers choosers;
         RebuildRecorder nav;
-        QVERIFY(!lock.IsCabinetOpen(id));
+        QVERIFY(!lock.isCabinetOpen(id));
         choosers.queuePassword(typed.isValid() ? std::optional<QString>(typed.toString())
                                                : std::nullopt);
         if (denied)
             prompter.expect("Access Denied");
-        QCOMPARE(lock.OpenCabinet(id, choosers, prompter, &nav), opens);
+        QCOMPARE(lock.openCabinet(id, choosers, prompter, &nav), opens);
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QCOMPARE(lock.IsCabinetOpen(id), opens);
+        QCOMPARE(lock.isCabinetOpen(id), opens);
         QCOMPARE(nav.rebuilt, opens ? QStringList{QString("%1:Locked").arg(id)} : QStringList{});
         if (opens) {
             // Once open, no second question.
-            QVERIFY(lock.OpenCabinet(id, choosers, prompter, &nav));
+            QVERIFY(lock.openCabinet(id, choosers, prompter, &nav));
             QCOMPARE(choosers.passwordAsks(), 1);
         }
     }
@@ -85,13 +85,13 @@ private slots:
         test::ScriptedPrompter prompter;
         test::ScriptedChoosers choosers;
         RebuildRecorder nav;
-        QVERIFY(lock.IsCabinetOpen(id));
-        QVERIFY(lock.OpenCabinet(id, choosers, prompter, &nav));
+        QVERIFY(lock.isCabinetOpen(id));
+        QVERIFY(lock.openCabinet(id, choosers, prompter, &nav));
         QCOMPARE(choosers.passwordAsks(), 0);
         QCOMPARE(nav.rebuilt.size(), 1); // the node is rebuilt once
-        QVERIFY(lock.OpenCabinet(id, choosers, prompter, &nav));
+        QVERIFY(lock.openCabinet(id, choosers, prompter, &nav));
         QCOMPARE(nav.rebuilt.size(), 1);
-        QVERIFY(lock.IsCabinetOpen(4242)); // no row, no password
+        QVERIFY(lock.isCabinetOpen(4242)); // no row, no password
     }
 
     void fullListAsksAgain()
@@ -102,14 +102,14 @@ private slots:
         test::ScriptedPrompter prompter;
         test::ScriptedChoosers choosers;
         for (int i = 0; i < CabinetLock::kSlots; ++i)
-            QVERIFY(lock.OpenCabinet(store.cabinet(QString("C%1").arg(i)), choosers, prompter,
+            QVERIFY(lock.openCabinet(store.cabinet(QString("C%1").arg(i)), choosers, prompter,
                                      nullptr));
         const qint32 last = store.cabinet("Last", "pw");
         choosers.queuePassword(QStringLiteral("pw"));
-        QVERIFY(lock.OpenCabinet(last, choosers, prompter, nullptr));
-        QVERIFY(!lock.IsCabinetOpen(last));
+        QVERIFY(lock.openCabinet(last, choosers, prompter, nullptr));
+        QVERIFY(!lock.isCabinetOpen(last));
         choosers.queuePassword(QStringLiteral("pw"));
-        QVERIFY(lock.OpenCabinet(last, choosers, prompter, nullptr));
+        QVERIFY(lock.openCabinet(last, choosers, prompter, nullptr));
         QCOMPARE(choosers.passwordAsks(), 2);
     }
 };

@@ -11,17 +11,17 @@ class TestCipher : public QObject
 private slots:
     void example()
     {
-        const QString stored = EncryptText(QStringLiteral("AB"), Cipher::key());
+        const QString stored = encryptText(QStringLiteral("AB"), Cipher::key());
         QCOMPARE(stored.size(), 2);
         QCOMPARE(int(stored.at(0).unicode()), 76);
         QCOMPARE(int(stored.at(1).unicode()), 54);
-        QCOMPARE(DecryptText(stored, Cipher::key()), QStringLiteral("AB"));
+        QCOMPARE(decryptText(stored, Cipher::key()), QStringLiteral("AB"));
     }
 
     void empty()
     {
-        QCOMPARE(EncryptText(QString(), Cipher::key()), QString());
-        QCOMPARE(DecryptText(QString(), Cipher::key()), QString());
+        QCOMPARE(encryptText(QString(), Cipher::key()), QString());
+        QCOMPARE(decryptText(QString(), Cipher::key()), QString());
     }
 
     void roundTripEveryPrintableCharacter_data()
@@ -43,11 +43,11 @@ private slots:
             QString clear;
             for (int i = 0; i < length; ++i)
                 clear += printable.at((start + i * 7) % printable.size());
-            const QString stored = EncryptText(clear, Cipher::key());
+            const QString stored = encryptText(clear, Cipher::key());
             QCOMPARE(stored.size(), clear.size());
             for (const QChar c : stored)
                 QVERIFY(c.unicode() <= 255);
-            QCOMPARE(DecryptText(stored, Cipher::key()), clear);
+            QCOMPARE(decryptText(stored, Cipher::key()), clear);
         }
     }
 
@@ -55,18 +55,18 @@ private slots:
     {
         // Eleven equal characters: the eleventh meets the first key character again.
         const QString clear(11, QLatin1Char('m'));
-        const QString stored = EncryptText(clear, Cipher::key());
+        const QString stored = encryptText(clear, Cipher::key());
         QCOMPARE(stored.at(10), stored.at(0));
         QVERIFY(stored.at(9) != stored.at(0));
         // An empty key falls back on the second key.
-        QCOMPARE(EncryptText("secret", QString()), EncryptText("secret", Cipher::fallbackKey()));
-        QCOMPARE(DecryptText(EncryptText("secret", QString()), QString()),
+        QCOMPARE(encryptText("secret", QString()), encryptText("secret", Cipher::fallbackKey()));
+        QCOMPARE(decryptText(encryptText("secret", QString()), QString()),
                  QStringLiteral("secret"));
     }
 
     void caseMatters()
     {
-        QVERIFY(EncryptText("Secret", Cipher::key()) != EncryptText("secret", Cipher::key()));
+        QVERIFY(encryptText("Secret", Cipher::key()) != encryptText("secret", Cipher::key()));
     }
 };
 

@@ -33,17 +33,17 @@ private slots:
         QFETCH(QString, text);
         QFETCH(bool, badName);
         QFETCH(bool, badPath);
-        QCOMPARE(ItemRules::ContainsBadCharacters(text), badName);
-        QCOMPARE(ItemRules::ContainsBadPathCharacters(text), badPath);
-        QCOMPARE(ItemRules::ContainsBadCharacters(ItemRules::StripBadCharacters(text)), false);
-        QCOMPARE(ItemRules::ContainsBadPathCharacters(ItemRules::StripBadPathCharacters(text)),
+        QCOMPARE(ItemRules::containsBadCharacters(text), badName);
+        QCOMPARE(ItemRules::containsBadPathCharacters(text), badPath);
+        QCOMPARE(ItemRules::containsBadCharacters(ItemRules::stripBadCharacters(text)), false);
+        QCOMPARE(ItemRules::containsBadPathCharacters(ItemRules::stripBadPathCharacters(text)),
                  false);
     }
 
     void strip()
     {
-        QCOMPARE(ItemRules::StripBadCharacters("a/b:c d"), QStringLiteral("abc d"));
-        QCOMPARE(ItemRules::StripBadPathCharacters("x:/y.z"), QStringLiteral("x:y.z"));
+        QCOMPARE(ItemRules::stripBadCharacters("a/b:c d"), QStringLiteral("abc d"));
+        QCOMPARE(ItemRules::stripBadPathCharacters("x:/y.z"), QStringLiteral("x:y.z"));
         QCOMPARE(ItemRules::badCharactersMessage(),
                  QStringLiteral("The following characters are not allowed:\n"
                                 "\\ / : * ? \" < > | ."));
@@ -73,9 +73,9 @@ private slots:
         QFETCH(bool, blank);
         QFETCH(bool, valid);
         QFETCH(QDate, date);
-        QCOMPARE(ItemRules::IsBlank(text), blank);
-        QCOMPARE(ItemRules::IsValidDate(text), valid);
-        QCOMPARE(ItemRules::DateOrZero(text), date);
+        QCOMPARE(ItemRules::isBlank(text), blank);
+        QCOMPARE(ItemRules::isValidDate(text), valid);
+        QCOMPARE(ItemRules::dateOrZero(text), date);
         if (date.isValid())
             QCOMPARE(ItemRules::parseDate(ItemRules::displayDate(date)), date);
     }
@@ -126,7 +126,7 @@ private slots:
     {
         QFETCH(QString, name);
         QFETCH(bool, picture);
-        QCOMPARE(ItemRules::IsPictureFile(name), picture);
+        QCOMPARE(ItemRules::isPictureFile(name), picture);
     }
 };
 

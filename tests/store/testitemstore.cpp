@@ -31,10 +31,10 @@ public:
 
 QList<int> numbersInIdOrder(Database& db, qint32 documentId)
 {
-    const Recordset rs = db.OpenRecordset(
+    const Recordset rs = db.openRecordset(
         "SELECT PageNumber FROM Page WHERE DocumentId = ? ORDER BY PageId", {documentId});
     QList<int> numbers;
-    for (int i = 0; i < rs.RecordCount(); ++i)
+    for (int i = 0; i < rs.recordCount(); ++i)
         numbers << rs.integer(i, "PageNumber");
     return numbers;
 }
@@ -67,7 +67,7 @@ private slots:
         for (const QVariant& n : numbers)
             store.pageRow(doc, n);
         CountingProgress progress;
-        ItemStore(store.db()).RepaginateDocument(doc, "Doc", progress);
+        ItemStore(store.db()).repaginateDocument(doc, "Doc", progress);
         QCOMPARE(numbersInIdOrder(store.db(), doc), expected);
         QCOMPARE(numbersInIdOrder(store.db(), other), QList<int>{5}); // untouched
         QCOMPARE(progress.title, QStringLiteral("Repaginate Doc"));
@@ -81,7 +81,7 @@ private slots:
         test::TestHome home;
         test::FixtureStore store(home.home());
         CountingProgress progress;
-        ItemStore(store.db()).RepaginateDocument(42, "None", progress);
+        ItemStore(store.db()).repaginateDocument(42, "None", progress);
         QCOMPARE(progress.starts, 0);
     }
 
@@ -95,12 +95,12 @@ private slots:
         const qint32 doc = store.document(fld, "Doc", QDate(2026, 1, 2));
         const qint32 pag = store.pageRow(doc, 1);
         ItemStore items(store.db());
-        QCOMPARE(items.CabinetOfDrawer(drw), cab);
-        QCOMPARE(items.DrawerOfFolder(fld), drw);
-        QCOMPARE(items.FolderOfDocument(doc), fld);
-        QCOMPARE(items.DocumentOfPage(pag), doc);
+        QCOMPARE(items.cabinetOfDrawer(drw), cab);
+        QCOMPARE(items.drawerOfFolder(fld), drw);
+        QCOMPARE(items.folderOfDocument(doc), fld);
+        QCOMPARE(items.documentOfPage(pag), doc);
         // A dangling id answers -1 instead of failing.
-        QCOMPARE(items.FolderOfDocument(9999), -1);
+        QCOMPARE(items.folderOfDocument(9999), -1);
         QCOMPARE(items.parentOf(Level::Cabinet, cab), -1);
 
         store.drawer(cab, "b second");

@@ -39,12 +39,12 @@ private slots:
         test::FixtureStore store(home.home());
         PagePaths paths(store.db(), home.home());
         // No row: the computed scheme, with or without the store.
-        QCOMPARE(paths.PagePath(id), home.file(page));
-        QCOMPARE(paths.ThumbPath(id), home.file(thumb));
-        QCOMPARE(paths.ComputedPagePath(id), home.file(page));
-        QCOMPARE(paths.ComputedThumbPath(id), home.file(thumb));
-        QCOMPARE(paths.PageDirectory(id) + "/", PagePaths::DirectoryPart(home.file(page)));
-        QVERIFY(!paths.IsPageShortcut(id));
+        QCOMPARE(paths.pagePath(id), home.file(page));
+        QCOMPARE(paths.thumbPath(id), home.file(thumb));
+        QCOMPARE(paths.computedPagePath(id), home.file(page));
+        QCOMPARE(paths.computedThumbPath(id), home.file(thumb));
+        QCOMPARE(paths.pageDirectory(id) + "/", PagePaths::directoryPart(home.file(page)));
+        QVERIFY(!paths.isPageShortcut(id));
     }
 
     void storedFilename_data()
@@ -91,12 +91,12 @@ private slots:
         store.db().execute("UPDATE Page SET Filename = ?, ShortcutYN = ? WHERE PageId = ?",
                            {filename, shortcut, id});
         PagePaths paths(store.db(), home.home());
-        QCOMPARE(paths.PageFilename(id), filename);
-        QCOMPARE(paths.PagePath(id), filename);
-        QCOMPARE(paths.PageDirectory(id), pageDir);
-        QCOMPARE(paths.ThumbDirectory(id), thumbDir);
-        QCOMPARE(paths.ThumbPath(id), thumb);
-        QCOMPARE(paths.IsPageShortcut(id), isShortcut);
+        QCOMPARE(paths.pageFilename(id), filename);
+        QCOMPARE(paths.pagePath(id), filename);
+        QCOMPARE(paths.pageDirectory(id), pageDir);
+        QCOMPARE(paths.thumbDirectory(id), thumbDir);
+        QCOMPARE(paths.thumbPath(id), thumb);
+        QCOMPARE(paths.isPageShortcut(id), isShortcut);
     }
 
     void parts_data()
@@ -122,8 +122,8 @@ private slots:
         QFETCH(QString, path);
         QFETCH(QString, dir);
         QFETCH(QString, file);
-        QCOMPARE(PagePaths::DirectoryPart(path), dir);
-        QCOMPARE(PagePaths::FilePart(path), file);
+        QCOMPARE(PagePaths::directoryPart(path), dir);
+        QCOMPARE(PagePaths::filePart(path), file);
     }
 
     void ensurePathExists_data()
@@ -145,13 +145,13 @@ private slots:
         QFETCH(QStringList, made);
         QFETCH(QStringList, notMade);
         test::TestHome home;
-        QVERIFY(PagePaths::EnsurePathExists(home.file(path)));
+        QVERIFY(PagePaths::ensurePathExists(home.file(path)));
         for (const QString& d : made)
             QVERIFY2(QFileInfo(home.file(d)).isDir(), qPrintable(d));
         for (const QString& d : notMade)
             QVERIFY2(!QFileInfo::exists(home.file(d)), qPrintable(d));
         // Running it again changes nothing and still succeeds.
-        QVERIFY(PagePaths::EnsurePathExists(home.file(path)));
+        QVERIFY(PagePaths::ensurePathExists(home.file(path)));
     }
 
     void ensurePathExistsBelowADottedHome()
@@ -162,25 +162,25 @@ private slots:
         Database db;
         PagePaths paths(db, home);
         // The home's dots do not make its directories file names.
-        QVERIFY(paths.ensurePathExists(home.file("Thumbs/0000012")));
+        QVERIFY(paths.ensurePathInHome(home.file("Thumbs/0000012")));
         QVERIFY(QFileInfo(home.file("Thumbs/0000012")).isDir());
-        QVERIFY(paths.ensurePathExists(home.file("Pages/0000003/3456.jpg")));
+        QVERIFY(paths.ensurePathInHome(home.file("Pages/0000003/3456.jpg")));
         QVERIFY(QFileInfo(home.file("Pages/0000003")).isDir());
         QVERIFY(!QFileInfo::exists(home.file("Pages/0000003/3456.jpg")));
         // Below the home the rule stands: a dotted directory takes what follows for a file.
-        QVERIFY(paths.ensurePathExists(home.file("export.v2/inner")));
+        QVERIFY(paths.ensurePathInHome(home.file("export.v2/inner")));
         QVERIFY(QFileInfo(home.file("export.v2")).isDir());
         QVERIFY(!QFileInfo::exists(home.file("export.v2/inner")));
     }
 
     void ensurePathExistsEdges()
     {
-        QVERIFY(PagePaths::EnsurePathExists("/"));
-        QVERIFY(PagePaths::EnsurePathExists(QString()));
+        QVERIFY(PagePaths::ensurePathExists("/"));
+        QVERIFY(PagePaths::ensurePathExists(QString()));
         test::TestHome home;
         // A file where a directory should be: the answer is false, not a crash.
         QVERIFY(home.writeFile("blocker", {}));
-        QVERIFY(!PagePaths::EnsurePathExists(home.file("blocker/sub/x.jpg")));
+        QVERIFY(!PagePaths::ensurePathExists(home.file("blocker/sub/x.jpg")));
     }
 };
 

@@ -29,7 +29,7 @@ void makeStoreAt(const AppHome& home, int version)
     Database db;
     db.open(StoreSchema::storePath(home));
     StoreSchema::createTables(db);
-    StoreSchema::UpdateDatabase(db, version);
+    StoreSchema::updateDatabase(db, version);
 }
 
 } // namespace
@@ -42,7 +42,7 @@ private slots:
     {
         test::TestHome home;
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         QVERIFY(QFile::exists(home.file("qmr.mdb")));
         QCOMPARE(StoreSchema::readVersion(db), 4);
         QCOMPARE(versionRows(db), 1);
@@ -83,7 +83,7 @@ private slots:
                 db.execute("INSERT INTO Page (DocumentId, PageNumber) VALUES (1, 1)");
         }
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         QCOMPARE(StoreSchema::readVersion(db), 4);
         QCOMPARE(versionRows(db), 1);
         QCOMPARE(columnCount(db, "Cabinet"), 6);
@@ -116,7 +116,7 @@ private slots:
             QCOMPARE(StoreSchema::readVersion(db), 0);
         }
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         QCOMPARE(StoreSchema::readVersion(db), 4);
         QCOMPARE(versionRows(db), 1);
     }
@@ -127,7 +127,7 @@ private slots:
         makeStoreAt(home.home(), 2);
         QVERIFY(QFile::rename(home.file("qmr.mdb"), home.file("empty.mdb")));
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         QVERIFY(QFile::exists(home.file("empty.mdb")));
         QCOMPARE(StoreSchema::readVersion(db), 4);
     }
@@ -144,7 +144,7 @@ private slots:
         QVERIFY(QFile::rename(home.file("qmr.mdb"), home.file("empty.mdb")));
         Database db;
         try {
-            StoreSchema::OpenDatabase(db, home.home());
+            StoreSchema::openDatabase(db, home.home());
             QFAIL("the first upgrade step must fail on a column that exists");
         } catch (const StoreError& e) {
             QVERIFY2(e.message().contains("duplicate column"), qPrintable(e.message()));
@@ -159,14 +159,14 @@ private slots:
         test::TestHome home;
         QVERIFY(home.writeFile("qmr.mdb", QByteArray(4096, 'x')));
         Database db;
-        QVERIFY_THROWS_EXCEPTION(StoreError, StoreSchema::OpenDatabase(db, home.home()));
+        QVERIFY_THROWS_EXCEPTION(StoreError, StoreSchema::openDatabase(db, home.home()));
     }
 
     void namesRoundTripAndCompareWithoutCase()
     {
         test::TestHome home;
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         ItemStore items(db);
         const QString name = QStringLiteral("O'Brien's \"Müller\" cabinet");
         const qint32 id = items.insertItem(Level::Cabinet, -1, name);
@@ -195,7 +195,7 @@ private slots:
         QFETCH(QString, message);
         test::TestHome home;
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         try {
             db.execute(sql, {QString(300, QLatin1Char('n'))});
             QFAIL("an over-long value was stored");
@@ -212,18 +212,18 @@ private slots:
 
     void quoteSqlAndNulls()
     {
-        QCOMPARE(QuoteSql("it's 'x'"), QStringLiteral("it''s ''x''"));
-        QCOMPARE(QuoteSql("a''b").size(), 6);
-        QCOMPARE(QuoteSql(QString()), QString());
-        QCOMPARE(NullToString(QVariant()), QString());
-        QCOMPARE(NullToString(QVariant(12)), QStringLiteral("12"));
+        QCOMPARE(quoteSql("it's 'x'"), QStringLiteral("it''s ''x''"));
+        QCOMPARE(quoteSql("a''b").size(), 6);
+        QCOMPARE(quoteSql(QString()), QString());
+        QCOMPARE(nullToString(QVariant()), QString());
+        QCOMPARE(nullToString(QVariant(12)), QStringLiteral("12"));
     }
 
     void transactionRollsBack()
     {
         test::TestHome home;
         Database db;
-        StoreSchema::OpenDatabase(db, home.home());
+        StoreSchema::openDatabase(db, home.home());
         try {
             Database::Transaction tx(db);
             db.execute("INSERT INTO Cabinet (Name) VALUES ('A')");

@@ -14,14 +14,14 @@ namespace qmr::test {
 FixtureStore::FixtureStore(const AppHome& home) : m_home(home)
 {
     m_home.ensureExists();
-    StoreSchema::OpenDatabase(m_db, m_home);
+    StoreSchema::openDatabase(m_db, m_home);
 }
 
 qint32 FixtureStore::cabinet(const QString& name, const QString& password)
 {
     m_db.execute(QStringLiteral("INSERT INTO Cabinet (Name, Password, Description, Storage) "
                                 "VALUES (?, ?, '', 0)"),
-                 {name, EncryptText(password, Cipher::key())});
+                 {name, encryptText(password, Cipher::key())});
     return m_db.lastInsertId();
 }
 
@@ -73,11 +73,11 @@ qint32 FixtureStore::page(qint32 documentId, int pageNumber, const QSize& size)
         p.setPen(Qt::darkBlue);
         p.drawText(image.rect(), Qt::AlignCenter, QString::number(pageNumber));
     }
-    const QString file = paths.ComputedPagePath(id);
-    paths.ensurePathExists(file);
+    const QString file = paths.computedPagePath(id);
+    paths.ensurePathInHome(file);
     image.save(file, "JPG", 80);
-    const QString thumb = paths.ComputedThumbPath(id);
-    paths.ensurePathExists(thumb);
+    const QString thumb = paths.computedThumbPath(id);
+    paths.ensurePathInHome(thumb);
     image.scaled(100, 100, Qt::KeepAspectRatio, Qt::SmoothTransformation).save(thumb, "JPG", 80);
     m_db.execute(QStringLiteral("UPDATE Page SET FileSize = ? WHERE PageId = ?"),
                  {QFileInfo(file).size(), id});

@@ -71,11 +71,11 @@ private slots:
         const qint32 drawer = store.drawer(store.cabinet("C"), "New");
         DrawerTemplates templates(home.home());
         QVERIFY(OutlineFile::writeLines(templates.filePath(), kHandWritten));
-        templates.LoadDrawerTemplates();
+        templates.loadDrawerTemplates();
         QCOMPARE(templates.names(), QStringList{"Car"});
         ItemStore items(store.db());
         QStringList got;
-        for (const CreatedItem& c : templates.ApplyDrawerTemplate(name, drawer, items)) {
+        for (const CreatedItem& c : templates.applyDrawerTemplate(name, drawer, items)) {
             got << QLatin1String(levelInfo(c.level).prefix) + QLatin1Char(' ') + c.name;
             QCOMPARE(items.parentOf(c.level, c.id), c.parentId);
         }
@@ -104,7 +104,7 @@ private slots:
         DrawerTemplates templates(home.home());
         QVERIFY(OutlineFile::writeLines(templates.filePath(),
                                         {"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1"}));
-        templates.LoadDrawerTemplates();
+        templates.loadDrawerTemplates();
         {
             TemplateEditor editor(templates, prompter);
             QTreeWidget* tree = editor.tree();

@@ -55,7 +55,7 @@ private slots:
         NavRecorder nav;
         SampleCabinets samples(home.home(), store.db(), &nav);
         samples.ensureFile();
-        const qint32 id = samples.CreateSampleCabinet("Generic File Cabinet");
+        const qint32 id = samples.createSampleCabinet("Generic File Cabinet");
         ItemStore items(store.db());
         QCOMPARE(items.count(Level::Cabinet), 1);
         QCOMPARE(items.count(Level::Drawer), 6);
@@ -89,14 +89,14 @@ private slots:
                                           "  DRW = Three",
                                       });
         QCOMPARE(samples.sampleNames(), (QStringList{"First", "Second"}));
-        samples.CreateSampleCabinet("first"); // the name matches without regard to case
+        samples.createSampleCabinet("first"); // the name matches without regard to case
         ItemStore items(store.db());
         QCOMPARE(items.count(Level::Drawer), 2);
         QCOMPARE(items.count(Level::Folder), 1);
         QCOMPARE(items.count(Level::Document), 1);
         QCOMPARE(store.db().scalar("SELECT Name FROM Document").toString(),
                  QStringLiteral("Deed = copy"));
-        samples.CreateSampleCabinet("Second");
+        samples.createSampleCabinet("Second");
         QCOMPARE(items.count(Level::Drawer), 3);
     }
 
@@ -106,7 +106,7 @@ private slots:
         test::FixtureStore store(home.home());
         SampleCabinets samples(home.home(), store.db(), nullptr);
         writeFile(samples.filePath(), {"CAB=Big", " DRW=Fine", "  FLD=" + QString(81, 'x')});
-        QVERIFY_THROWS_EXCEPTION(StoreError, samples.CreateSampleCabinet("Big"));
+        QVERIFY_THROWS_EXCEPTION(StoreError, samples.createSampleCabinet("Big"));
         ItemStore items(store.db());
         QCOMPARE(items.count(Level::Cabinet), 0);
         QCOMPARE(items.count(Level::Drawer), 0);
@@ -116,7 +116,7 @@ private slots:
     {
         test::TestHome home;
         DrawerTemplates templates(home.home());
-        templates.LoadDrawerTemplates();
+        templates.loadDrawerTemplates();
         QVERIFY(templates.names().isEmpty()); // no file, no templates, no message
         writeFile(templates.filePath(), {
                                             "",
@@ -129,7 +129,7 @@ private slots:
                                             "DRW=Key=Value",
                                             " DRW=Indented",
                                         });
-        templates.LoadDrawerTemplates();
+        templates.loadDrawerTemplates();
         QCOMPARE(templates.names(), (QStringList{"Car", "Key=Value"}));
     }
 };
