@@ -1,4 +1,5 @@
 #include "templates/drawertemplates.h"
+#include "core/textfile.h"
 
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
@@ -8,7 +9,7 @@ namespace qmr {
 void DrawerTemplates::loadDrawerTemplates()
 {
     m_names.clear();
-    for (const QString& line : OutlineFile::readLines(filePath()))
+    for (const QString& line : TextFile::readLines(filePath()).value_or(QStringList()))
         if (line.startsWith(QLatin1String("DRW=")))
             m_names << line.mid(4);
 }

@@ -1,37 +1,9 @@
 #include "templates/outlinefile.h"
+#include "core/textfile.h"
 
 #include "store/itemstore.h"
 
-#include <QFile>
-#include <QSaveFile>
-#include <QTextStream>
-
 namespace qmr {
-
-QStringList OutlineFile::readLines(const QString& path)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return {};
-    QStringList lines;
-    QTextStream in(&file);
-    while (!in.atEnd())
-        lines << in.readLine();
-    return lines;
-}
-
-bool OutlineFile::writeLines(const QString& path, const QStringList& lines)
-{
-    // Written aside and renamed, so that a failed write never leaves half a file.
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return false;
-    QTextStream out(&file);
-    for (const QString& line : lines)
-        out << line << '\n';
-    out.flush();
-    return file.commit();
-}
 
 OutlineLine OutlineFile::parse(const QString& line)
 {
@@ -49,7 +21,7 @@ QVector<OutlineLine> OutlineFile::section(const QString& path, const QString& he
 {
     QVector<OutlineLine> lines;
     bool inside = false;
-    for (const QString& text : readLines(path)) {
+    for (const QString& text : TextFile::readLines(path).value_or(QStringList())) {
         const OutlineLine line = parse(text);
         const bool isHead = line.key == head;
         if (inside && isHead)

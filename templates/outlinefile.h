@@ -20,10 +20,6 @@ struct OutlineLine
 class OutlineFile
 {
 public:
-    // The lines of a text file; an empty list when it cannot be read.
-    static QStringList readLines(const QString& path);
-    // Writes the lines, replacing the file; false on failure.
-    static bool writeLines(const QString& path, const QStringList& lines);
     static OutlineLine parse(const QString& line);
     // The lines of the first section whose head line has the key `head` and the name `name`
     // (without regard to case), up to the next head line or the end of the file.

@@ -1,4 +1,5 @@
 #include "templates/samplecabinets.h"
+#include "core/textfile.h"
 
 #include "core/level.h"
 #include "core/navigatorcallbacks.h"
@@ -40,7 +41,7 @@ QStringList SampleCabinets::defaultText()
 
 bool SampleCabinets::writeDefaultSample() const
 {
-    return OutlineFile::writeLines(filePath(), defaultText());
+    return TextFile::writeLines(filePath(), defaultText());
 }
 
 bool SampleCabinets::ensureFile() const
@@ -53,7 +54,7 @@ bool SampleCabinets::ensureFile() const
 QStringList SampleCabinets::sampleNames() const
 {
     QStringList names;
-    for (const QString& line : OutlineFile::readLines(filePath())) {
+    for (const QString& line : TextFile::readLines(filePath()).value_or(QStringList())) {
         const OutlineLine l = OutlineFile::parse(line);
         if (l.key == QLatin1String("CAB"))
             names << l.name;

@@ -1,4 +1,5 @@
 #include "templates/templateeditor.h"
+#include "core/textfile.h"
 
 #include "core/prompter.h"
 #include "templates/drawertemplates.h"
@@ -104,7 +105,7 @@ void TemplateEditor::load()
     m_root->setExpanded(true);
     QVector<QTreeWidgetItem*> made;
     for (const TemplateNode& node :
-         TemplateOutline::read(OutlineFile::readLines(m_templates.filePath())))
+         TemplateOutline::read(TextFile::readLines(m_templates.filePath()).value_or(QStringList())))
         made << addNode(node.parent < 0 ? m_root : made.at(node.parent), node.key, node.name);
     m_tree->setCurrentItem(m_root);
     updateButtons();
@@ -173,7 +174,7 @@ void TemplateEditor::cmdOK()
         nodes << TemplateNode{item->data(0, kKeyRole).toString().left(3), item->text(0), -1};
     setCursor(Qt::WaitCursor);
     const bool written =
-        OutlineFile::writeLines(m_templates.filePath(), TemplateOutline::write(nodes));
+        TextFile::writeLines(m_templates.filePath(), TemplateOutline::write(nodes));
     unsetCursor();
     if (!written) {
         m_prompter.tell(QStringLiteral("Cannot write the file '%1'.").arg(m_templates.filePath()));

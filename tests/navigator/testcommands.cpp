@@ -1,4 +1,5 @@
 #include "dialogs/itemdialog.h"
+#include "core/textfile.h"
 #include "navharness.h"
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
@@ -325,8 +326,8 @@ private slots:
     {
         NavHarness h;
         test::FixtureStore(h.home.home()).fillSample();
-        QVERIFY(OutlineFile::writeLines(h.home.file("Drawer.txt"),
-                                        {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice"}));
+        QVERIFY(TextFile::writeLines(h.home.file("Drawer.txt"),
+                                     {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice"}));
         h.load();
         h.templates->loadDrawerTemplates();
         h.click("CAB1");

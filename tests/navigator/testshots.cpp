@@ -1,4 +1,5 @@
 #include "dialogs/passworddialog.h"
+#include "core/textfile.h"
 #include "dialogs/itemdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "dialogs/pathselectdialog.h"
@@ -131,9 +132,9 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(&page));
         save(&page, "dialog-page-properties");
 
-        QVERIFY(OutlineFile::writeLines(h.home.file("Drawer.txt"),
-                                        {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice",
-                                         "FLD=Insurance", "", "DRW=House", "FLD=Roof"}));
+        QVERIFY(TextFile::writeLines(h.home.file("Drawer.txt"),
+                                     {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice", "FLD=Insurance",
+                                      "", "DRW=House", "FLD=Roof"}));
         h.templates->loadDrawerTemplates();
         TemplateEditor editor(*h.templates, h.prompter);
         editor.tree()->expandAll();

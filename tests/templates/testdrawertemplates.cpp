@@ -1,4 +1,5 @@
 #include "store/itemstore.h"
+#include "core/textfile.h"
 #include "templates/drawertemplates.h"
 #include "templates/outlinefile.h"
 #include "templates/sampledialog.h"
@@ -70,7 +71,7 @@ private slots:
         test::FixtureStore store(home.home());
         const qint32 drawer = store.drawer(store.cabinet("C"), "New");
         DrawerTemplates templates(home.home());
-        QVERIFY(OutlineFile::writeLines(templates.filePath(), kHandWritten));
+        QVERIFY(TextFile::writeLines(templates.filePath(), kHandWritten));
         templates.loadDrawerTemplates();
         QCOMPARE(templates.names(), QStringList{"Car"});
         ItemStore items(store.db());
@@ -102,8 +103,8 @@ private slots:
         test::TestHome home;
         test::ScriptedPrompter prompter;
         DrawerTemplates templates(home.home());
-        QVERIFY(OutlineFile::writeLines(templates.filePath(),
-                                        {"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1"}));
+        QVERIFY(TextFile::writeLines(templates.filePath(),
+                                     {"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1"}));
         templates.loadDrawerTemplates();
         {
             TemplateEditor editor(templates, prompter);
@@ -143,7 +144,7 @@ private slots:
             editor.cmdOK();
         }
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QCOMPARE(OutlineFile::readLines(templates.filePath()),
+        QCOMPARE(TextFile::readLines(templates.filePath()).value_or(QStringList()),
                  (QStringList{"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1", "FLD=A2",
                               "DOC=Doc in A2"}));
         QCOMPARE(templates.names(), (QStringList{"Alpha", "Beta"}));
@@ -173,8 +174,8 @@ private slots:
         test::ScriptedChoosers choosers;
         test::NavRecorder nav;
         SampleCabinets samples(home.home(), store.db(), &nav);
-        QVERIFY(OutlineFile::writeLines(samples.filePath(),
-                                        {"CAB=First", " DRW=D", "CAB=Second", "CAB=Third"}));
+        QVERIFY(TextFile::writeLines(samples.filePath(),
+                                     {"CAB=First", " DRW=D", "CAB=Second", "CAB=Third"}));
         SampleDialog dialog(samples, prompter, choosers);
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Create Sample Cabinet"));
         QListWidget* list = dialog.list();

@@ -1,4 +1,5 @@
 #include "core/navigatorcallbacks.h"
+#include "core/textfile.h"
 #include "store/itemstore.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
@@ -20,7 +21,7 @@ using test::NavRecorder;
 
 void writeFile(const QString& path, const QStringList& lines)
 {
-    QVERIFY(OutlineFile::writeLines(path, lines));
+    QVERIFY(TextFile::writeLines(path, lines));
 }
 
 } // namespace
@@ -36,7 +37,7 @@ private slots:
         SampleCabinets samples(home.home(), store.db(), nullptr);
         QVERIFY(!QFile::exists(samples.filePath()));
         QVERIFY(samples.ensureFile());
-        const QStringList lines = OutlineFile::readLines(samples.filePath());
+        const QStringList lines = TextFile::readLines(samples.filePath()).value_or(QStringList());
         QCOMPARE(lines, SampleCabinets::defaultText());
         QCOMPARE(lines.size(), 22);
         QCOMPARE(lines.at(0), QStringLiteral("CAB = Generic File Cabinet"));
