@@ -14,6 +14,7 @@ class Prompter;
 class Session;
 class Settings;
 class SplashWindow;
+class ViewSettings;
 
 // The start of a run, in its fixed order: prerequisite test, store opened (created and
 // upgraded) before anything is on screen, settings read, templates loaded, main window
@@ -36,6 +37,7 @@ public:
     SplashWindow* splash() { return m_splash.get(); }
     ProgressWindow* progress() { return m_progress.get(); }
     DrawerTemplates& templates() { return *m_templates; }
+    ViewSettings& viewSettings() { return *m_view; }
 
 private:
     AppHome m_home;
@@ -43,6 +45,7 @@ private:
     Prompter& m_prompter;
     Choosers& m_choosers;
     std::unique_ptr<Session> m_session;
+    std::unique_ptr<ViewSettings> m_view;
     std::unique_ptr<DrawerTemplates> m_templates;
     std::unique_ptr<SplashWindow> m_splash;
     std::unique_ptr<ProgressWindow> m_progress;

@@ -1,6 +1,7 @@
 #include "store/database.h"
 
-#include "store/columnwidths.h"
+#include "core/nameorder.h"
+#include "store/storecolumns.h"
 #include "store/storeerror.h"
 
 #include <QDateTime>
@@ -14,9 +15,8 @@ namespace {
 // this connection supplies a Unicode-aware one under that name.
 int compareNoCase(void*, int len1, const void* s1, int len2, const void* s2)
 {
-    const QString a = QString::fromUtf8(static_cast<const char*>(s1), len1);
-    const QString b = QString::fromUtf8(static_cast<const char*>(s2), len2);
-    return a.compare(b, Qt::CaseInsensitive);
+    return compareNames(QString::fromUtf8(static_cast<const char*>(s1), len1),
+                        QString::fromUtf8(static_cast<const char*>(s2), len2));
 }
 
 void bindValue(sqlite3_stmt* stmt, int index, const QVariant& value)
@@ -117,42 +117,65 @@ void Database::open(const QString& path)
 
 void Database::close()
 {
+    finalizeAll();
     if (m_db) {
         sqlite3_close_v2(m_db);
         m_db = nullptr;
     }
 }
 
-void Database::fail(const QString& sql) const
+void Database::fail() const
 {
     const int code = sqlite3_extended_errcode(m_db);
     const QString engine = QString::fromUtf8(sqlite3_errmsg(m_db));
-    if (code == SQLITE_CONSTRAINT_CHECK) {
-        const QString width = ColumnWidths::messageForConstraint(engine);
-        if (!width.isEmpty())
-            throw StoreError(width);
-    }
+    if (code == SQLITE_CONSTRAINT_CHECK)
+        if (const std::optional<StoreError> width = StoreColumns::constraintError(engine))
+            throw *width;
     if (code == SQLITE_FULL)
         throw StoreError(QStringLiteral("The disk is full: %1").arg(engine));
-    Q_UNUSED(sql);
     throw StoreError(QStringLiteral("The store could not carry out the command: %1").arg(engine));
+}
+
+void Database::finalizeAll()
+{
+    for (sqlite3_stmt* stmt : std::as_const(m_statements))
+        sqlite3_finalize(stmt);
+    m_statements.clear();
+}
+
+sqlite3_stmt* Database::prepare(const QString& sql)
+{
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_stmt* cached = m_statements.value(text)) {
+        sqlite3_reset(cached);
+        sqlite3_clear_bindings(cached);
+        return cached;
+    }
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &stmt, nullptr) != SQLITE_OK)
+        fail();
+    if (!stmt) // only white space or a comment
+        return nullptr;
+    // Built statements (the find queries) differ every time; they are not worth keeping.
+    if (m_statements.size() >= 256)
+        finalizeAll();
+    m_statements.insert(text, stmt);
+    return stmt;
 }
 
 Recordset Database::run(const QString& sql, const QVariantList& binds)
 {
     if (!m_db)
         throw StoreError(QStringLiteral("The store is not open."));
-    sqlite3_stmt* stmt = nullptr;
-    const QByteArray text = sql.toUtf8();
-    if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &stmt, nullptr) != SQLITE_OK)
-        fail(sql);
-    struct Finalizer
+    sqlite3_stmt* stmt = prepare(sql);
+    if (!stmt)
+        return Recordset();
+    // Reset at the end, so that a kept statement holds no read lock between commands.
+    struct Resetter
     {
         sqlite3_stmt* s;
-        ~Finalizer() { sqlite3_finalize(s); }
-    } finalizer{stmt};
-    if (!stmt) // only white space or a comment
-        return Recordset();
+        ~Resetter() { sqlite3_reset(s); }
+    } resetter{stmt};
     for (int i = 0; i < binds.size(); ++i)
         bindValue(stmt, i + 1, binds.at(i));
 
@@ -166,7 +189,7 @@ Recordset Database::run(const QString& sql, const QVariantList& binds)
         if (rc == SQLITE_DONE)
             break;
         if (rc != SQLITE_ROW)
-            fail(sql);
+            fail();
         QVector<QVariant> row;
         row.reserve(count);
         for (int c = 0; c < count; ++c)
@@ -213,21 +236,30 @@ int Database::runtimeVersion()
     return sqlite3_libversion_number();
 }
 
-Database::Transaction::Transaction(Database& db) : m_db(db)
+Database::Transaction::Transaction(Database& db)
+    : m_db(db), m_name(QStringLiteral("qmr%1").arg(db.m_depth))
 {
-    m_db.execute(QStringLiteral("BEGIN"));
+    // A savepoint outside any transaction begins one; inside it marks a point to return to.
+    m_db.execute(QStringLiteral("SAVEPOINT ") + m_name);
+    ++m_db.m_depth;
 }
 
 Database::Transaction::~Transaction()
 {
-    if (!m_done && m_db.isOpen())
-        sqlite3_exec(m_db.m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (m_done)
+        return;
+    --m_db.m_depth;
+    if (!m_db.isOpen())
+        return;
+    const QByteArray undo = ("ROLLBACK TO " + m_name + "; RELEASE " + m_name).toUtf8();
+    sqlite3_exec(m_db.m_db, undo.constData(), nullptr, nullptr, nullptr);
 }
 
 void Database::Transaction::commit()
 {
-    m_db.execute(QStringLiteral("COMMIT"));
+    m_db.execute(QStringLiteral("RELEASE ") + m_name);
     m_done = true;
+    --m_db.m_depth;
 }
 
 } // namespace qmr

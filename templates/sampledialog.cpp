@@ -59,7 +59,7 @@ void SampleDialog::cmdCreate()
 
 void SampleDialog::cmdEdit()
 {
-    if (const std::optional<QString> failure = m_choosers.openInEditor(m_samples.filePath()))
+    if (const std::optional<QString> failure = m_choosers.openFile(m_samples.filePath()))
         m_prompter.tell(QStringLiteral("Error # ") + *failure);
     accept();
 }

@@ -3,6 +3,7 @@
 #include "app/splashwindow.h"
 #include "app/startup.h"
 #include "navigator/navtree.h"
+#include "navigator/navigator.h"
 #include "navigator/navwindow.h"
 #include "store/database.h"
 #include "store/schema.h"
@@ -53,7 +54,7 @@ private slots:
             normal = w->geometry();
             const QString drawer = NavTree::keyOf(w->tree()->node("ROOT")->child(0)->child(1));
             w->tree()->selectNode(drawer);
-            w->nodeClick(drawer);
+            w->navigator().nodeClick(drawer);
             w->close();
         }
         Settings& settings = home.reopenSettings();

@@ -111,7 +111,7 @@ private slots:
                 h.window->list()->findItems(listItem, Qt::MatchExactly).value(0);
             QVERIFY(item);
             h.window->list()->setCurrentItem(item);
-            h.window->setContextSource("L");
+            h.setSource(ContextSource::List);
         }
         const int before = ItemStore(h.session->db()).count(Level(level));
         QString seen;
@@ -144,7 +144,7 @@ private slots:
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
         // The drawer comes from the list, as nothing in the record names a drawer.
         h.window->list()->setCurrentItem(h.window->list()->item(0));
-        h.window->setContextSource("L");
+        h.setSource(ContextSource::List);
         trigger(h, "mnuPopupDrawerProperties");
         QCOMPARE(seen, QStringLiteral("Drawer Properties (1)"));
         QCOMPARE(h.tree()->node("DRW1")->text(0), QStringLiteral("Bank & Loans"));
@@ -158,7 +158,7 @@ private slots:
         h.click("ROOT");
         h.window->list()->setCurrentItem(
             h.window->list()->findItems("Private", Qt::MatchExactly).value(0));
-        h.window->setContextSource("L");
+        h.setSource(ContextSource::List);
         h.choosers.queuePassword(std::nullopt);
         trigger(h, "mnuPopupCabinetProperties"); // cancelled: no dialog
         QString seen;
@@ -214,7 +214,7 @@ private slots:
         // The arrow keys move the selection without driving the window; Insert then adds a
         // drawer to the cabinet that is selected, not to the one clicked last.
         h.tree()->selectNode("CAB2");
-        h.session->locks().openCabinet(2, h.choosers, h.prompter, nullptr);
+        h.session->locks().recordOpen(2);
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Keyboard drawer", &seen); });
         QTest::keyClick(h.tree(), Qt::Key_Insert);

@@ -153,7 +153,7 @@ private slots:
         // then finds the clicked node as the tree's selection.
         for (int l = 0; l < 4; ++l) {
             QCOMPARE(h.session->selection().idOf(Level(l)), -1);
-            QCOMPARE(h.window->targetId(Level(l)), l == level ? id : -1);
+            QCOMPARE(h.navigator().target().targetId(Level(l)), l == level ? id : -1);
         }
         // Enter drives the window as a click does, and the record it fills stays.
         h.click("ROOT");
@@ -162,11 +162,10 @@ private slots:
         const SelectionRecord& r = h.session->selection();
         QCOMPARE(r.lastNodeKey, path.last());
         QCOMPARE(h.visibleLevelMenu(), menu);
-        QCOMPARE(r.currentParentId, parent);
-        for (int l = 0; l < 4; ++l) {
+        QCOMPARE(r.parentId, parent);
+        for (int l = 0; l < 4; ++l)
             QCOMPARE(r.idOf(Level(l)), l == level ? id : -1);
-            QCOMPARE(const_cast<SelectionRecord&>(r).nameOf(Level(l)), l == level ? name : "");
-        }
+        QCOMPARE(r.name, name);
         if (level == 3) {
             QVERIFY(h.window->pageList()->isVisible());
             QCOMPARE(h.window->pageList()->topLevelItemCount(), 2);
@@ -216,18 +215,19 @@ private slots:
         h.click("CAB2");
         QCOMPARE(h.childKeys("CAB2"), QStringList{});
 
-        // The right password opens it; the node was the one handled last, so nothing more
-        // happens until another node has been clicked.
+        // The right password opens it and its rebuilt node is filled; the node was the one
+        // handled last, so the list stays until another node has been clicked.
         h.choosers.queuePassword(QStringLiteral("secret"));
         h.click("CAB2");
         QVERIFY(h.session->locks().isCabinetOpen(2));
-        QCOMPARE(h.childKeys("CAB2"), QStringList{});
+        QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
+        QCOMPARE(h.listTexts().join('|'), listBefore);
         h.click("ROOT");
         h.click("CAB2");
         QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
         QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
         QCOMPARE(h.listTexts(), QStringList{"Health"});
-        QCOMPARE(h.window->targetId(Level::Cabinet), 2);
+        QCOMPARE(h.navigator().target().targetId(Level::Cabinet), 2);
         QCOMPARE(h.choosers.passwordAsks(), 3);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
@@ -240,17 +240,17 @@ private slots:
         h.click("DRW1");
         h.click("FLD1");
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement (03/31/2026)"));
-        h.window->UpdateDocumentName(1, "April statement", QDate());
+        h.navigator().itemRenamed(Level::Document, 1, "April statement", QDate());
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement"));
         QVERIFY(h.listTexts().contains("April statement"));
-        h.window->UpdateDocumentName(1, "April statement", QDate(2026, 4, 30));
+        h.navigator().itemRenamed(Level::Document, 1, "April statement", QDate(2026, 4, 30));
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement (04/30/2026)"));
-        h.window->UpdateFolderName(1, "Current account");
+        h.navigator().itemRenamed(Level::Folder, 1, "Current account", QDate());
         QCOMPARE(h.tree()->node("FLD1")->text(0), QStringLiteral("Current account"));
         // Not in the list: only the tree changes, without complaint.
-        h.window->UpdateCabinetName(1, "Home & Co");
+        h.navigator().itemRenamed(Level::Cabinet, 1, "Home & Co", QDate());
         QCOMPARE(h.tree()->node("CAB1")->text(0), QStringLiteral("Home & Co"));
-        h.window->AddDocumentToNavTree(1, 99, "Receipt", QDate(2026, 1, 5));
+        h.navigator().itemAdded(CreatedItem{Level::Document, 1, 99, "Receipt", QDate(2026, 1, 5)});
         QCOMPARE(h.tree()->node("DOC99")->text(0), QStringLiteral("Receipt (01/05/2026)"));
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DOC99"));
     }
@@ -314,7 +314,7 @@ private slots:
         QCOMPARE(h.tree()->selectedKey(), selected);
         const SelectionRecord& r = h.session->selection();
         QCOMPARE(r.idOf(Level(level)), NodeKey::parse(saved).id());
-        QCOMPARE(r.currentParentId, parent);
+        QCOMPARE(r.parentId, parent);
         if (level == 3)
             QCOMPARE(h.window->pageList()->topLevelItemCount(), 1);
         else
@@ -379,8 +379,8 @@ private slots:
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
         QCOMPARE(h.listTexts(), (QStringList{"Checking", "Savings"}));
         // The record and the menu still tell of the last click in the tree.
-        QCOMPARE(h.session->selection().currentCabinetId, 1);
-        QCOMPARE(h.session->selection().currentDrawerId, -1);
+        QCOMPARE(h.session->selection().idOf(Level::Cabinet), 1);
+        QCOMPARE(h.session->selection().idOf(Level::Drawer), -1);
         QCOMPARE(h.session->selection().lastNodeKey, QStringLiteral("CAB1"));
         QCOMPARE(h.visibleLevelMenu(), QStringLiteral("mnuPopupCabinet"));
     }

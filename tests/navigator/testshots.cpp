@@ -4,6 +4,7 @@
 #include "dialogs/pagepropertiesdialog.h"
 #include "dialogs/pathselectdialog.h"
 #include "navharness.h"
+#include "navigator/navigator.h"
 #include "templates/outlinefile.h"
 #include "templates/sampledialog.h"
 #include "templates/samplecabinets.h"
@@ -85,7 +86,7 @@ private slots:
         test::NavHarness h;
         test::FixtureStore(h.home.home()).fillSample();
         h.load(false);
-        DialogServices services{*h.session, h.prompter, h.choosers, h.window.get()};
+        const CommandContext services = h.window->navigator().context();
         struct Shot
         {
             Level level;
@@ -127,7 +128,7 @@ private slots:
         save(&fresh, "dialog-document-new");
 
         PagePropertiesDialog page(h.session->db());
-        page.Populate(1);
+        page.populate(1);
         page.show();
         QVERIFY(QTest::qWaitForWindowExposed(&page));
         save(&page, "dialog-page-properties");
