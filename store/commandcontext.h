@@ -7,6 +7,7 @@ namespace qmr {
 class Choosers;
 class CommandTarget;
 class NavigatorCallbacks;
+class PageOpener;
 class Progress;
 class Prompter;
 class Session;
@@ -25,6 +26,8 @@ struct CommandContext
     CommandTarget* target = nullptr;
     NavigatorCallbacks* navigator = nullptr;
     QWidget* parent = nullptr;
+    // How a page is opened for viewing; set by the window once the viewer is wired.
+    PageOpener* pageOpener = nullptr;
 };
 
 } // namespace qmr
