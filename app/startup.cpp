@@ -1,5 +1,7 @@
 #include "app/startup.h"
 
+#include <QTreeWidget>
+
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "core/prompter.h"
@@ -12,8 +14,6 @@
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
-
-#include <QTreeWidget>
 
 namespace qmr {
 

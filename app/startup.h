@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/apphome.h"
-
 #include <memory>
+
+#include "core/apphome.h"
 
 namespace qmr {
 

@@ -5,6 +5,10 @@
 //
 // Defaults: 40 cabinets x 12 drawers x 15 folders x 8 documents x 2 page rows (115,200 pages).
 
+#include <QApplication>
+#include <QElapsedTimer>
+#include <cstdio>
+
 #include "core/progress.h"
 #include "core/viewsettings.h"
 #include "navigator/navigator.h"
@@ -17,10 +21,6 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-
-#include <QApplication>
-#include <QElapsedTimer>
-#include <cstdio>
 
 using namespace qmr;
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/level.h"
-
 #include <QDate>
 #include <QString>
 #include <QVector>
 #include <QtGlobal>
+
+#include "core/level.h"
 
 namespace qmr {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/level.h"
-#include "core/nodekey.h"
-
 #include <QString>
 #include <QtGlobal>
+
+#include "core/level.h"
+#include "core/nodekey.h"
 
 namespace qmr {
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/settingkeys.h"
-
 #include <QSettings>
 #include <QString>
 #include <memory>
+
+#include "core/settingkeys.h"
 
 namespace qmr {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/nodekey.h"
-
 #include <QVector>
+
+#include "core/nodekey.h"
 
 namespace qmr {
 

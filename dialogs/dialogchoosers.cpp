@@ -1,10 +1,10 @@
 #include "dialogs/dialogchoosers.h"
 
-#include "dialogs/passworddialog.h"
-#include "dialogs/pathselectdialog.h"
-
 #include <QDesktopServices>
 #include <QUrl>
+
+#include "dialogs/passworddialog.h"
+#include "dialogs/pathselectdialog.h"
 
 namespace qmr {
 

@@ -1,16 +1,5 @@
 #include "dialogs/itemdialog.h"
 
-#include "core/choosers.h"
-#include "core/navigatorcallbacks.h"
-#include "core/prompter.h"
-#include "dialogs/pathbrowser.h"
-#include "store/itemrules.h"
-#include "store/itemstatistics.h"
-#include "store/itemstore.h"
-#include "store/session.h"
-#include "store/storeerror.h"
-#include "ui_itemdialog.h"
-
 #include <QApplication>
 #include <QButtonGroup>
 #include <QComboBox>
@@ -26,6 +15,17 @@
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include "core/choosers.h"
+#include "core/navigatorcallbacks.h"
+#include "core/prompter.h"
+#include "dialogs/pathbrowser.h"
+#include "store/itemrules.h"
+#include "store/itemstatistics.h"
+#include "store/itemstore.h"
+#include "store/session.h"
+#include "store/storeerror.h"
+#include "ui_itemdialog.h"
 
 namespace qmr {
 

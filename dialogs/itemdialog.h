@@ -1,14 +1,14 @@
 #pragma once
 
-#include "core/level.h"
-#include "core/navigatorcallbacks.h"
-#include "store/commandcontext.h"
-#include "store/itemfields.h"
-
 #include <QDialog>
 #include <QHash>
 #include <functional>
 #include <memory>
+
+#include "core/level.h"
+#include "core/navigatorcallbacks.h"
+#include "store/commandcontext.h"
+#include "store/itemfields.h"
 
 class QComboBox;
 class QLabel;

@@ -1,13 +1,13 @@
 #include "dialogs/pagepropertiesdialog.h"
 
+#include <QLabel>
+#include <QLocale>
+#include <QPushButton>
+
 #include "core/nodekey.h"
 #include "store/itemrules.h"
 #include "store/pagestore.h"
 #include "ui_pagepropertiesdialog.h"
-
-#include <QLabel>
-#include <QLocale>
-#include <QPushButton>
 
 namespace qmr {
 

@@ -1,10 +1,10 @@
 #include "dialogs/pathbrowser.h"
 
-#include "core/choosers.h"
-#include "core/settings.h"
-
 #include <QFileInfo>
 #include <QLineEdit>
+
+#include "core/choosers.h"
+#include "core/settings.h"
 
 namespace qmr {
 

@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QListWidget>
+
 #include "core/level.h"
 #include "core/nodekey.h"
-
-#include <QListWidget>
 
 namespace qmr {
 

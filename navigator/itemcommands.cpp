@@ -13,8 +13,8 @@
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
-#include "templates/sampledialog.h"
 #include "templates/samplecabinets.h"
+#include "templates/sampledialog.h"
 #include "templates/templateeditor.h"
 
 namespace qmr {

@@ -1,12 +1,12 @@
 #pragma once
 
+#include <QObject>
+
 #include "core/commandtarget.h"
 #include "core/navigatorcallbacks.h"
 #include "core/targetview.h"
 #include "navigator/treefiller.h"
 #include "store/commandcontext.h"
-
-#include <QObject>
 
 class QListWidgetItem;
 class QTreeWidgetItem;

@@ -1,11 +1,11 @@
 #include "navigator/navtree.h"
 
-#include "core/nameorder.h"
-
 #include <QHeaderView>
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QScrollBar>
+
+#include "core/nameorder.h"
 
 namespace qmr {
 

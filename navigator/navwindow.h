@@ -1,12 +1,12 @@
 #pragma once
 
-#include "navigator/navicons.h"
-#include "navigator/navmenus.h"
-#include "store/commandcontext.h"
-
 #include <QMainWindow>
 #include <functional>
 #include <memory>
+
+#include "navigator/navicons.h"
+#include "navigator/navmenus.h"
+#include "store/commandcontext.h"
 
 class QPushButton;
 class QSplitter;

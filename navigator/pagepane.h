@@ -1,8 +1,8 @@
 #pragma once
 
-#include "store/pagestore.h"
-
 #include <QTreeWidget>
+
+#include "store/pagestore.h"
 
 namespace qmr {
 

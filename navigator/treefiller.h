@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/level.h"
-#include "core/navigatorcallbacks.h"
-#include "core/nodekey.h"
-
 #include <QDate>
 #include <QIcon>
 #include <optional>
+
+#include "core/level.h"
+#include "core/navigatorcallbacks.h"
+#include "core/nodekey.h"
 
 namespace qmr {
 

@@ -1,11 +1,11 @@
 #include "store/database.h"
 
+#include <QDateTime>
+#include <sqlite3.h>
+
 #include "core/nameorder.h"
 #include "store/storecolumns.h"
 #include "store/storeerror.h"
-
-#include <QDateTime>
-#include <sqlite3.h>
 
 namespace qmr {
 

@@ -1,11 +1,11 @@
 #pragma once
 
-#include "store/recordset.h"
-
 #include <QByteArray>
 #include <QHash>
 #include <QString>
 #include <QVariantList>
+
+#include "store/recordset.h"
 
 struct sqlite3;
 struct sqlite3_stmt;

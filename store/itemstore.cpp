@@ -1,9 +1,9 @@
 #include "store/itemstore.h"
 
 #include "store/cipher.h"
-#include "store/storecolumns.h"
 #include "store/database.h"
 #include "store/itemtable.h"
+#include "store/storecolumns.h"
 
 namespace qmr {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/level.h"
-#include "store/itemfields.h"
-
 #include <QDate>
 #include <QString>
 #include <QVector>
 #include <optional>
+
+#include "core/level.h"
+#include "store/itemfields.h"
 
 namespace qmr {
 

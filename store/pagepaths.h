@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/apphome.h"
-
 #include <QString>
+
+#include "core/apphome.h"
 
 namespace qmr {
 

@@ -1,11 +1,11 @@
 #include "store/schema.h"
 
-#include "store/storecolumns.h"
-#include "store/database.h"
-#include "store/storeerror.h"
-
 #include <QFile>
 #include <QStringList>
+
+#include "store/database.h"
+#include "store/storecolumns.h"
+#include "store/storeerror.h"
 
 namespace qmr {
 

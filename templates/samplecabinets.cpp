@@ -1,13 +1,13 @@
 #include "templates/samplecabinets.h"
-#include "core/textfile.h"
+
+#include <QFile>
 
 #include "core/level.h"
 #include "core/navigatorcallbacks.h"
+#include "core/textfile.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
-
-#include <QFile>
 
 namespace qmr {
 

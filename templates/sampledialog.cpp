@@ -1,5 +1,8 @@
 #include "templates/sampledialog.h"
 
+#include <QListWidget>
+#include <QPushButton>
+
 #include "core/choosers.h"
 #include "core/prompter.h"
 #include "store/database.h"
@@ -7,9 +10,6 @@
 #include "store/storeerror.h"
 #include "templates/samplecabinets.h"
 #include "ui_sampledialog.h"
-
-#include <QListWidget>
-#include <QPushButton>
 
 namespace qmr {
 

@@ -1,15 +1,15 @@
 #include "templates/templateeditor.h"
-#include "core/textfile.h"
-
-#include "core/prompter.h"
-#include "templates/drawertemplates.h"
-#include "templates/outlinefile.h"
-#include "templates/templateoutline.h"
-#include "ui_templateeditor.h"
 
 #include <QPainter>
 #include <QPushButton>
 #include <QTreeWidget>
+
+#include "core/prompter.h"
+#include "core/textfile.h"
+#include "templates/drawertemplates.h"
+#include "templates/outlinefile.h"
+#include "templates/templateoutline.h"
+#include "ui_templateeditor.h"
 
 namespace qmr {
 

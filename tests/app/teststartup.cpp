@@ -1,9 +1,14 @@
+#include <QFile>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QTest>
+
 #include "app/barwidget.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "app/startup.h"
-#include "navigator/navtree.h"
 #include "navigator/navigator.h"
+#include "navigator/navtree.h"
 #include "navigator/navwindow.h"
 #include "store/database.h"
 #include "store/schema.h"
@@ -12,11 +17,6 @@
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QFile>
-#include <QFileInfo>
-#include <QPushButton>
-#include <QTest>
 
 using namespace qmr;
 

@@ -1,5 +1,11 @@
 #pragma once
 
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabWidget>
+#include <memory>
+
 #include "core/progress.h"
 #include "core/viewsettings.h"
 #include "dialogs/itemdialog.h"
@@ -10,12 +16,6 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTabWidget>
-#include <memory>
 
 namespace qmr::test {
 

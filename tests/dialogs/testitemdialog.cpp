@@ -1,13 +1,13 @@
-#include "dialogharness.h"
-#include "store/cipher.h"
-#include "store/itemstore.h"
-#include "tests/support/testrunner.h"
-
 #include <QComboBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
 #include <QToolButton>
+
+#include "dialogharness.h"
+#include "store/cipher.h"
+#include "store/itemstore.h"
+#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::child;

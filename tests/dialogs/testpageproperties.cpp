@@ -1,8 +1,8 @@
+#include <QTest>
+
 #include "dialogharness.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "tests/support/testrunner.h"
-
-#include <QTest>
 
 using namespace qmr;
 using test::DialogHarness;

@@ -1,5 +1,10 @@
 #pragma once
 
+#include <QListWidget>
+#include <QMenu>
+#include <QTest>
+#include <memory>
+
 #include "core/progress.h"
 #include "core/viewsettings.h"
 #include "navigator/containerlist.h"
@@ -15,11 +20,6 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-
-#include <QListWidget>
-#include <QMenu>
-#include <QTest>
-#include <memory>
 
 namespace qmr::test {
 

@@ -1,10 +1,3 @@
-#include "dialogs/itemdialog.h"
-#include "core/textfile.h"
-#include "navharness.h"
-#include "store/itemstore.h"
-#include "templates/outlinefile.h"
-#include "tests/support/testrunner.h"
-
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
@@ -14,6 +7,13 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
+
+#include "core/textfile.h"
+#include "dialogs/itemdialog.h"
+#include "navharness.h"
+#include "store/itemstore.h"
+#include "templates/outlinefile.h"
+#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::NavHarness;

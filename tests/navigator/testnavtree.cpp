@@ -1,10 +1,10 @@
-#include "navharness.h"
-#include "store/itemstore.h"
-#include "tests/support/testrunner.h"
-
 #include <QFile>
 #include <QSignalSpy>
 #include <QTest>
+
+#include "navharness.h"
+#include "store/itemstore.h"
+#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::NavHarness;

@@ -1,22 +1,22 @@
-#include "dialogs/passworddialog.h"
-#include "core/textfile.h"
-#include "dialogs/itemdialog.h"
-#include "dialogs/pagepropertiesdialog.h"
-#include "dialogs/pathselectdialog.h"
-#include "navharness.h"
-#include "navigator/navigator.h"
-#include "templates/outlinefile.h"
-#include "templates/sampledialog.h"
-#include "templates/samplecabinets.h"
-#include "templates/templateeditor.h"
-#include "tests/support/testrunner.h"
-
 #include <QDir>
 #include <QImage>
 #include <QMenu>
 #include <QSet>
 #include <QTabWidget>
 #include <QTest>
+
+#include "core/textfile.h"
+#include "dialogs/itemdialog.h"
+#include "dialogs/pagepropertiesdialog.h"
+#include "dialogs/passworddialog.h"
+#include "dialogs/pathselectdialog.h"
+#include "navharness.h"
+#include "navigator/navigator.h"
+#include "templates/outlinefile.h"
+#include "templates/samplecabinets.h"
+#include "templates/sampledialog.h"
+#include "templates/templateeditor.h"
+#include "tests/support/testrunner.h"
 
 using namespace qmr;
 

@@ -1,11 +1,11 @@
+#include <QTest>
+
 #include "core/progress.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QTest>
 
 using namespace qmr;
 

@@ -1,12 +1,12 @@
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
 #include "store/database.h"
 #include "store/pagepaths.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTest>
 
 using namespace qmr;
 

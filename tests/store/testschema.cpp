@@ -1,3 +1,6 @@
+#include <QFile>
+#include <QTest>
+
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/schema.h"
@@ -5,9 +8,6 @@
 #include "store/storeerror.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QFile>
-#include <QTest>
 
 using namespace qmr;
 

@@ -1,13 +1,12 @@
-#include "tests/support/fixturestore.h"
-
-#include "store/cipher.h"
-#include "store/pagepaths.h"
-#include "store/schema.h"
-
 #include <QDateTime>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
+
+#include "store/cipher.h"
+#include "store/pagepaths.h"
+#include "store/schema.h"
+#include "tests/support/fixturestore.h"
 
 namespace qmr::test {
 

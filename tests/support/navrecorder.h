@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QStringList>
+
 #include "core/navigatorcallbacks.h"
 #include "core/nodekey.h"
-
-#include <QStringList>
 
 namespace qmr::test {
 

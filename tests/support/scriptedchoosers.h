@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/choosers.h"
-
 #include <QStringList>
 #include <QVariant>
 #include <deque>
+
+#include "core/choosers.h"
 
 namespace qmr::test {
 

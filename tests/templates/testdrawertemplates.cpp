@@ -1,9 +1,14 @@
-#include "store/itemstore.h"
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTreeWidget>
+
 #include "core/textfile.h"
+#include "store/itemstore.h"
 #include "templates/drawertemplates.h"
 #include "templates/outlinefile.h"
-#include "templates/sampledialog.h"
 #include "templates/samplecabinets.h"
+#include "templates/sampledialog.h"
 #include "templates/templateeditor.h"
 #include "templates/templateoutline.h"
 #include "tests/support/fixturestore.h"
@@ -12,11 +17,6 @@
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QListWidget>
-#include <QPushButton>
-#include <QTest>
-#include <QTreeWidget>
 
 using namespace qmr;
 

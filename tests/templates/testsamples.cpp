@@ -1,3 +1,6 @@
+#include <QFile>
+#include <QTest>
+
 #include "core/navigatorcallbacks.h"
 #include "core/textfile.h"
 #include "store/itemstore.h"
@@ -9,9 +12,6 @@
 #include "tests/support/navrecorder.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QFile>
-#include <QTest>
 
 using namespace qmr;
 
