@@ -179,15 +179,15 @@ Recordset Database::run(const QString& sql, const QVariantList& binds)
     for (int i = 0; i < binds.size(); ++i)
         bindValue(stmt, i + 1, binds.at(i));
 
+    QVector<QVector<QVariant>> rows;
+    int rc = sqlite3_step(stmt);
+    // The shape is read after the first step: a kept statement is prepared anew there when
+    // the schema has changed since.
     QStringList columns;
     const int count = sqlite3_column_count(stmt);
     for (int c = 0; c < count; ++c)
         columns << QString::fromUtf8(sqlite3_column_name(stmt, c));
-    QVector<QVector<QVariant>> rows;
-    for (;;) {
-        const int rc = sqlite3_step(stmt);
-        if (rc == SQLITE_DONE)
-            break;
+    for (; rc != SQLITE_DONE; rc = sqlite3_step(stmt)) {
         if (rc != SQLITE_ROW)
             fail();
         QVector<QVariant> row;
