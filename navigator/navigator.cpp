@@ -77,7 +77,8 @@ void Navigator::restoreLastNode()
         bool reached = false;
         const std::optional<Level> level = m_filler.restoreLastNode(saved, &reached);
         if (!level)
-            return;
+            return; // a key of another shape is not worth keeping
+        m_restoreStopped = !reached;
         m_menus.showOnly(levelMenu(*level));
         if (!reached)
             return;
@@ -94,10 +95,12 @@ void Navigator::restoreLastNode()
 
 QString Navigator::lastNodeKeyToSave() const
 {
-    // The node in view is the one to come back to; when nothing is selected (the walk at
-    // start stopped at a locked cabinet) the place read at start is kept.
-    const QString selected = m_tree.selectedKey();
-    return selected.isEmpty() ? m_context.session.selection().lastNodeKey : selected;
+    // The node in view is the one to come back to; when the walk at start stopped short (at
+    // a locked cabinet, say) and nothing was clicked since, the place read at start is kept.
+    const NodeKey selected = treeSelectedKey();
+    if (m_restoreStopped && (selected.isEmpty() || selected.isRoot()))
+        return m_context.session.selection().lastNodeKey;
+    return selected.text();
 }
 
 // ---- clicks -------------------------------------------------------------------------------
@@ -126,6 +129,7 @@ void Navigator::tvwMainProcessNode(const QString& text)
         });
         proceed = open;
     }
+    m_restoreStopped = false;
     if (proceed && text == record.lastNodeKey)
         return; // the node handled last: nothing is redone
     if (proceed) {

@@ -98,6 +98,9 @@ private:
     QWidget* m_window;
     TreeFiller m_filler;
     bool m_nodeBusy = false;
+    // The walk at start stopped short (a locked cabinet, a gone item): until a click, the
+    // place read at start is the one to save.
+    bool m_restoreStopped = false;
 };
 
 } // namespace qmr

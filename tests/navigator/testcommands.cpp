@@ -170,6 +170,9 @@ private slots:
         trigger(h, "mnuPopupCabinetProperties");
         QCOMPARE(seen, QStringLiteral("File Cabinet Properties (2)"));
         QCOMPARE(h.choosers.passwordAsks(), 2);
+        // Opened from the list, the cabinet's node is filled as a click fills it.
+        QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
+        QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
     }
 
     void documentDoubleClickOpensProperties()
