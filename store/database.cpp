@@ -108,6 +108,14 @@ void Database::open(const QString& path)
     // Reading the schema proves that the file is a store at all.
     try {
         run(QStringLiteral("SELECT count(*) FROM sqlite_master"), {});
+        // A rollback journal, not a write-ahead log: the home may lie on a shared disk, where
+        // the log's shared memory does not work. With synchronous=FULL the journal is on the
+        // disk before the store is changed, and the store before a commit returns. So a
+        // transaction that has committed survives the program being killed and the machine
+        // losing power, and one that has not is rolled back whole (from the journal) by the
+        // next open: the store is always as the last committed command left it.
+        run(QStringLiteral("PRAGMA journal_mode=DELETE"), {});
+        run(QStringLiteral("PRAGMA synchronous=FULL"), {});
     } catch (const StoreError&) {
         const QString message = QString::fromUtf8(sqlite3_errmsg(m_db));
         close();
