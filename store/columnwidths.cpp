@@ -51,10 +51,17 @@ QString ColumnWidths::message(const QString& table, const QString& column, int w
         .arg(width);
 }
 
+qsizetype ColumnWidths::length(const QString& value)
+{
+    // As the store's length() counts: one for a character beyond 16 bits (most emoji), which
+    // a QString holds in two units.
+    return value.toUcs4().size();
+}
+
 void ColumnWidths::check(const QString& table, const QString& column, const QString& value)
 {
     const int width = widthOf(table, column);
-    if (width > 0 && value.size() > width)
+    if (width > 0 && length(value) > width)
         throw StoreError(message(table, column, width));
 }
 

@@ -11,6 +11,8 @@ class ColumnWidths
 public:
     // 0 when the column has no width.
     static int widthOf(const QString& table, const QString& column);
+    // The length of a value in characters, counted as the store's CHECK constraints count.
+    static qsizetype length(const QString& value);
     // Throws StoreError with a clear message when `value` is too long for the column.
     static void check(const QString& table, const QString& column, const QString& value);
     // The message for a value that is too long.
