@@ -4,18 +4,28 @@
 #include "store/storeerror.h"
 
 #include <QDateTime>
+#include <QStringDecoder>
 #include <sqlite3.h>
 
 namespace qmr {
 
 namespace {
 
+// Stored text as it was written. QString::fromUtf8 drops a byte-order mark at the start,
+// which would turn a name that begins with U+FEFF into another name.
+QString storedText(const void* data, int size)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    return utf8.decode(QByteArrayView(static_cast<const char*>(data), size));
+}
+
 // Text compares without regard to case, beyond ASCII too: the schema asks for NOCASE and
 // this connection supplies a Unicode-aware one under that name.
 int compareNoCase(void*, int len1, const void* s1, int len2, const void* s2)
 {
-    const QString a = QString::fromUtf8(static_cast<const char*>(s1), len1);
-    const QString b = QString::fromUtf8(static_cast<const char*>(s2), len2);
+    const QString a = storedText(s1, len1);
+    const QString b = storedText(s2, len2);
     return a.compare(b, Qt::CaseInsensitive);
 }
 
@@ -71,8 +81,7 @@ QVariant columnValue(sqlite3_stmt* stmt, int column)
         return QVariant(sqlite3_column_double(stmt, column));
     case SQLITE_TEXT:
         return QVariant(
-            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
-                              sqlite3_column_bytes(stmt, column)));
+            storedText(sqlite3_column_text(stmt, column), sqlite3_column_bytes(stmt, column)));
     case SQLITE_BLOB:
         return QVariant(QByteArray(static_cast<const char*>(sqlite3_column_blob(stmt, column)),
                                    sqlite3_column_bytes(stmt, column)));

@@ -72,6 +72,11 @@ QVector<Case> nameCases()
          QString::fromUtf8("\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91"
                            "\xA7 family"),
          false},
+        // Found by fuzzing: a name that begins with a byte-order mark lost it on reading.
+        {"byte-order mark first", QChar(0xFEFF) + QStringLiteral("Invoices"),
+         QChar(0xFEFF) + QStringLiteral("Invoices"), false},
+        {"zero-width characters", QString::fromUtf8("in\xE2\x80\x8Bvoice\xE2\x80\x8D"),
+         QString::fromUtf8("in\xE2\x80\x8Bvoice\xE2\x80\x8D"), false},
         {"spaces around", "   padded name  ", "padded name", false},
         {"only spaces", "    ", {}, true},
         {"at width", QString(80, 'w'), QString(80, 'w'), false},
