@@ -33,6 +33,7 @@ if ! cmake --build "$build" --target "${names[@]/#/fuzz_}" -- -j"$(nproc)" >"$lo
   echo "The fuzz build failed." >&2
   exit 1
 fi
+grep -vE '^(\[[0-9]+/[0-9]+\]|ninja: no work to do)' "$log" || true
 
 failed=0
 for name in "${names[@]}"; do
