@@ -17,9 +17,9 @@ class Settings;
 class SplashWindow;
 
 // The start of a run, in its fixed order: prerequisite test, the home taken for this run
-// (refused when another run holds it), store opened (created and
-// upgraded) before anything is on screen, settings read, templates loaded, main window
-// loaded, find defaults reset, main window shown.
+// (refused when another run holds it), store opened (created and upgraded) before anything
+// is on screen, settings read, templates loaded, main window loaded, find defaults reset,
+// main window shown.
 class Startup
 {
 public:

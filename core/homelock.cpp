@@ -1,6 +1,6 @@
 #include "core/homelock.h"
 
-#include <QFileInfo>
+#include <QFile>
 #include <fcntl.h>
 #include <sys/stat.h>
 
@@ -40,8 +40,9 @@ bool HomeLock::acquire()
             return false;
         }
         // Unreadable: it was being written or removed just now, or is not a lock of ours.
-        m_refusal = QStringLiteral("The home %1 is in use by another Quillmere: its lock file "
-                                   "%2 cannot be read.")
+        m_refusal = QStringLiteral("The home %1 is in use by another Quillmere, and its lock "
+                                   "file %2 cannot be read. If no Quillmere is working on this "
+                                   "home, remove that file.")
                         .arg(m_home, m_path);
         return false;
     }
@@ -55,8 +56,7 @@ void HomeLock::refresh()
 {
     // Only the time changes; the holder's pid and host stay as written.
     if (m_lock.isLocked())
-        ::utimensat(AT_FDCWD, QFileInfo(m_path).absoluteFilePath().toLocal8Bit().constData(),
-                    nullptr, 0);
+        ::utimensat(AT_FDCWD, QFile::encodeName(m_path).constData(), nullptr, 0);
 }
 
 } // namespace qmr

@@ -142,6 +142,37 @@ private slots:
         QCOMPARE(holderPid(home.file(HomeLock::fileName())), expectedHolder);
     }
 
+    void unreadableLockFile()
+    {
+        // A run killed between making its lock file and writing it leaves an empty one.
+        test::TestHome home;
+        QVERIFY(home.writeFile(HomeLock::fileName(), QByteArray()));
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        {
+            Startup run(home.home(), home.settings(), prompter, choosers);
+            prompter.expect(QStringLiteral("The home %1 is in use by another Quillmere, and its "
+                                           "lock file %2 cannot be read. If no Quillmere is "
+                                           "working on this home, remove that file.")
+                                .arg(home.home().path(), home.file(HomeLock::fileName())));
+            QVERIFY(!run.start(false));
+            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+            QVERIFY(!QFile::exists(StoreSchema::storePath(home.home())));
+        }
+        // Left alone for longer than a holder's refresh allows, it is taken over.
+        QFile file(home.file(HomeLock::fileName()));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(
+            QDateTime::currentDateTime().addSecs(
+                -std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count() -
+                60),
+            QFileDevice::FileModificationTime));
+        file.close();
+        Startup later(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(later.start(false));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+
     void otherProgramHoldsTheHomeUntilKilled()
     {
         test::TestHome home;
