@@ -1,11 +1,11 @@
+#include <QApplication>
+#include <cstdio>
+
 #include "app/startup.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
 #include "dialogs/dialogchoosers.h"
 #include "navigator/navwindow.h"
-
-#include <QApplication>
-#include <cstdio>
 
 int main(int argc, char* argv[])
 {

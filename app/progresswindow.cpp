@@ -1,13 +1,13 @@
 #include "app/progresswindow.h"
 
-#include "app/barwidget.h"
-
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
 #include <QVBoxLayout>
+
+#include "app/barwidget.h"
 
 namespace qmr {
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/progress.h"
-
 #include <QDialog>
+
+#include "core/progress.h"
 
 class QLabel;
 class QPushButton;

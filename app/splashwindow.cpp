@@ -1,10 +1,10 @@
 #include "app/splashwindow.h"
 
-#include "app/barwidget.h"
-
 #include <QCoreApplication>
 #include <QLabel>
 #include <QVBoxLayout>
+
+#include "app/barwidget.h"
 
 namespace qmr {
 

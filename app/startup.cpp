@@ -1,17 +1,20 @@
 #include "app/startup.h"
 
+#include <QTreeWidget>
+
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "core/homelock.h"
 #include "core/prompter.h"
 #include "core/settings.h"
+#include "core/viewsettings.h"
 #include "navigator/navwindow.h"
+#include "navigator/pagepane.h"
+#include "store/commandcontext.h"
 #include "store/schema.h"
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
-
-#include <QTreeWidget>
 
 namespace qmr {
 
@@ -61,7 +64,8 @@ bool Startup::start(bool showWindow)
 
     if (showWindow)
         m_splash->showSplash(QStringLiteral("Starting"), 1, 8);
-    m_session->readStartSettings();
+    m_view = std::make_unique<ViewSettings>(m_settings);
+    m_view->read();
 
     m_splash->splashStep(QStringLiteral("Load templates"));
     m_templates = std::make_unique<DrawerTemplates>(m_home);
@@ -69,8 +73,8 @@ bool Startup::start(bool showWindow)
 
     m_splash->splashStep(QStringLiteral("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
-    m_window =
-        std::make_unique<NavWindow>(*m_session, m_prompter, m_choosers, *m_progress, *m_templates);
+    m_window = std::make_unique<NavWindow>(
+        CommandContext{*m_session, m_prompter, m_choosers, *m_progress, *m_view}, *m_templates);
     m_window->load([this](const QString& text) { m_splash->splashStep(text); });
     m_progress->setWindowIcon(m_window->windowIcon());
 

@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/apphome.h"
-
 #include <memory>
+
+#include "core/apphome.h"
 
 namespace qmr {
 
@@ -15,6 +15,7 @@ class Prompter;
 class Session;
 class Settings;
 class SplashWindow;
+class ViewSettings;
 
 // The start of a run, in its fixed order: prerequisite test, the home taken for this run
 // (refused when another run holds it), store opened (created and upgraded) before anything
@@ -38,6 +39,7 @@ public:
     SplashWindow* splash() { return m_splash.get(); }
     ProgressWindow* progress() { return m_progress.get(); }
     DrawerTemplates& templates() { return *m_templates; }
+    ViewSettings& viewSettings() { return *m_view; }
 
 private:
     AppHome m_home;
@@ -47,6 +49,7 @@ private:
     // Released last, once the store is closed.
     std::unique_ptr<HomeLock> m_lock;
     std::unique_ptr<Session> m_session;
+    std::unique_ptr<ViewSettings> m_view;
     std::unique_ptr<DrawerTemplates> m_templates;
     std::unique_ptr<SplashWindow> m_splash;
     std::unique_ptr<ProgressWindow> m_progress;

@@ -5,7 +5,13 @@
 //
 // Defaults: 40 cabinets x 12 drawers x 15 folders x 8 documents x 2 page rows (115,200 pages).
 
+#include <QApplication>
+#include <QElapsedTimer>
+#include <cstdio>
+
 #include "core/progress.h"
+#include "core/viewsettings.h"
+#include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
 #include "store/itemstatistics.h"
@@ -15,10 +21,6 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-
-#include <QApplication>
-#include <QElapsedTimer>
-#include <cstdio>
 
 using namespace qmr;
 
@@ -72,14 +74,16 @@ int main(int argc, char** argv)
     test::ScriptedChoosers choosers;
     SilentProgress progress;
     DrawerTemplates templates(home.home());
-    NavWindow window(session, prompter, choosers, progress, templates);
+    ViewSettings view(home.settings());
+    view.read();
+    NavWindow window(CommandContext{session, prompter, choosers, progress, view}, templates);
     window.resize(1000, 700);
     window.load();
     std::printf("tree loaded:         %6lld ms  (%d nodes)\n",
                 static_cast<long long>(timer.restart()), window.tree()->nodeCount());
 
     window.tree()->selectNode("CAB1");
-    window.nodeClick("CAB1");
+    window.navigator().nodeClick("CAB1");
     std::printf("cabinet clicked:     %6lld ms  (%d nodes)\n",
                 static_cast<long long>(timer.restart()), window.tree()->nodeCount());
 

@@ -5,7 +5,8 @@
 
 namespace qmr {
 
-// Windows that hand a value back to the program: password, directory, file names.
+// Windows that hand a value back to the program (password, directory), and the desktop's
+// programs that open a file.
 class Choosers
 {
 public:
@@ -14,8 +15,9 @@ public:
     virtual std::optional<QString> askPassword() = 0;
     // A directory, or nothing when cancelled; `start` is where the chooser opens.
     virtual std::optional<QString> chooseDirectory(const QString& start) = 0;
-    // Opens a text file in the user's editor without waiting; on failure returns the reason.
-    virtual std::optional<QString> openInEditor(const QString& path) = 0;
+    // Opens a file with the desktop's program for its type, without waiting; on failure
+    // returns the reason, naming the file.
+    virtual std::optional<QString> openFile(const QString& path) = 0;
 };
 
 } // namespace qmr

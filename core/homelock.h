@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/apphome.h"
-
 #include <QLockFile>
 #include <QString>
 #include <QTimer>
 #include <chrono>
+
+#include "core/apphome.h"
 
 namespace qmr {
 

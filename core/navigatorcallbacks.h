@@ -1,11 +1,11 @@
 #pragma once
 
-#include "core/level.h"
-
 #include <QDate>
-#include <QVector>
 #include <QString>
+#include <QVector>
 #include <QtGlobal>
+
+#include "core/level.h"
 
 namespace qmr {
 
@@ -13,38 +13,37 @@ namespace qmr {
 struct CreatedItem
 {
     Level level;
-    qint32 parentId;
+    qint32 parentId; // ignored for cabinets
     qint32 id;
     QString name;
-    QDate date;
+    QDate date; // documents: the date on the document, null for none
 };
 
-// What dialogs and modules may ask of the main window. The window implements it; nobody
-// below the navigator includes the window itself.
+// What dialogs and feature commands may ask of the main window, level by level. The window
+// implements it; nobody below the navigator includes the window itself.
 class NavigatorCallbacks
 {
 public:
     virtual ~NavigatorCallbacks() = default;
 
-    virtual void AddCabinetToNavTree(qint32 cabinetId, const QString& name) = 0;
-    virtual void AddDrawerToNavTree(qint32 cabinetId, qint32 drawerId, const QString& name) = 0;
-    virtual void AddFolderToNavTree(qint32 drawerId, qint32 folderId, const QString& name) = 0;
-    // `dateOnDocument` is null for none.
-    virtual void AddDocumentToNavTree(qint32 folderId, qint32 documentId, const QString& name,
-                                      const QDate& dateOnDocument) = 0;
+    // Adds the node of a new item below its parent and selects it; a new cabinet also lists
+    // its drawers.
+    virtual void itemAdded(const CreatedItem& item) = 0;
+    // Writes a new name (and a document's date) to the tree node, its found copy and the
+    // list item, each where it exists; for a page, the text of its item in the page pane.
+    virtual void itemRenamed(Level level, qint32 id, const QString& name, const QDate& date) = 0;
+    // Takes the item's node, its found copy and its list item away.
+    virtual void itemRemoved(Level level, qint32 id) = 0;
+    // Selects the container's node, expands it and lists its children (pages for a document).
+    virtual void showChildren(Level level, qint32 id) = 0;
+    // Shows the document's pages anew when the pane shows that document; `selectPageId`
+    // is selected afterwards when it is there.
+    virtual void refreshPages(qint32 documentId, qint32 selectPageId = -1) = 0;
+    // A cabinet was opened with its password: its node is rebuilt and filled as a click
+    // fills it.
+    virtual void cabinetOpened(qint32 cabinetId) = 0;
 
-    virtual void UpdateCabinetName(qint32 cabinetId, const QString& name) = 0;
-    virtual void UpdateDrawerName(qint32 drawerId, const QString& name) = 0;
-    virtual void UpdateFolderName(qint32 folderId, const QString& name) = 0;
-    virtual void UpdateDocumentName(qint32 documentId, const QString& name,
-                                    const QDate& dateOnDocument) = 0;
-
-    // Selects the cabinet's node, expands it and lists its drawers.
-    virtual void ShowDrawersInListView(qint32 cabinetId) = 0;
-    // Removes and re-adds a cabinet node after it was unlocked, so that it fills anew.
-    virtual void RebuildCabinetNode(qint32 cabinetId, const QString& name) = 0;
-
-    // Adds each item through the Add routine of its level, in order.
+    // Adds each item in order.
     void announce(const QVector<CreatedItem>& items);
 };
 

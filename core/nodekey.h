@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/level.h"
-
 #include <QString>
 #include <QtGlobal>
 #include <optional>
+
+#include "core/level.h"
 
 namespace qmr {
 

@@ -4,45 +4,21 @@ namespace qmr {
 
 void SelectionRecord::clear()
 {
-    currentCabinetId = currentDrawerId = currentFolderId = currentDocumentId = -1;
-    currentParentId = -1;
-    currentCabinetName.clear();
-    currentDrawerName.clear();
-    currentFolderName.clear();
-    currentDocumentName.clear();
+    node = NodeKey();
+    name.clear();
+    parentId = -1;
 }
 
-qint32& SelectionRecord::idOf(Level level)
+void SelectionRecord::set(const NodeKey& key, const QString& text, qint32 parent)
 {
-    switch (level) {
-    case Level::Cabinet:
-        return currentCabinetId;
-    case Level::Drawer:
-        return currentDrawerId;
-    case Level::Folder:
-        return currentFolderId;
-    default:
-        return currentDocumentId;
-    }
+    node = key;
+    name = text;
+    parentId = parent;
 }
 
 qint32 SelectionRecord::idOf(Level level) const
 {
-    return const_cast<SelectionRecord*>(this)->idOf(level);
-}
-
-QString& SelectionRecord::nameOf(Level level)
-{
-    switch (level) {
-    case Level::Cabinet:
-        return currentCabinetName;
-    case Level::Drawer:
-        return currentDrawerName;
-    case Level::Folder:
-        return currentFolderName;
-    default:
-        return currentDocumentName;
-    }
+    return node.level() == level ? node.id() : -1;
 }
 
 } // namespace qmr

@@ -1,32 +1,26 @@
 #pragma once
 
-#include "core/level.h"
-
 #include <QString>
 #include <QtGlobal>
 
+#include "core/level.h"
+#include "core/nodekey.h"
+
 namespace qmr {
 
-// Where the user is in the hierarchy, as the last tree click left it. Only one of the four
-// level ids is set at a time; the parent id comes from the key of the node's parent.
+// Where the user is in the hierarchy, as the last tree click left it: one node at a time (a
+// click on a drawer says nothing about its cabinet but its id as the parent).
 struct SelectionRecord
 {
-    qint32 currentCabinetId = -1;
-    qint32 currentDrawerId = -1;
-    qint32 currentFolderId = -1;
-    qint32 currentDocumentId = -1;
-    qint32 currentParentId = -1;
-    QString currentCabinetName;
-    QString currentDrawerName;
-    QString currentFolderName;
-    QString currentDocumentName;
-    QString lastNodeKey;
+    NodeKey node;         // empty when nothing is current
+    QString name;         // the node's text
+    qint32 parentId = -1; // from the key of the node's parent; -1 for a cabinet
+    QString lastNodeKey;  // the node handled last by a click; outlives clear()
 
-    // Sets the five ids to -1 and the four names to empty; lastNodeKey stays.
+    // Forgets the node, its name and its parent; lastNodeKey stays.
     void clear();
-    // The id and name fields of one level (Cabinet to Document).
-    qint32& idOf(Level level);
-    QString& nameOf(Level level);
+    void set(const NodeKey& key, const QString& text, qint32 parent);
+    // The id of the current node when it is of that level, else -1.
     qint32 idOf(Level level) const;
 };
 

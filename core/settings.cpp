@@ -32,6 +32,23 @@ void Settings::saveSetting(const QString& key, const QString& value)
     m_settings->setValue(kGroup + key, value);
 }
 
+QString Settings::get(const SettingKey& key) const
+{
+    return getSetting(QLatin1String(key.name), QString::fromUtf8(key.defaultValue));
+}
+
+void Settings::set(const SettingKey& key, const QString& value)
+{
+    saveSetting(QLatin1String(key.name), value);
+}
+
+double Settings::number(const SettingKey& key) const
+{
+    bool ok = false;
+    const double value = get(key).toDouble(&ok);
+    return ok ? value : QString::fromUtf8(key.defaultValue).toDouble();
+}
+
 bool Settings::contains(const QString& key) const
 {
     return m_settings->contains(kGroup + key);
@@ -84,11 +101,7 @@ Placement Settings::restorePlacement(const QString& formName, const Placement& c
 
 int Settings::displayCount() const
 {
-    bool ok = false;
-    const double value =
-        getSetting(QStringLiteral("DisplayCount"), QStringLiteral("20")).toDouble(&ok);
-    if (!ok)
-        return 20;
+    const double value = number(keys::DisplayCount);
     if (value < 1)
         return 1;
     if (value > 64)

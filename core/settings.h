@@ -4,6 +4,8 @@
 #include <QString>
 #include <memory>
 
+#include "core/settingkeys.h"
+
 namespace qmr {
 
 // A window's rectangle and state as kept in the settings (state: 0 normal, 1 minimised,
@@ -30,6 +32,11 @@ public:
 
     QString getSetting(const QString& key, const QString& defaultValue = QString()) const;
     void saveSetting(const QString& key, const QString& value);
+    // The named keys of settingkeys.h, with their own defaults.
+    QString get(const SettingKey& key) const;
+    void set(const SettingKey& key, const QString& value);
+    // A number; the key's default when absent or not a number.
+    double number(const SettingKey& key) const;
     bool contains(const QString& key) const;
     void sync();
     QString fileName() const;

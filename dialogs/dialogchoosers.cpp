@@ -1,9 +1,10 @@
 #include "dialogs/dialogchoosers.h"
 
+#include <QDesktopServices>
+#include <QUrl>
+
 #include "dialogs/passworddialog.h"
 #include "dialogs/pathselectdialog.h"
-
-#include <QProcess>
 
 namespace qmr {
 
@@ -22,19 +23,12 @@ std::optional<QString> DialogChoosers::chooseDirectory(const QString& start)
     return dialog.path();
 }
 
-std::optional<QString> DialogChoosers::openInEditor(const QString& path)
+std::optional<QString> DialogChoosers::openFile(const QString& path)
 {
-    // $VISUAL, then $EDITOR, then whatever the desktop opens text files with.
-    QString editor = qEnvironmentVariable("VISUAL");
-    if (editor.isEmpty())
-        editor = qEnvironmentVariable("EDITOR");
-    QStringList command =
-        editor.isEmpty() ? QStringList{QStringLiteral("xdg-open")} : QProcess::splitCommand(editor);
-    if (command.isEmpty())
-        command = {QStringLiteral("xdg-open")};
-    const QString program = command.takeFirst();
-    if (!QProcess::startDetached(program, command << path))
-        return QStringLiteral("Cannot start %1.").arg(program);
+    // A terminal editor started without a terminal never shows: the desktop's own program
+    // for the file's type is what a person expects to see.
+    if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
+        return QStringLiteral("No program could be started to open the file '%1'.").arg(path);
     return std::nullopt;
 }
 

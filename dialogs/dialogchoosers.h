@@ -8,7 +8,8 @@ namespace qmr {
 
 class Settings;
 
-// The real choosers: the password window, the directory chooser and the text editor.
+// The real choosers: the password window, the directory chooser, and opening files with
+// the desktop's programs.
 class DialogChoosers : public Choosers
 {
 public:
@@ -20,7 +21,7 @@ public:
 
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
-    std::optional<QString> openInEditor(const QString& path) override;
+    std::optional<QString> openFile(const QString& path) override;
 
 private:
     Settings& m_settings;

@@ -1,16 +1,5 @@
 #include "dialogs/itemdialog.h"
 
-#include "core/choosers.h"
-#include "core/navigatorcallbacks.h"
-#include "core/prompter.h"
-#include "dialogs/pathbrowser.h"
-#include "store/itemrules.h"
-#include "store/itemstatistics.h"
-#include "store/itemstore.h"
-#include "store/session.h"
-#include "store/storeerror.h"
-#include "ui_itemdialog.h"
-
 #include <QApplication>
 #include <QButtonGroup>
 #include <QComboBox>
@@ -26,6 +15,17 @@
 #include <QTabWidget>
 #include <QToolButton>
 #include <QVBoxLayout>
+
+#include "core/choosers.h"
+#include "core/navigatorcallbacks.h"
+#include "core/prompter.h"
+#include "dialogs/pathbrowser.h"
+#include "store/itemrules.h"
+#include "store/itemstatistics.h"
+#include "store/itemstore.h"
+#include "store/session.h"
+#include "store/storeerror.h"
+#include "ui_itemdialog.h"
 
 namespace qmr {
 
@@ -87,8 +87,9 @@ QIcon clockIcon()
 
 } // namespace
 
-ItemDialog::ItemDialog(Level level, DialogServices services, QWidget* parent, bool collectOnly)
-    : QDialog(parent), m_level(level), m_services(services), m_collectOnly(collectOnly),
+ItemDialog::ItemDialog(Level level, const CommandContext& context, QWidget* parent,
+                       bool collectOnly)
+    : QDialog(parent), m_level(level), m_services(context), m_collectOnly(collectOnly),
       m_ui(std::make_unique<Ui::ItemDialog>())
 {
     setObjectName(collectOnly ? QStringLiteral("frmDocumentNew")
@@ -355,9 +356,12 @@ bool ItemDialog::validate()
     try {
         ItemStore::checkWidths(m_level, fieldsFromControls());
     } catch (const StoreError& e) {
-        QWidget* focus = e.message().contains(QLatin1String("storage path")) ? m_saveTo
-                         : e.message().contains(QLatin1String("email"))      ? m_email
-                                                                             : m_name;
+        QWidget* focus = e.column() == QLatin1String("StoragePath") ? m_saveTo
+                         : e.column() == QLatin1String("Email")     ? m_email
+                         : e.column() == QLatin1String("Password")  ? m_password
+                         : e.column() == QLatin1String("Description")
+                             ? static_cast<QWidget*>(m_description)
+                             : m_name;
         return refuse(e.message(), focus);
     }
     return true;
@@ -370,22 +374,8 @@ void ItemDialog::write()
     NavigatorCallbacks* nav = m_services.navigator;
     if (m_mode != QLatin1String("Add")) {
         items.updateItem(m_level, m_id, f);
-        if (!nav)
-            return;
-        switch (m_level) {
-        case Level::Cabinet:
-            nav->UpdateCabinetName(m_id, f.name);
-            break;
-        case Level::Drawer:
-            nav->UpdateDrawerName(m_id, f.name);
-            break;
-        case Level::Folder:
-            nav->UpdateFolderName(m_id, f.name);
-            break;
-        default:
-            nav->UpdateDocumentName(m_id, f.name, f.dateOnDocument);
-            break;
-        }
+        if (nav)
+            nav->itemRenamed(m_level, m_id, f.name, f.dateOnDocument);
         return;
     }
     // The new item and what its template makes belong together.

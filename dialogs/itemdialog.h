@@ -1,12 +1,14 @@
 #pragma once
 
-#include "core/level.h"
-#include "dialogs/dialogservices.h"
-#include "store/itemfields.h"
-
 #include <QDialog>
 #include <QHash>
+#include <functional>
 #include <memory>
+
+#include "core/level.h"
+#include "core/navigatorcallbacks.h"
+#include "store/commandcontext.h"
+#include "store/itemfields.h"
 
 class QComboBox;
 class QLabel;
@@ -22,6 +24,12 @@ class ItemDialog;
 }
 
 namespace qmr {
+
+class ItemStore;
+
+// Fills a new drawer from a template; returns what it made, for the tree.
+using TemplateApplier =
+    std::function<QVector<CreatedItem>(const QString& name, qint32 drawerId, ItemStore& items)>;
 
 // What a new-document dialog hands back to its caller.
 struct NewDocumentResult
@@ -41,7 +49,7 @@ class ItemDialog : public QDialog
     Q_OBJECT
 public:
     // `collectOnly` makes frmDocumentNew: it checks and returns the fields, and writes nothing.
-    ItemDialog(Level level, DialogServices services, QWidget* parent = nullptr,
+    ItemDialog(Level level, const CommandContext& context, QWidget* parent = nullptr,
                bool collectOnly = false);
     ~ItemDialog() override;
 
@@ -77,7 +85,7 @@ private:
     void write();
 
     Level m_level;
-    DialogServices m_services;
+    CommandContext m_services;
     bool m_collectOnly;
     QString m_mode = QStringLiteral("Add");
     qint32 m_id = -1;

@@ -1,13 +1,13 @@
 #include "dialogs/pagepropertiesdialog.h"
 
-#include "core/nodekey.h"
-#include "store/itemrules.h"
-#include "store/itemstore.h"
-#include "ui_pagepropertiesdialog.h"
-
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
+
+#include "core/nodekey.h"
+#include "store/itemrules.h"
+#include "store/pagestore.h"
+#include "ui_pagepropertiesdialog.h"
 
 namespace qmr {
 
@@ -46,9 +46,9 @@ QString PagePropertiesDialog::text(const QString& labelName) const
     return l ? l->text() : QString();
 }
 
-void PagePropertiesDialog::Populate(qint32 pageId)
+void PagePropertiesDialog::populate(qint32 pageId)
 {
-    const PageFacts f = ItemStore(m_db).pageFacts(pageId);
+    const PageRow f = PageStore(m_db).page(pageId).value_or(PageRow());
     label("lblPageIdData")->setText(QString::number(pageId));
     label("lblScanDateData")
         ->setText(f.scanDate.isValid() ? ItemRules::displayDate(f.scanDate)
@@ -60,22 +60,22 @@ void PagePropertiesDialog::Populate(qint32 pageId)
         label("lblShortcutData")->setText(f.filename);
 }
 
-void PagePropertiesDialog::populateMultiple(const QStringList& selectedKeys)
+void PagePropertiesDialog::populateMultiple(const QVector<qint32>& pageIds)
 {
     label("lblPageId")->setText(QStringLiteral("Pages:"));
-    ItemStore items(m_db);
+    PageStore pages(m_db);
     int count = 0;
     QString firstDate;
     QDate shownDate;
     bool mixed = false;
     bool sizeSeen = false;
     qint64 total = 0;
-    for (const QString& text : selectedKeys) {
-        const NodeKey key = NodeKey::parse(text);
-        if (key.level() != Level::Page)
+    for (const qint32 id : pageIds) {
+        const std::optional<PageRow> page = pages.page(id);
+        if (!page)
             continue;
         ++count;
-        const PageFacts f = items.pageFacts(key.id());
+        const PageRow& f = *page;
         if (!f.scanDateStored.isEmpty()) {
             if (firstDate.isEmpty()) {
                 firstDate = f.scanDateStored;

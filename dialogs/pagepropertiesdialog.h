@@ -2,6 +2,7 @@
 
 #include <QDialog>
 #include <QHash>
+#include <QVector>
 #include <memory>
 
 class QLabel;
@@ -22,9 +23,9 @@ public:
     explicit PagePropertiesDialog(Database& db, QWidget* parent = nullptr);
     ~PagePropertiesDialog() override;
 
-    void Populate(qint32 pageId);
+    void populate(qint32 pageId);
     // The selected items' keys of the page list; only "PAG" keys count.
-    void populateMultiple(const QStringList& selectedKeys);
+    void populateMultiple(const QVector<qint32>& pageIds);
     QString text(const QString& labelName) const;
 
 private:

@@ -1,14 +1,14 @@
 #include "dialogs/pathselectdialog.h"
 
-#include "core/settings.h"
-#include "ui_pathselectdialog.h"
-
 #include <QComboBox>
 #include <QDir>
 #include <QFileSystemModel>
 #include <QPushButton>
 #include <QStorageInfo>
 #include <QTreeView>
+
+#include "core/settings.h"
+#include "ui_pathselectdialog.h"
 
 namespace qmr {
 

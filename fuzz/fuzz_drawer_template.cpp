@@ -1,15 +1,14 @@
 // Drawer.txt as the program reads it: the template names at start, the outline in the
 // template editor, and a template applied to a new drawer in a real store.
 
-#include "fuzzstore.h"
+#include <QSet>
 
 #include "core/textfile.h"
+#include "fuzzstore.h"
 #include "store/itemstore.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
 #include "templates/templateoutline.h"
-
-#include <QSet>
 
 using namespace qmr;
 

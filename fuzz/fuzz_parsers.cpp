@@ -1,15 +1,15 @@
 // The parsers of typed and read text: dates, amounts, node keys kept in the settings, the
 // outline lines of the text files, and the text files' decoding itself.
 
-#include "core/nodekey.h"
-#include "core/textfile.h"
-#include "store/columnwidths.h"
-#include "store/itemrules.h"
-#include "templates/outlinefile.h"
-#include "fuzzstore.h"
-
 #include <QByteArray>
 #include <cmath>
+
+#include "core/nodekey.h"
+#include "core/textfile.h"
+#include "fuzzstore.h"
+#include "store/itemrules.h"
+#include "store/storecolumns.h"
+#include "templates/outlinefile.h"
 
 using namespace qmr;
 
@@ -40,7 +40,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size)
         const OutlineLine outline = OutlineFile::parse(t);
         if (outline.key.size() > 3)
             fuzz::broken("an outline key is longer than three characters");
-        ColumnWidths::messageForConstraint(t);
+        StoreColumns::constraintError(t);
         ItemRules::stripBadCharacters(t);
         if (ItemRules::containsBadCharacters(ItemRules::stripBadCharacters(t)))
             fuzz::broken("a stripped name still holds a refused character");

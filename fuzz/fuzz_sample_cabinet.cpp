@@ -2,7 +2,6 @@
 // in a real store.
 
 #include "fuzzstore.h"
-
 #include "store/itemstore.h"
 #include "store/storeerror.h"
 #include "templates/samplecabinets.h"

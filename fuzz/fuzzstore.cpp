@@ -1,8 +1,7 @@
-#include "fuzzstore.h"
-
-#include "store/schema.h"
-
 #include <QFile>
+
+#include "fuzzstore.h"
+#include "store/schema.h"
 
 namespace qmr::fuzz {
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/apphome.h"
-#include "store/database.h"
-
 #include <QByteArray>
 #include <QTemporaryDir>
 #include <cstdio>
 #include <cstdlib>
+
+#include "core/apphome.h"
+#include "store/database.h"
 
 namespace qmr::fuzz {
 

@@ -156,6 +156,12 @@ void NavMenus::build(QMenuBar* bar, const Commands& commands)
     m_menus.value(QStringLiteral("mnuPopupFound"))->menuAction()->setVisible(false);
 }
 
+void NavMenus::run(const QString& name) const
+{
+    if (QAction* action = m_actions.value(name); action && action->isEnabled())
+        action->trigger();
+}
+
 void NavMenus::showOnly(const QString& menuName)
 {
     for (const QString& name : levelMenus())

@@ -23,6 +23,8 @@ public:
     // The six level menus of the bar; at most one is visible at a time.
     static const QStringList& levelMenus();
     void showOnly(const QString& menuName); // "" hides all six
+    // Runs an entry as if it had been chosen; nothing when it is disabled or unknown.
+    void run(const QString& name) const;
 
 private:
     QHash<QString, QMenu*> m_menus;

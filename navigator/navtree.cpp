@@ -5,6 +5,8 @@
 #include <QMouseEvent>
 #include <QScrollBar>
 
+#include "core/nameorder.h"
+
 namespace qmr {
 
 namespace {
@@ -18,8 +20,7 @@ public:
     using QTreeWidgetItem::QTreeWidgetItem;
     bool operator<(const QTreeWidgetItem& other) const override
     {
-        const int c = text(0).compare(other.text(0), Qt::CaseInsensitive);
-        return c != 0 ? c < 0 : text(0) < other.text(0);
+        return nameLess(text(0), other.text(0));
     }
 };
 

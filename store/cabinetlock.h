@@ -5,13 +5,11 @@
 
 namespace qmr {
 
-class Choosers;
 class Database;
-class NavigatorCallbacks;
-class Prompter;
 
 // Which cabinets are open in this run. A cabinet with a password stays locked, and its
 // content out of sight, until its password has been given once; it stays open until exit.
+// Asking for the password is the navigator's business; this only checks and records.
 class CabinetLock
 {
 public:
@@ -19,15 +17,19 @@ public:
 
     explicit CabinetLock(Database& db) : m_db(db) {}
 
-    // Asks nobody: in the open list, or no password.
+    // In the open list, or no password (a missing row counts as open).
     bool isCabinetOpen(qint32 cabinetId) const;
-    // Asks for the password if need be; on success enters the list and has the navigator
-    // rebuild the cabinet's node (when `navigator` is given).
-    bool openCabinet(qint32 cabinetId, Choosers& choosers, Prompter& prompter,
-                     NavigatorCallbacks* navigator);
+    // Whether `typed` is the cabinet's password.
+    bool passwordMatches(qint32 cabinetId, const QString& typed) const;
+    // Enters the cabinet in the open list. A full list keeps it unlisted: it is asked for
+    // again next time.
+    void recordOpen(qint32 cabinetId);
     bool inOpenList(qint32 cabinetId) const { return m_open.contains(cabinetId); }
 
 private:
+    // The clear password, "" for none or a missing row.
+    QString password(qint32 cabinetId) const;
+
     Database& m_db;
     QVector<qint32> m_open;
 };

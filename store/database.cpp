@@ -1,11 +1,12 @@
 #include "store/database.h"
 
-#include "store/columnwidths.h"
-#include "store/storeerror.h"
-
 #include <QDateTime>
 #include <QStringDecoder>
 #include <sqlite3.h>
+
+#include "core/nameorder.h"
+#include "store/storecolumns.h"
+#include "store/storeerror.h"
 
 namespace qmr {
 
@@ -24,9 +25,7 @@ QString storedText(const void* data, int size)
 // this connection supplies a Unicode-aware one under that name.
 int compareNoCase(void*, int len1, const void* s1, int len2, const void* s2)
 {
-    const QString a = storedText(s1, len1);
-    const QString b = storedText(s2, len2);
-    return a.compare(b, Qt::CaseInsensitive);
+    return compareNames(storedText(s1, len1), storedText(s2, len2));
 }
 
 void bindValue(sqlite3_stmt* stmt, int index, const QVariant& value)
@@ -134,56 +133,79 @@ void Database::open(const QString& path)
 
 void Database::close()
 {
+    finalizeAll();
     if (m_db) {
         sqlite3_close_v2(m_db);
         m_db = nullptr;
     }
 }
 
-void Database::fail(const QString& sql) const
+void Database::fail() const
 {
     const int code = sqlite3_extended_errcode(m_db);
     const QString engine = QString::fromUtf8(sqlite3_errmsg(m_db));
-    if (code == SQLITE_CONSTRAINT_CHECK) {
-        const QString width = ColumnWidths::messageForConstraint(engine);
-        if (!width.isEmpty())
-            throw StoreError(width);
-    }
+    if (code == SQLITE_CONSTRAINT_CHECK)
+        if (const std::optional<StoreError> width = StoreColumns::constraintError(engine))
+            throw *width;
     if (code == SQLITE_FULL)
         throw StoreError(QStringLiteral("The disk is full: %1").arg(engine));
-    Q_UNUSED(sql);
     throw StoreError(QStringLiteral("The store could not carry out the command: %1").arg(engine));
+}
+
+void Database::finalizeAll()
+{
+    for (sqlite3_stmt* stmt : std::as_const(m_statements))
+        sqlite3_finalize(stmt);
+    m_statements.clear();
+}
+
+sqlite3_stmt* Database::prepare(const QString& sql)
+{
+    const QByteArray text = sql.toUtf8();
+    if (sqlite3_stmt* cached = m_statements.value(text)) {
+        sqlite3_reset(cached);
+        sqlite3_clear_bindings(cached);
+        return cached;
+    }
+    sqlite3_stmt* stmt = nullptr;
+    if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &stmt, nullptr) != SQLITE_OK)
+        fail();
+    if (!stmt) // only white space or a comment
+        return nullptr;
+    // Built statements (the find queries) differ every time; they are not worth keeping.
+    if (m_statements.size() >= 256)
+        finalizeAll();
+    m_statements.insert(text, stmt);
+    return stmt;
 }
 
 Recordset Database::run(const QString& sql, const QVariantList& binds)
 {
     if (!m_db)
         throw StoreError(QStringLiteral("The store is not open."));
-    sqlite3_stmt* stmt = nullptr;
-    const QByteArray text = sql.toUtf8();
-    if (sqlite3_prepare_v2(m_db, text.constData(), int(text.size()), &stmt, nullptr) != SQLITE_OK)
-        fail(sql);
-    struct Finalizer
+    sqlite3_stmt* stmt = prepare(sql);
+    if (!stmt)
+        return Recordset();
+    // Reset at the end, so that a kept statement holds no read lock between commands.
+    struct Resetter
     {
         sqlite3_stmt* s;
-        ~Finalizer() { sqlite3_finalize(s); }
-    } finalizer{stmt};
-    if (!stmt) // only white space or a comment
-        return Recordset();
+        ~Resetter() { sqlite3_reset(s); }
+    } resetter{stmt};
     for (int i = 0; i < binds.size(); ++i)
         bindValue(stmt, i + 1, binds.at(i));
 
+    QVector<QVector<QVariant>> rows;
+    int rc = sqlite3_step(stmt);
+    // The shape is read after the first step: a kept statement is prepared anew there when
+    // the schema has changed since.
     QStringList columns;
     const int count = sqlite3_column_count(stmt);
     for (int c = 0; c < count; ++c)
         columns << QString::fromUtf8(sqlite3_column_name(stmt, c));
-    QVector<QVector<QVariant>> rows;
-    for (;;) {
-        const int rc = sqlite3_step(stmt);
-        if (rc == SQLITE_DONE)
-            break;
+    for (; rc != SQLITE_DONE; rc = sqlite3_step(stmt)) {
         if (rc != SQLITE_ROW)
-            fail(sql);
+            fail();
         QVector<QVariant> row;
         row.reserve(count);
         for (int c = 0; c < count; ++c)
@@ -230,21 +252,30 @@ int Database::runtimeVersion()
     return sqlite3_libversion_number();
 }
 
-Database::Transaction::Transaction(Database& db) : m_db(db)
+Database::Transaction::Transaction(Database& db)
+    : m_db(db), m_name(QStringLiteral("qmr%1").arg(db.m_depth))
 {
-    m_db.execute(QStringLiteral("BEGIN"));
+    // A savepoint outside any transaction begins one; inside it marks a point to return to.
+    m_db.execute(QStringLiteral("SAVEPOINT ") + m_name);
+    ++m_db.m_depth;
 }
 
 Database::Transaction::~Transaction()
 {
-    if (!m_done && m_db.isOpen())
-        sqlite3_exec(m_db.m_db, "ROLLBACK", nullptr, nullptr, nullptr);
+    if (m_done)
+        return;
+    --m_db.m_depth;
+    if (!m_db.isOpen())
+        return;
+    const QByteArray undo = ("ROLLBACK TO " + m_name + "; RELEASE " + m_name).toUtf8();
+    sqlite3_exec(m_db.m_db, undo.constData(), nullptr, nullptr, nullptr);
 }
 
 void Database::Transaction::commit()
 {
-    m_db.execute(QStringLiteral("COMMIT"));
+    m_db.execute(QStringLiteral("RELEASE ") + m_name);
     m_done = true;
+    --m_db.m_depth;
 }
 
 } // namespace qmr

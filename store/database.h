@@ -1,11 +1,14 @@
 #pragma once
 
-#include "store/recordset.h"
-
+#include <QByteArray>
+#include <QHash>
 #include <QString>
 #include <QVariantList>
 
+#include "store/recordset.h"
+
 struct sqlite3;
+struct sqlite3_stmt;
 
 namespace qmr {
 
@@ -32,28 +35,42 @@ public:
     qint32 lastInsertId() const;
     bool hasColumn(const QString& table, const QString& column);
 
-    // Groups statements: commits at commit(), rolls back when destroyed without it.
+    // Groups statements: commits at commit(), rolls back when destroyed without it. Groups
+    // nest (as savepoints): an inner group that is rolled back undoes only its own work, and
+    // nothing is on disk before the outermost one commits.
     class Transaction
     {
     public:
         explicit Transaction(Database& db);
         ~Transaction();
+        Transaction(const Transaction&) = delete;
+        Transaction& operator=(const Transaction&) = delete;
         void commit();
 
     private:
         Database& m_db;
+        QString m_name;
         bool m_done = false;
     };
+    // How many groups are open; 0 outside any.
+    int transactionDepth() const { return m_depth; }
 
     // The SQLite library's run-time version as a number (3040001 for 3.40.1).
     static int runtimeVersion();
 
 private:
     Recordset run(const QString& sql, const QVariantList& binds);
-    [[noreturn]] void fail(const QString& sql) const;
+    // A prepared statement from the cache, reset and unbound, or a new one.
+    sqlite3_stmt* prepare(const QString& sql);
+    void finalizeAll();
+    [[noreturn]] void fail() const;
 
     sqlite3* m_db = nullptr;
     QString m_path;
+    // Statements prepared on this connection, by their text: the navigator runs the same few
+    // queries thousands of times.
+    QHash<QByteArray, sqlite3_stmt*> m_statements;
+    int m_depth = 0;
 };
 
 } // namespace qmr

@@ -1,9 +1,9 @@
 #include "store/itemstatistics.h"
 
+#include <QLocale>
+
 #include "store/database.h"
 #include "store/itemtable.h"
-
-#include <QLocale>
 
 namespace qmr {
 

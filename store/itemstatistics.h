@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/level.h"
-
 #include <QString>
 #include <QVector>
+
+#include "core/level.h"
 
 namespace qmr {
 

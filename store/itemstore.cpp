@@ -1,10 +1,9 @@
 #include "store/itemstore.h"
 
-#include "core/progress.h"
 #include "store/cipher.h"
-#include "store/columnwidths.h"
 #include "store/database.h"
 #include "store/itemtable.h"
+#include "store/storecolumns.h"
 
 namespace qmr {
 
@@ -55,51 +54,6 @@ ItemRow ItemStore::item(Level level, qint32 id) const
     return row;
 }
 
-PageFacts ItemStore::pageFacts(qint32 pageId) const
-{
-    const Recordset rs =
-        m_db.openRecordset(QStringLiteral("SELECT * FROM Page WHERE PageId = ?"), {pageId});
-    PageFacts facts;
-    if (rs.recordCount() < 1)
-        return facts;
-    facts.found = true;
-    facts.scanDateStored = rs.text(0, QStringLiteral("ScanDate"));
-    facts.scanDate = rs.date(0, QStringLiteral("ScanDate"));
-    const QVariant size = rs.value(0, QStringLiteral("FileSize"));
-    facts.hasFileSize = !size.isNull();
-    facts.fileSize = size.toLongLong();
-    facts.fileType = rs.text(0, QStringLiteral("Filetype"));
-    facts.shortcut = rs.text(0, QStringLiteral("ShortcutYN")) == QLatin1String("Y");
-    facts.filename = rs.text(0, QStringLiteral("Filename"));
-    return facts;
-}
-
-void ItemStore::setPageNumber(qint32 pageId, qint32 number)
-{
-    m_db.execute(QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?"),
-                 {number, pageId});
-}
-
-QVector<PageRow> ItemStore::pages(qint32 documentId) const
-{
-    const Recordset rs = m_db.openRecordset(
-        QStringLiteral("SELECT PageId, PageNumber, Filename, FileSize, ScanDate, ShortcutYN "
-                       "FROM Page WHERE DocumentId = ? ORDER BY PageNumber, PageId"),
-        {documentId});
-    QVector<PageRow> rows;
-    for (int i = 0; i < rs.recordCount(); ++i) {
-        PageRow row;
-        row.id = rs.integer(i, QStringLiteral("PageId"));
-        row.pageNumber = rs.integer(i, QStringLiteral("PageNumber"), 0);
-        row.filename = rs.text(i, QStringLiteral("Filename"));
-        row.fileSize = rs.value(i, QStringLiteral("FileSize")).toLongLong();
-        row.scanDate = rs.date(i, QStringLiteral("ScanDate"));
-        row.shortcut = rs.text(i, QStringLiteral("ShortcutYN")) == QLatin1String("Y");
-        rows << row;
-    }
-    return rows;
-}
-
 qint32 ItemStore::parentOf(Level level, qint32 id) const
 {
     const ItemTable& t = ItemTable::of(level);
@@ -146,7 +100,7 @@ void ItemStore::checkWidths(Level level, const ItemFields& fields)
     const QString table = ItemTable::of(level).name();
     for (const auto& [column, value] : fieldColumns(level, fields))
         if (value.typeId() == QMetaType::QString)
-            ColumnWidths::check(table, column,
+            StoreColumns::check(table, column,
                                 column == QLatin1String("Password") ? fields.password
                                                                     : value.toString());
 }
@@ -218,7 +172,8 @@ bool ItemStore::nameTaken(Level level, qint32 parentId, const QString& name, qin
 {
     const ItemTable& t = ItemTable::of(level);
     QString sql =
-        QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name = ? AND %2 <> ?").arg(t.name(), t.id());
+        QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name = ? COLLATE NOCASE AND %2 <> ?")
+            .arg(t.name(), t.id());
     QVariantList binds{name, exceptId};
     if (level != Level::Cabinet) {
         sql += QStringLiteral(" AND %1 = ?").arg(t.parent());
@@ -242,39 +197,9 @@ int ItemStore::count(Level level) const
 
 bool ItemStore::cabinetNameExists(const QString& name) const
 {
-    return m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM Cabinet WHERE Name = ?"), {name})
+    return m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM Cabinet WHERE Name = ? COLLATE NOCASE"),
+                       {name})
                .toInt() > 0;
-}
-
-void ItemStore::repaginateDocument(qint32 documentId, const QString& documentName,
-                                   Progress& progress)
-{
-    const int count =
-        m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM Page WHERE DocumentId = ?"), {documentId})
-            .toInt();
-    if (count < 1)
-        return;
-    const QString title = QStringLiteral("Repaginate ") + documentName;
-    progress.start(title, 1, 2 * count);
-    const Recordset rs = m_db.openRecordset(
-        QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? ORDER BY PageNumber, PageId"),
-        {documentId});
-    // Both passes in one transaction: an interrupted renumbering leaves the old numbers.
-    Database::Transaction tx(m_db);
-    const QString update = QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?");
-    // First out of the way, from the top down, so that no two pages meet mid-way.
-    int number = 9999999;
-    for (int i = rs.recordCount() - 1; i >= 0; --i) {
-        progress.step(title);
-        m_db.execute(update, {number--, rs.integer(i, QStringLiteral("PageId"))});
-    }
-    number = 1;
-    for (int i = 0; i < rs.recordCount(); ++i) {
-        progress.step(title);
-        m_db.execute(update, {number++, rs.integer(i, QStringLiteral("PageId"))});
-    }
-    tx.commit();
-    progress.end();
 }
 
 } // namespace qmr

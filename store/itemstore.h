@@ -1,17 +1,16 @@
 #pragma once
 
-#include "core/level.h"
-#include "store/itemfields.h"
-
 #include <QDate>
 #include <QString>
 #include <QVector>
 #include <optional>
 
+#include "core/level.h"
+#include "store/itemfields.h"
+
 namespace qmr {
 
 class Database;
-class Progress;
 
 struct ItemRow
 {
@@ -19,29 +18,6 @@ struct ItemRow
     QString name;
     QDate date;       // documents: DateOnDocument
     QString password; // cabinets: the stored (enciphered) password, "" for Null
-};
-
-struct PageRow
-{
-    qint32 id = -1;
-    qint32 pageNumber = 0;
-    QString filename;
-    qint64 fileSize = 0;
-    QDate scanDate;
-    bool shortcut = false;
-};
-
-// The facts of one page, as its properties show them.
-struct PageFacts
-{
-    bool found = false;
-    QString scanDateStored; // the stored text, "" for Null
-    QDate scanDate;
-    bool hasFileSize = false;
-    qint64 fileSize = 0;
-    QString fileType;
-    bool shortcut = false;
-    QString filename;
 };
 
 // The item queries that the navigator, templates and samples share: one routine per kind of
@@ -65,29 +41,22 @@ public:
     }
     qint32 documentOfPage(qint32 pageId) const { return parentOf(Level::Page, pageId); }
 
-    PageFacts pageFacts(qint32 pageId) const;
-    void setPageNumber(qint32 pageId, qint32 number);
-    // The pages of a document in page order.
-    QVector<PageRow> pages(qint32 documentId) const;
-
     // The editable fields of one item; nothing when the row is gone.
     std::optional<ItemFields> fields(Level level, qint32 id) const;
     // Inserts an item with its fields below `parentId`; returns the new id.
     qint32 insertItem(Level level, qint32 parentId, const ItemFields& fields);
     void updateItem(Level level, qint32 id, const ItemFields& fields);
     // Whether another item of the same parent (any cabinet, for cabinets) has this name,
-    // without regard to case; `exceptId` is the item being edited, or -1.
+    // without regard to case whatever the column declares (a store made elsewhere may
+    // compare with case); `exceptId` is the item being edited, or -1.
     bool nameTaken(Level level, qint32 parentId, const QString& name, qint32 exceptId) const;
-    // Throws StoreError with a clear message when a field is too wide for its column.
+    // Throws StoreError naming the column when a field is too wide for it.
     static void checkWidths(Level level, const ItemFields& fields);
 
     // Inserts a bare item (cabinets get the stored form of the empty password); returns its id.
     qint32 insertItem(Level level, qint32 parentId, const QString& name);
     int count(Level level) const;
     bool cabinetNameExists(const QString& name) const;
-
-    // Numbers the pages 1, 2, 3 ... in their present order, ties by PageId, in two passes.
-    void repaginateDocument(qint32 documentId, const QString& documentName, Progress& progress);
 
 private:
     Database& m_db;

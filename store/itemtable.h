@@ -1,8 +1,8 @@
 #pragma once
 
-#include "core/level.h"
-
 #include <QString>
+
+#include "core/level.h"
 
 namespace qmr {
 

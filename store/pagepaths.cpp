@@ -1,7 +1,5 @@
 #include "store/pagepaths.h"
 
-#include "store/database.h"
-
 #include <QDir>
 #include <QFileInfo>
 
@@ -10,18 +8,6 @@ namespace qmr {
 QString PagePaths::bucket(qint32 pageId)
 {
     return QStringLiteral("%1").arg(pageId, 10, 10, QLatin1Char('0')).left(7);
-}
-
-QString PagePaths::pageFilename(qint32 pageId) const
-{
-    return m_db.scalar(QStringLiteral("SELECT Filename FROM Page WHERE PageId = ?"), {pageId})
-        .toString();
-}
-
-bool PagePaths::isPageShortcut(qint32 pageId) const
-{
-    return m_db.scalar(QStringLiteral("SELECT ShortcutYN FROM Page WHERE PageId = ?"), {pageId})
-               .toString() == QLatin1String("Y");
 }
 
 QString PagePaths::computedPageDirectory(qint32 pageId) const
@@ -46,9 +32,8 @@ QString PagePaths::computedThumbPath(qint32 pageId) const
            QLatin1String(".jpg");
 }
 
-QString PagePaths::pageDirectory(qint32 pageId) const
+QString PagePaths::pageDirectory(qint32 pageId, const QString& stored) const
 {
-    const QString stored = pageFilename(pageId);
     if (stored.isEmpty())
         return computedPageDirectory(pageId);
     QString dir = directoryPart(stored);
@@ -57,28 +42,25 @@ QString PagePaths::pageDirectory(qint32 pageId) const
     return dir;
 }
 
-QString PagePaths::pagePath(qint32 pageId) const
+QString PagePaths::pagePath(qint32 pageId, const QString& stored) const
 {
-    const QString stored = pageFilename(pageId);
     if (!stored.isEmpty())
         return stored;
     return computedPagePath(pageId);
 }
 
-QString PagePaths::thumbDirectory(qint32 pageId) const
+QString PagePaths::thumbDirectory(qint32 pageId, const QString& stored) const
 {
-    const QString stored = pageFilename(pageId);
     if (stored.isEmpty())
         return computedThumbDirectory(pageId);
     return directoryPart(stored) + QLatin1String("Thumbs");
 }
 
-QString PagePaths::thumbPath(qint32 pageId) const
+QString PagePaths::thumbPath(qint32 pageId, const QString& stored) const
 {
-    const QString stored = pageFilename(pageId);
     if (stored.isEmpty())
         return computedThumbPath(pageId);
-    return thumbDirectory(pageId) + QLatin1Char('/') + filePart(stored);
+    return thumbDirectory(pageId, stored) + QLatin1Char('/') + filePart(stored);
 }
 
 QString PagePaths::directoryPart(const QString& path)

@@ -1,26 +1,25 @@
 #pragma once
 
-#include "core/apphome.h"
-
 #include <QString>
+
+#include "core/apphome.h"
 
 namespace qmr {
 
-class Database;
-
-// The one place that turns a page id into its image and thumbnail paths. Computed pages
-// live in buckets of a thousand: Pages/0000012/12345.jpg.
+// The one place that turns a page into its image and thumbnail paths, from its id and its
+// stored Filename ("" for none) alone, so that a block of pages costs no query. Computed
+// pages live in buckets of a thousand: Pages/0000012/12345.jpg.
 class PagePaths
 {
 public:
-    PagePaths(Database& db, AppHome home) : m_db(db), m_home(std::move(home)) {}
+    explicit PagePaths(AppHome home) : m_home(std::move(home)) {}
 
-    QString pageFilename(qint32 pageId) const; // "" when absent or Null
-    bool isPageShortcut(qint32 pageId) const;
-    QString pagePath(qint32 pageId) const;
-    QString pageDirectory(qint32 pageId) const;
-    QString thumbPath(qint32 pageId) const;
-    QString thumbDirectory(qint32 pageId) const;
+    const AppHome& home() const { return m_home; }
+    QString pagePath(qint32 pageId, const QString& stored) const;
+    QString pageDirectory(qint32 pageId, const QString& stored) const;
+    // A stored file keeps its thumbnail in "Thumbs" beside it, under the same file name.
+    QString thumbPath(qint32 pageId, const QString& stored) const;
+    QString thumbDirectory(qint32 pageId, const QString& stored) const;
 
     QString computedPagePath(qint32 pageId) const;
     QString computedPageDirectory(qint32 pageId) const;
@@ -41,7 +40,6 @@ public:
 private:
     static QString bucket(qint32 pageId);
 
-    Database& m_db;
     AppHome m_home;
 };
 

@@ -1,76 +1,45 @@
 #include "store/schema.h"
 
-#include "store/columnwidths.h"
-#include "store/database.h"
-#include "store/storeerror.h"
-
 #include <QFile>
 #include <QSaveFile>
 #include <QStringList>
+
+#include "store/database.h"
+#include "store/storecolumns.h"
+#include "store/storeerror.h"
 
 namespace qmr {
 
 namespace {
 
-QString text(const char* table, const char* column, int width)
-{
-    return ColumnWidths::textColumn(QLatin1String(table), QLatin1String(column), width);
-}
-
-QString memo(const char* column)
-{
-    return QLatin1String(column) + QLatin1String(" TEXT COLLATE NOCASE");
-}
-
 QStringList tableStatements()
 {
-    const QString id = QStringLiteral(" INTEGER PRIMARY KEY AUTOINCREMENT");
-    return {
-        QStringLiteral("CREATE TABLE Cabinet (CabinetId%1, %2, %3, %4)")
-            .arg(id, text("Cabinet", "Name", 80), text("Cabinet", "Password", 10),
-                 memo("Description")),
-        QStringLiteral("CREATE TABLE Drawer (DrawerId%1, CabinetId INTEGER NOT NULL, %2, %3)")
-            .arg(id, text("Drawer", "Name", 80), memo("Description")),
-        QStringLiteral("CREATE TABLE Folder (FolderId%1, DrawerId INTEGER NOT NULL, %2, %3)")
-            .arg(id, text("Folder", "Name", 80), memo("Description")),
-        QStringLiteral("CREATE TABLE Document (DocumentId%1, FolderId INTEGER NOT NULL, %2, %3, "
-                       "DateOnDocument TEXT, Amount REAL)")
-            .arg(id, text("Document", "Name", 80), memo("Description")),
-        QStringLiteral("CREATE TABLE Page (PageId%1, DocumentId INTEGER NOT NULL, %2, "
-                       "PageNumber INTEGER, FileSize INTEGER, ZoomFactor INTEGER, XOff INTEGER, "
-                       "YOff INTEGER, %3, ScanDate TEXT)")
-            .arg(id, text("Page", "Name", 80), text("Page", "InternalStatus", 2)),
-        QStringLiteral("CREATE TABLE Version (Version INTEGER NOT NULL)"),
-        QStringLiteral("CREATE INDEX Drawer_CabinetId ON Drawer (CabinetId)"),
-        QStringLiteral("CREATE INDEX Folder_DrawerId ON Folder (DrawerId)"),
-        QStringLiteral("CREATE INDEX Document_FolderId ON Document (FolderId)"),
-        QStringLiteral("CREATE INDEX Page_DocumentId ON Page (DocumentId)"),
-    };
+    QStringList statements;
+    for (const QString& table : StoreColumns::tables()) {
+        QStringList columns;
+        for (const StoreColumn& c : StoreColumns::of(table, 0))
+            columns << c.definition();
+        statements << QStringLiteral("CREATE TABLE %1 (%2)").arg(table, columns.join(", "));
+    }
+    // Children are always looked up by their parent.
+    for (const StoreColumn& c : StoreColumns::all())
+        if (c.type == ColumnType::Parent)
+            statements << QStringLiteral("CREATE INDEX %1_%2 ON %1 (%2)")
+                              .arg(c.tableName(), c.columnName());
+    return statements;
 }
 
 // Step A to D: each brings the store one version forward.
 QStringList upgradeStatements(int fromVersion)
 {
-    switch (fromVersion) {
-    case 0:
-        return {QStringLiteral("ALTER TABLE Cabinet ADD COLUMN Storage INTEGER"),
-                QStringLiteral("ALTER TABLE Cabinet ADD COLUMN ") +
-                    text("Cabinet", "StoragePath", 250) + QStringLiteral(" NULL"),
-                QStringLiteral("ALTER TABLE Page ADD COLUMN ") + text("Page", "Filename", 250) +
-                    QStringLiteral(" NULL")};
-    case 1:
-        return {QStringLiteral("ALTER TABLE Page ADD COLUMN ") + text("Page", "Filetype", 3) +
-                    QStringLiteral(" NULL"),
-                QStringLiteral("UPDATE Page SET Filetype='JPG' WHERE Filetype IS NULL")};
-    case 2:
-        return {QStringLiteral("ALTER TABLE Page ADD COLUMN ") + text("Page", "ShortcutYN", 1) +
-                QStringLiteral(" NULL")};
-    case 3:
-        return {QStringLiteral("ALTER TABLE Folder ADD COLUMN ") + text("Folder", "Email", 100) +
-                QStringLiteral(" NULL")};
-    default:
-        return {};
-    }
+    QStringList statements;
+    for (const StoreColumn& c : StoreColumns::addedIn(fromVersion + 1))
+        statements
+            << QStringLiteral("ALTER TABLE %1 ADD COLUMN %2").arg(c.tableName(), c.definition());
+    // Pages from before file types were kept are JPEG files.
+    if (fromVersion == 1)
+        statements << QStringLiteral("UPDATE Page SET Filetype='JPG' WHERE Filetype IS NULL");
+    return statements;
 }
 
 // A copy that is on the disk (flushed and synced) once it returns.
@@ -155,7 +124,12 @@ int StoreSchema::readVersion(Database& db)
 
 void StoreSchema::updateDatabase(Database& db, int target)
 {
-    for (int version = readVersion(db); version < target; ++version) {
+    const int stored = readVersion(db);
+    // A version this program never wrote (below 0, or from a newer program) is left alone:
+    // no step knows what such a store holds.
+    if (stored < 0 || stored > kCurrentVersion)
+        return;
+    for (int version = stored; version < target; ++version) {
         // One step is one transaction: a failed step leaves the store as it was before it.
         Database::Transaction tx(db);
         for (const QString& sql : upgradeStatements(version))

@@ -8,11 +8,12 @@
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/pagepaths.h"
+#include "store/pagestore.h"
 
 namespace qmr {
 
 // The program-wide state of one run: the store connection, the open-cabinet list, the
-// selection record, the find criteria and the values read from the settings at start.
+// selection record and the find criteria. One object, passed to whoever needs it.
 class Session
 {
 public:
@@ -24,16 +25,10 @@ public:
     Database& db() { return m_db; }
     CabinetLock& locks() { return m_locks; }
     ItemStore& items() { return m_items; }
-    PagePaths& paths() { return m_paths; }
+    PageStore& pages() { return m_pages; }
+    const PagePaths& paths() const { return m_paths; }
     SelectionRecord& selection() { return m_selection; }
     FindRecord& findRecord() { return m_find; }
-
-    // Reads ZoomDefault, DisplayCount, ThumbView (ThumbSide is read and overruled: 100).
-    void readStartSettings();
-    QString zoomDefault() const { return m_zoomDefault; }
-    int displayCount() const { return m_displayCount; }
-    int thumbSide() const { return m_thumbSide; }
-    QString thumbView() const { return m_thumbView; }
 
 private:
     AppHome m_home;
@@ -41,13 +36,10 @@ private:
     Database m_db;
     CabinetLock m_locks{m_db};
     ItemStore m_items{m_db};
+    PageStore m_pages{m_db};
     PagePaths m_paths;
     SelectionRecord m_selection;
     FindRecord m_find;
-    QString m_zoomDefault = QStringLiteral("NONE");
-    int m_displayCount = 20;
-    int m_thumbSide = 100;
-    QString m_thumbView = QStringLiteral("thumbnail");
 };
 
 } // namespace qmr

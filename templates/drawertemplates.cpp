@@ -1,6 +1,6 @@
 #include "templates/drawertemplates.h"
-#include "core/textfile.h"
 
+#include "core/textfile.h"
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
 

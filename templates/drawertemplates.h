@@ -1,9 +1,9 @@
 #pragma once
 
+#include <QStringList>
+
 #include "core/apphome.h"
 #include "core/navigatorcallbacks.h"
-
-#include <QStringList>
 
 namespace qmr {
 

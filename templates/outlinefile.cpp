@@ -1,6 +1,6 @@
 #include "templates/outlinefile.h"
-#include "core/textfile.h"
 
+#include "core/textfile.h"
 #include "store/itemstore.h"
 
 namespace qmr {

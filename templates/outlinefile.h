@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/navigatorcallbacks.h"
-
 #include <QString>
 #include <QStringList>
 #include <QVector>
+
+#include "core/navigatorcallbacks.h"
 
 namespace qmr {
 

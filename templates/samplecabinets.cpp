@@ -1,13 +1,13 @@
 #include "templates/samplecabinets.h"
-#include "core/textfile.h"
+
+#include <QFile>
 
 #include "core/level.h"
 #include "core/navigatorcallbacks.h"
+#include "core/textfile.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
-
-#include <QFile>
 
 namespace qmr {
 
@@ -78,9 +78,9 @@ qint32 SampleCabinets::createSampleCabinet(const QString& name)
     tx.commit();
     if (!m_navigator)
         return cabinetId;
-    m_navigator->AddCabinetToNavTree(cabinetId, name);
+    m_navigator->itemAdded(CreatedItem{Level::Cabinet, -1, cabinetId, name, {}});
     m_navigator->announce(created);
-    m_navigator->ShowDrawersInListView(cabinetId);
+    m_navigator->showChildren(Level::Cabinet, cabinetId);
     return cabinetId;
 }
 

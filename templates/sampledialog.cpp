@@ -1,5 +1,8 @@
 #include "templates/sampledialog.h"
 
+#include <QListWidget>
+#include <QPushButton>
+
 #include "core/choosers.h"
 #include "core/prompter.h"
 #include "store/database.h"
@@ -7,9 +10,6 @@
 #include "store/storeerror.h"
 #include "templates/samplecabinets.h"
 #include "ui_sampledialog.h"
-
-#include <QListWidget>
-#include <QPushButton>
 
 namespace qmr {
 
@@ -59,7 +59,7 @@ void SampleDialog::cmdCreate()
 
 void SampleDialog::cmdEdit()
 {
-    if (const std::optional<QString> failure = m_choosers.openInEditor(m_samples.filePath()))
+    if (const std::optional<QString> failure = m_choosers.openFile(m_samples.filePath()))
         m_prompter.tell(QStringLiteral("Error # ") + *failure);
     accept();
 }

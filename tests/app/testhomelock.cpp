@@ -1,11 +1,3 @@
-#include "app/startup.h"
-#include "core/homelock.h"
-#include "store/schema.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
-#include "tests/support/testrunner.h"
-
 #include <QCoreApplication>
 #include <QDateTime>
 #include <QFile>
@@ -14,6 +6,14 @@
 #include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTest>
+
+#include "app/startup.h"
+#include "core/homelock.h"
+#include "store/schema.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
 
 using namespace qmr;
 

@@ -1,7 +1,13 @@
+#include <QFile>
+#include <QFileInfo>
+#include <QPushButton>
+#include <QTest>
+
 #include "app/barwidget.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "app/startup.h"
+#include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
 #include "store/database.h"
@@ -11,11 +17,6 @@
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QFile>
-#include <QFileInfo>
-#include <QPushButton>
-#include <QTest>
 
 using namespace qmr;
 
@@ -53,7 +54,7 @@ private slots:
             normal = w->geometry();
             const QString drawer = NavTree::keyOf(w->tree()->node("ROOT")->child(0)->child(1));
             w->tree()->selectNode(drawer);
-            w->nodeClick(drawer);
+            w->navigator().nodeClick(drawer);
             w->close();
         }
         Settings& settings = home.reopenSettings();

@@ -1,7 +1,7 @@
+#include <QTest>
+
 #include "core/nodekey.h"
 #include "tests/support/testrunner.h"
-
-#include <QTest>
 
 using namespace qmr;
 

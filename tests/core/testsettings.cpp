@@ -1,9 +1,9 @@
+#include <QTest>
+
 #include "core/findrecord.h"
 #include "core/settings.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QTest>
 
 using namespace qmr;
 

@@ -1,17 +1,17 @@
-#include "storecommands.h"
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRadioButton>
 
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/itemtable.h"
+#include "store/pagestore.h"
 #include "store/schema.h"
+#include "storecommands.h"
 #include "templates/samplecabinets.h"
-
-#include <QComboBox>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QRadioButton>
 
 namespace qmr::crash {
 
@@ -69,6 +69,11 @@ CommandStore::CommandStore(const AppHome& home, quint32 seed)
 
 CommandStore::~CommandStore() = default;
 
+CommandContext CommandStore::context()
+{
+    return CommandContext{m_session, m_prompter, m_choosers, m_progress, m_view};
+}
+
 qint32 CommandStore::pick(Level level, QRandomGenerator& rng)
 {
     const ItemTable& t = ItemTable::of(level);
@@ -84,7 +89,7 @@ qint32 CommandStore::pick(Level level, QRandomGenerator& rng)
 
 QString CommandStore::newItem(Level level, qint32 parentId, int step, QRandomGenerator& rng)
 {
-    ItemDialog dialog(level, DialogServices{m_session, m_prompter, m_choosers, nullptr});
+    ItemDialog dialog(level, context());
     dialog.setAdd(parentId);
     if (level == Level::Drawer)
         dialog.populateTemplates(m_templates.names(),
@@ -128,7 +133,7 @@ QString CommandStore::newItem(Level level, qint32 parentId, int step, QRandomGen
 
 QString CommandStore::properties(Level level, qint32 id, int step, QRandomGenerator& rng)
 {
-    ItemDialog dialog(level, DialogServices{m_session, m_prompter, m_choosers, nullptr});
+    ItemDialog dialog(level, context());
     if (!dialog.setEdit(id))
         return QStringLiteral("item %1 has no properties").arg(id);
     control<QLineEdit>(dialog, "txtName")
@@ -167,8 +172,8 @@ void CommandStore::repaginate(QRandomGenerator& rng)
                                                  "ORDER BY DocumentId LIMIT 1 OFFSET ?"),
                                   {int(rng.bounded(documents))})
                           .toInt();
-    ItemStore items(db());
-    items.repaginateDocument(id, items.item(Level::Document, id).name, m_progress);
+    PageStore(db()).repaginateDocument(id, ItemStore(db()).item(Level::Document, id).name,
+                                       m_progress);
 }
 
 void CommandStore::sampleCabinet(QRandomGenerator& rng)
@@ -204,7 +209,7 @@ QString CommandStore::run(int step)
     } else if (kind < 85) {
         const qint32 page = pick(Level::Page, rng);
         if (page >= 0)
-            ItemStore(db()).setPageNumber(page, int(rng.bounded(1, 60)));
+            PageStore(db()).setPageNumber(page, int(rng.bounded(1, 60)));
     } else if (kind < 95) {
         repaginate(rng);
     } else {

@@ -1,15 +1,17 @@
 #pragma once
 
+#include <QRandomGenerator>
+
 #include "core/apphome.h"
 #include "core/level.h"
 #include "core/progress.h"
 #include "core/settings.h"
+#include "core/viewsettings.h"
+#include "store/commandcontext.h"
 #include "store/session.h"
 #include "templates/drawertemplates.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
-
-#include <QRandomGenerator>
 
 namespace qmr::crash {
 
@@ -31,6 +33,7 @@ public:
     Database& db() { return m_session.db(); }
 
 private:
+    CommandContext context();
     // A random existing item of the level (by id order), or -1 when there is none.
     qint32 pick(Level level, QRandomGenerator& rng);
     QString newItem(Level level, qint32 parentId, int step, QRandomGenerator& rng);
@@ -47,6 +50,7 @@ private:
     test::ScriptedPrompter m_prompter;
     test::ScriptedChoosers m_choosers;
     SilentProgress m_progress;
+    ViewSettings m_view{m_settings};
 };
 
 } // namespace qmr::crash

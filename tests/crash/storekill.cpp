@@ -8,13 +8,6 @@
 //   test_storekill [--runs N] [--seed S]         the parent: N kill runs (default 100)
 //   test_storekill --child HOME FIRSTSTEP SEED   the child: commands from FIRSTSTEP on, forever
 
-#include "storecommands.h"
-
-#include "core/homelock.h"
-#include "store/database.h"
-#include "store/schema.h"
-#include "store/storeerror.h"
-
 #include <QApplication>
 #include <QCryptographicHash>
 #include <QDir>
@@ -27,6 +20,12 @@
 #include <QThread>
 #include <cstdio>
 #include <optional>
+
+#include "core/homelock.h"
+#include "store/database.h"
+#include "store/schema.h"
+#include "store/storeerror.h"
+#include "storecommands.h"
 
 using namespace qmr;
 using namespace qmr::crash;

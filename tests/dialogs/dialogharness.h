@@ -1,5 +1,13 @@
 #pragma once
 
+#include <QLabel>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QTabWidget>
+#include <memory>
+
+#include "core/progress.h"
+#include "core/viewsettings.h"
 #include "dialogs/itemdialog.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -8,12 +16,6 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-
-#include <QLabel>
-#include <QLineEdit>
-#include <QPlainTextEdit>
-#include <QTabWidget>
-#include <memory>
 
 namespace qmr::test {
 
@@ -30,7 +32,9 @@ struct DialogHarness
     ScriptedPrompter prompter;
     ScriptedChoosers choosers;
     NavRecorder nav;
+    SilentProgress progress;
     std::unique_ptr<Session> session;
+    std::unique_ptr<ViewSettings> view;
 
     DialogHarness()
     {
@@ -41,8 +45,12 @@ struct DialogHarness
         store.drawer(empty, "Two");
         session = std::make_unique<Session>(home.home(), home.settings());
         StoreSchema::openDatabase(session->db(), home.home());
+        view = std::make_unique<ViewSettings>(home.settings());
     }
-    DialogServices services() { return DialogServices{*session, prompter, choosers, &nav}; }
+    CommandContext services()
+    {
+        return CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav};
+    }
     Database& db() { return session->db(); }
 };
 

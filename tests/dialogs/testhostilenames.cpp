@@ -1,10 +1,10 @@
+#include <QRadioButton>
+#include <QTest>
+
 #include "dialogharness.h"
 #include "store/itemrules.h"
 #include "store/itemstore.h"
 #include "tests/support/testrunner.h"
-
-#include <QRadioButton>
-#include <QTest>
 
 using namespace qmr;
 using test::child;

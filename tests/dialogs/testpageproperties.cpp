@@ -1,8 +1,8 @@
+#include <QTest>
+
 #include "dialogharness.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "tests/support/testrunner.h"
-
-#include <QTest>
 
 using namespace qmr;
 using test::DialogHarness;
@@ -17,7 +17,7 @@ private slots:
         h.db().execute("UPDATE Page SET FileSize = 1234567 WHERE PageId = 1");
         PagePropertiesDialog dialog(h.db());
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Page Properties"));
-        dialog.Populate(1);
+        dialog.populate(1);
         QCOMPARE(dialog.text("lblPageIdData"), QStringLiteral("1"));
         QCOMPARE(dialog.text("lblFileSizeData"), QStringLiteral("1,234,567 bytes"));
         QCOMPARE(dialog.text("lblScanDateData"), QStringLiteral("03/14/2026"));
@@ -27,7 +27,7 @@ private slots:
         h.db().execute("UPDATE Page SET FileSize = NULL, ScanDate = NULL, ShortcutYN = 'Y', "
                        "Filename = '/elsewhere/scan.jpg' WHERE PageId = 2");
         PagePropertiesDialog shortcut(h.db());
-        shortcut.Populate(2);
+        shortcut.populate(2);
         QCOMPARE(shortcut.text("lblFileSizeData"), QStringLiteral("Not known"));
         QCOMPARE(shortcut.text("lblScanDateData"), QStringLiteral("Not known"));
         QCOMPARE(shortcut.text("lblShortcutData"), QStringLiteral("/elsewhere/scan.jpg"));
@@ -35,43 +35,43 @@ private slots:
 
     void severalPages_data()
     {
-        QTest::addColumn<QStringList>("keys");
+        QTest::addColumn<QVector<qint32>>("ids");
         QTest::addColumn<QStringList>("updates");
         QTest::addColumn<QString>("count");
         QTest::addColumn<QString>("date");
         QTest::addColumn<QString>("size");
-        QTest::newRow("one") << QStringList{"PAG1"} << QStringList{} << "1 pages"
+        QTest::newRow("one") << QVector<qint32>{1} << QStringList{} << "1 pages"
                              << "03/14/2026"
                              << "100 bytes";
         QTest::newRow("same date, same time")
-            << QStringList{"PAG1", "PAG2", "PAG3"} << QStringList{} << "3 pages"
+            << QVector<qint32>{1, 2, 3} << QStringList{} << "3 pages"
             << "03/14/2026"
             << "300 bytes";
         QTest::newRow("same day, other time")
-            << QStringList{"PAG1", "PAG2"}
+            << QVector<qint32>{1, 2}
             << QStringList{"UPDATE Page SET ScanDate = '2026-03-14 10:00:00' WHERE PageId = 2"}
             << "2 pages"
             << "Various"
             << "200 bytes";
         QTest::newRow("null size among others")
-            << QStringList{"PAG1", "PAG2", "PAG3"}
+            << QVector<qint32>{1, 2, 3}
             << QStringList{"UPDATE Page SET FileSize = NULL WHERE PageId = 2"} << "3 pages"
             << "03/14/2026"
             << "200 bytes";
         QTest::newRow("nothing known")
-            << QStringList{"PAG2"}
+            << QVector<qint32>{2}
             << QStringList{"UPDATE Page SET FileSize = NULL, ScanDate = NULL WHERE PageId = 2"}
             << "1 pages"
             << "Not known"
             << "Not known";
-        QTest::newRow("other keys do not count")
-            << QStringList{"DOC1", "PAG3", ""} << QStringList{} << "1 pages"
+        QTest::newRow("pages that are gone do not count")
+            << QVector<qint32>{999, 3} << QStringList{} << "1 pages"
             << "03/14/2026"
             << "100 bytes";
     }
     void severalPages()
     {
-        QFETCH(QStringList, keys);
+        QFETCH(QVector<qint32>, ids);
         QFETCH(QStringList, updates);
         QFETCH(QString, count);
         QFETCH(QString, date);
@@ -81,7 +81,7 @@ private slots:
         for (const QString& sql : updates)
             h.db().execute(sql);
         PagePropertiesDialog dialog(h.db());
-        dialog.populateMultiple(keys);
+        dialog.populateMultiple(ids);
         QCOMPARE(dialog.text("lblPageId"), QStringLiteral("Pages:"));
         QCOMPARE(dialog.text("lblPageIdData"), count);
         QCOMPARE(dialog.text("lblScanDateData"), date);

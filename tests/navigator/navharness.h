@@ -1,8 +1,18 @@
 #pragma once
 
+#include <QListWidget>
+#include <QMenu>
+#include <QTest>
+#include <memory>
+
 #include "core/progress.h"
+#include "core/viewsettings.h"
+#include "navigator/containerlist.h"
+#include "navigator/itemcommands.h"
+#include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
+#include "navigator/pagepane.h"
 #include "store/schema.h"
 #include "store/session.h"
 #include "templates/drawertemplates.h"
@@ -10,11 +20,6 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-
-#include <QListWidget>
-#include <QMenu>
-#include <QTest>
-#include <memory>
 
 namespace qmr::test {
 
@@ -26,6 +31,7 @@ struct NavHarness
     ScriptedChoosers choosers;
     SilentProgress progress;
     std::unique_ptr<Session> session;
+    std::unique_ptr<ViewSettings> view;
     std::unique_ptr<DrawerTemplates> templates;
     std::unique_ptr<NavWindow> window;
 
@@ -40,7 +46,10 @@ struct NavHarness
         if (!session)
             openStore();
         templates = std::make_unique<DrawerTemplates>(home.home());
-        window = std::make_unique<NavWindow>(*session, prompter, choosers, progress, *templates);
+        view = std::make_unique<ViewSettings>(home.settings());
+        view->read();
+        window = std::make_unique<NavWindow>(
+            CommandContext{*session, prompter, choosers, progress, *view}, *templates);
         window->resize(900, 600);
         window->load();
         if (show) {
@@ -55,6 +64,9 @@ struct NavHarness
         load(show);
     }
     NavTree* tree() const { return window->tree(); }
+    Navigator& navigator() const { return window->navigator(); }
+    // Makes a control the one that spoke last.
+    void setSource(ContextSource source) { navigator().target().setSource(source); }
 
     // A left click on the node, as a person makes it.
     void click(const QString& key)

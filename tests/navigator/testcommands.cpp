@@ -1,10 +1,3 @@
-#include "dialogs/itemdialog.h"
-#include "core/textfile.h"
-#include "navharness.h"
-#include "store/itemstore.h"
-#include "templates/outlinefile.h"
-#include "tests/support/testrunner.h"
-
 #include <QApplication>
 #include <QComboBox>
 #include <QLabel>
@@ -14,6 +7,13 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
+
+#include "core/textfile.h"
+#include "dialogs/itemdialog.h"
+#include "navharness.h"
+#include "store/itemstore.h"
+#include "templates/outlinefile.h"
+#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::NavHarness;
@@ -111,7 +111,7 @@ private slots:
                 h.window->list()->findItems(listItem, Qt::MatchExactly).value(0);
             QVERIFY(item);
             h.window->list()->setCurrentItem(item);
-            h.window->setContextSource("L");
+            h.setSource(ContextSource::List);
         }
         const int before = ItemStore(h.session->db()).count(Level(level));
         QString seen;
@@ -144,7 +144,7 @@ private slots:
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
         // The drawer comes from the list, as nothing in the record names a drawer.
         h.window->list()->setCurrentItem(h.window->list()->item(0));
-        h.window->setContextSource("L");
+        h.setSource(ContextSource::List);
         trigger(h, "mnuPopupDrawerProperties");
         QCOMPARE(seen, QStringLiteral("Drawer Properties (1)"));
         QCOMPARE(h.tree()->node("DRW1")->text(0), QStringLiteral("Bank & Loans"));
@@ -158,7 +158,7 @@ private slots:
         h.click("ROOT");
         h.window->list()->setCurrentItem(
             h.window->list()->findItems("Private", Qt::MatchExactly).value(0));
-        h.window->setContextSource("L");
+        h.setSource(ContextSource::List);
         h.choosers.queuePassword(std::nullopt);
         trigger(h, "mnuPopupCabinetProperties"); // cancelled: no dialog
         QString seen;
@@ -170,6 +170,9 @@ private slots:
         trigger(h, "mnuPopupCabinetProperties");
         QCOMPARE(seen, QStringLiteral("File Cabinet Properties (2)"));
         QCOMPARE(h.choosers.passwordAsks(), 2);
+        // Opened from the list, the cabinet's node is filled as a click fills it.
+        QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
+        QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
     }
 
     void documentDoubleClickOpensProperties()
@@ -214,7 +217,7 @@ private slots:
         // The arrow keys move the selection without driving the window; Insert then adds a
         // drawer to the cabinet that is selected, not to the one clicked last.
         h.tree()->selectNode("CAB2");
-        h.session->locks().openCabinet(2, h.choosers, h.prompter, nullptr);
+        h.session->locks().recordOpen(2);
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Keyboard drawer", &seen); });
         QTest::keyClick(h.tree(), Qt::Key_Insert);

@@ -1,10 +1,12 @@
+#include <QFile>
+#include <QSignalSpy>
+#include <QSplitter>
+#include <QSplitterHandle>
+#include <QTest>
+
 #include "navharness.h"
 #include "store/itemstore.h"
 #include "tests/support/testrunner.h"
-
-#include <QFile>
-#include <QSignalSpy>
-#include <QTest>
 
 using namespace qmr;
 using test::NavHarness;
@@ -153,7 +155,7 @@ private slots:
         // then finds the clicked node as the tree's selection.
         for (int l = 0; l < 4; ++l) {
             QCOMPARE(h.session->selection().idOf(Level(l)), -1);
-            QCOMPARE(h.window->targetId(Level(l)), l == level ? id : -1);
+            QCOMPARE(h.navigator().target().targetId(Level(l)), l == level ? id : -1);
         }
         // Enter drives the window as a click does, and the record it fills stays.
         h.click("ROOT");
@@ -162,11 +164,10 @@ private slots:
         const SelectionRecord& r = h.session->selection();
         QCOMPARE(r.lastNodeKey, path.last());
         QCOMPARE(h.visibleLevelMenu(), menu);
-        QCOMPARE(r.currentParentId, parent);
-        for (int l = 0; l < 4; ++l) {
+        QCOMPARE(r.parentId, parent);
+        for (int l = 0; l < 4; ++l)
             QCOMPARE(r.idOf(Level(l)), l == level ? id : -1);
-            QCOMPARE(const_cast<SelectionRecord&>(r).nameOf(Level(l)), l == level ? name : "");
-        }
+        QCOMPARE(r.name, name);
         if (level == 3) {
             QVERIFY(h.window->pageList()->isVisible());
             QCOMPARE(h.window->pageList()->topLevelItemCount(), 2);
@@ -216,18 +217,19 @@ private slots:
         h.click("CAB2");
         QCOMPARE(h.childKeys("CAB2"), QStringList{});
 
-        // The right password opens it; the node was the one handled last, so nothing more
-        // happens until another node has been clicked.
+        // The right password opens it and its rebuilt node is filled; the node was the one
+        // handled last, so the list stays until another node has been clicked.
         h.choosers.queuePassword(QStringLiteral("secret"));
         h.click("CAB2");
         QVERIFY(h.session->locks().isCabinetOpen(2));
-        QCOMPARE(h.childKeys("CAB2"), QStringList{});
+        QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
+        QCOMPARE(h.listTexts().join('|'), listBefore);
         h.click("ROOT");
         h.click("CAB2");
         QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
         QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
         QCOMPARE(h.listTexts(), QStringList{"Health"});
-        QCOMPARE(h.window->targetId(Level::Cabinet), 2);
+        QCOMPARE(h.navigator().target().targetId(Level::Cabinet), 2);
         QCOMPARE(h.choosers.passwordAsks(), 3);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
@@ -240,17 +242,17 @@ private slots:
         h.click("DRW1");
         h.click("FLD1");
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement (03/31/2026)"));
-        h.window->UpdateDocumentName(1, "April statement", QDate());
+        h.navigator().itemRenamed(Level::Document, 1, "April statement", QDate());
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement"));
         QVERIFY(h.listTexts().contains("April statement"));
-        h.window->UpdateDocumentName(1, "April statement", QDate(2026, 4, 30));
+        h.navigator().itemRenamed(Level::Document, 1, "April statement", QDate(2026, 4, 30));
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement (04/30/2026)"));
-        h.window->UpdateFolderName(1, "Current account");
+        h.navigator().itemRenamed(Level::Folder, 1, "Current account", QDate());
         QCOMPARE(h.tree()->node("FLD1")->text(0), QStringLiteral("Current account"));
         // Not in the list: only the tree changes, without complaint.
-        h.window->UpdateCabinetName(1, "Home & Co");
+        h.navigator().itemRenamed(Level::Cabinet, 1, "Home & Co", QDate());
         QCOMPARE(h.tree()->node("CAB1")->text(0), QStringLiteral("Home & Co"));
-        h.window->AddDocumentToNavTree(1, 99, "Receipt", QDate(2026, 1, 5));
+        h.navigator().itemAdded(CreatedItem{Level::Document, 1, 99, "Receipt", QDate(2026, 1, 5)});
         QCOMPARE(h.tree()->node("DOC99")->text(0), QStringLiteral("Receipt (01/05/2026)"));
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DOC99"));
     }
@@ -309,12 +311,18 @@ private slots:
         QCOMPARE(h.visibleLevelMenu(), menu);
         if (selected.isEmpty()) {
             QVERIFY(h.tree()->selectedKey().isEmpty() || h.tree()->selectedKey() == "ROOT");
+            // Where the walk stopped short, the place is kept for the next start; a click
+            // afterwards makes the clicked node the place.
+            const QString inView = h.tree()->selectedKey();
+            h.window->close();
+            QCOMPARE(h.home.reopenSettings().getSetting("LastNavTreeNodeKey"),
+                     menu.isEmpty() ? inView : saved);
             return;
         }
         QCOMPARE(h.tree()->selectedKey(), selected);
         const SelectionRecord& r = h.session->selection();
         QCOMPARE(r.idOf(Level(level)), NodeKey::parse(saved).id());
-        QCOMPARE(r.currentParentId, parent);
+        QCOMPARE(r.parentId, parent);
         if (level == 3)
             QCOMPARE(h.window->pageList()->topLevelItemCount(), 1);
         else
@@ -322,6 +330,60 @@ private slots:
         // The walk opened every level down to the node.
         for (QTreeWidgetItem* p = h.tree()->node(selected)->parent(); p; p = p->parent())
             QVERIFY(p->isExpanded());
+    }
+
+    void aClickAfterAShortWalkIsTheNewPlace()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.home.settings().saveSetting("LastNavTreeNodeKey", "FLD4"); // in the locked cabinet
+        h.load();
+        h.click("ROOT");
+        h.window->close();
+        QCOMPARE(h.home.reopenSettings().getSetting("LastNavTreeNodeKey"), QStringLiteral("ROOT"));
+    }
+
+    void dividerWidthIsSavedWhenLetGo()
+    {
+        NavHarness h;
+        h.loadSample();
+        auto* splitter = h.window->findChild<QSplitter*>("splMain");
+        QVERIFY(splitter);
+        QSplitterHandle* handle = splitter->handle(1);
+        const int before = h.tree()->width();
+        const QPoint grip = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+        QTest::mouseMove(handle, grip + QPoint(60, 0));
+        QVERIFY(!h.home.settings().contains("tvwMainWidth")); // not while it moves
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, grip + QPoint(60, 0));
+        QVERIFY(h.tree()->width() != before);
+        QCOMPARE(h.home.settings().getSetting("tvwMainWidth"),
+                 QString::number(h.tree()->width() * 15));
+        // The next start opens the tree at that width.
+        const int saved = h.tree()->width();
+        h.window->close();
+        NavHarness again;
+        again.home.settings().saveSetting("tvwMainWidth", QString::number(saved * 15));
+        again.home.settings().saveSetting("FirstShow", "N");
+        again.load();
+        again.window->showAsLoaded();
+        QCOMPARE(again.tree()->width(), saved);
+    }
+
+    void placementOffEveryScreenComesBackAtTheCorner()
+    {
+        NavHarness h;
+        Settings& s = h.home.settings();
+        s.saveSetting("FirstShow", "N");
+        s.savePlacement("frmNavTree", Placement{-5000, 9000, 480, 640, 0});
+        h.load(false);
+        QCOMPARE(h.window->geometry(), QRect(0, 0, 640, 480));
+        // A place on the screen stays as it was saved.
+        NavHarness on;
+        on.home.settings().saveSetting("FirstShow", "N");
+        on.home.settings().savePlacement("frmNavTree", Placement{30, 40, 480, 640, 0});
+        on.load(false);
+        QCOMPARE(on.window->geometry(), QRect(40, 30, 640, 480));
     }
 
     void exitAsks_data()
@@ -379,8 +441,8 @@ private slots:
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
         QCOMPARE(h.listTexts(), (QStringList{"Checking", "Savings"}));
         // The record and the menu still tell of the last click in the tree.
-        QCOMPARE(h.session->selection().currentCabinetId, 1);
-        QCOMPARE(h.session->selection().currentDrawerId, -1);
+        QCOMPARE(h.session->selection().idOf(Level::Cabinet), 1);
+        QCOMPARE(h.session->selection().idOf(Level::Drawer), -1);
         QCOMPARE(h.session->selection().lastNodeKey, QStringLiteral("CAB1"));
         QCOMPARE(h.visibleLevelMenu(), QStringLiteral("mnuPopupCabinet"));
     }

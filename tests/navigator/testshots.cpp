@@ -1,21 +1,21 @@
-#include "dialogs/passworddialog.h"
+#include <QImage>
+#include <QMenu>
+#include <QTabWidget>
+#include <QTest>
+
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
+#include "dialogs/passworddialog.h"
 #include "dialogs/pathselectdialog.h"
 #include "navharness.h"
+#include "navigator/navigator.h"
 #include "templates/outlinefile.h"
-#include "templates/sampledialog.h"
 #include "templates/samplecabinets.h"
+#include "templates/sampledialog.h"
 #include "templates/templateeditor.h"
+#include "tests/support/shots.h"
 #include "tests/support/testrunner.h"
-
-#include <QDir>
-#include <QImage>
-#include <QMenu>
-#include <QSet>
-#include <QTabWidget>
-#include <QTest>
 
 using namespace qmr;
 
@@ -24,32 +24,7 @@ using namespace qmr;
 class Shots : public QObject
 {
     Q_OBJECT
-private:
-    QString m_dir;
-
-    void save(QWidget* w, const QString& name)
-    {
-        QCoreApplication::processEvents();
-        const QImage image = w->grab().toImage();
-        QVERIFY(!image.isNull());
-        QVERIFY(image.width() > 50 && image.height() > 50);
-        // A picture of one or two colours would mean nothing was drawn.
-        QSet<QRgb> colours;
-        for (int y = 0; y < image.height(); y += 3)
-            for (int x = 0; x < image.width(); x += 3)
-                colours.insert(image.pixel(x, y));
-        QVERIFY2(colours.size() > 3, qPrintable(name));
-        const QString path = m_dir + "/" + name + ".png";
-        QVERIFY2(image.save(path), qPrintable(path));
-    }
-
 private slots:
-    void initTestCase()
-    {
-        m_dir = qEnvironmentVariable("QMR_SHOTS_DIR", QDir::currentPath() + "/shots");
-        QVERIFY(QDir().mkpath(m_dir));
-    }
-
     void mainWindow()
     {
         test::NavHarness h;
@@ -64,19 +39,19 @@ private slots:
         h.load();
         h.window->resize(1000, 640);
         h.click("ROOT");
-        save(h.window.get(), "navigator-root");
+        test::saveShot(h.window.get(), "navigator-root");
         h.click("CAB1");
         h.click("DRW1");
-        save(h.window.get(), "navigator-drawer");
+        test::saveShot(h.window.get(), "navigator-drawer");
         h.click("FLD1");
         h.click("DOC1");
-        save(h.window.get(), "navigator-document");
+        test::saveShot(h.window.get(), "navigator-document");
         h.tree()->expandAll();
-        save(h.window.get(), "navigator-expanded");
+        test::saveShot(h.window.get(), "navigator-expanded");
         QMenu* bar = h.window->menus().menu("mnuPopupDocument");
         bar->popup(h.window->mapToGlobal(QPoint(200, 30)));
         QVERIFY(QTest::qWaitForWindowExposed(bar));
-        save(bar, "menu-document");
+        test::saveShot(bar, "menu-document");
         bar->close();
     }
 
@@ -85,7 +60,7 @@ private slots:
         test::NavHarness h;
         test::FixtureStore(h.home.home()).fillSample();
         h.load(false);
-        DialogServices services{*h.session, h.prompter, h.choosers, h.window.get()};
+        const CommandContext services = h.window->navigator().context();
         struct Shot
         {
             Level level;
@@ -113,24 +88,24 @@ private slots:
             dialog.show();
             QVERIFY(QTest::qWaitForWindowExposed(&dialog));
             dialog.findChild<QTabWidget*>("tabMain")->setCurrentIndex(shot.tab);
-            save(&dialog, shot.name);
+            test::saveShot(&dialog, shot.name);
         }
         ItemDialog drawer(Level::Drawer, services);
         drawer.setAdd(1);
         drawer.populateTemplates({"Car", "House"}, {});
         drawer.show();
         QVERIFY(QTest::qWaitForWindowExposed(&drawer));
-        save(&drawer, "dialog-drawer-add-template");
+        test::saveShot(&drawer, "dialog-drawer-add-template");
         ItemDialog fresh(Level::Document, services, nullptr, true);
         fresh.show();
         QVERIFY(QTest::qWaitForWindowExposed(&fresh));
-        save(&fresh, "dialog-document-new");
+        test::saveShot(&fresh, "dialog-document-new");
 
         PagePropertiesDialog page(h.session->db());
-        page.Populate(1);
+        page.populate(1);
         page.show();
         QVERIFY(QTest::qWaitForWindowExposed(&page));
-        save(&page, "dialog-page-properties");
+        test::saveShot(&page, "dialog-page-properties");
 
         QVERIFY(TextFile::writeLines(h.home.file("Drawer.txt"),
                                      {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice", "FLD=Insurance",
@@ -140,19 +115,19 @@ private slots:
         editor.tree()->expandAll();
         editor.show();
         QVERIFY(QTest::qWaitForWindowExposed(&editor));
-        save(&editor, "dialog-drawer-templates");
+        test::saveShot(&editor, "dialog-drawer-templates");
 
         SampleCabinets samples(h.home.home(), h.session->db(), nullptr);
         samples.ensureFile();
         SampleDialog sample(samples, h.prompter, h.choosers);
         sample.show();
         QVERIFY(QTest::qWaitForWindowExposed(&sample));
-        save(&sample, "dialog-sample-cabinet");
+        test::saveShot(&sample, "dialog-sample-cabinet");
 
         PathSelectDialog path(h.home.settings(), h.home.path());
         path.show();
         QVERIFY(QTest::qWaitForWindowExposed(&path));
-        save(&path, "dialog-path-select");
+        test::saveShot(&path, "dialog-path-select");
     }
 
     void passwordDialog()
@@ -160,7 +135,7 @@ private slots:
         PasswordDialog dialog;
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        save(&dialog, "dialog-password");
+        test::saveShot(&dialog, "dialog-password");
     }
 };
 

@@ -1,10 +1,11 @@
+#include <QTest>
+
 #include "core/progress.h"
 #include "store/itemstore.h"
+#include "store/pagestore.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QTest>
 
 using namespace qmr;
 
@@ -67,7 +68,7 @@ private slots:
         for (const QVariant& n : numbers)
             store.pageRow(doc, n);
         CountingProgress progress;
-        ItemStore(store.db()).repaginateDocument(doc, "Doc", progress);
+        PageStore(store.db()).repaginateDocument(doc, "Doc", progress);
         QCOMPARE(numbersInIdOrder(store.db(), doc), expected);
         QCOMPARE(numbersInIdOrder(store.db(), other), QList<int>{5}); // untouched
         QCOMPARE(progress.title, QStringLiteral("Repaginate Doc"));
@@ -81,7 +82,7 @@ private slots:
         test::TestHome home;
         test::FixtureStore store(home.home());
         CountingProgress progress;
-        ItemStore(store.db()).repaginateDocument(42, "None", progress);
+        PageStore(store.db()).repaginateDocument(42, "None", progress);
         QCOMPARE(progress.starts, 0);
     }
 

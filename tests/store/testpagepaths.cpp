@@ -1,12 +1,12 @@
+#include <QDir>
+#include <QFile>
+#include <QTest>
+
 #include "store/database.h"
 #include "store/pagepaths.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QDir>
-#include <QFile>
-#include <QTest>
 
 using namespace qmr;
 
@@ -36,67 +36,48 @@ private slots:
         QFETCH(QString, page);
         QFETCH(QString, thumb);
         test::TestHome home;
-        test::FixtureStore store(home.home());
-        PagePaths paths(store.db(), home.home());
-        // No row: the computed scheme, with or without the store.
-        QCOMPARE(paths.pagePath(id), home.file(page));
-        QCOMPARE(paths.thumbPath(id), home.file(thumb));
+        PagePaths paths(home.home());
+        // No stored file name: the computed scheme.
+        QCOMPARE(paths.pagePath(id, QString()), home.file(page));
+        QCOMPARE(paths.thumbPath(id, QString()), home.file(thumb));
         QCOMPARE(paths.computedPagePath(id), home.file(page));
         QCOMPARE(paths.computedThumbPath(id), home.file(thumb));
-        QCOMPARE(paths.pageDirectory(id) + "/", PagePaths::directoryPart(home.file(page)));
-        QVERIFY(!paths.isPageShortcut(id));
+        QCOMPARE(paths.pageDirectory(id, QString()) + "/",
+                 PagePaths::directoryPart(home.file(page)));
     }
 
     void storedFilename_data()
     {
         QTest::addColumn<QString>("filename");
-        QTest::addColumn<QString>("shortcut");
         QTest::addColumn<QString>("pageDir");
         QTest::addColumn<QString>("thumbDir");
         QTest::addColumn<QString>("thumb");
-        QTest::addColumn<bool>("isShortcut");
         QTest::newRow("scan") << "/data/scans/june.tif"
-                              << ""
                               << "/data/scans"
                               << "/data/scans/Thumbs"
-                              << "/data/scans/Thumbs/june.tif" << false;
-        QTest::newRow("shortcut") << "/home/a/b.jpg"
-                                  << "Y"
-                                  << "/home/a"
-                                  << "/home/a/Thumbs"
-                                  << "/home/a/Thumbs/b.jpg" << true;
+                              << "/data/scans/Thumbs/june.tif";
         QTest::newRow("top level") << "/x.jpg"
-                                   << "N"
                                    << "/"
                                    << "/Thumbs"
-                                   << "/Thumbs/x.jpg" << false;
+                                   << "/Thumbs/x.jpg";
         // A name with no separator at all: the thumbnail path ends in one.
         QTest::newRow("bare name") << "x.jpg"
                                    << ""
-                                   << ""
                                    << "Thumbs"
-                                   << "Thumbs/" << false;
+                                   << "Thumbs/";
     }
     void storedFilename()
     {
         QFETCH(QString, filename);
-        QFETCH(QString, shortcut);
         QFETCH(QString, pageDir);
         QFETCH(QString, thumbDir);
         QFETCH(QString, thumb);
-        QFETCH(bool, isShortcut);
         test::TestHome home;
-        test::FixtureStore store(home.home());
-        const qint32 id = store.pageRow(1, 1);
-        store.db().execute("UPDATE Page SET Filename = ?, ShortcutYN = ? WHERE PageId = ?",
-                           {filename, shortcut, id});
-        PagePaths paths(store.db(), home.home());
-        QCOMPARE(paths.pageFilename(id), filename);
-        QCOMPARE(paths.pagePath(id), filename);
-        QCOMPARE(paths.pageDirectory(id), pageDir);
-        QCOMPARE(paths.thumbDirectory(id), thumbDir);
-        QCOMPARE(paths.thumbPath(id), thumb);
-        QCOMPARE(paths.isPageShortcut(id), isShortcut);
+        PagePaths paths(home.home());
+        QCOMPARE(paths.pagePath(7, filename), filename);
+        QCOMPARE(paths.pageDirectory(7, filename), pageDir);
+        QCOMPARE(paths.thumbDirectory(7, filename), thumbDir);
+        QCOMPARE(paths.thumbPath(7, filename), thumb);
     }
 
     void parts_data()
@@ -159,8 +140,7 @@ private slots:
         test::TestHome outer;
         const AppHome home(outer.file(".local/share/Quillmere"));
         QVERIFY(home.ensureExists());
-        Database db;
-        PagePaths paths(db, home);
+        PagePaths paths(home);
         // The home's dots do not make its directories file names.
         QVERIFY(paths.ensurePathInHome(home.file("Thumbs/0000012")));
         QVERIFY(QFileInfo(home.file("Thumbs/0000012")).isDir());

@@ -1,13 +1,12 @@
-#include "tests/support/fixturestore.h"
-
-#include "store/cipher.h"
-#include "store/pagepaths.h"
-#include "store/schema.h"
-
 #include <QDateTime>
 #include <QFileInfo>
 #include <QImage>
 #include <QPainter>
+
+#include "store/cipher.h"
+#include "store/pagepaths.h"
+#include "store/schema.h"
+#include "tests/support/fixturestore.h"
 
 namespace qmr::test {
 
@@ -59,7 +58,7 @@ qint32 FixtureStore::pageRow(qint32 documentId, const QVariant& pageNumber)
 qint32 FixtureStore::page(qint32 documentId, int pageNumber, const QSize& size)
 {
     const qint32 id = pageRow(documentId, pageNumber);
-    PagePaths paths(m_db, m_home);
+    PagePaths paths(m_home);
     QImage image(size, QImage::Format_RGB32);
     image.fill(Qt::white);
     {

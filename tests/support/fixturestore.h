@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/apphome.h"
-#include "store/database.h"
-
 #include <QDate>
 #include <QSize>
-#include <QVariant>
 #include <QString>
+#include <QVariant>
+
+#include "core/apphome.h"
+#include "store/database.h"
 
 namespace qmr::test {
 

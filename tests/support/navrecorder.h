@@ -1,40 +1,42 @@
 #pragma once
 
-#include "core/navigatorcallbacks.h"
-
 #include <QStringList>
+
+#include "core/navigatorcallbacks.h"
+#include "core/nodekey.h"
 
 namespace qmr::test {
 
-// Records what the navigator is told, in order, as short texts ("DRW5 Bank<1").
+// Records what the navigator is told, in order, as short texts: "DRW5 Bank<1" for an added
+// drawer below cabinet 1, "=FLD3 Taxes" for a rename, "-DOC4" for a removal, "SHOWCAB2",
+// "PAGES7", "OPEN2".
 class NavRecorder : public NavigatorCallbacks
 {
 public:
-    void AddCabinetToNavTree(qint32 id, const QString& n) override { calls << "CAB" + key(id, n); }
-    void AddDrawerToNavTree(qint32 p, qint32 id, const QString& n) override
+    void itemAdded(const CreatedItem& c) override
     {
-        calls << QString("DRW%1<%2").arg(key(id, n)).arg(p);
+        const QString text = NodeKey::of(c.level, c.id).prefix() + key(c.id, c.name);
+        calls << (c.level == Level::Cabinet
+                      ? text
+                      : QString("%1<%2%3").arg(text).arg(c.parentId).arg(date(c.date)));
     }
-    void AddFolderToNavTree(qint32 p, qint32 id, const QString& n) override
+    void itemRenamed(Level level, qint32 id, const QString& n, const QDate& d) override
     {
-        calls << QString("FLD%1<%2").arg(key(id, n)).arg(p);
+        calls << "=" + NodeKey::of(level, id).prefix() + key(id, n) + date(d);
     }
-    void AddDocumentToNavTree(qint32 p, qint32 id, const QString& n, const QDate& d) override
+    void itemRemoved(Level level, qint32 id) override
     {
-        calls << QString("DOC%1<%2%3").arg(key(id, n)).arg(p).arg(date(d));
+        calls << "-" + NodeKey::of(level, id).text();
     }
-    void UpdateCabinetName(qint32 id, const QString& n) override { calls << "=CAB" + key(id, n); }
-    void UpdateDrawerName(qint32 id, const QString& n) override { calls << "=DRW" + key(id, n); }
-    void UpdateFolderName(qint32 id, const QString& n) override { calls << "=FLD" + key(id, n); }
-    void UpdateDocumentName(qint32 id, const QString& n, const QDate& d) override
+    void showChildren(Level level, qint32 id) override
     {
-        calls << "=DOC" + key(id, n) + date(d);
+        calls << "SHOW" + NodeKey::of(level, id).text();
     }
-    void ShowDrawersInListView(qint32 id) override { calls << QString("SHOW%1").arg(id); }
-    void RebuildCabinetNode(qint32 id, const QString& n) override
+    void refreshPages(qint32 documentId, qint32) override
     {
-        calls << "REBUILD" + key(id, n);
+        calls << QString("PAGES%1").arg(documentId);
     }
+    void cabinetOpened(qint32 id) override { calls << QString("OPEN%1").arg(id); }
 
     static QString key(qint32 id, const QString& n) { return QString("%1 %2").arg(id).arg(n); }
     static QString date(const QDate& d)

@@ -27,7 +27,7 @@ std::optional<QString> ScriptedChoosers::chooseDirectory(const QString& start)
     return take(m_dirs);
 }
 
-std::optional<QString> ScriptedChoosers::openInEditor(const QString& path)
+std::optional<QString> ScriptedChoosers::openFile(const QString& path)
 {
     m_edited << path;
     if (m_editorFailure.isEmpty())

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/choosers.h"
-
 #include <QStringList>
 #include <QVariant>
 #include <deque>
+
+#include "core/choosers.h"
 
 namespace qmr::test {
 
@@ -23,7 +23,7 @@ public:
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
     // Records the path; answers with the queued failure text, if any.
-    std::optional<QString> openInEditor(const QString& path) override;
+    std::optional<QString> openFile(const QString& path) override;
     void failEditor(const QString& reason) { m_editorFailure = reason; }
     const QStringList& edited() const { return m_edited; }
     const QStringList& directoryStarts() const { return m_starts; }

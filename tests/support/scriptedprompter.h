@@ -1,9 +1,9 @@
 #pragma once
 
-#include "core/prompter.h"
-
 #include <QStringList>
 #include <deque>
+
+#include "core/prompter.h"
 
 namespace qmr::test {
 

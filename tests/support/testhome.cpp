@@ -1,6 +1,6 @@
-#include "tests/support/testhome.h"
-
 #include <QFile>
+
+#include "tests/support/testhome.h"
 
 namespace qmr::test {
 

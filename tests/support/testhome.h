@@ -1,10 +1,10 @@
 #pragma once
 
-#include "core/apphome.h"
-#include "core/settings.h"
-
 #include <QTemporaryDir>
 #include <memory>
+
+#include "core/apphome.h"
+#include "core/settings.h"
 
 namespace qmr::test {
 

@@ -1,8 +1,8 @@
-#include "tests/support/testrunner.h"
-
 #include <QApplication>
 #include <QTest>
 #include <cstring>
+
+#include "tests/support/testrunner.h"
 
 namespace qmr::test {
 

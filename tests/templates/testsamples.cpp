@@ -1,3 +1,6 @@
+#include <QFile>
+#include <QTest>
+
 #include "core/navigatorcallbacks.h"
 #include "core/textfile.h"
 #include "store/itemstore.h"
@@ -9,9 +12,6 @@
 #include "tests/support/navrecorder.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-
-#include <QFile>
-#include <QTest>
 
 using namespace qmr;
 
@@ -64,7 +64,7 @@ private slots:
         QCOMPARE(items.count(Level::Document), 0);
         QCOMPARE(items.item(Level::Cabinet, id).name, QStringLiteral("Generic File Cabinet"));
         QCOMPARE(nav.calls.first(), "CAB" + NavRecorder::key(id, "Generic File Cabinet"));
-        QCOMPARE(nav.calls.last(), QString("SHOW%1").arg(id));
+        QCOMPARE(nav.calls.last(), QString("SHOWCAB%1").arg(id));
         QCOMPARE(nav.calls.size(), 1 + 6 + 15 + 1);
         // The new cabinet has the stored form of no password: it is open.
         QCOMPARE(store.db().scalar("SELECT Password FROM Cabinet").toString(), QString());

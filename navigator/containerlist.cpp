@@ -1,0 +1,61 @@
+#include "navigator/containerlist.h"
+
+namespace qmr {
+
+namespace {
+constexpr int kKeyRole = Qt::UserRole + 1;
+}
+
+ContainerList::ContainerList(QWidget* parent) : QListWidget(parent)
+{
+    setObjectName(QStringLiteral("lvwMain"));
+    setViewMode(QListView::IconMode);
+    setIconSize(QSize(32, 32));
+    setGridSize(QSize(130, 84));
+    setResizeMode(QListView::Adjust);
+    setMovement(QListView::Static);
+    setWordWrap(true);
+    setSortingEnabled(true);
+}
+
+QListWidgetItem* ContainerList::addItem(const NodeKey& key, const QString& text, const QIcon& icon)
+{
+    auto* item = new QListWidgetItem(icon, text);
+    item->setData(kKeyRole, key.text());
+    QListWidget::addItem(item);
+    return item;
+}
+
+NodeKey ContainerList::keyOf(const QListWidgetItem* item)
+{
+    return item ? NodeKey::parse(item->data(kKeyRole).toString()) : NodeKey();
+}
+
+NodeKey ContainerList::selectedKey() const
+{
+    const QListWidgetItem* item = currentItem();
+    return item && item->isSelected() ? keyOf(item) : NodeKey();
+}
+
+QListWidgetItem* ContainerList::itemOf(const NodeKey& key) const
+{
+    for (int i = 0; i < count(); ++i)
+        if (keyOf(item(i)) == key)
+            return item(i);
+    return nullptr;
+}
+
+bool ContainerList::setItemText(const NodeKey& key, const QString& text)
+{
+    QListWidgetItem* found = itemOf(key);
+    if (found)
+        found->setText(text);
+    return found != nullptr;
+}
+
+void ContainerList::removeItem(const NodeKey& key)
+{
+    delete itemOf(key);
+}
+
+} // namespace qmr

@@ -1,0 +1,432 @@
+#include "navigator/navigator.h"
+
+#include <QCursor>
+#include <QKeyEvent>
+#include <QMenu>
+#include <QMouseEvent>
+
+#include "navigator/cabinetopener.h"
+#include "navigator/containerlist.h"
+#include "navigator/navicons.h"
+#include "navigator/navmenus.h"
+#include "navigator/navtree.h"
+#include "navigator/pagepane.h"
+#include "store/commandguard.h"
+#include "store/session.h"
+
+namespace qmr {
+
+namespace {
+
+const QString kRoot = QStringLiteral("ROOT");
+
+QString levelMenu(Level level)
+{
+    return NavMenus::levelMenus().at(static_cast<int>(level) + 1);
+}
+
+} // namespace
+
+Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& list,
+                     PagePane& pages, NavMenus& menus, NavIcons& icons, QWidget* window)
+    : QObject(window), m_context{base.session, base.prompter, base.choosers, base.progress,
+                                 base.view,    &m_target,     this,          window},
+      m_target(base.session.selection(), *this), m_tree(tree), m_list(list), m_pages(pages),
+      m_menus(menus), m_icons(icons), m_window(window), m_filler(tree, list, icons, base.session)
+{
+    connect(&m_tree, &NavTree::expanding, this, [this](const QString& key) {
+        guarded(m_context.prompter, [&] { m_filler.onExpand(NodeKey::parse(key)); });
+    });
+    connect(&m_tree, &NavTree::nodeClicked, this, &Navigator::nodeClick);
+    connect(&m_tree, &NavTree::enterPressed, this, &Navigator::nodeClick);
+    connect(&m_tree, &NavTree::contextRequested, this, &Navigator::onTreeMouseUp);
+    connect(&m_tree, &QTreeWidget::itemDoubleClicked, this, &Navigator::onTreeDoubleClick);
+    connect(&m_list, &QListWidget::itemActivated, this, &Navigator::onListActivated);
+    // The lists tell which control spoke last, and give their own pop-up menus.
+    for (QObject* watched :
+         {static_cast<QObject*>(m_list.viewport()), static_cast<QObject*>(m_pages.viewport()),
+          static_cast<QObject*>(&m_list), static_cast<QObject*>(&m_pages),
+          static_cast<QObject*>(&m_tree)})
+        watched->installEventFilter(this);
+}
+
+// ---- building and restoring ---------------------------------------------------------------
+
+void Navigator::loadNavTree()
+{
+    m_filler.loadNavTree(this);
+}
+
+void Navigator::refreshNavTree()
+{
+    guarded(m_context.prompter, [this] {
+        hidePagePane();
+        m_filler.loadNavTree(this);
+        m_tree.expandNode(kRoot);
+    });
+}
+
+void Navigator::restoreLastNode()
+{
+    guarded(m_context.prompter, [this] {
+        SelectionRecord& record = m_context.session.selection();
+        const QString saved = m_context.session.settings().get(keys::LastNavTreeNodeKey);
+        if (saved.isEmpty())
+            return;
+        record.lastNodeKey = saved;
+        bool reached = false;
+        const std::optional<Level> level = m_filler.restoreLastNode(saved, &reached);
+        if (!level)
+            return; // a key of another shape is not worth keeping
+        m_restoreStopped = !reached;
+        m_menus.showOnly(levelMenu(*level));
+        if (!reached)
+            return;
+        const NodeKey key = NodeKey::parse(saved);
+        if (*level == Level::Document)
+            showPagesInListView(key.id());
+        else
+            showChildrenInList(*childLevel(*level), key.id());
+        const NodeKey selected = treeSelectedKey();
+        if (!selected.isEmpty())
+            setRecordFromKey(selected);
+    });
+}
+
+QString Navigator::lastNodeKeyToSave() const
+{
+    // The node in view is the one to come back to; when the walk at start stopped short (at
+    // a locked cabinet, say) and nothing was clicked since, the place read at start is kept.
+    const NodeKey selected = treeSelectedKey();
+    if (m_restoreStopped && (selected.isEmpty() || selected.isRoot()))
+        return m_context.session.selection().lastNodeKey;
+    return selected.text();
+}
+
+// ---- clicks -------------------------------------------------------------------------------
+
+void Navigator::nodeClick(const QString& key)
+{
+    m_target.setSource(ContextSource::Tree);
+    tvwMainProcessNode(key);
+}
+
+bool Navigator::openCabinet(qint32 cabinetId)
+{
+    return CabinetOpener::openCabinet(m_context, cabinetId);
+}
+
+void Navigator::tvwMainProcessNode(const QString& text)
+{
+    SelectionRecord& record = m_context.session.selection();
+    const NodeKey clicked = NodeKey::parse(text);
+    bool proceed = true;
+    if (clicked.level() == Level::Cabinet) {
+        bool open = false;
+        guarded(m_context.prompter, [&] {
+            open =
+                m_context.session.locks().isCabinetOpen(clicked.id()) || openCabinet(clicked.id());
+        });
+        proceed = open;
+    }
+    m_restoreStopped = false;
+    if (proceed && text == record.lastNodeKey)
+        return; // the node handled last: nothing is redone
+    if (proceed) {
+        m_nodeBusy = true;
+        m_menus.showOnly(QString());
+        record.clear();
+        guarded(m_context.prompter, [&] {
+            // The selected node counts, which may be a rebuilt cabinet node.
+            const NodeKey key = treeSelectedKey();
+            if (key.prefix() == QLatin1String("ROO")) {
+                if (!key.isFoundRoot()) {
+                    m_menus.showOnly(QStringLiteral("mnuPopupRoot"));
+                    showCabinetsInListView();
+                }
+                return;
+            }
+            const std::optional<Level> level = key.level();
+            if (level == Level::Cabinet && !openCabinet(key.id()))
+                return;
+            if (level && *level != Level::Page) {
+                m_menus.showOnly(levelMenu(*level));
+                // Opening may have rebuilt the node; what is selected now is the cabinet.
+                setRecordFromKey(treeSelectedKey());
+                m_filler.fillOnClick(*level, key.id());
+                if (*level == Level::Document)
+                    showPagesInListView(key.id());
+                else
+                    showChildrenInList(*childLevel(*level), key.id());
+            } else if (key.foundLevel() == Level::Document) {
+                showPagesInListView(key.id());
+            }
+        });
+    }
+    record.lastNodeKey = text;
+    m_nodeBusy = false;
+}
+
+void Navigator::setRecordFromKey(const NodeKey& key)
+{
+    const std::optional<Level> level = key.level();
+    if (!level || *level == Level::Page)
+        return;
+    const QTreeWidgetItem* node = m_tree.node(key.text());
+    const qint32 parent =
+        *level == Level::Cabinet ? -1 : NodeKey::parse(m_tree.parentKey(key.text())).id();
+    m_context.session.selection().set(key, node ? node->text(0) : QString(), parent);
+}
+
+void Navigator::onTreeDoubleClick(QTreeWidgetItem* item)
+{
+    const NodeKey key = NodeKey::parse(NavTree::keyOf(item));
+    if (!m_nodeBusy && key.level() == Level::Document) {
+        emit documentActivated(key.id());
+        m_tree.setFocus();
+    }
+}
+
+void Navigator::onListActivated(QListWidgetItem* item)
+{
+    if (!item)
+        return;
+    guarded(m_context.prompter, [&] {
+        const NodeKey key = ContainerList::keyOf(item);
+        const std::optional<Level> level = key.level();
+        if (!level || *level == Level::Page)
+            return;
+        if (*level == Level::Cabinet && !openCabinet(key.id()))
+            return;
+        // This path moves the tree's selection only; the record and menus stay as they were.
+        if (*level == Level::Cabinet)
+            m_filler.addChildNodes(Level::Cabinet, key.id());
+        m_tree.selectNode(key.text());
+        m_tree.expandNode(key.text());
+        if (*level == Level::Document)
+            showPagesInListView(key.id());
+        else
+            showChildrenInList(*childLevel(*level), key.id());
+    });
+}
+
+// ---- the lists ----------------------------------------------------------------------------
+
+void Navigator::hidePagePane()
+{
+    m_pages.hide();
+    m_pages.clearPages();
+    m_list.show();
+}
+
+void Navigator::showChildrenInList(Level childLevel, qint32 parentId)
+{
+    hidePagePane();
+    m_list.clear();
+    for (const ItemRow& row : m_context.session.items().children(childLevel, parentId))
+        // The list shows bare names: no date on a document.
+        m_list.addItem(NodeKey::of(childLevel, row.id), row.name,
+                       m_filler.iconFor(childLevel, row.id));
+}
+
+void Navigator::showCabinetsInListView()
+{
+    showChildrenInList(Level::Cabinet, -1);
+}
+
+void Navigator::showPagesInListView(qint32 documentId)
+{
+    m_list.hide();
+    m_pages.show();
+    m_pages.showPages(documentId, m_context.session.pages().pages(documentId),
+                      m_context.session.paths());
+}
+
+// ---- what dialogs and commands call back --------------------------------------------------
+
+void Navigator::itemAdded(const CreatedItem& item)
+{
+    m_filler.addItemNode(item);
+    if (item.level == Level::Cabinet)
+        showChildren(Level::Cabinet, item.id);
+}
+
+void Navigator::itemRenamed(Level level, qint32 id, const QString& name, const QDate& date)
+{
+    if (level == Level::Page)
+        m_pages.setPageText(id, name);
+    else
+        m_filler.renameItem(level, id, name, date);
+}
+
+void Navigator::itemRemoved(Level level, qint32 id)
+{
+    m_filler.removeItem(level, id);
+}
+
+void Navigator::showChildren(Level level, qint32 id)
+{
+    const QString key = NodeKey::of(level, id).text();
+    m_tree.selectNode(key);
+    m_tree.expandNode(key);
+    guarded(m_context.prompter, [&] {
+        if (level == Level::Document)
+            showPagesInListView(id);
+        else if (level != Level::Page)
+            showChildrenInList(*childLevel(level), id);
+    });
+}
+
+void Navigator::refreshPages(qint32 documentId, qint32 selectPageId)
+{
+    if (!m_pages.isVisible() || m_pages.documentId() != documentId)
+        return;
+    guarded(m_context.prompter, [&] { showPagesInListView(documentId); });
+    if (selectPageId >= 0)
+        m_pages.selectPage(selectPageId);
+}
+
+void Navigator::cabinetOpened(qint32 cabinetId)
+{
+    m_filler.rebuildCabinetNode(cabinetId);
+}
+
+// ---- the target view ----------------------------------------------------------------------
+
+NodeKey Navigator::treeSelectedKey() const
+{
+    return NodeKey::parse(m_tree.selectedKey());
+}
+
+NodeKey Navigator::treeParentKey(const NodeKey& key) const
+{
+    return NodeKey::parse(m_tree.parentKey(key.text()));
+}
+
+NodeKey Navigator::listSelectedKey() const
+{
+    return m_list.selectedKey();
+}
+
+QVector<qint32> Navigator::selectedPageIds() const
+{
+    return m_pages.isVisible() ? m_pages.selectedPageIds() : QVector<qint32>();
+}
+
+qint32 Navigator::currentPageId() const
+{
+    return m_pages.isVisible() ? m_pages.currentPageId() : -1;
+}
+
+qint32 Navigator::shownDocumentId() const
+{
+    return m_pages.isVisible() ? m_pages.documentId() : -1;
+}
+
+void Navigator::restoreFocus(ContextSource source)
+{
+    if (source == ContextSource::Tree)
+        m_tree.setFocus();
+    else if (source == ContextSource::List)
+        (m_list.isVisible() ? static_cast<QWidget*>(&m_list) : &m_pages)->setFocus();
+}
+
+// ---- pop-ups and keys ---------------------------------------------------------------------
+
+void Navigator::popup(const QString& menuName)
+{
+    if (QMenu* menu = m_menus.menu(menuName))
+        menu->exec(QCursor::pos());
+}
+
+void Navigator::onTreeMouseUp(Qt::MouseButton button)
+{
+    // After any button the commands find their target anew: from the menu's node after a
+    // right click, else from the selected node.
+    m_target.setSource(ContextSource::Tree);
+    m_context.session.selection().clear();
+    if (button != Qt::RightButton)
+        return;
+    guarded(m_context.prompter, [this] {
+        // The menu is for the selected node; a right click selects nothing by itself.
+        const NodeKey key = treeSelectedKey();
+        if (key.isFoundRoot()) {
+            popup(QStringLiteral("mnuPopupFound"));
+        } else if (key.isRoot()) {
+            popup(QStringLiteral("mnuPopupRoot"));
+        } else if (const std::optional<Level> level = key.level(); level && *level != Level::Page) {
+            if (*level == Level::Cabinet && !m_context.session.locks().isCabinetOpen(key.id()))
+                return;
+            setRecordFromKey(key);
+            popup(levelMenu(*level));
+        }
+    });
+}
+
+void Navigator::onListMouseUp(Qt::MouseButton button)
+{
+    m_target.setSource(ContextSource::List);
+    if (button != Qt::RightButton)
+        return;
+    guarded(m_context.prompter, [this] {
+        const NodeKey key = listSelectedKey();
+        const std::optional<Level> level = key.level();
+        if (!level || *level == Level::Page)
+            return;
+        if (*level == Level::Cabinet && !m_context.session.locks().isCabinetOpen(key.id()))
+            return;
+        popup(levelMenu(*level));
+    });
+}
+
+void Navigator::onPagesMouseUp(Qt::MouseButton button)
+{
+    m_target.setSource(ContextSource::PageList);
+    if (button == Qt::RightButton)
+        popup(QStringLiteral("mnuPopupPage"));
+}
+
+void Navigator::onInsertKey(bool fromTree)
+{
+    const NodeKey key = fromTree ? treeSelectedKey() : listSelectedKey();
+    QString command;
+    if (fromTree && key.isRoot()) {
+        command = QStringLiteral("mnuPopupCabinetNewCabinet");
+    } else if (const std::optional<Level> level = key.level(); level && *level != Level::Page) {
+        static const char* const tree[] = {"mnuPopupDrawerNewDrawer", "mnuPopupFolderNewFolder",
+                                           "mnuPopupFolderNewDocument",
+                                           "mnuPopupDocumentNewDocument"};
+        static const char* const list[] = {"mnuPopupCabinetNewCabinet", "mnuPopupDrawerNewDrawer",
+                                           "mnuPopupFolderNewFolder", "mnuPopupDocumentScanPage"};
+        command = QLatin1String((fromTree ? tree : list)[static_cast<int>(*level)]);
+    }
+    if (!command.isEmpty())
+        m_menus.run(command);
+    (fromTree ? static_cast<QWidget*>(&m_tree) : &m_list)->setFocus();
+}
+
+bool Navigator::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::MouseButtonRelease) {
+        const auto button = static_cast<QMouseEvent*>(event)->button();
+        if (watched == m_list.viewport())
+            onListMouseUp(button);
+        else if (watched == m_pages.viewport())
+            onPagesMouseUp(button);
+    } else if (event->type() == QEvent::KeyPress) {
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if (watched == &m_tree && key != Qt::Key_F5)
+            m_target.setSource(ContextSource::Tree);
+        else if (watched == &m_list)
+            m_target.setSource(ContextSource::List);
+        else if (watched == &m_pages)
+            m_target.setSource(ContextSource::PageList);
+        if (key == Qt::Key_Insert && (watched == &m_tree || watched == &m_list)) {
+            onInsertKey(watched == &m_tree);
+            return true;
+        }
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+} // namespace qmr

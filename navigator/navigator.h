@@ -1,0 +1,106 @@
+#pragma once
+
+#include <QObject>
+
+#include "core/commandtarget.h"
+#include "core/navigatorcallbacks.h"
+#include "core/targetview.h"
+#include "navigator/treefiller.h"
+#include "store/commandcontext.h"
+
+class QListWidgetItem;
+class QTreeWidgetItem;
+
+namespace qmr {
+
+class ContainerList;
+class NavIcons;
+class NavMenus;
+class NavTree;
+class PagePane;
+
+// The main window's behaviour over its three controls: what a click, a key or a right click
+// in the tree, the container list or the page list does to the selection record, the menus
+// and the lists, and how commands find their target. It is the navigator that dialogs and
+// feature commands call back.
+class Navigator : public QObject, public NavigatorCallbacks, public TargetView
+{
+    Q_OBJECT
+public:
+    // `base` holds the session and the seams; the navigator adds itself and its target.
+    Navigator(const CommandContext& base, NavTree& tree, ContainerList& list, PagePane& pages,
+              NavMenus& menus, NavIcons& icons, QWidget* window);
+
+    // The context that commands and dialogs receive.
+    const CommandContext& context() const { return m_context; }
+    CommandTarget& target() { return m_target; }
+    TreeFiller& filler() { return m_filler; }
+
+    // Builds the tree, then walks back to the last node of the previous run.
+    void loadNavTree();
+    void refreshNavTree();
+    void restoreLastNode();
+
+    // A left click (or Enter) on a node.
+    void nodeClick(const QString& key);
+    void tvwMainProcessNode(const QString& key);
+    void showCabinetsInListView();
+    // Lists the children of a container in lvwMain (cabinets for Level::Cabinet).
+    void showChildrenInList(Level childLevel, qint32 parentId);
+    void showPagesInListView(qint32 documentId);
+    void hidePagePane();
+    // The key to come back to at the next start.
+    QString lastNodeKeyToSave() const;
+
+    // NavigatorCallbacks
+    void itemAdded(const CreatedItem& item) override;
+    void itemRenamed(Level level, qint32 id, const QString& name, const QDate& date) override;
+    void itemRemoved(Level level, qint32 id) override;
+    void showChildren(Level level, qint32 id) override;
+    void refreshPages(qint32 documentId, qint32 selectPageId = -1) override;
+    void cabinetOpened(qint32 cabinetId) override;
+
+    // TargetView
+    NodeKey treeSelectedKey() const override;
+    NodeKey treeParentKey(const NodeKey& key) const override;
+    NodeKey listSelectedKey() const override;
+    QVector<qint32> selectedPageIds() const override;
+    qint32 currentPageId() const override;
+    qint32 shownDocumentId() const override;
+    void restoreFocus(ContextSource source) override;
+
+signals:
+    // A double click on a document node: its properties.
+    void documentActivated(qint32 documentId);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    void setRecordFromKey(const NodeKey& key);
+    void onTreeMouseUp(Qt::MouseButton button);
+    void onListMouseUp(Qt::MouseButton button);
+    void onPagesMouseUp(Qt::MouseButton button);
+    void onListActivated(QListWidgetItem* item);
+    void onTreeDoubleClick(QTreeWidgetItem* item);
+    // Insert in the tree adds a child of the node; in the list a sibling of the item.
+    void onInsertKey(bool fromTree);
+    void popup(const QString& menuName);
+    bool openCabinet(qint32 cabinetId);
+
+    CommandContext m_context;
+    CommandTarget m_target;
+    NavTree& m_tree;
+    ContainerList& m_list;
+    PagePane& m_pages;
+    NavMenus& m_menus;
+    NavIcons& m_icons;
+    QWidget* m_window;
+    TreeFiller m_filler;
+    bool m_nodeBusy = false;
+    // The walk at start stopped short (a locked cabinet, a gone item): until a click, the
+    // place read at start is the one to save.
+    bool m_restoreStopped = false;
+};
+
+} // namespace qmr

@@ -1,0 +1,33 @@
+#pragma once
+
+class QWidget;
+
+namespace qmr {
+
+class Choosers;
+class CommandTarget;
+class NavigatorCallbacks;
+class PageOpener;
+class Progress;
+class Prompter;
+class Session;
+class ViewSettings;
+
+// What every command and dialog works with. Start-up supplies the first five; the main window
+// adds the target, itself as the navigator, and itself as the parent of dialogs. Outside a
+// window (tests, batch runs) the last three may stay empty.
+struct CommandContext
+{
+    Session& session;
+    Prompter& prompter;
+    Choosers& choosers;
+    Progress& progress;
+    ViewSettings& view;
+    CommandTarget* target = nullptr;
+    NavigatorCallbacks* navigator = nullptr;
+    QWidget* parent = nullptr;
+    // How a page is opened for viewing; set by the window once the viewer is wired.
+    PageOpener* pageOpener = nullptr;
+};
+
+} // namespace qmr

@@ -1,0 +1,137 @@
+#include "store/pagestore.h"
+
+#include "core/progress.h"
+#include "store/database.h"
+#include "store/storecolumns.h"
+
+namespace qmr {
+
+namespace {
+
+const QString kColumns = QStringLiteral("PageId, DocumentId, PageNumber, Filename, FileSize, "
+                                        "ScanDate, Filetype, ShortcutYN");
+
+PageRow rowAt(const Recordset& rs, int i)
+{
+    PageRow row;
+    row.id = rs.integer(i, QStringLiteral("PageId"));
+    row.documentId = rs.integer(i, QStringLiteral("DocumentId"));
+    row.pageNumber = rs.integer(i, QStringLiteral("PageNumber"), 0);
+    row.filename = rs.text(i, QStringLiteral("Filename"));
+    const QVariant size = rs.value(i, QStringLiteral("FileSize"));
+    row.hasFileSize = !size.isNull();
+    row.fileSize = size.toLongLong();
+    row.scanDateStored = rs.text(i, QStringLiteral("ScanDate"));
+    row.scanDate = rs.date(i, QStringLiteral("ScanDate"));
+    row.fileType = rs.text(i, QStringLiteral("Filetype"));
+    row.shortcut = rs.text(i, QStringLiteral("ShortcutYN")) == QLatin1String("Y");
+    return row;
+}
+
+} // namespace
+
+QVector<PageRow> PageStore::pages(qint32 documentId) const
+{
+    const Recordset rs = m_db.openRecordset(
+        QStringLiteral("SELECT %1 FROM Page WHERE DocumentId = ? ORDER BY PageNumber, PageId")
+            .arg(kColumns),
+        {documentId});
+    QVector<PageRow> rows;
+    rows.reserve(rs.recordCount());
+    for (int i = 0; i < rs.recordCount(); ++i)
+        rows << rowAt(rs, i);
+    return rows;
+}
+
+std::optional<PageRow> PageStore::page(qint32 pageId) const
+{
+    const Recordset rs = m_db.openRecordset(
+        QStringLiteral("SELECT %1 FROM Page WHERE PageId = ?").arg(kColumns), {pageId});
+    if (rs.recordCount() < 1)
+        return std::nullopt;
+    return rowAt(rs, 0);
+}
+
+qint32 PageStore::documentOf(qint32 pageId) const
+{
+    const QVariant v =
+        m_db.scalar(QStringLiteral("SELECT DocumentId FROM Page WHERE PageId = ?"), {pageId});
+    return v.isNull() ? -1 : v.toInt();
+}
+
+int PageStore::count(qint32 documentId) const
+{
+    return m_db
+        .scalar(QStringLiteral("SELECT COUNT(*) FROM Page WHERE DocumentId = ?"), {documentId})
+        .toInt();
+}
+
+qint32 PageStore::highestNumber(qint32 documentId) const
+{
+    return m_db
+        .scalar(QStringLiteral("SELECT MAX(PageNumber) FROM Page WHERE DocumentId = ?"),
+                {documentId})
+        .toInt();
+}
+
+qint32 PageStore::lowestNumber(qint32 documentId) const
+{
+    return m_db
+        .scalar(QStringLiteral("SELECT MIN(PageNumber) FROM Page WHERE DocumentId = ?"),
+                {documentId})
+        .toInt();
+}
+
+qint32 PageStore::insertPage(qint32 documentId, const NewPage& page)
+{
+    StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), page.filename);
+    m_db.execute(QStringLiteral("INSERT INTO Page (DocumentId, PageNumber, ScanDate, Filetype, "
+                                "ShortcutYN, Filename, FileSize) VALUES (?, ?, ?, ?, ?, ?, ?)"),
+                 {documentId, page.pageNumber,
+                  page.scanDate.isValid() ? QVariant(page.scanDate) : QVariant(), page.fileType,
+                  page.shortcut ? QVariant(QStringLiteral("Y")) : QVariant(),
+                  page.filename.isEmpty() ? QVariant() : QVariant(page.filename),
+                  page.fileSize ? QVariant(qlonglong(*page.fileSize)) : QVariant()});
+    return m_db.lastInsertId();
+}
+
+void PageStore::setPageNumber(qint32 pageId, qint32 number)
+{
+    m_db.execute(QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?"),
+                 {number, pageId});
+}
+
+void PageStore::setFile(qint32 pageId, const QString& filename, qint64 fileSize)
+{
+    StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), filename);
+    m_db.execute(
+        QStringLiteral("UPDATE Page SET Filename = ?, FileSize = ? WHERE PageId = ?"),
+        {filename.isEmpty() ? QVariant() : QVariant(filename), qlonglong(fileSize), pageId});
+}
+
+void PageStore::repaginateDocument(qint32 documentId, const QString& documentName,
+                                   Progress& progress)
+{
+    const QVector<PageRow> rows = pages(documentId);
+    if (rows.isEmpty())
+        return;
+    const QString title = QStringLiteral("Repaginate ") + documentName;
+    progress.start(title, 1, 2 * int(rows.size()));
+    Database::Transaction tx(m_db);
+    const QString update = QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?");
+    // First out of the way, from the top down, so that no two pages meet mid-way.
+    int number = 9999999;
+    for (auto it = rows.crbegin(); it != rows.crend(); ++it) {
+        progress.step(title);
+        m_db.execute(update, {number--, it->id});
+    }
+    number = 1;
+    for (const PageRow& row : rows) {
+        progress.step(title);
+        m_db.execute(update, {number++, row.id});
+    }
+    tx.commit();
+    progress.end();
+}
+
+} // namespace qmr

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <QDate>
+#include <QString>
+#include <QVector>
+#include <optional>
+
+namespace qmr {
+
+class Database;
+class Progress;
+
+// A page row with everything the page pane, the viewer and the page properties need.
+struct PageRow
+{
+    qint32 id = -1;
+    qint32 documentId = -1;
+    qint32 pageNumber = 0;
+    QString filename; // the stored path, "" for a page at its computed path
+    bool hasFileSize = false;
+    qint64 fileSize = 0;
+    QString scanDateStored; // the stored text, "" for Null
+    QDate scanDate;
+    QString fileType;
+    bool shortcut = false;
+};
+
+// The fields of a new page row.
+struct NewPage
+{
+    qint32 pageNumber = 0;
+    QDate scanDate;
+    QString fileType = QStringLiteral("JPG");
+    bool shortcut = false;
+    QString filename;
+    std::optional<qint64> fileSize;
+};
+
+// Owns the Page rows: listing, adding, numbering and file facts.
+class PageStore
+{
+public:
+    explicit PageStore(Database& db) : m_db(db) {}
+
+    // A document's pages in page order (ties by id), in one query.
+    QVector<PageRow> pages(qint32 documentId) const;
+    std::optional<PageRow> page(qint32 pageId) const;
+    qint32 documentOf(qint32 pageId) const; // -1 when the row is gone
+    int count(qint32 documentId) const;
+    // The highest page number of a document, 0 when it has none.
+    qint32 highestNumber(qint32 documentId) const;
+    qint32 lowestNumber(qint32 documentId) const;
+
+    qint32 insertPage(qint32 documentId, const NewPage& page);
+    void setPageNumber(qint32 pageId, qint32 number);
+    // Writes where the page's image lies ("" for its computed path) and its size.
+    void setFile(qint32 pageId, const QString& filename, qint64 fileSize);
+
+    // Numbers the pages 1, 2, 3 ... in their present order, ties by PageId, in two passes in
+    // one transaction: an interrupted renumbering leaves the old numbers.
+    void repaginateDocument(qint32 documentId, const QString& documentName, Progress& progress);
+
+private:
+    Database& m_db;
+};
+
+} // namespace qmr

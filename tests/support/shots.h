@@ -1,0 +1,16 @@
+#pragma once
+
+#include <QString>
+
+class QWidget;
+
+namespace qmr::test {
+
+// Pictures of windows on a filled store, as PNG files that anyone can look at without a
+// display. They go to $QMR_SHOTS_DIR (default: shots/ in the working directory). Each folder's
+// test class named "Shots" makes them; the ctest label "shots" runs them all.
+QString shotsDirectory();
+// Saves the window's picture as NAME.png; fails the test when nothing was drawn.
+void saveShot(QWidget* window, const QString& name);
+
+} // namespace qmr::test

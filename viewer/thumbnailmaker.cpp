@@ -1,0 +1,72 @@
+#include "viewer/thumbnailmaker.h"
+
+#include <QFile>
+#include <QImageReader>
+#include <QImageWriter>
+#include <QPainter>
+#include <QtMath>
+
+#include "store/pagepaths.h"
+
+namespace qmr {
+
+int qtJpegQuality(int factor)
+{
+    return qBound(1, 100 - factor, 100);
+}
+
+QSize ThumbnailMaker::reducedSize(const QSize& size)
+{
+    const int w = qMax(1, size.width());
+    const int h = qMax(1, size.height());
+    if (w > h)
+        return QSize(kThumbSide, qMax(1, qRound(kThumbSide * (double(h) / w))));
+    return QSize(qMax(1, qRound(kThumbSide * (double(w) / h))), kThumbSide);
+}
+
+QImage ThumbnailMaker::reducedImage(const QString& pagePath)
+{
+    QImageReader reader(pagePath);
+    reader.setAutoTransform(true);
+    const QSize size = reader.size();
+    if (size.isValid()) {
+        // The decoder does most of the reduction; a smooth pass makes the exact size.
+        const QSize target = reducedSize(size);
+        reader.setScaledSize(
+            size.scaled(target * 2, Qt::KeepAspectRatio).boundedTo(size).expandedTo(QSize(1, 1)));
+        const QImage rough = reader.read();
+        if (rough.isNull())
+            return QImage();
+        return rough.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    }
+    const QImage full = reader.read();
+    if (full.isNull())
+        return QImage();
+    return full.scaled(reducedSize(full.size()), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+}
+
+QImage ThumbnailMaker::tile(const QImage& reduced)
+{
+    QImage tile(kThumbSide, kThumbSide, QImage::Format_RGB32);
+    tile.fill(Qt::white);
+    QPainter painter(&tile);
+    painter.drawImage(0, 0, reduced.convertToFormat(QImage::Format_RGB32));
+    return tile;
+}
+
+bool ThumbnailMaker::makeThumbnail(const QString& pagePath, const QString& thumbPath,
+                                   const QString& home)
+{
+    if (QFile::exists(thumbPath))
+        QFile::remove(thumbPath);
+    if (!QFile::exists(pagePath) || !PagePaths::ensurePathExists(thumbPath, home))
+        return false;
+    const QImage reduced = reducedImage(pagePath);
+    if (reduced.isNull())
+        return false;
+    QImageWriter writer(thumbPath, "jpeg");
+    writer.setQuality(qtJpegQuality(10));
+    return writer.write(tile(reduced));
+}
+
+} // namespace qmr

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QImage>
+#include <QString>
+
+namespace qmr {
+
+// The small pictures of pages. A made thumbnail is a 100 by 100 JPEG tile, white, with the
+// page reduced into its top left corner; the viewer's save writes the reduced page alone.
+class ThumbnailMaker
+{
+public:
+    static constexpr int kThumbSide = 100;
+
+    // Rebuilds one thumbnail from its page file: any old one is removed first, and nothing is
+    // written when the page cannot be read. `home` is the directory whose dots do not count
+    // when the thumbnail's directories are made. True when the file was written.
+    static bool makeThumbnail(const QString& pagePath, const QString& thumbPath,
+                              const QString& home = QString());
+    // The page reduced to fit 100 pixels on its longer side (squares by their height), read
+    // at reduced size where the decoder can, which is many times faster for JPEG.
+    static QImage reducedImage(const QString& pagePath);
+    static QSize reducedSize(const QSize& size);
+    // The white tile with `reduced` in its top left corner.
+    static QImage tile(const QImage& reduced);
+};
+
+// The quality factor of the settings and the design, on which lower is better (10 is a small
+// file of high quality, 100 the smallest and worst), as Qt's 0..100 scale where higher is
+// better: 100 - factor, kept within 1..100.
+int qtJpegQuality(int factor);
+
+} // namespace qmr
