@@ -4,6 +4,7 @@
 
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
+#include "core/homelock.h"
 #include "core/prompter.h"
 #include "core/settings.h"
 #include "core/viewsettings.h"
@@ -39,10 +40,20 @@ bool Startup::start(bool showWindow)
     if (!checkDataAccess(m_prompter, Database::runtimeVersion()))
         return false;
 
+    if (!m_home.ensureExists()) {
+        m_prompter.tell(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
+        return false;
+    }
+    // Before the store is touched: a second run on this home would write the store under
+    // the first one's tree.
+    m_lock = std::make_unique<HomeLock>(m_home);
+    if (!m_lock->acquire()) {
+        m_prompter.tell(m_lock->refusal());
+        return false;
+    }
+
     m_splash = std::make_unique<SplashWindow>();
     try {
-        if (!m_home.ensureExists())
-            throw StoreError(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
         m_splash->setStatus(QStringLiteral("Opening database"));
         StoreSchema::openDatabase(m_session->db(), m_home);
         m_splash->setStatus(QStringLiteral("Opening database"));

@@ -9,6 +9,7 @@ packages=(
   qt6-image-formats-plugins            # more image formats for loose files
   libsqlite3-dev                       # the store
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
+  clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers
 )
 
 missing=()

@@ -133,6 +133,23 @@ private slots:
         QCOMPARE(StoreSchema::readVersion(db), 4);
     }
 
+    void halfMadeStoreOfAnEndedRunIsNeverTakenForOne()
+    {
+        test::TestHome home;
+        // What a run killed while it made the store leaves: a file beside the store's place,
+        // with an open transaction's journal.
+        QVERIFY(home.writeFile("qmr.mdb.new", QByteArray(1024, '\0')));
+        QVERIFY(home.writeFile("qmr.mdb.new-journal", QByteArray(512, '\x01')));
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        QCOMPARE(StoreSchema::readVersion(db), 4);
+        QVERIFY(!QFile::exists(home.file("qmr.mdb.new")));
+        QVERIFY(!QFile::exists(home.file("qmr.mdb.new-journal")));
+        // A rollback journal flushed at every commit (the home may lie on a shared disk).
+        QCOMPARE(db.scalar("PRAGMA journal_mode").toString(), QStringLiteral("delete"));
+        QCOMPARE(db.scalar("PRAGMA synchronous").toInt(), 2);
+    }
+
     void emptyMdbWithAddedColumnsButNoVersionFails()
     {
         test::TestHome home;
