@@ -145,6 +145,10 @@ void PagePane::buildControls()
     // The view switch stands above the pane's right edge, in the window's button row.
     m_viewSwitch = new QWidget(this);
     m_viewSwitch->setObjectName(QStringLiteral("fraViewSwitch"));
+    // Hidden with the pane, it keeps its room: the row it stands in must not change height.
+    QSizePolicy policy = m_viewSwitch->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_viewSwitch->setSizePolicy(policy);
     auto tool = [this](const char* name, const QIcon& icon, const QString& tip,
                        const QString& view) {
         auto* b = new QToolButton(m_viewSwitch);
