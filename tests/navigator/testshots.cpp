@@ -3,9 +3,9 @@
 #include <QImage>
 #include <QMenu>
 #include <QPainter>
-#include <QToolButton>
 #include <QTabWidget>
 #include <QTest>
+#include <QToolButton>
 
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
