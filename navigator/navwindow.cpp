@@ -88,9 +88,11 @@ void NavWindow::buildWidgets()
     rightLayout->setContentsMargins(0, 0, 0, 0);
     m_list = new ContainerList(right);
     rightLayout->addWidget(m_list);
-    m_pages = new PagePane(m_icons, right);
-    m_pages->hide();
+    m_pages = new PagePane(m_icons, m_base.view, m_base.session.paths(), right);
     rightLayout->addWidget(m_pages);
+    // The pane's view switch stands at the right of the button row, above the pane.
+    buttons->addWidget(m_pages->viewSwitch(), 0, Qt::AlignBottom);
+    m_pages->hide();
     m_splitter->addWidget(m_tree);
     m_splitter->addWidget(right);
     m_splitter->setStretchFactor(1, 1);
@@ -108,8 +110,12 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->refreshNavTree(); });
     m_itemCommands = std::make_unique<ItemCommands>(m_navigator->context(), m_templates);
     m_itemCommands->addTo(commands);
+    commands.insert(QStringLiteral("mnuPopupPageOpen"),
+                    [this] { m_navigator->openPage(m_pages->selectedPageId()); });
     m_menus.build(menuBar(), commands);
 
+    connect(m_pages, &PagePane::commandRequested, this,
+            [this](const QString& name) { m_menus.run(name); });
     connect(m_navigator.get(), &Navigator::documentActivated, this,
             [this](qint32 id) { m_itemCommands->properties(Level::Document, id); });
     auto* refresh = new QShortcut(QKeySequence(Qt::Key_F5), m_tree);
