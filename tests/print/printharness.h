@@ -181,6 +181,7 @@ struct PrintHarness
 struct PdfFacts
 {
     int pages = -1;
+    QSizeF pageSize;                   // points, of the first page
     QVector<QPair<int, int>> imagePpi; // x and y, per image, in page order
     QString error;
 };
@@ -200,6 +201,12 @@ inline PdfFacts readPdf(const QString& path)
         QRegularExpression(QStringLiteral("^Pages:\\s+(\\d+)"), QRegularExpression::MultilineOption)
             .match(text);
     facts.pages = pages.hasMatch() ? pages.captured(1).toInt() : -1;
+    const QRegularExpressionMatch size =
+        QRegularExpression(QStringLiteral("^Page size:\\s+([\\d.]+) x ([\\d.]+) pts"),
+                           QRegularExpression::MultilineOption)
+            .match(text);
+    if (size.hasMatch())
+        facts.pageSize = QSizeF(size.captured(1).toDouble(), size.captured(2).toDouble());
 
     QProcess images;
     images.start(QStringLiteral("pdfimages"), {QStringLiteral("-list"), path});

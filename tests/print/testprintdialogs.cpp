@@ -348,6 +348,39 @@ private slots:
         QVERIFY(qAbs(pdf.imagePpi[0].second - 53) <= 1); // 100 / 0.95 / 2
     }
 
+    void printSetupIsKeptForTheNextPrint()
+    {
+        PrintHarness h;
+        const qint32 page = h.page(1, QSize(200, 100), 100, 100);
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        PageLayouts layouts;
+        {
+            PrintDialog dialog(h.context(), layouts, page, kPrinters);
+            QString opened;
+            test::whenModal(this, [&](QWidget* w) {
+                opened = w->metaObject()->className();
+                if (auto* d = qobject_cast<QDialog*>(w))
+                    d->accept();
+            });
+            child<QPushButton>(&dialog, "cmdSetup")->click();
+            QCOMPARE(opened, QString("QPageSetupDialog"));
+            QVERIFY(layouts.contains("Print to PDF file"));
+        }
+        // What the setup chose (here: landscape) shapes the sheets of the next print.
+        QPageLayout landscape = layouts.value("Print to PDF file");
+        landscape.setOrientation(QPageLayout::Landscape);
+        layouts.insert("Print to PDF file", landscape);
+        QTemporaryDir dir;
+        h.choosers.queueSaveFile(dir.filePath("wide.pdf"));
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        const test::PdfFacts pdf = test::readPdf(dir.filePath("wide.pdf"));
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QVERIFY2(
+            pdf.pageSize.width() > pdf.pageSize.height(),
+            qPrintable(QString("%1 x %2").arg(pdf.pageSize.width()).arg(pdf.pageSize.height())));
+    }
+
     void commandsOpenTheirWindows()
     {
         PrintHarness h;
