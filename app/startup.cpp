@@ -1,13 +1,16 @@
 #include "app/startup.h"
 
+#include <QApplication>
 #include <QTreeWidget>
 
+#include "app/appicon.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "core/homelock.h"
 #include "core/prompter.h"
 #include "core/settings.h"
 #include "core/viewsettings.h"
+#include "help/helplocator.h"
 #include "navigator/navwindow.h"
 #include "navigator/pagepane.h"
 #include "store/commandcontext.h"
@@ -52,10 +55,14 @@ bool Startup::start(bool showWindow)
         return false;
     }
 
+    QApplication::setWindowIcon(AppIcon::icon());
     m_splash = std::make_unique<SplashWindow>();
     try {
         m_splash->setStatus(QStringLiteral("Opening database"));
         StoreSchema::openDatabase(m_session->db(), m_home);
+        // The home keeps a help text of its own for a program that runs without its
+        // installed data; one that cannot be written only costs that fallback.
+        HelpLocator::ensureInHome(m_home);
         m_splash->setStatus(QStringLiteral("Opening database"));
     } catch (const StoreError& e) {
         m_prompter.tell(e.message());

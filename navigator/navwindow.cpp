@@ -15,11 +15,13 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "help/helpcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
+#include "print/printcommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 
@@ -37,7 +39,9 @@ NavWindow::NavWindow(const CommandContext& base, DrawerTemplates& templates, QWi
 {
     setObjectName(kFormName);
     setWindowTitle(QStringLiteral("Quillmere"));
-    setWindowIcon(m_icons.icon(QStringLiteral("cabinet")));
+    // The application's icon when the program set one, and every dialog takes it from here.
+    const QIcon appIcon = QApplication::windowIcon();
+    setWindowIcon(appIcon.isNull() ? m_icons.icon(QStringLiteral("cabinet")) : appIcon);
     buildWidgets();
     m_navigator =
         std::make_unique<Navigator>(m_base, *m_tree, *m_list, *m_pages, m_menus, m_icons, this);
@@ -112,7 +116,12 @@ void NavWindow::buildMenus()
     m_itemCommands->addTo(commands);
     commands.insert(QStringLiteral("mnuPopupPageOpen"),
                     [this] { m_navigator->openPage(m_pages->selectedPageId()); });
+    m_printCommands = std::make_unique<PrintCommands>(m_navigator->context());
+    m_printCommands->addTo(commands);
+    m_helpCommands = std::make_unique<HelpCommands>(m_navigator->context());
+    m_helpCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
+    m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
 
     connect(m_pages, &PagePane::commandRequested, this,
             [this](const QString& name) { m_menus.run(name); });

@@ -15,10 +15,12 @@ namespace qmr {
 
 class ContainerList;
 class DrawerTemplates;
+class HelpCommands;
 class ItemCommands;
 class NavTree;
 class Navigator;
 class PagePane;
+class PrintCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
 // menus to the commands that the navigator and each feature bring.
@@ -41,6 +43,8 @@ public:
 
     Navigator& navigator() { return *m_navigator; }
     ItemCommands& itemCommands() { return *m_itemCommands; }
+    PrintCommands& printCommands() { return *m_printCommands; }
+    HelpCommands& helpCommands() { return *m_helpCommands; }
     NavTree* tree() const { return m_tree; }
     ContainerList* list() const { return m_list; }
     PagePane* pageList() const { return m_pages; }
@@ -74,6 +78,8 @@ private:
     QSplitter* m_splitter = nullptr;
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
+    std::unique_ptr<PrintCommands> m_printCommands;
+    std::unique_ptr<HelpCommands> m_helpCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };
