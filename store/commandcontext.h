@@ -7,6 +7,7 @@ namespace qmr {
 class Choosers;
 class CommandTarget;
 class NavigatorCallbacks;
+class PageNotifier;
 class PageOpener;
 class Progress;
 class Prompter;
@@ -28,6 +29,8 @@ struct CommandContext
     QWidget* parent = nullptr;
     // How a page is opened for viewing; set by the window once the viewer is wired.
     PageOpener* pageOpener = nullptr;
+    // Told when a page reaches a document, for the folder's notice; set once mail is wired.
+    PageNotifier* pageNotifier = nullptr;
 };
 
 } // namespace qmr

@@ -1,0 +1,17 @@
+#pragma once
+
+#include <QtGlobal>
+
+namespace qmr {
+
+// Told whenever a page reaches a document (a new page row, a move, a paste, a drop, a scan),
+// so that a folder with an address gets its notice. The mail feature plugs in; without it
+// nothing is sent.
+class PageNotifier
+{
+public:
+    virtual ~PageNotifier() = default;
+    virtual void pageAdded(qint32 pageId) = 0;
+};
+
+} // namespace qmr
