@@ -6,9 +6,9 @@
 #include <QDate>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -20,6 +20,7 @@
 #include "core/navigatorcallbacks.h"
 #include "core/prompter.h"
 #include "dialogs/pathbrowser.h"
+#include "resources/appresources.h"
 #include "store/itemrules.h"
 #include "store/itemstatistics.h"
 #include "store/itemstore.h"
@@ -71,20 +72,6 @@ constexpr StatRow kCountRows[] = {
     {Level::Page, "Pages:", "lblPAG", "lblPAGCount"},
 };
 
-QIcon clockIcon()
-{
-    QPixmap pm(32, 32);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(0x37, 0x47, 0x4f), 2.5));
-    p.setBrush(Qt::white);
-    p.drawEllipse(QPointF(16, 16), 13, 13);
-    p.drawLine(QPointF(16, 16), QPointF(16, 8));
-    p.drawLine(QPointF(16, 16), QPointF(22, 19));
-    return QIcon(pm);
-}
-
 } // namespace
 
 ItemDialog::ItemDialog(Level level, const CommandContext& context, QWidget* parent,
@@ -133,7 +120,7 @@ void ItemDialog::buildWidgets()
         m_date = m_ui->txtDateOnDocument;
         m_now = m_ui->imgNow;
         m_amount = m_ui->txtAmount;
-        m_now->setIcon(clockIcon());
+        m_now->setIcon(QIcon(AppResources::iconPath(QStringLiteral("clock"))));
         connect(m_now, &QToolButton::clicked, this, &ItemDialog::imgNow);
     } else {
         dropRow(form, m_ui->lblDateOnDocument);
