@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 
 #include "core/choosers.h"
+#include "core/localenumber.h"
 #include "core/navigatorcallbacks.h"
 #include "core/prompter.h"
 #include "dialogs/pathbrowser.h"
@@ -179,6 +180,9 @@ void ItemDialog::buildWidgets()
 
     connect(m_ok, &QPushButton::clicked, this, &ItemDialog::cmdOK);
     connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    // What is typed at once goes into the name, not to the tab bar.
+    m_tabs->setCurrentIndex(0);
+    m_name->setFocus();
     adjustSize();
 }
 
@@ -230,7 +234,7 @@ void ItemDialog::showFields(const ItemFields& f)
         m_email->setText(f.email);
     if (m_date) {
         m_date->setText(ItemRules::displayDate(f.dateOnDocument));
-        m_amount->setText(f.hasAmount ? QString::number(f.amount, 'f', 2) : QString());
+        m_amount->setText(f.hasAmount ? LocaleNumber().write(f.amount, 2) : QString());
     }
 }
 
@@ -303,7 +307,8 @@ ItemFields ItemDialog::fieldsFromControls() const
         f.email = m_email->text();
     if (m_date) {
         f.dateOnDocument = ItemRules::dateOrZero(m_date->text());
-        f.amount = ItemRules::leadingNumber(m_amount->text());
+        // validate() has refused a text that is no number; a blank box is 0.
+        f.amount = LocaleNumber().read(m_amount->text()).value_or(0.0);
         f.hasAmount = true;
     }
     return f;
@@ -333,6 +338,10 @@ bool ItemDialog::validate()
         return refuse(QStringLiteral("A storage path is required."), m_saveTo);
     if (m_date && !ItemRules::isValidDate(m_date->text()))
         return refuse(QStringLiteral("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
+    // An amount is read with the locale's separators; what cannot be read is refused rather
+    // than stored as some other number.
+    if (m_amount && !ItemRules::isBlank(m_amount->text()) && !LocaleNumber().read(m_amount->text()))
+        return refuse(LocaleNumber().notANumberMessage(QStringLiteral("Amount")), m_amount);
     const char* duplicate = textsOf(m_level).duplicate;
     if (duplicate && !m_collectOnly &&
         ItemStore(m_services.session.db())
@@ -398,7 +407,7 @@ void ItemDialog::cmdOK()
         m_result.name = m_name->text();
         m_result.dateOnDocument = m_date->text();
         m_result.description = m_description->toPlainText();
-        m_result.amount = QString::number(ItemRules::leadingNumber(m_amount->text()), 'g', 15);
+        m_result.amount = QString::number(fieldsFromControls().amount, 'g', 15);
         accept();
         return;
     }
