@@ -127,6 +127,7 @@ private slots:
         PathSelectDialog path(h.home.settings(), h.home.path());
         path.show();
         QVERIFY(QTest::qWaitForWindowExposed(&path));
+        QTest::qWait(300); // the directory tree reads in the background
         test::saveShot(&path, "dialog-path-select");
     }
 
