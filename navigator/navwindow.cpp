@@ -211,7 +211,9 @@ void NavWindow::finishRun()
 
 void NavWindow::mnuFileExit()
 {
-    if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?")))
+    // Enter answers No: Escape then Enter must not end the program.
+    if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?"),
+                                 Prompter::Buttons::YesNoCancel, Prompter::Answer::No))
         return;
     finishRun();
     emit exitRequested();
