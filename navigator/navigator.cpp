@@ -257,7 +257,25 @@ void Navigator::itemRenamed(Level level, qint32 id, const QString& name, const Q
 
 void Navigator::itemRemoved(Level level, qint32 id)
 {
+    const NodeKey removed = NodeKey::of(level, id);
+    // When the node in view goes, or one above it, the window moves up to the parent, so that
+    // nothing on show and nothing a command would aim at is gone from the store.
+    const bool inView = isWithin(treeSelectedKey(), removed);
+    const NodeKey parent = treeParentKey(removed);
+    SelectionRecord& record = m_context.session.selection();
+    if (isWithin(record.node, removed))
+        record.clear();
     m_filler.removeItem(level, id);
+    if (inView && !parent.isEmpty() && m_tree.selectNode(parent.text()))
+        tvwMainProcessNode(parent.text());
+}
+
+bool Navigator::isWithin(const NodeKey& key, const NodeKey& top) const
+{
+    for (NodeKey k = key; !k.isEmpty(); k = treeParentKey(k))
+        if (k == top)
+            return true;
+    return false;
 }
 
 void Navigator::showChildren(Level level, qint32 id)

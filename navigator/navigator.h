@@ -78,6 +78,8 @@ protected:
 
 private:
     void setRecordFromKey(const NodeKey& key);
+    // Whether `key` is the tree node `top` or lies below it.
+    bool isWithin(const NodeKey& key, const NodeKey& top) const;
     void onTreeMouseUp(Qt::MouseButton button);
     void onListMouseUp(Qt::MouseButton button);
     void onPagesMouseUp(Qt::MouseButton button);

@@ -16,6 +16,7 @@
 
 #include "core/prompter.h"
 #include "navigator/containerlist.h"
+#include "navigator/deletecommand.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
@@ -108,6 +109,8 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->refreshNavTree(); });
     m_itemCommands = std::make_unique<ItemCommands>(m_navigator->context(), m_templates);
     m_itemCommands->addTo(commands);
+    m_deleteCommand = std::make_unique<DeleteCommand>(m_navigator->context());
+    m_deleteCommand->addTo(commands);
     m_menus.build(menuBar(), commands);
 
     connect(m_navigator.get(), &Navigator::documentActivated, this,

@@ -14,6 +14,7 @@ class QSplitter;
 namespace qmr {
 
 class ContainerList;
+class DeleteCommand;
 class DrawerTemplates;
 class ItemCommands;
 class NavTree;
@@ -74,6 +75,7 @@ private:
     QSplitter* m_splitter = nullptr;
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
+    std::unique_ptr<DeleteCommand> m_deleteCommand;
     bool m_firstShow = false;
     bool m_finished = false;
 };

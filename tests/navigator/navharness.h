@@ -17,6 +17,7 @@
 #include "store/session.h"
 #include "templates/drawertemplates.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/recordingprogress.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -29,7 +30,7 @@ struct NavHarness
     TestHome home;
     ScriptedPrompter prompter;
     ScriptedChoosers choosers;
-    SilentProgress progress;
+    RecordingProgress progress;
     std::unique_ptr<Session> session;
     std::unique_ptr<ViewSettings> view;
     std::unique_ptr<DrawerTemplates> templates;

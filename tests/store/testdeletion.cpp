@@ -4,32 +4,18 @@
 #include <QTest>
 #include <unistd.h>
 
-#include "core/progress.h"
 #include "store/deletion.h"
 #include "store/pagepaths.h"
 #include "store/storeerror.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/recordingprogress.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::RecordingProgress;
 
 namespace {
-
-// Notes what the progress is told: "start Delete drawer 1..7", then each step's text.
-class RecordingProgress : public Progress
-{
-public:
-    void start(const QString& title, int minimum, int maximum) override
-    {
-        log << QString("start %1 %2..%3").arg(title).arg(minimum).arg(maximum);
-    }
-    void step(const QString& status) override { log << status; }
-    void end() override { log << "end"; }
-    void showCancel() override { log << "cancel shown"; }
-    bool stopped() const override { return false; }
-    QStringList log;
-};
 
 bool writeFile(const QString& path)
 {
