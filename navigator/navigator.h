@@ -5,9 +5,12 @@
 #include "core/commandtarget.h"
 #include "core/navigatorcallbacks.h"
 #include "core/targetview.h"
+#include "navigator/popupmenus.h"
 #include "navigator/treefiller.h"
 #include "store/commandcontext.h"
 
+class QAbstractItemView;
+class QKeyEvent;
 class QListWidgetItem;
 class QTreeWidgetItem;
 
@@ -18,6 +21,7 @@ class NavIcons;
 class NavMenus;
 class NavTree;
 class PagePane;
+class RenameController;
 
 // The main window's behaviour over its three controls: what a click, a key or a right click
 // in the tree, the container list or the page list does to the selection record, the menus
@@ -35,6 +39,10 @@ public:
     const CommandContext& context() const { return m_context; }
     CommandTarget& target() { return m_target; }
     TreeFiller& filler() { return m_filler; }
+    // Which pop-up each control shows, and how its entries stand.
+    PopupMenus& popups() { return m_popups; }
+    // In-place renaming in the tree and the list.
+    RenameController& rename() { return *m_rename; }
 
     // Builds the tree, then walks back to the last node of the previous run.
     void loadNavTree();
@@ -83,11 +91,16 @@ private:
     void onTreeMouseUp(Qt::MouseButton button);
     void onListMouseUp(Qt::MouseButton button);
     void onPagesMouseUp(Qt::MouseButton button);
+    // Each control's pop-up, at a point of the screen.
+    void treePopup(const QPoint& at);
+    void listPopup(const QPoint& at);
+    void pagesPopup(const QPoint& at);
+    QPoint keyboardPopupPoint(QAbstractItemView* view) const;
     void onListActivated(QListWidgetItem* item);
     void onTreeDoubleClick(QTreeWidgetItem* item);
-    // Insert in the tree adds a child of the node; in the list a sibling of the item.
-    void onInsertKey(bool fromTree);
-    void popup(const QString& menuName);
+    // Insert, Delete, F2 and the pop-up keys of a control; true when the key was used.
+    bool onControlKey(ContextSource control, const QKeyEvent& event);
+    void popup(const QString& menuName, const QPoint& at);
     bool openCabinet(qint32 cabinetId);
 
     CommandContext m_context;
@@ -99,6 +112,8 @@ private:
     NavIcons& m_icons;
     QWidget* m_window;
     TreeFiller m_filler;
+    PopupMenus m_popups;
+    RenameController* m_rename; // a child of the navigator
     bool m_nodeBusy = false;
 };
 

@@ -21,6 +21,7 @@
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
+#include "navigator/renamecontroller.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 
@@ -111,6 +112,7 @@ void NavWindow::buildMenus()
     m_itemCommands->addTo(commands);
     m_deleteCommand = std::make_unique<DeleteCommand>(m_navigator->context());
     m_deleteCommand->addTo(commands);
+    m_navigator->rename().addTo(commands);
     m_menus.build(menuBar(), commands);
 
     connect(m_navigator.get(), &Navigator::documentActivated, this,
@@ -121,6 +123,10 @@ void NavWindow::buildMenus()
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     escape->setContext(Qt::WindowShortcut);
     connect(escape, &QShortcut::activated, this, &NavWindow::mnuFileExit);
+    // Escape in a label being edited ends the edit, never the program.
+    connect(&m_navigator->rename(), &RenameController::editing, escape,
+            [escape](bool on) { escape->setEnabled(!on); });
+    m_navigator->popups().showInsertKeys(ContextSource::Tree);
 }
 
 int NavWindow::treeWidthTwips() const

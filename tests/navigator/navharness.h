@@ -68,6 +68,8 @@ struct NavHarness
     Navigator& navigator() const { return window->navigator(); }
     // Makes a control the one that spoke last.
     void setSource(ContextSource source) { navigator().target().setSource(source); }
+    // The view that shows the pages of the page pane.
+    QAbstractItemView* pageView() const { return window->pageList(); }
 
     // A left click on the node, as a person makes it.
     void click(const QString& key)

@@ -57,7 +57,7 @@ void selectInList(NavHarness& h, const QString& text)
 
 int pageRows(NavHarness& h)
 {
-    return h.window->pageList()->model()->rowCount();
+    return h.pageView()->model()->rowCount();
 }
 
 } // namespace
@@ -165,7 +165,7 @@ private slots:
             h.prompter.reset();
             h.prompter.expect(action[8] == 'D' ? "Delete 'March statement'?" : "Delete 'Page 1'?",
                               Prompter::Answer(answer));
-            h.window->pageList()->setCurrentIndex(h.window->pageList()->model()->index(0, 0));
+            h.pageView()->setCurrentIndex(h.pageView()->model()->index(0, 0));
             trigger(h, action);
             QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         }
@@ -232,7 +232,7 @@ private slots:
         }
         h.load();
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
-        QAbstractItemView* pane = h.window->pageList();
+        QAbstractItemView* pane = h.pageView();
         QCOMPARE(pageRows(h), 3);
         if (all) {
             pane->setCurrentIndex(pane->model()->index(0, 0));
@@ -269,7 +269,7 @@ private slots:
         store.close();
         h.load();
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC2"});
-        QAbstractItemView* pane = h.window->pageList();
+        QAbstractItemView* pane = h.pageView();
         pane->setCurrentIndex(pane->model()->index(0, 0));
         h.setSource(ContextSource::PageList);
         QCOMPARE(h.navigator().selectedPageIds(), QVector<qint32>{id});
