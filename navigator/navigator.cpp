@@ -506,8 +506,14 @@ bool Navigator::eventFilter(QObject* watched, QEvent* event)
             onListMouseUp(button);
         else if (isPageViewport(m_pages, watched))
             onPagesMouseUp(button);
-    } else if (event->type() == QEvent::KeyPress && !m_rename->isEditing()) {
-        // While a label is edited its keys are the editor's.
+    } else if (event->type() == QEvent::KeyPress && m_rename->isEditing()) {
+        // While a label is edited its keys are the editor's: the Enter that ends the edit
+        // must not go on to open the item.
+        const int key = static_cast<QKeyEvent*>(event)->key();
+        if ((watched == &m_tree || watched == &m_list) &&
+            (key == Qt::Key_Return || key == Qt::Key_Enter))
+            return true;
+    } else if (event->type() == QEvent::KeyPress) {
         const auto* keyEvent = static_cast<QKeyEvent*>(event);
         if (watched == &m_tree && keyEvent->key() != Qt::Key_F5)
             m_target.setSource(ContextSource::Tree);

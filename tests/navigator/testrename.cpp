@@ -197,6 +197,24 @@ private slots:
                  QDate(2026, 3, 31)); // the stored date stays
     }
 
+    void enterEndsTheEditOnly()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.click("CAB1");
+        // The drawer is selected with the keyboard: the list still shows the cabinet's
+        // drawers, and the Enter that confirms the new name does not open the drawer.
+        h.tree()->selectNode("DRW1");
+        QVERIFY(renameWithKeys(h, h.tree(), "Banking"));
+        QCOMPARE(h.listTexts(), (QStringList{"Banking", "Taxes"}));
+        QCOMPARE(h.visibleLevelMenu(), QStringLiteral("mnuPopupCabinet"));
+        // The same in the list: the renamed drawer is not opened.
+        selectInList(h, "Taxes");
+        QVERIFY(renameWithKeys(h, h.window->list(), "Tax"));
+        QCOMPARE(h.listTexts(), (QStringList{"Banking", "Tax"}));
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
+    }
+
     void escapeEndsTheEditOnly()
     {
         NavHarness h;
