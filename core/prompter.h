@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QtGlobal>
 
 namespace qmr {
 
@@ -14,12 +15,23 @@ public:
 
     virtual ~Prompter() = default;
     virtual Answer ask(const QString& text, Buttons buttons) = 0;
+    // The same, with the button that Enter presses named (where Enter must not go on, such as
+    // No for the exit question). A prompter without that notion asks as ask() does.
+    virtual Answer askWithDefault(const QString& text, Buttons buttons, Answer defaultAnswer)
+    {
+        Q_UNUSED(defaultAnswer);
+        return ask(text, buttons);
+    }
 
     void tell(const QString& text) { ask(text, Buttons::Ok); }
     // Questions go on only at Yes.
     bool confirm(const QString& text, Buttons buttons = Buttons::YesNoCancel)
     {
         return ask(text, buttons) == Answer::Yes;
+    }
+    bool confirm(const QString& text, Buttons buttons, Answer defaultAnswer)
+    {
+        return askWithDefault(text, buttons, defaultAnswer) == Answer::Yes;
     }
 
     static QString caption();

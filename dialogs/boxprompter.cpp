@@ -1,10 +1,42 @@
 #include "dialogs/boxprompter.h"
 
 #include <QMessageBox>
+#include <QPushButton>
 
 namespace qmr {
 
+namespace {
+
+QMessageBox::StandardButton buttonOf(Prompter::Answer answer)
+{
+    switch (answer) {
+    case Prompter::Answer::Yes:
+        return QMessageBox::Yes;
+    case Prompter::Answer::No:
+        return QMessageBox::No;
+    case Prompter::Answer::Cancel:
+        return QMessageBox::Cancel;
+    case Prompter::Answer::Ok:
+        break;
+    }
+    return QMessageBox::Ok;
+}
+
+} // namespace
+
 Prompter::Answer BoxPrompter::ask(const QString& text, Buttons buttons)
+{
+    return show(text, buttons, std::nullopt);
+}
+
+Prompter::Answer BoxPrompter::askWithDefault(const QString& text, Buttons buttons,
+                                             Answer defaultAnswer)
+{
+    return show(text, buttons, defaultAnswer);
+}
+
+Prompter::Answer BoxPrompter::show(const QString& text, Buttons buttons,
+                                   std::optional<Answer> defaultAnswer)
 {
     QMessageBox box(m_parent);
     box.setWindowTitle(caption());
@@ -26,6 +58,9 @@ Prompter::Answer BoxPrompter::ask(const QString& text, Buttons buttons)
         box.setEscapeButton(QMessageBox::Cancel);
         break;
     }
+    if (defaultAnswer)
+        if (QAbstractButton* button = box.button(buttonOf(*defaultAnswer)))
+            box.setDefaultButton(static_cast<QPushButton*>(button));
     switch (box.exec()) {
     case QMessageBox::Yes:
         return Answer::Yes;

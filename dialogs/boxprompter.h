@@ -1,5 +1,7 @@
 #pragma once
 
+#include <optional>
+
 #include "core/prompter.h"
 
 class QWidget;
@@ -13,8 +15,11 @@ public:
     explicit BoxPrompter(QWidget* parent = nullptr) : m_parent(parent) {}
     void setParent(QWidget* parent) { m_parent = parent; }
     Answer ask(const QString& text, Buttons buttons) override;
+    Answer askWithDefault(const QString& text, Buttons buttons, Answer defaultAnswer) override;
 
 private:
+    Answer show(const QString& text, Buttons buttons, std::optional<Answer> defaultAnswer);
+
     QWidget* m_parent;
 };
 

@@ -6,9 +6,9 @@
 #include <QDate>
 #include <QFormLayout>
 #include <QHBoxLayout>
+#include <QIcon>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPlainTextEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -17,9 +17,11 @@
 #include <QVBoxLayout>
 
 #include "core/choosers.h"
+#include "core/localenumber.h"
 #include "core/navigatorcallbacks.h"
 #include "core/prompter.h"
 #include "dialogs/pathbrowser.h"
+#include "resources/appresources.h"
 #include "store/itemrules.h"
 #include "store/itemstatistics.h"
 #include "store/itemstore.h"
@@ -71,20 +73,6 @@ constexpr StatRow kCountRows[] = {
     {Level::Page, "Pages:", "lblPAG", "lblPAGCount"},
 };
 
-QIcon clockIcon()
-{
-    QPixmap pm(32, 32);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    p.setPen(QPen(QColor(0x37, 0x47, 0x4f), 2.5));
-    p.setBrush(Qt::white);
-    p.drawEllipse(QPointF(16, 16), 13, 13);
-    p.drawLine(QPointF(16, 16), QPointF(16, 8));
-    p.drawLine(QPointF(16, 16), QPointF(22, 19));
-    return QIcon(pm);
-}
-
 } // namespace
 
 ItemDialog::ItemDialog(Level level, const CommandContext& context, QWidget* parent,
@@ -133,7 +121,7 @@ void ItemDialog::buildWidgets()
         m_date = m_ui->txtDateOnDocument;
         m_now = m_ui->imgNow;
         m_amount = m_ui->txtAmount;
-        m_now->setIcon(clockIcon());
+        m_now->setIcon(QIcon(AppResources::iconPath(QStringLiteral("clock"))));
         connect(m_now, &QToolButton::clicked, this, &ItemDialog::imgNow);
     } else {
         dropRow(form, m_ui->lblDateOnDocument);
@@ -192,6 +180,9 @@ void ItemDialog::buildWidgets()
 
     connect(m_ok, &QPushButton::clicked, this, &ItemDialog::cmdOK);
     connect(m_ui->cmdCancel, &QPushButton::clicked, this, &QDialog::reject);
+    // What is typed at once goes into the name, not to the tab bar.
+    m_tabs->setCurrentIndex(0);
+    m_name->setFocus();
     adjustSize();
 }
 
@@ -243,7 +234,7 @@ void ItemDialog::showFields(const ItemFields& f)
         m_email->setText(f.email);
     if (m_date) {
         m_date->setText(ItemRules::displayDate(f.dateOnDocument));
-        m_amount->setText(f.hasAmount ? QString::number(f.amount, 'f', 2) : QString());
+        m_amount->setText(f.hasAmount ? LocaleNumber().write(f.amount, 2) : QString());
     }
 }
 
@@ -316,7 +307,8 @@ ItemFields ItemDialog::fieldsFromControls() const
         f.email = m_email->text();
     if (m_date) {
         f.dateOnDocument = ItemRules::dateOrZero(m_date->text());
-        f.amount = ItemRules::leadingNumber(m_amount->text());
+        // validate() has refused a text that is no number; a blank box is 0.
+        f.amount = LocaleNumber().read(m_amount->text()).value_or(0.0);
         f.hasAmount = true;
     }
     return f;
@@ -346,6 +338,10 @@ bool ItemDialog::validate()
         return refuse(QStringLiteral("A storage path is required."), m_saveTo);
     if (m_date && !ItemRules::isValidDate(m_date->text()))
         return refuse(QStringLiteral("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
+    // An amount is read with the locale's separators; what cannot be read is refused rather
+    // than stored as some other number.
+    if (m_amount && !ItemRules::isBlank(m_amount->text()) && !LocaleNumber().read(m_amount->text()))
+        return refuse(LocaleNumber().notANumberMessage(QStringLiteral("Amount")), m_amount);
     const char* duplicate = textsOf(m_level).duplicate;
     if (duplicate && !m_collectOnly &&
         ItemStore(m_services.session.db())
@@ -411,7 +407,7 @@ void ItemDialog::cmdOK()
         m_result.name = m_name->text();
         m_result.dateOnDocument = m_date->text();
         m_result.description = m_description->toPlainText();
-        m_result.amount = QString::number(ItemRules::leadingNumber(m_amount->text()), 'g', 15);
+        m_result.amount = QString::number(fieldsFromControls().amount, 'g', 15);
         accept();
         return;
     }

@@ -5,6 +5,7 @@
 
 class QComboBox;
 class QFileSystemModel;
+class QSortFilterProxyModel;
 class QTreeView;
 
 namespace Ui {
@@ -16,7 +17,8 @@ namespace qmr {
 class Settings;
 
 // frmPathSelect: a directory chooser with a list of drives (mounted volumes) and a directory
-// tree that opens a directory on one click.
+// tree that opens a directory on one click. It opens at the given directory or at home, and
+// leaves out the system's virtual directories (/proc, /sys, /dev, /run).
 class PathSelectDialog : public QDialog
 {
     Q_OBJECT
@@ -36,6 +38,7 @@ private:
     QComboBox* m_drives;
     QTreeView* m_dirs;
     QFileSystemModel* m_model;
+    QSortFilterProxyModel* m_shown;
     QString m_path;
 };
 

@@ -6,13 +6,13 @@
 
 namespace qmr {
 
-// The navigator's pictures, drawn for 16 and 32 pixels so that both sizes stay crisp.
-// Keys: root, rootb, rootc, cabinet, locked, drawer, folder, document, page, found,
-// thumbnails.
+// The navigator's pictures, drawn from the program's SVG icons so that they stay crisp at any
+// size and screen scale. Keys: root, rootb, rootc, cabinet, locked, drawer, folder, document,
+// page, found, thumbnails.
 class NavIcons
 {
 public:
-    // Drawn once per key and kept: a large tree asks for the same few pictures many times.
+    // Made once per key and kept: a large tree asks for the same few pictures many times.
     const QIcon& icon(const QString& key);
     static QPixmap pixmap(const QString& key, int side);
 

@@ -1,5 +1,6 @@
 #include "navigator/navigator.h"
 
+#include <QContextMenuEvent>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QKeyEvent>
@@ -8,12 +9,14 @@
 #include <QScopeGuard>
 
 #include "navigator/cabinetopener.h"
+#include "navigator/commandkeys.h"
 #include "navigator/containerlist.h"
 #include "navigator/defaultpageopener.h"
 #include "navigator/navicons.h"
 #include "navigator/navmenus.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
+#include "navigator/renamecontroller.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 
@@ -28,6 +31,12 @@ QString levelMenu(Level level)
     return NavMenus::levelMenus().at(static_cast<int>(level) + 1);
 }
 
+// How the pop-ups and keys reach the list of pages inside the page pane.
+QAbstractItemView* pageView(PagePane& pane)
+{
+    return pane.list();
+}
+
 } // namespace
 
 Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& list,
@@ -37,7 +46,8 @@ Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& l
       m_target(base.session.selection(), *this), m_tree(tree), m_list(list), m_pages(pages),
       m_menus(menus), m_icons(icons), m_window(window), m_filler(tree, list, icons, base.session),
       m_defaultOpener(
-          std::make_unique<DefaultPageOpener>(base.session, base.prompter, base.choosers))
+          std::make_unique<DefaultPageOpener>(base.session, base.prompter, base.choosers)),
+      m_popups(menus), m_rename(new RenameController(m_context, tree, list, this))
 {
     m_context.pageOpener = base.pageOpener ? base.pageOpener : m_defaultOpener.get();
     connect(&m_tree, &NavTree::expanding, this, [this](const QString& key) {
@@ -302,7 +312,25 @@ void Navigator::itemRenamed(Level level, qint32 id, const QString& name, const Q
 
 void Navigator::itemRemoved(Level level, qint32 id)
 {
+    const NodeKey removed = NodeKey::of(level, id);
+    // When the node in view goes, or one above it, the window moves up to the parent, so that
+    // nothing on show and nothing a command would aim at is gone from the store.
+    const bool inView = isWithin(treeSelectedKey(), removed);
+    const NodeKey parent = treeParentKey(removed);
+    SelectionRecord& record = m_context.session.selection();
+    if (isWithin(record.node, removed))
+        record.clear();
     m_filler.removeItem(level, id);
+    if (inView && !parent.isEmpty() && m_tree.selectNode(parent.text()))
+        tvwMainProcessNode(parent.text());
+}
+
+bool Navigator::isWithin(const NodeKey& key, const NodeKey& top) const
+{
+    for (NodeKey k = key; !k.isEmpty(); k = treeParentKey(k))
+        if (k == top)
+            return true;
+    return false;
 }
 
 void Navigator::showChildren(Level level, qint32 id)
@@ -374,10 +402,25 @@ void Navigator::restoreFocus(ContextSource source)
 
 // ---- pop-ups and keys ---------------------------------------------------------------------
 
-void Navigator::popup(const QString& menuName)
+void Navigator::popup(const QString& menuName, const QPoint& at)
 {
-    if (QMenu* menu = m_menus.menu(menuName))
-        menu->exec(QCursor::pos());
+    QMenu* menu = m_menus.menu(menuName);
+    if (!menu)
+        return;
+    menu->exec(at);
+    // The menu bar shows the tree's keys.
+    m_popups.showInsertKeys(ContextSource::Tree);
+}
+
+QPoint Navigator::keyboardPopupPoint(QAbstractItemView* view) const
+{
+    // Below the selected item, or at the control's corner when none is in sight.
+    const QRect item = view->visualRect(view->currentIndex());
+    const QRect shown = view->viewport()->rect();
+    const QPoint at = item.isValid() && shown.intersects(item)
+                          ? QPoint(item.left() + 8, qMin(item.bottom(), shown.bottom()))
+                          : QPoint(8, 8);
+    return view->viewport()->mapToGlobal(at);
 }
 
 void Navigator::onTreeMouseUp(Qt::MouseButton button)
@@ -386,37 +429,43 @@ void Navigator::onTreeMouseUp(Qt::MouseButton button)
     // right click, else from the selected node.
     m_target.setSource(ContextSource::Tree);
     m_context.session.selection().clear();
-    if (button != Qt::RightButton)
-        return;
-    guarded(m_context.prompter, [this] {
+    if (button == Qt::RightButton)
+        treePopup(QCursor::pos());
+}
+
+void Navigator::treePopup(const QPoint& at)
+{
+    guarded(m_context.prompter, [&] {
         // The menu is for the selected node; a right click selects nothing by itself.
         const NodeKey key = treeSelectedKey();
-        if (key.isFoundRoot()) {
-            popup(QStringLiteral("mnuPopupFound"));
-        } else if (key.isRoot()) {
-            popup(QStringLiteral("mnuPopupRoot"));
-        } else if (const std::optional<Level> level = key.level(); level && *level != Level::Page) {
-            if (*level == Level::Cabinet && !m_context.session.locks().isCabinetOpen(key.id()))
-                return;
+        const bool open =
+            key.level() != Level::Cabinet || m_context.session.locks().isCabinetOpen(key.id());
+        const QString menu = m_popups.prepareTree(key, open);
+        if (menu.isEmpty())
+            return;
+        // The record names the menu's node, so that its commands work on it.
+        if (key.level())
             setRecordFromKey(key);
-            popup(levelMenu(*level));
-        }
+        popup(menu, at);
     });
 }
 
 void Navigator::onListMouseUp(Qt::MouseButton button)
 {
     m_target.setSource(ContextSource::List);
-    if (button != Qt::RightButton)
-        return;
-    guarded(m_context.prompter, [this] {
+    if (button == Qt::RightButton)
+        listPopup(QCursor::pos());
+}
+
+void Navigator::listPopup(const QPoint& at)
+{
+    guarded(m_context.prompter, [&] {
         const NodeKey key = listSelectedKey();
-        const std::optional<Level> level = key.level();
-        if (!level || *level == Level::Page)
-            return;
-        if (*level == Level::Cabinet && !m_context.session.locks().isCabinetOpen(key.id()))
-            return;
-        popup(levelMenu(*level));
+        const bool open =
+            key.level() != Level::Cabinet || m_context.session.locks().isCabinetOpen(key.id());
+        const QString menu = m_popups.prepareList(key, open);
+        if (!menu.isEmpty())
+            popup(menu, at);
     });
 }
 
@@ -424,48 +473,96 @@ void Navigator::onPagesMouseUp(Qt::MouseButton button)
 {
     m_target.setSource(ContextSource::PageList);
     if (button == Qt::RightButton)
-        popup(QStringLiteral("mnuPopupPage"));
+        pagesPopup(QCursor::pos());
 }
 
-void Navigator::onInsertKey(bool fromTree)
+void Navigator::pagesPopup(const QPoint& at)
 {
-    const NodeKey key = fromTree ? treeSelectedKey() : listSelectedKey();
-    QString command;
-    if (fromTree && key.isRoot()) {
-        command = QStringLiteral("mnuPopupCabinetNewCabinet");
-    } else if (const std::optional<Level> level = key.level(); level && *level != Level::Page) {
-        static const char* const tree[] = {"mnuPopupDrawerNewDrawer", "mnuPopupFolderNewFolder",
-                                           "mnuPopupFolderNewDocument",
-                                           "mnuPopupDocumentNewDocument"};
-        static const char* const list[] = {"mnuPopupCabinetNewCabinet", "mnuPopupDrawerNewDrawer",
-                                           "mnuPopupFolderNewFolder", "mnuPopupDocumentScanPage"};
-        command = QLatin1String((fromTree ? tree : list)[static_cast<int>(*level)]);
+    guarded(m_context.prompter, [&] {
+        std::optional<bool> shortcut;
+        if (const qint32 id = currentPageId(); id >= 0)
+            if (const std::optional<PageRow> page = m_context.session.pages().page(id))
+                shortcut = page->shortcut;
+        popup(m_popups.preparePages(pageView(m_pages)->model()->rowCount() > 0, shortcut), at);
+    });
+}
+
+bool Navigator::onControlKey(ContextSource control, const QKeyEvent& event)
+{
+    const Qt::KeyboardModifiers mods = event.modifiers() & ~Qt::KeypadModifier;
+    const int key = event.key();
+    // Shift+F10 and the Menu key open the pop-up of the control with the focus.
+    if (key == Qt::Key_Menu || (key == Qt::Key_F10 && mods == Qt::ShiftModifier)) {
+        if (control == ContextSource::Tree) {
+            m_context.session.selection().clear();
+            treePopup(keyboardPopupPoint(&m_tree));
+        } else if (control == ContextSource::List) {
+            listPopup(keyboardPopupPoint(&m_list));
+        } else {
+            pagesPopup(keyboardPopupPoint(pageView(m_pages)));
+        }
+        return true;
     }
+    if (mods != Qt::NoModifier)
+        return false;
+    if (control == ContextSource::PageList) {
+        if (key != Qt::Key_Delete)
+            return false;
+        m_menus.run(QStringLiteral("mnuPopupPageDelete"));
+        return true;
+    }
+    const NodeKey selected = control == ContextSource::Tree ? treeSelectedKey() : listSelectedKey();
+    if (key == Qt::Key_F2) {
+        if (control == ContextSource::Tree)
+            m_rename->startTreeEdit();
+        else
+            m_rename->startListEdit();
+        return true;
+    }
+    QString command;
+    if (key == Qt::Key_Insert)
+        command = CommandKeys::insertCommand(control, selected);
+    else if (key == Qt::Key_Delete)
+        command = CommandKeys::deleteCommand(control, selected);
+    else
+        return false;
     if (!command.isEmpty())
         m_menus.run(command);
-    (fromTree ? static_cast<QWidget*>(&m_tree) : &m_list)->setFocus();
+    (control == ContextSource::Tree ? static_cast<QWidget*>(&m_tree) : &m_list)->setFocus();
+    return true;
 }
 
 bool Navigator::eventFilter(QObject* watched, QEvent* event)
 {
+    const bool pages = m_pages.isInput(watched);
     if (event->type() == QEvent::MouseButtonRelease) {
         const auto button = static_cast<QMouseEvent*>(event)->button();
         if (watched == m_list.viewport())
             onListMouseUp(button);
         else if (m_pages.isViewport(watched))
             onPagesMouseUp(button);
-    } else if (event->type() == QEvent::KeyPress) {
+    } else if (event->type() == QEvent::KeyPress && m_rename->isEditing()) {
+        // While a label is edited its keys are the editor's: the Enter that ends the edit
+        // must not go on to open the item.
         const int key = static_cast<QKeyEvent*>(event)->key();
-        if (watched == &m_tree && key != Qt::Key_F5)
+        if ((watched == &m_tree || watched == &m_list) &&
+            (key == Qt::Key_Return || key == Qt::Key_Enter))
+            return true;
+    } else if (event->type() == QEvent::KeyPress) {
+        const auto* keyEvent = static_cast<QKeyEvent*>(event);
+        if (watched == &m_tree && keyEvent->key() != Qt::Key_F5)
             m_target.setSource(ContextSource::Tree);
         else if (watched == &m_list)
             m_target.setSource(ContextSource::List);
-        else if (m_pages.isInput(watched))
+        else if (pages)
             m_target.setSource(ContextSource::PageList);
-        if (key == Qt::Key_Insert && (watched == &m_tree || watched == &m_list)) {
-            onInsertKey(watched == &m_tree);
+        if ((watched == &m_tree || watched == &m_list || pages) &&
+            onControlKey(m_target.source(), *keyEvent))
             return true;
-        }
+    } else if (event->type() == QEvent::ContextMenu &&
+               (watched == &m_tree || watched == &m_list || pages) &&
+               static_cast<QContextMenuEvent*>(event)->reason() == QContextMenuEvent::Keyboard) {
+        return true; // the Menu key has opened the pop-up already
     }
     return QObject::eventFilter(watched, event);
 }

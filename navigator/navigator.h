@@ -6,9 +6,12 @@
 #include "core/commandtarget.h"
 #include "core/navigatorcallbacks.h"
 #include "core/targetview.h"
+#include "navigator/popupmenus.h"
 #include "navigator/treefiller.h"
 #include "store/commandcontext.h"
 
+class QAbstractItemView;
+class QKeyEvent;
 class QListWidgetItem;
 class QTreeWidgetItem;
 
@@ -20,6 +23,7 @@ class NavIcons;
 class NavMenus;
 class NavTree;
 class PagePane;
+class RenameController;
 
 // The main window's behaviour over its three controls: what a click, a key or a right click
 // in the tree, the container list or the page list does to the selection record, the menus
@@ -41,6 +45,10 @@ public:
     // How pages open; nothing puts back the desktop's program. Set it before the commands
     // that copy the context are made.
     void setPageOpener(PageOpener* opener);
+    // Which pop-up each control shows, and how its entries stand.
+    PopupMenus& popups() { return m_popups; }
+    // In-place renaming in the tree and the list.
+    RenameController& rename() { return *m_rename; }
 
     // Builds the tree, then walks back to the last node of the previous run.
     void loadNavTree();
@@ -88,15 +96,22 @@ protected:
 
 private:
     void setRecordFromKey(const NodeKey& key);
+    // Whether `key` is the tree node `top` or lies below it.
+    bool isWithin(const NodeKey& key, const NodeKey& top) const;
     void onTreeMouseUp(Qt::MouseButton button);
     void onListMouseUp(Qt::MouseButton button);
     void onPagesMouseUp(Qt::MouseButton button);
     void onListActivated(const NodeKey& key);
     void reloadPages();
+    // Each control's pop-up, at a point of the screen.
+    void treePopup(const QPoint& at);
+    void listPopup(const QPoint& at);
+    void pagesPopup(const QPoint& at);
+    QPoint keyboardPopupPoint(QAbstractItemView* view) const;
     void onTreeDoubleClick(QTreeWidgetItem* item);
-    // Insert in the tree adds a child of the node; in the list a sibling of the item.
-    void onInsertKey(bool fromTree);
-    void popup(const QString& menuName);
+    // Insert, Delete, F2 and the pop-up keys of a control; true when the key was used.
+    bool onControlKey(ContextSource control, const QKeyEvent& event);
+    void popup(const QString& menuName, const QPoint& at);
     bool openCabinet(qint32 cabinetId);
 
     CommandContext m_context;
@@ -109,6 +124,8 @@ private:
     QWidget* m_window;
     TreeFiller m_filler;
     std::unique_ptr<DefaultPageOpener> m_defaultOpener;
+    PopupMenus m_popups;
+    RenameController* m_rename; // a child of the navigator
     bool m_nodeBusy = false;
     // The walk at start stopped short (a locked cabinet, a gone item): until a click, the
     // place read at start is the one to save.

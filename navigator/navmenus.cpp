@@ -1,5 +1,6 @@
 #include "navigator/navmenus.h"
 
+#include <QIcon>
 #include <QMenu>
 #include <QMenuBar>
 
@@ -115,6 +116,65 @@ const std::initializer_list<MenuDef>& menuTable()
     return table;
 }
 
+// How an entry looks beyond its caption: a standard theme icon, and its keys. Window-wide
+// keys work from anywhere in the window; the others are only shown (the control that has the
+// focus handles them by its own table).
+struct EntryLook
+{
+    const char* name;
+    const char* icon; // nullptr: none
+    QKeySequence keys;
+    bool windowWide = false;
+};
+
+const QVector<EntryLook>& lookTable()
+{
+    static const QVector<EntryLook> table = {
+        {"mnuFileScanPage", "scanner", {}},
+        {"mnuFileScanPicture", "camera-photo", {}},
+        {"mnuFileFind", "edit-find", QKeySequence(Qt::CTRL | Qt::Key_F), true},
+        {"mnuPrintSettings", "document-page-setup", {}},
+        {"mnuFileExit", "application-exit", QKeySequence(Qt::CTRL | Qt::Key_Q), true},
+        {"mnuPopupRootNewFileCabinet", "document-new", {}},
+        {"mnuPopupRootRefresh", "view-refresh", QKeySequence(Qt::Key_F5)},
+        {"mnuPopupCabinetNewCabinet", "document-new", {}},
+        {"mnuPopupCabinetNewDrawer", "document-new", {}},
+        {"mnuPopupCabinetRename", nullptr, QKeySequence(Qt::Key_F2)},
+        {"mnuPopupCabinetDelete", "edit-delete", QKeySequence(Qt::Key_Delete)},
+        {"mnuPopupCabinetProperties", "document-properties", {}},
+        {"mnuPopupDrawerNewDrawer", "document-new", {}},
+        {"mnuPopupDrawerNewFolder", "folder-new", {}},
+        {"mnuPopupDrawerRename", nullptr, QKeySequence(Qt::Key_F2)},
+        {"mnuPopupDrawerDelete", "edit-delete", QKeySequence(Qt::Key_Delete)},
+        {"mnuPopupDrawerProperties", "document-properties", {}},
+        {"mnuPopupFolderNewFolder", "folder-new", {}},
+        {"mnuPopupFolderNewDocument", "document-new", {}},
+        {"mnuPopupFolderRename", nullptr, QKeySequence(Qt::Key_F2)},
+        {"mnuPopupFolderDelete", "edit-delete", QKeySequence(Qt::Key_Delete)},
+        {"mnuPopupFolderProperties", "document-properties", {}},
+        {"mnuPopupDocumentNewDocument", "document-new", {}},
+        {"mnuPopupDocumentScanPage", "scanner", {}},
+        {"mnuPopupDocumentPrint", "document-print", {}},
+        {"mnuPopupDocumentRename", nullptr, QKeySequence(Qt::Key_F2)},
+        {"mnuPopupDocumentDelete", "edit-delete", QKeySequence(Qt::Key_Delete)},
+        {"mnuPopupDocumentPaste", "edit-paste", QKeySequence(Qt::CTRL | Qt::Key_V)},
+        {"mnuPopupDocumentProperties", "document-properties", {}},
+        {"mnuPopupPageOpen", "document-open", QKeySequence(Qt::Key_Return)},
+        {"mnuPopupPagePrint", "document-print", {}},
+        {"mnuPopupPageRenumber", nullptr, QKeySequence(Qt::Key_R)},
+        {"mnuPopupPageDelete", "edit-delete", QKeySequence(Qt::Key_Delete)},
+        {"mnuPopupPageCut", "edit-cut", QKeySequence(Qt::CTRL | Qt::Key_X)},
+        {"mnuPopupPageCopy", "edit-copy", QKeySequence(Qt::CTRL | Qt::Key_C)},
+        {"mnuPopupPagePaste", "edit-paste", QKeySequence(Qt::CTRL | Qt::Key_V)},
+        {"mnuPopupPageProperties", "document-properties", QKeySequence(Qt::Key_I)},
+        {"mnuHelpHelpTopics", "help-contents", QKeySequence(Qt::Key_F1), true},
+        {"mnuHelpAbout", "help-about", {}},
+        {"mnuPopupFoundClear", "edit-clear", {}},
+        {"mnuPopupFoundProperties", "document-properties", {}},
+    };
+    return table;
+}
+
 } // namespace
 
 const QStringList& NavMenus::levelMenus()
@@ -147,11 +207,28 @@ void NavMenus::build(QMenuBar* bar, const Commands& commands)
             if (command == commands.end()) {
                 action->setEnabled(false); // built by a later piece of work
             } else {
+                m_commands.insert(name);
                 const std::function<void()> run = command.value();
                 QObject::connect(action, &QAction::triggered, bar, [run] { run(); });
             }
         }
     }
+    for (const EntryLook& look : lookTable()) {
+        QAction* action = m_actions.value(QLatin1String(look.name));
+        if (!action)
+            continue;
+        if (look.icon)
+            action->setIcon(QIcon::fromTheme(QLatin1String(look.icon)));
+        if (look.windowWide) {
+            action->setShortcutContext(Qt::WindowShortcut);
+            action->setShortcut(look.keys);
+        } else if (!look.keys.isEmpty()) {
+            setKeyHint(action->objectName(), look.keys);
+        }
+    }
+    // F3 finds as Ctrl+F does.
+    if (QAction* find = m_actions.value(QStringLiteral("mnuFileFind")))
+        find->setShortcuts({QKeySequence(Qt::CTRL | Qt::Key_F), QKeySequence(Qt::Key_F3)});
     // The found branch's menu only ever pops up.
     m_menus.value(QStringLiteral("mnuPopupFound"))->menuAction()->setVisible(false);
 }
@@ -160,6 +237,23 @@ void NavMenus::run(const QString& name) const
 {
     if (QAction* action = m_actions.value(name); action && action->isEnabled())
         action->trigger();
+}
+
+void NavMenus::setAvailable(const QString& name, bool available)
+{
+    if (QAction* action = m_actions.value(name))
+        action->setEnabled(available && hasCommand(name));
+}
+
+void NavMenus::setKeyHint(const QString& name, const QKeySequence& keys)
+{
+    QAction* action = m_actions.value(name);
+    if (!action)
+        return;
+    // Bound to the menu alone: the key reaches the control with the focus, whose own table
+    // decides what it does there.
+    action->setShortcutContext(Qt::WidgetShortcut);
+    action->setShortcut(keys);
 }
 
 void NavMenus::showOnly(const QString& menuName)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QHash>
+#include <QKeySequence>
+#include <QSet>
 #include <QString>
 #include <functional>
 
@@ -11,7 +13,10 @@ class QMenuBar;
 namespace qmr {
 
 // The main window's menu bar, built from one table. An entry with no command behind it yet
-// stands disabled rather than doing nothing.
+// stands disabled rather than doing nothing. Entries carry the desktop theme's icon where a
+// standard one exists, and show their keys: the window-wide ones (Ctrl+F, F1, Ctrl+Q) work
+// from anywhere; the keys of the tree and the lists (Insert, Delete, F2) are handled by each
+// control and only shown here.
 class NavMenus
 {
 public:
@@ -25,10 +30,18 @@ public:
     void showOnly(const QString& menuName); // "" hides all six
     // Runs an entry as if it had been chosen; nothing when it is disabled or unknown.
     void run(const QString& name) const;
+    // Whether a command stands behind the entry.
+    bool hasCommand(const QString& name) const { return m_commands.contains(name); }
+    // Enables an entry when `available` and it has a command; an entry still to come stays
+    // disabled.
+    void setAvailable(const QString& name, bool available);
+    // Shows `keys` beside the entry as the key that a control runs it with.
+    void setKeyHint(const QString& name, const QKeySequence& keys);
 
 private:
     QHash<QString, QMenu*> m_menus;
     QHash<QString, QAction*> m_actions;
+    QSet<QString> m_commands;
 };
 
 } // namespace qmr

@@ -17,11 +17,13 @@
 #include "core/prompter.h"
 #include "help/helpcommands.h"
 #include "navigator/containerlist.h"
+#include "navigator/deletecommand.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
 #include "print/printcommands.h"
+#include "navigator/renamecontroller.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 
@@ -120,6 +122,9 @@ void NavWindow::buildMenus()
     m_printCommands->addTo(commands);
     m_helpCommands = std::make_unique<HelpCommands>(m_navigator->context());
     m_helpCommands->addTo(commands);
+    m_deleteCommand = std::make_unique<DeleteCommand>(m_navigator->context());
+    m_deleteCommand->addTo(commands);
+    m_navigator->rename().addTo(commands);
     m_menus.build(menuBar(), commands);
     m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
 
@@ -133,6 +138,10 @@ void NavWindow::buildMenus()
     auto* escape = new QShortcut(QKeySequence(Qt::Key_Escape), this);
     escape->setContext(Qt::WindowShortcut);
     connect(escape, &QShortcut::activated, this, &NavWindow::mnuFileExit);
+    // Escape in a label being edited ends the edit, never the program.
+    connect(&m_navigator->rename(), &RenameController::editing, escape,
+            [escape](bool on) { escape->setEnabled(!on); });
+    m_navigator->popups().showInsertKeys(ContextSource::Tree);
 }
 
 int NavWindow::treeWidthTwips() const
@@ -226,7 +235,9 @@ void NavWindow::finishRun()
 
 void NavWindow::mnuFileExit()
 {
-    if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?")))
+    // Enter answers No: Escape then Enter must not end the program.
+    if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?"),
+                                 Prompter::Buttons::YesNoCancel, Prompter::Answer::No))
         return;
     finishRun();
     emit exitRequested();

@@ -14,6 +14,7 @@ class QSplitter;
 namespace qmr {
 
 class ContainerList;
+class DeleteCommand;
 class DrawerTemplates;
 class HelpCommands;
 class ItemCommands;
@@ -80,6 +81,7 @@ private:
     std::unique_ptr<ItemCommands> m_itemCommands;
     std::unique_ptr<PrintCommands> m_printCommands;
     std::unique_ptr<HelpCommands> m_helpCommands;
+    std::unique_ptr<DeleteCommand> m_deleteCommand;
     bool m_firstShow = false;
     bool m_finished = false;
 };

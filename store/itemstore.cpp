@@ -182,6 +182,24 @@ bool ItemStore::nameTaken(Level level, qint32 parentId, const QString& name, qin
     return m_db.scalar(sql, binds).toInt() > 0;
 }
 
+bool ItemStore::nameTakenAnywhere(Level level, const QString& name, qint32 exceptId) const
+{
+    const ItemTable& t = ItemTable::of(level);
+    return m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name = ? COLLATE NOCASE AND "
+                                      "%2 <> ?")
+                           .arg(t.name(), t.id()),
+                       {name, exceptId})
+               .toInt() > 0;
+}
+
+void ItemStore::renameItem(Level level, qint32 id, const QString& name)
+{
+    const ItemTable& t = ItemTable::of(level);
+    StoreColumns::check(t.name(), QStringLiteral("Name"), name);
+    m_db.execute(QStringLiteral("UPDATE %1 SET Name = ? WHERE %2 = ?").arg(t.name(), t.id()),
+                 {name, id});
+}
+
 qint32 ItemStore::insertItem(Level level, qint32 parentId, const QString& name)
 {
     ItemFields fields;

@@ -50,6 +50,11 @@ public:
     // without regard to case whatever the column declares (a store made elsewhere may
     // compare with case); `exceptId` is the item being edited, or -1.
     bool nameTaken(Level level, qint32 parentId, const QString& name, qint32 exceptId) const;
+    // Whether any other item of the level in the whole store has this name, whatever its
+    // parent (the container list's test when a label is edited there).
+    bool nameTakenAnywhere(Level level, const QString& name, qint32 exceptId) const;
+    // Writes a new name only; throws StoreError when it is too long for the column.
+    void renameItem(Level level, qint32 id, const QString& name);
     // Throws StoreError naming the column when a field is too wide for it.
     static void checkWidths(Level level, const ItemFields& fields);
 

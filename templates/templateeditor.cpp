@@ -1,12 +1,13 @@
 #include "templates/templateeditor.h"
 
-#include <QPainter>
+#include <QIcon>
 #include <QPushButton>
 #include <QTreeWidget>
 
 #include "core/nameorder.h"
 #include "core/prompter.h"
 #include "core/textfile.h"
+#include "resources/appresources.h"
 #include "templates/drawertemplates.h"
 #include "templates/outlinefile.h"
 #include "templates/templateoutline.h"
@@ -29,28 +30,9 @@ int kindOf(const QString& key)
 
 QIcon kindIcon(int kind)
 {
-    // The same shapes as the main tree, drawn small here so that the editor stands alone.
-    QPixmap pm(16, 16);
-    pm.fill(Qt::transparent);
-    QPainter p(&pm);
-    p.setRenderHint(QPainter::Antialiasing);
-    if (kind == 0) {
-        p.setPen(QColor(0x37, 0x47, 0x4f));
-        p.setBrush(QColor(0x90, 0xa4, 0xae));
-        p.drawRect(QRectF(1.5, 4.5, 13, 7));
-        p.fillRect(QRectF(6, 7, 4, 1.5), QColor(0x37, 0x47, 0x4f));
-    } else if (kind == 1) {
-        p.setPen(QColor(0x8d, 0x6e, 0x00));
-        p.setBrush(QColor(0xff, 0xca, 0x28));
-        p.drawRect(QRectF(1.5, 4.5, 13, 9));
-    } else {
-        p.setPen(QColor(0x42, 0x42, 0x42));
-        p.setBrush(Qt::white);
-        p.drawRect(QRectF(3.5, 1.5, 9, 13));
-        p.drawLine(QPointF(5.5, 6.5), QPointF(10.5, 6.5));
-        p.drawLine(QPointF(5.5, 9.5), QPointF(10.5, 9.5));
-    }
-    return QIcon(pm);
+    // The same pictures as the main tree.
+    static const char* const icons[] = {"drawer", "folder", "document"};
+    return QIcon(AppResources::iconPath(QLatin1String(icons[qBound(0, kind, 2)])));
 }
 
 // Names sort as in the main tree: without regard to case.

@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ pkg-config     # build
   qt6-base-dev libgl-dev               # widgets, images, printing, settings (Qt 6)
   qt6-image-formats-plugins            # more image formats for loose files
+  libqt6svg6                           # draws the program's SVG icons at any size
   libsqlite3-dev                       # the store
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
   clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers

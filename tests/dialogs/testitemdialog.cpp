@@ -17,6 +17,11 @@ class TestItemDialog : public QObject
 {
     Q_OBJECT
 private slots:
+    // Amounts are typed and shown in the locale's way; these tests speak English unless a
+    // row says otherwise.
+    void initTestCase() { QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates)); }
+    void cleanupTestCase() { QLocale::setDefault(QLocale::system()); }
+
     void refusals_data()
     {
         QTest::addColumn<int>("level");
@@ -225,7 +230,7 @@ private slots:
             child<QLineEdit>(&dialog, "txtEmail")->setText("a@b.example");
         } else if (level == 3) {
             child<QLineEdit>(&dialog, "txtDateOnDocument")->setText("3/4/2026");
-            child<QLineEdit>(&dialog, "txtAmount")->setText("12abc");
+            child<QLineEdit>(&dialog, "txtAmount")->setText("1,234.50");
         }
         dialog.cmdOK();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
@@ -244,7 +249,7 @@ private slots:
             QCOMPARE(f.email, QStringLiteral("a@b.example"));
         } else if (level == 3) {
             QCOMPARE(f.dateOnDocument, QDate(2026, 3, 4));
-            QCOMPARE(f.amount, 12.0);
+            QCOMPARE(f.amount, 1234.5);
         }
         if (level > 0)
             QCOMPARE(ItemStore(h.db()).parentOf(Level(level), dialog.itemId()), parent);
@@ -259,10 +264,10 @@ private slots:
         QCOMPARE(child<QLineEdit>(&dialog, "txtName")->text(), QStringLiteral("March statement"));
         QCOMPARE(child<QLineEdit>(&dialog, "txtDateOnDocument")->text(),
                  QStringLiteral("03/31/2026"));
-        QCOMPARE(child<QLineEdit>(&dialog, "txtAmount")->text(), QStringLiteral("1234.50"));
-        // A blank date clears the stored one; an amount of letters is 0.
+        QCOMPARE(child<QLineEdit>(&dialog, "txtAmount")->text(), QStringLiteral("1,234.50"));
+        // A blank date clears the stored one; a blank amount is 0.
         child<QLineEdit>(&dialog, "txtDateOnDocument")->setText(" ");
-        child<QLineEdit>(&dialog, "txtAmount")->setText("none");
+        child<QLineEdit>(&dialog, "txtAmount")->setText(" ");
         dialog.cmdOK();
         QCOMPARE(h.nav.calls, QStringList{"=DOC1 March statement"});
         const ItemFields f = *ItemStore(h.db()).fields(Level::Document, 1);
@@ -437,7 +442,7 @@ private slots:
         QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->count(), 1);
         child<QLineEdit>(&dialog, "txtName")->setText(" Receipt ");
         child<QLineEdit>(&dialog, "txtDateOnDocument")->setText("12/24/2025");
-        child<QLineEdit>(&dialog, "txtAmount")->setText("1234567.89 EUR");
+        child<QLineEdit>(&dialog, "txtAmount")->setText("$1,234,567.89");
         const int before = ItemStore(h.db()).count(Level::Document);
         dialog.cmdOK();
         QVERIFY(!dialog.newDocument().cancelled);
@@ -459,6 +464,64 @@ private slots:
         ItemDialog cancelled(Level::Document, h.services(), nullptr, true);
         child<QPushButton>(&cancelled, "cmdCancel")->click();
         QVERIFY(cancelled.newDocument().cancelled);
+    }
+
+    void amountsReadTheLocale_data()
+    {
+        QTest::addColumn<QString>("locale");
+        QTest::addColumn<bool>("collectOnly");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message"); // "" when it is taken
+        QTest::addColumn<double>("stored");
+        const QString english = "Amount must be a number, such as 1,234.50.";
+        QTest::newRow("grouped") << "en_US" << false << "1,234.50"
+                                 << "" << 1234.5;
+        QTest::newRow("plain") << "en_US" << false << "99.9"
+                               << "" << 99.9;
+        QTest::newRow("letters behind") << "en_US" << false << "12abc" << english << 0.0;
+        QTest::newRow("letters only") << "en_US" << false << "none" << english << 0.0;
+        QTest::newRow("new document, refused") << "en_US" << true << "1.2.3" << english << 0.0;
+        QTest::newRow("new document, grouped") << "en_US" << true << "2,000"
+                                               << "" << 2000.0;
+        QTest::newRow("german") << "de_DE" << false << "1.234,50"
+                                << "" << 1234.5;
+        QTest::newRow("german refuses a point")
+            << "de_DE" << false << "1234.5.0"
+            << "Amount must be a number, such as 1.234,50." << 0.0;
+    }
+    void amountsReadTheLocale()
+    {
+        QFETCH(QString, locale);
+        QFETCH(bool, collectOnly);
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        QFETCH(double, stored);
+        QLocale::setDefault(QLocale(locale));
+        DialogHarness h;
+        ItemDialog dialog(Level::Document, h.services(), nullptr, collectOnly);
+        dialog.setAdd(1);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        child<QLineEdit>(&dialog, "txtName")->setText("Invoice");
+        child<QLineEdit>(&dialog, "txtAmount")->setText(typed);
+        if (!message.isEmpty())
+            h.prompter.expect(message);
+        dialog.cmdOK();
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        if (!message.isEmpty()) {
+            // Refused with nothing lost: the dialog stays with the text, on the amount box.
+            QVERIFY(dialog.isVisible());
+            QCOMPARE(child<QLineEdit>(&dialog, "txtAmount")->text(), typed);
+            QCOMPARE(dialog.focusWidget()->objectName(), QStringLiteral("txtAmount"));
+            QVERIFY(h.nav.calls.isEmpty());
+            return;
+        }
+        QCOMPARE(dialog.result(), QDialog::Accepted);
+        if (collectOnly)
+            QCOMPARE(dialog.newDocument().amount.toDouble(), stored);
+        else
+            QCOMPARE(ItemStore(h.db()).fields(Level::Document, dialog.itemId())->amount, stored);
     }
 
     void browseForPath()

@@ -18,6 +18,7 @@
 #include "store/session.h"
 #include "templates/drawertemplates.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/recordingprogress.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -30,7 +31,7 @@ struct NavHarness
     TestHome home;
     ScriptedPrompter prompter;
     ScriptedChoosers choosers;
-    SilentProgress progress;
+    RecordingProgress progress;
     std::unique_ptr<Session> session;
     std::unique_ptr<ViewSettings> view;
     std::unique_ptr<DrawerTemplates> templates;
@@ -68,6 +69,8 @@ struct NavHarness
     Navigator& navigator() const { return window->navigator(); }
     // Makes a control the one that spoke last.
     void setSource(ContextSource source) { navigator().target().setSource(source); }
+    // The view that shows the pages of the page pane.
+    QAbstractItemView* pageView() const { return window->pageList(); }
 
     // A left click on the node, as a person makes it.
     void click(const QString& key)

@@ -405,6 +405,7 @@ private slots:
         h.prompter.expect("Exit the Quillmere?", Prompter::Answer(answer));
         QTest::keyClick(h.tree(), Qt::Key_Escape);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.prompter.defaults(), QStringList{"No"}); // Escape, Enter: still running
         QCOMPARE(spy.count(), exits ? 1 : 0);
         QCOMPARE(h.session->db().isOpen(), !exits);
         Settings& s = h.home.reopenSettings();

@@ -1,11 +1,15 @@
 #include <QDir>
 #include <QFileInfo>
+#include <QApplication>
+#include <QIcon>
 #include <QImage>
 #include <QMenu>
 #include <QPainter>
 #include <QTabWidget>
 #include <QTest>
 #include <QToolButton>
+#include <QTimer>
+#include <functional>
 
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
@@ -203,7 +207,50 @@ private slots:
         PathSelectDialog path(h.home.settings(), h.home.path());
         path.show();
         QVERIFY(QTest::qWaitForWindowExposed(&path));
+        QTest::qWait(300); // the directory tree reads in the background
         test::saveShot(&path, "dialog-path-select");
+    }
+
+    void popupMenus()
+    {
+        // The entries' icons come from the desktop's theme; the offscreen platform names none.
+        const QString theme = QIcon::themeName();
+        const QStringList paths = QIcon::themeSearchPaths();
+        QIcon::setThemeSearchPaths(paths + QStringList{QStringLiteral("/usr/share/icons")});
+        QIcon::setThemeName(QStringLiteral("Adwaita"));
+        test::NavHarness h;
+        h.loadSample();
+        // Each menu is drawn once it is up, then closed.
+        auto shoot = [](const QString& name, const std::function<void()>& open) {
+            QTimer::singleShot(100, [name] {
+                if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+                    test::saveShot(menu, name);
+                    menu->close();
+                }
+            });
+            open();
+            QTest::qWait(200);
+        };
+        h.clickPath({"CAB1", "DRW1"});
+        h.window->list()->setCurrentRow(0);
+        h.window->list()->setFocus();
+        shoot("popup-list-folder", [&] { QTest::keyClick(h.window->list(), Qt::Key_Menu); });
+        h.clickPath({"FLD1", "DOC1"});
+        h.tree()->setFocus();
+        shoot("popup-tree-document",
+              [&] { QTest::keyClick(h.tree(), Qt::Key_F10, Qt::ShiftModifier); });
+        QAbstractItemView* pages = h.pageView();
+        pages->setFocus();
+        pages->setCurrentIndex(pages->model()->index(0, 0));
+        shoot("popup-page", [&] { QTest::keyClick(pages, Qt::Key_Menu); });
+        // A label being edited in the tree.
+        h.tree()->selectNode("DRW2");
+        h.tree()->setFocus();
+        QTest::keyClick(h.tree(), Qt::Key_F2);
+        test::saveShot(h.window.get(), "navigator-rename");
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QIcon::setThemeName(theme);
+        QIcon::setThemeSearchPaths(paths);
     }
 
     void passwordDialog()

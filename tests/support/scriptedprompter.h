@@ -14,6 +14,10 @@ class ScriptedPrompter : public Prompter
 public:
     void expect(const QString& text, Answer answer = Answer::Ok);
     Answer ask(const QString& text, Buttons buttons) override;
+    Answer askWithDefault(const QString& text, Buttons buttons, Answer defaultAnswer) override;
+    // The button that Enter would press for each text seen, in order ("" where the question
+    // named none).
+    const QStringList& defaults() const { return m_defaults; }
 
     // True when every expected text came, in order, and nothing else did.
     bool verify() const;
@@ -29,6 +33,7 @@ private:
     };
     std::deque<Expected> m_expected;
     QStringList m_seen;
+    QStringList m_defaults;
     QStringList m_unexpected;
 };
 

@@ -1,0 +1,324 @@
+#include <QApplication>
+#include <QLineEdit>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "navharness.h"
+#include "navigator/renamecontroller.h"
+#include "store/itemstore.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::NavHarness;
+
+namespace {
+
+// The open label editor of a control, nullptr when none is open.
+QLineEdit* editorOf(QAbstractItemView* view)
+{
+    return qobject_cast<QLineEdit*>(view->indexWidget(view->currentIndex()));
+}
+
+// Presses F2 in the control, types `text` over the label and confirms it with Enter; false
+// when no editor opened.
+bool renameWithKeys(NavHarness& h, QAbstractItemView* view, const QString& text,
+                    QString* started = nullptr)
+{
+    view->setFocus();
+    QTest::keyClick(view, Qt::Key_F2);
+    QLineEdit* editor = editorOf(view);
+    if (!editor)
+        return false;
+    if (started)
+        *started = editor->text();
+    editor->selectAll();
+    QTest::keyClicks(editor, text);
+    QTest::keyClick(editor, Qt::Key_Return);
+    // The tests of the name run once the editor has closed.
+    QTest::qWait(20);
+    return !h.navigator().rename().isEditing();
+}
+
+QString stored(NavHarness& h, Level level, qint32 id)
+{
+    return ItemStore(h.session->db()).item(level, id).name;
+}
+
+void selectInList(NavHarness& h, const QString& text)
+{
+    QListWidgetItem* item = h.window->list()->findItems(text, Qt::MatchExactly).value(0);
+    QVERIFY2(item, qPrintable(text));
+    h.window->list()->setCurrentItem(item);
+}
+
+} // namespace
+
+class TestRename : public QObject
+{
+    Q_OBJECT
+private slots:
+    void inTheTree_data()
+    {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QStringList>("messages");
+        QTest::addColumn<QString>("name"); // stored afterwards
+        const QString bad = "The following characters are not allowed:\n\\ / : * ? \" < > | .";
+        QTest::newRow("cabinet clash") << QStringList{"CAB1"} << "private"
+                                       << QStringList{"A file cabinet named 'private' already "
+                                                      "exists."}
+                                       << "Home Papers";
+        QTest::newRow("own name, other case")
+            << QStringList{"CAB1"} << "HOME PAPERS" << QStringList{} << "HOME PAPERS";
+        QTest::newRow("drawer clash in its cabinet")
+            << QStringList{"CAB1", "DRW1"} << "Taxes"
+            << QStringList{"A drawer named 'Taxes' already exists."} << "Bank";
+        QTest::newRow("drawer of another cabinet's name")
+            << QStringList{"CAB1", "DRW1"} << "Health" << QStringList{} << "Health";
+        QTest::newRow("folder clash in its drawer")
+            << QStringList{"CAB1", "DRW1", "FLD1"} << "savings"
+            << QStringList{"A folder named 'savings' already exists."} << "Checking";
+        QTest::newRow("folder of another drawer's name")
+            << QStringList{"CAB1", "DRW1", "FLD1"} << "2025" << QStringList{} << "2025";
+        QTest::newRow("slash stripped")
+            << QStringList{"CAB1", "DRW1"} << "Bank/Loans" << QStringList{bad} << "BankLoans";
+        QTest::newRow("stripped, then a clash")
+            << QStringList{"CAB1", "DRW1"} << "Tax:es"
+            << QStringList{bad, "A drawer named 'Taxes' already exists."} << "Bank";
+        QTest::newRow("nothing but bad characters")
+            << QStringList{"CAB1", "DRW1"} << "/:*" << QStringList{bad} << "Bank";
+        QTest::newRow("empty") << QStringList{"CAB1", "DRW1"} << "" << QStringList{} << "Bank";
+        QTest::newRow("too long") << QStringList{"CAB1", "DRW1"} << QString(81, 'b')
+                                  << QStringList{"The name is too long: a drawer's name can "
+                                                 "have at most 80 characters."}
+                                  << "Bank";
+    }
+    void inTheTree()
+    {
+        QFETCH(QStringList, clicks);
+        QFETCH(QString, typed);
+        QFETCH(QStringList, messages);
+        QFETCH(QString, name);
+        NavHarness h;
+        h.loadSample();
+        h.clickPath(clicks);
+        const NodeKey key = NodeKey::parse(clicks.last());
+        for (const QString& m : messages)
+            h.prompter.expect(m);
+        QVERIFY(renameWithKeys(h, h.tree(), typed));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(stored(h, *key.level(), key.id()), name);
+        // The node shows what the store holds, renamed or not.
+        QCOMPARE(h.tree()->node(key.text())->text(0), name);
+        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(h.tree()));
+    }
+
+    void inTheList_data()
+    {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QString>("item");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<QString>("name");
+        QTest::newRow("drawer, fine") << QStringList{"CAB1"} << "Bank"
+                                      << "DRW1"
+                                      << "Banking"
+                                      << ""
+                                      << "Banking";
+        // The list refuses a name any other drawer or folder bears, in whatever parent.
+        QTest::newRow("drawer of another cabinet's name")
+            << QStringList{"CAB1"} << "Bank"
+            << "DRW1"
+            << "health"
+            << "A drawer named 'health' already exists."
+            << "Bank";
+        QTest::newRow("folder of another drawer's name")
+            << QStringList{"CAB1", "DRW1"} << "Checking"
+            << "FLD1"
+            << "Doctor"
+            << "A folder named 'Doctor' already exists."
+            << "Checking";
+        QTest::newRow("document, no test")
+            << QStringList{"CAB1", "DRW1", "FLD1"} << "O'Brien's letter"
+            << "DOC2"
+            << "March statement"
+            << ""
+            << "March statement";
+    }
+    void inTheList()
+    {
+        QFETCH(QStringList, clicks);
+        QFETCH(QString, item);
+        QFETCH(QString, key);
+        QFETCH(QString, typed);
+        QFETCH(QString, message);
+        QFETCH(QString, name);
+        NavHarness h;
+        h.loadSample();
+        h.clickPath(clicks);
+        selectInList(h, item);
+        if (!message.isEmpty())
+            h.prompter.expect(message);
+        QVERIFY(renameWithKeys(h, h.window->list(), typed));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        const NodeKey k = NodeKey::parse(key);
+        QCOMPARE(stored(h, *k.level(), k.id()), name);
+        QCOMPARE(h.listTexts().contains(name), true);
+        // The tree's node follows, where the tree has it.
+        if (QTreeWidgetItem* node = h.tree()->node(key))
+            QCOMPARE(node->text(0), name);
+        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(h.window->list()));
+    }
+
+    void documentWithItsDate()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1", "FLD1"});
+        // A found copy, as a search leaves it.
+        h.tree()->addNode("", "ROOTFOUND", "Found", QIcon());
+        h.tree()->addNode("ROOTFOUND", "FDC1", "March statement (03/31/2026)", QIcon());
+        h.tree()->selectNode("DOC1");
+        // The label starts with the date, and what comes back is the name: a kept date brings
+        // its slashes, which are stripped.
+        QString started;
+        h.prompter.expect("The following characters are not allowed:\n\\ / : * ? \" < > | .");
+        QVERIFY(renameWithKeys(h, h.tree(), "March statement (03/31/2026)", &started));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(started, QStringLiteral("March statement (03/31/2026)"));
+        QCOMPARE(stored(h, Level::Document, 1), QStringLiteral("March statement (03312026)"));
+        // With the date taken out the name is clean; the node then shows no date.
+        QVERIFY(renameWithKeys(h, h.tree(), "April statement"));
+        QCOMPARE(stored(h, Level::Document, 1), QStringLiteral("April statement"));
+        QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("April statement"));
+        QCOMPARE(h.tree()->node("FDC1")->text(0), QStringLiteral("April statement"));
+        QCOMPARE(ItemStore(h.session->db()).fields(Level::Document, 1)->dateOnDocument,
+                 QDate(2026, 3, 31)); // the stored date stays
+    }
+
+    void enterEndsTheEditOnly()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.click("CAB1");
+        // The drawer is selected with the keyboard: the list still shows the cabinet's
+        // drawers, and the Enter that confirms the new name does not open the drawer.
+        h.tree()->selectNode("DRW1");
+        QVERIFY(renameWithKeys(h, h.tree(), "Banking"));
+        QCOMPARE(h.listTexts(), (QStringList{"Banking", "Taxes"}));
+        QCOMPARE(h.visibleLevelMenu(), QStringLiteral("mnuPopupCabinet"));
+        // The same in the list: the renamed drawer is not opened.
+        selectInList(h, "Taxes");
+        QVERIFY(renameWithKeys(h, h.window->list(), "Tax"));
+        QCOMPARE(h.listTexts(), (QStringList{"Banking", "Tax"}));
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
+    }
+
+    void escapeEndsTheEditOnly()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        QSignalSpy exits(h.window.get(), &NavWindow::exitRequested);
+        h.tree()->setFocus();
+        QTest::keyClick(h.tree(), Qt::Key_F2);
+        QLineEdit* editor = editorOf(h.tree());
+        QVERIFY(editor);
+        QVERIFY(h.navigator().rename().isEditing());
+        QTest::keyClicks(editor, "Changed");
+        QTest::keyClick(editor, Qt::Key_Escape);
+        QTest::qWait(20);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report())); // no exit question
+        QVERIFY(!editorOf(h.tree()));
+        QVERIFY(!h.navigator().rename().isEditing());
+        QCOMPARE(stored(h, Level::Drawer, 1), QStringLiteral("Bank"));
+        QCOMPARE(h.tree()->node("DRW1")->text(0), QStringLiteral("Bank"));
+        QCOMPARE(exits.count(), 0);
+        // Outside an edit, Escape asks again.
+        h.prompter.expect("Exit the Quillmere?", Prompter::Answer::No);
+        QTest::keyClick(h.tree(), Qt::Key_Escape);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void keysInTheEditorStayThere()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        h.tree()->setFocus();
+        QTest::keyClick(h.tree(), Qt::Key_F2);
+        QLineEdit* editor = editorOf(h.tree());
+        QVERIFY(editor);
+        editor->setCursorPosition(0);
+        // Delete and Insert edit the text; they delete and add nothing in the store.
+        QTest::keyClick(editor, Qt::Key_Delete);
+        QTest::keyClick(editor, Qt::Key_Insert);
+        QCOMPARE(editor->text(), QStringLiteral("ank"));
+        QTest::keyClick(editor, Qt::Key_Return);
+        QTest::qWait(20);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(stored(h, Level::Drawer, 1), QStringLiteral("ank"));
+    }
+
+    void refused_data()
+    {
+        QTest::addColumn<QStringList>("clicks");
+        QTest::addColumn<QString>("select"); // tree node to select, or "list:" + item text
+        QTest::newRow("root") << QStringList{"ROOT"} << "ROOT";
+        QTest::newRow("found root") << QStringList{"ROOT"} << "ROOTFOUND";
+        QTest::newRow("found copy") << QStringList{"ROOT"} << "FCB1";
+        QTest::newRow("locked cabinet") << QStringList{"ROOT"} << "CAB2";
+        // The list's lock test reads the tree's node: the root has no number, and a drawer's
+        // number is taken for a cabinet's (drawer 2, cabinet 2 being locked).
+        QTest::newRow("list under the root") << QStringList{"ROOT"} << "list:Home Papers";
+        QTest::newRow("list under drawer 2") << QStringList{"CAB1", "DRW2"} << "list:2025";
+    }
+    void refused()
+    {
+        QFETCH(QStringList, clicks);
+        QFETCH(QString, select);
+        NavHarness h;
+        h.loadSample();
+        h.tree()->addNode("", "ROOTFOUND", "Found", QIcon());
+        h.tree()->addNode("ROOTFOUND", "FCB1", "Home Papers", QIcon());
+        h.clickPath(clicks);
+        QAbstractItemView* view = h.tree();
+        if (select.startsWith("list:")) {
+            selectInList(h, select.mid(5));
+            view = h.window->list();
+        } else {
+            h.tree()->selectNode(select);
+        }
+        view->setFocus();
+        QTest::keyClick(view, Qt::Key_F2);
+        QVERIFY(!editorOf(view));
+        QVERIFY(!h.navigator().rename().isEditing());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void renameCommandPicksTheControl()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        selectInList(h, "Savings");
+        // From the list, with nothing in the record: the list's label.
+        h.setSource(ContextSource::List);
+        h.window->menus().action("mnuPopupFolderRename")->trigger();
+        QVERIFY(editorOf(h.window->list()));
+        QTest::keyClick(editorOf(h.window->list()), Qt::Key_Escape);
+        QTest::qWait(20);
+        // From the tree: the tree's label.
+        h.setSource(ContextSource::Tree);
+        h.window->menus().action("mnuPopupDrawerRename")->trigger();
+        QVERIFY(editorOf(h.tree()));
+        QCOMPARE(editorOf(h.tree())->text(), QStringLiteral("Bank"));
+        QTest::keyClick(editorOf(h.tree()), Qt::Key_Escape);
+        QTest::qWait(20);
+        QVERIFY(!h.navigator().rename().isEditing());
+    }
+};
+
+QMR_TEST(TestRename)
+#include "testrename.moc"

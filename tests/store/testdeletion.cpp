@@ -1,0 +1,212 @@
+#include <QDir>
+#include <QFile>
+#include <QTemporaryDir>
+#include <QTest>
+#include <unistd.h>
+
+#include "store/deletion.h"
+#include "store/pagepaths.h"
+#include "store/storeerror.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/recordingprogress.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::RecordingProgress;
+
+namespace {
+
+bool writeFile(const QString& path)
+{
+    PagePaths::ensurePathExists(path);
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly) && file.write("x") == 1;
+}
+
+// The store of FixtureStore::fillSample() (cabinet 1 with drawers 1 and 2, folders 1..3,
+// documents 1..3 and pages 1..3 with files; cabinet 2 with drawer 3 and folder 4 and no
+// pages), and in document 2 a shortcut page (4) with a thumbnail beside its file, and a page
+// (5) whose files were never made.
+struct DeletionStore
+{
+    test::TestHome home;
+    QTemporaryDir outside;
+    std::unique_ptr<test::FixtureStore> store;
+    std::unique_ptr<PagePaths> paths;
+    QString shortcutFile;
+
+    DeletionStore()
+    {
+        store = std::make_unique<test::FixtureStore>(home.home());
+        store->fillSample();
+        paths = std::make_unique<PagePaths>(home.home());
+        shortcutFile = outside.filePath("letters/reply.pdf");
+        writeFile(shortcutFile);
+        store->db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, "
+                            "Filetype) VALUES (2, 0, ?, 'Y', 'pdf')",
+                            {shortcutFile});
+        writeFile(paths->thumbPath(4, shortcutFile));
+        store->pageRow(2, 1);
+    }
+    Database& db() { return store->db(); }
+    int count(const char* table)
+    {
+        return db().scalar(QString("SELECT COUNT(*) FROM %1").arg(table)).toInt();
+    }
+    QString counts()
+    {
+        return QString("%1/%2/%3/%4/%5")
+            .arg(count("Cabinet"))
+            .arg(count("Drawer"))
+            .arg(count("Folder"))
+            .arg(count("Document"))
+            .arg(count("Page"));
+    }
+    // Page ids whose image and thumbnail files are both on disk.
+    QList<int> pagesWithFiles()
+    {
+        QList<int> ids;
+        for (int id = 1; id <= 3; ++id)
+            if (QFile::exists(paths->computedPagePath(id)) &&
+                QFile::exists(paths->computedThumbPath(id)))
+                ids << id;
+        return ids;
+    }
+};
+
+} // namespace
+
+class TestDeletion : public QObject
+{
+    Q_OBJECT
+private slots:
+    void everyLevel_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<int>("id");
+        QTest::addColumn<QString>("counts"); // cabinets/drawers/folders/documents/pages left
+        QTest::addColumn<QList<int>>("filesLeft");
+        QTest::addColumn<QStringList>("progress");
+        const QString files = "Delete page files";
+        QTest::newRow("cabinet") << 0 << 1 << "1/1/1/0/0" << QList<int>{}
+                                 << QStringList{"start Delete cabinet 1..8",
+                                                "Delete drawer",
+                                                files,
+                                                files,
+                                                files,
+                                                files,
+                                                "Delete drawer",
+                                                files,
+                                                "Delete drawers in cabinet",
+                                                "Delete cabinet"};
+        QTest::newRow("cabinet without pages")
+            << 0 << 2 << "1/2/3/3/5" << QList<int>{1, 2, 3}
+            << QStringList{"start Delete cabinet 1..3", "Delete drawer",
+                           "Delete drawers in cabinet", "Delete cabinet"};
+        QTest::newRow("drawer") << 1 << 1 << "2/2/2/1/1" << QList<int>{3}
+                                << QStringList{"start Delete drawer 1..7",
+                                               files,
+                                               files,
+                                               files,
+                                               files,
+                                               "Delete drawer",
+                                               "Delete drawer"};
+        QTest::newRow("drawer without pages")
+            << 1 << 3 << "2/2/3/3/5" << QList<int>{1, 2, 3}
+            << QStringList{"start Delete drawer 1..3", "Delete drawer", "Delete drawer"};
+        QTest::newRow("folder") << 2 << 1 << "2/3/3/1/1" << QList<int>{3}
+                                << QStringList{"start Delete folder 1..6",
+                                               files,
+                                               files,
+                                               files,
+                                               files,
+                                               "Delete folder",
+                                               "Delete folder"};
+        QTest::newRow("document") << 3 << 1 << "2/3/4/2/3" << QList<int>{3}
+                                  << QStringList{"start Delete document 1..4", files, files,
+                                                 "Delete pages", "Delete document"};
+        QTest::newRow("page") << 4 << 2 << "2/3/4/3/4" << QList<int>{1, 3}
+                              << QStringList{"start Delete page 1..3", "Delete page file",
+                                             "Delete page record"};
+    }
+    void everyLevel()
+    {
+        QFETCH(int, level);
+        QFETCH(int, id);
+        QFETCH(QString, counts);
+        QFETCH(QList<int>, filesLeft);
+        QFETCH(QStringList, progress);
+        DeletionStore s;
+        QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/5"));
+        QCOMPARE(s.pagesWithFiles(), (QList<int>{1, 2, 3}));
+        Deletion deletion(s.db(), *s.paths);
+        RecordingProgress recorded;
+        recorded.start(Deletion::progressTitle(Level(level)), 1,
+                       deletion.progressMaximum(Level(level), id));
+        deletion.deleteItem(Level(level), id, recorded);
+        QCOMPARE(recorded.log, progress);
+        QCOMPARE(s.counts(), counts);
+        QCOMPARE(s.pagesWithFiles(), filesLeft);
+        // The shortcut's file and thumbnail are not the program's to delete.
+        QVERIFY(QFile::exists(s.shortcutFile));
+        QVERIFY(QFile::exists(s.paths->thumbPath(4, s.shortcutFile)));
+        // Directories stay, even when emptied.
+        QVERIFY(QDir(s.paths->computedPageDirectory(1)).exists());
+        QVERIFY(QDir(s.paths->computedThumbDirectory(1)).exists());
+    }
+
+    void severalPages()
+    {
+        DeletionStore s;
+        Deletion deletion(s.db(), *s.paths);
+        RecordingProgress recorded;
+        QCOMPARE(deletion.progressMaximum(Level::Page, -1, 3), 9);
+        // The shortcut, a page with files and one whose files were never there: no failure.
+        deletion.deletePages({4, 1, 5}, recorded);
+        QCOMPARE(recorded.log,
+                 (QStringList{"Delete page file", "Delete page file", "Delete page file",
+                              "Delete page record", "Delete page record", "Delete page record"}));
+        QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/2"));
+        QCOMPARE(s.pagesWithFiles(), (QList<int>{2, 3}));
+        QVERIFY(QFile::exists(s.shortcutFile));
+        QVERIFY(QFile::exists(s.paths->thumbPath(4, s.shortcutFile)));
+    }
+
+    void filesThatCannotGoAreSkipped()
+    {
+        DeletionStore s;
+        // The thumbnail's place is taken by a directory with something in it, which no file
+        // delete can remove; the page's own directory is made read-only, which stops everybody
+        // but the superuser.
+        const QString thumb = s.paths->computedThumbPath(1);
+        QVERIFY(QFile::remove(thumb));
+        QVERIFY(writeFile(thumb + "/inside"));
+        const QString dir = s.paths->computedPageDirectory(1);
+        QFile::setPermissions(dir, QFile::ReadOwner | QFile::ExeOwner);
+        Deletion deletion(s.db(), *s.paths);
+        RecordingProgress recorded;
+        deletion.deleteItem(Level::Document, 1, recorded);
+        QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QCOMPARE(s.counts(), QStringLiteral("2/3/4/2/3")); // the rows went all the same
+        QVERIFY(QFileInfo(thumb).isDir());
+        if (geteuid() != 0)
+            QVERIFY(QFile::exists(s.paths->computedPagePath(1)));
+        QVERIFY(!QFile::exists(s.paths->computedThumbPath(2)));
+    }
+
+    void aFailedStatementLeavesEveryRow()
+    {
+        DeletionStore s;
+        s.db().execute("CREATE TRIGGER keep BEFORE DELETE ON Drawer "
+                       "BEGIN SELECT RAISE(ABORT, 'drawers are kept'); END");
+        Deletion deletion(s.db(), *s.paths);
+        RecordingProgress recorded;
+        QVERIFY_THROWS_EXCEPTION(StoreError, deletion.deleteItem(Level::Drawer, 1, recorded));
+        QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/5"));
+        QCOMPARE(s.db().transactionDepth(), 0);
+    }
+};
+
+QMR_TEST(TestDeletion)
+#include "testdeletion.moc"
