@@ -15,6 +15,7 @@
 #include "navigator/navicons.h"
 #include "navigator/navmenus.h"
 #include "navigator/navtree.h"
+#include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
 #include "navigator/renamecontroller.h"
 #include "store/commandguard.h"
@@ -34,7 +35,7 @@ QString levelMenu(Level level)
 // How the pop-ups and keys reach the list of pages inside the page pane.
 QAbstractItemView* pageView(PagePane& pane)
 {
-    return pane.list();
+    return pane.list()->currentView();
 }
 
 } // namespace

@@ -70,7 +70,7 @@ struct NavHarness
     // Makes a control the one that spoke last.
     void setSource(ContextSource source) { navigator().target().setSource(source); }
     // The view that shows the pages of the page pane.
-    QAbstractItemView* pageView() const { return window->pageList(); }
+    QAbstractItemView* pageView() const { return window->pageList()->list()->currentView(); }
 
     // A left click on the node, as a person makes it.
     void click(const QString& key)

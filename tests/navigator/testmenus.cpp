@@ -1,6 +1,7 @@
 #include <QApplication>
 #include <QMenu>
 #include <QMenuBar>
+#include <QFile>
 #include <QTest>
 #include <QTimer>
 
@@ -507,12 +508,17 @@ private slots:
         QTest::keyClick(h.tree(), Qt::Key_Q, Qt::ControlModifier);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(h.prompter.defaults(), QStringList{"No"});
-        // Find and help are not there yet: their keys do nothing and their entries wait.
+        // Find is not there yet: its keys do nothing and its entry waits.
         for (const auto& [key, mods] :
-             {std::pair{Qt::Key_F, Qt::ControlModifier}, std::pair{Qt::Key_F3, Qt::NoModifier},
-              std::pair{Qt::Key_F1, Qt::NoModifier}})
+             {std::pair{Qt::Key_F, Qt::ControlModifier}, std::pair{Qt::Key_F3, Qt::NoModifier}})
             QTest::keyClick(h.tree(), key, mods);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // F1 asks for the help, which this test's home and build do not hold.
+        if (!QFile::exists(QCoreApplication::applicationDirPath() + "/qmrhelp.txt")) {
+            h.prompter.expect("Cannot find help file QMRHELP.TXT.");
+            QTest::keyClick(h.tree(), Qt::Key_F1);
+            QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        }
         QVERIFY(!h.window->menus().action("mnuFileFind")->isEnabled());
         QVERIFY(h.window->menus().action("mnuFileFind")->isVisible());
     }
