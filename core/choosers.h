@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace qmr {
@@ -18,6 +19,12 @@ public:
     // Opens a file with the desktop's program for its type, without waiting; on failure
     // returns the reason, naming the file.
     virtual std::optional<QString> openFile(const QString& path) = 0;
+    // A file name to write, or nothing when cancelled. `start` is the proposed path, `filters`
+    // the dialog's filter list ("JPEG files (*.jpg)"...), the one at `filterIndex` chosen at
+    // first; a name typed without an extension gets `defaultSuffix`. The dialog does not ask
+    // about an existing file: the caller does.
+    virtual std::optional<QString> saveFile(const QString& start, const QStringList& filters,
+                                            int filterIndex, const QString& defaultSuffix) = 0;
 };
 
 } // namespace qmr

@@ -1,6 +1,7 @@
 #include "dialogs/dialogchoosers.h"
 
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QUrl>
 
 #include "dialogs/passworddialog.h"
@@ -30,6 +31,23 @@ std::optional<QString> DialogChoosers::openFile(const QString& path)
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
         return QStringLiteral("No program could be started to open the file '%1'.").arg(path);
     return std::nullopt;
+}
+
+std::optional<QString> DialogChoosers::saveFile(const QString& start, const QStringList& filters,
+                                                int filterIndex, const QString& defaultSuffix)
+{
+    QFileDialog dialog(m_parent);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite);
+    dialog.setNameFilters(filters);
+    if (filterIndex >= 0 && filterIndex < filters.size())
+        dialog.selectNameFilter(filters.at(filterIndex));
+    dialog.setDefaultSuffix(defaultSuffix);
+    dialog.selectFile(start);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return dialog.selectedFiles().constFirst();
 }
 
 } // namespace qmr

@@ -35,4 +35,11 @@ std::optional<QString> ScriptedChoosers::openFile(const QString& path)
     return m_editorFailure;
 }
 
+std::optional<QString> ScriptedChoosers::saveFile(const QString& start, const QStringList&, int,
+                                                  const QString&)
+{
+    m_saveStarts << start;
+    return take(m_saves);
+}
+
 } // namespace qmr::test
