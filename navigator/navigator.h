@@ -33,6 +33,8 @@ public:
 
     // The context that commands and dialogs receive.
     const CommandContext& context() const { return m_context; }
+    // How the page pane opens a page; commands made afterwards receive it in their context.
+    void setPageOpener(PageOpener* opener) { m_context.pageOpener = opener; }
     CommandTarget& target() { return m_target; }
     TreeFiller& filler() { return m_filler; }
 

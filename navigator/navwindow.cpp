@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "mail/mailcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
@@ -22,6 +23,7 @@
 #include "navigator/pagepane.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "viewer/viewercommands.h"
 
 namespace qmr {
 
@@ -103,6 +105,10 @@ void NavWindow::buildWidgets()
 void NavWindow::buildMenus()
 {
     CommandTable commands;
+    m_viewerCommands = std::make_unique<ViewerCommands>(m_navigator->context());
+    m_navigator->setPageOpener(&m_viewerCommands->pageOpener());
+    m_viewerCommands->addTo(commands);
+    MailCommands(m_navigator->context()).addTo(commands);
     commands.insert(QStringLiteral("mnuFileExit"), [this] { mnuFileExit(); });
     commands.insert(QStringLiteral("mnuPopupRootRefresh"),
                     [this] { m_navigator->refreshNavTree(); });

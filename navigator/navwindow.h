@@ -19,6 +19,7 @@ class ItemCommands;
 class NavTree;
 class Navigator;
 class PagePane;
+class ViewerCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
 // menus to the commands that the navigator and each feature bring.
@@ -74,6 +75,7 @@ private:
     QSplitter* m_splitter = nullptr;
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
+    std::unique_ptr<ViewerCommands> m_viewerCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };
