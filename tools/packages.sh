@@ -8,6 +8,7 @@ packages=(
   qt6-base-dev libgl-dev               # widgets, images, printing, settings (Qt 6)
   qt6-image-formats-plugins            # more image formats for loose files
   libsqlite3-dev                       # the store
+  libcurl4-openssl-dev                 # mail to an SMTP server
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
 )
 
