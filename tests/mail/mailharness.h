@@ -107,7 +107,8 @@ struct ParsedMessage
     {
         QByteArray out;
         for (qsizetype i = 0; i < qp.size(); ++i) {
-            if (qp.at(i) == '=' && i + 2 < qp.size() && qp.at(i + 1) == '\r' && qp.at(i + 2) == '\n') {
+            if (qp.at(i) == '=' && i + 2 < qp.size() && qp.at(i + 1) == '\r' &&
+                qp.at(i + 2) == '\n') {
                 i += 2;
             } else if (qp.at(i) == '=' && i + 2 < qp.size()) {
                 out += char(qp.mid(i + 1, 2).toInt(nullptr, 16));

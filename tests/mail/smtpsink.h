@@ -52,8 +52,8 @@ private:
                 const qsizetype end = m_buffer.indexOf("\r\n.\r\n");
                 if (end < 0 && !m_buffer.startsWith(".\r\n"))
                     return;
-                QByteArray body = m_buffer.startsWith(".\r\n") ? QByteArray()
-                                                                : m_buffer.left(end + 2);
+                QByteArray body =
+                    m_buffer.startsWith(".\r\n") ? QByteArray() : m_buffer.left(end + 2);
                 m_buffer.remove(0, m_buffer.startsWith(".\r\n") ? 3 : end + 5);
                 body.replace("\r\n..", "\r\n.");
                 if (body.startsWith(".."))
@@ -104,7 +104,8 @@ private:
     {
         const qsizetype open = line.indexOf('<');
         const qsizetype close = line.indexOf('>', open);
-        return open < 0 || close < 0 ? QString() : QString::fromUtf8(line.mid(open + 1, close - open - 1));
+        return open < 0 || close < 0 ? QString()
+                                     : QString::fromUtf8(line.mid(open + 1, close - open - 1));
     }
 
     QTcpServer m_server;

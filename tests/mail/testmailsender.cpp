@@ -1,7 +1,7 @@
 #include <QElapsedTimer>
-#include <QRegularExpression>
 #include <QEventLoop>
 #include <QImage>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QThread>
@@ -123,8 +123,8 @@ private slots:
         test::SmtpSink sink;
         test::ScriptedPrompter prompter;
         prompter.expect("Message sent.");
-        QVERIFY(MailSender(prompter).send(test::smtpTo(sink.port()), "you@example.org",
-                                          "Two pages", "See the pages.\n.\nBye",
+        QVERIFY(MailSender(prompter).send(test::smtpTo(sink.port()), "you@example.org", "Two pages",
+                                          "See the pages.\n.\nBye",
                                           files.page + "|" + files.letter + "|"));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         QCOMPARE(sink.messages.size(), 1);
@@ -150,9 +150,10 @@ private slots:
         QTest::addColumn<QString>("route");
         QTest::addColumn<QString>("message"); // a regular expression
         QTest::newRow("server refuses the connection")
-            << "refused" << "^SendEmailNTS: Error  #7 .*(onnect|refused).*";
-        QTest::newRow("server refuses the recipient")
-            << "recipient" << "^SendEmailNTS: Error  #55 .*554.*";
+            << "refused"
+            << "^SendEmailNTS: Error  #7 .*(onnect|refused).*";
+        QTest::newRow("server refuses the recipient") << "recipient"
+                                                      << "^SendEmailNTS: Error  #55 .*554.*";
         QTest::newRow("no sendmail")
             << "no sendmail"
             << "^SendEmail: Error  #2 The mail program '/nonexistent/sendmail' was not found\\. "
@@ -162,7 +163,8 @@ private slots:
             << "^SendEmail: Error  #75 The mail program '.*' ended with exit code 75: queue is "
                "full$";
         QTest::newRow("attachment gone")
-            << "attachment gone" << "^SendEmailNTS: Error  #53 File not found: '/nonexistent/x.jpg'$";
+            << "attachment gone"
+            << "^SendEmailNTS: Error  #53 File not found: '/nonexistent/x.jpg'$";
     }
     void failures()
     {
@@ -190,8 +192,8 @@ private slots:
         test::ScriptedPrompter prompter;
         QElapsedTimer clock;
         clock.start();
-        QVERIFY(!MailSender(prompter).send(settings, "you@example.org", "Hello", "Body",
-                                           attachments));
+        QVERIFY(
+            !MailSender(prompter).send(settings, "you@example.org", "Hello", "Body", attachments));
         QVERIFY(clock.elapsed() < 10000);
         QCOMPARE(prompter.seen().size(), 1);
         QVERIFY2(QRegularExpression(message).match(prompter.seen()[0]).hasMatch(),
@@ -213,12 +215,16 @@ private slots:
         QTest::addColumn<int>("port");
         QTest::addColumn<QString>("security");
         QTest::addColumn<QString>("url");
-        QTest::newRow("plain") << "mail.example.org" << 25 << "none" << "smtp://mail.example.org:25";
+        QTest::newRow("plain") << "mail.example.org" << 25 << "none"
+                               << "smtp://mail.example.org:25";
         QTest::newRow("starttls") << "mail.example.org" << 587 << "starttls"
                                   << "smtp://mail.example.org:587";
-        QTest::newRow("tls") << "mail.example.org" << 465 << "tls" << "smtps://mail.example.org:465";
-        QTest::newRow("ipv6") << "::1" << 25 << "none" << "smtp://[::1]:25";
-        QTest::newRow("no server named") << "" << 25 << "none" << "smtp://localhost:25";
+        QTest::newRow("tls") << "mail.example.org" << 465 << "tls"
+                             << "smtps://mail.example.org:465";
+        QTest::newRow("ipv6") << "::1" << 25 << "none"
+                              << "smtp://[::1]:25";
+        QTest::newRow("no server named") << "" << 25 << "none"
+                                         << "smtp://localhost:25";
     }
     void smtpAddresses()
     {

@@ -1,8 +1,8 @@
 #include <QImage>
 #include <QRegularExpression>
 #include <QTemporaryDir>
-#include <QTimeZone>
 #include <QTest>
+#include <QTimeZone>
 
 #include "mail/mimemessage.h"
 #include "mailharness.h"
@@ -99,8 +99,7 @@ private slots:
         m.to = "you@example.org";
         m.body = body;
         const test::ParsedMessage parsed(MimeMessage::build(m, nullptr));
-        QCOMPARE(parsed.headers.value("content-transfer-encoding"),
-                 QByteArray("quoted-printable"));
+        QCOMPARE(parsed.headers.value("content-transfer-encoding"), QByteArray("quoted-printable"));
         QString expected = body;
         expected.replace("\r\n", "\n").replace("\n", "\r\n");
         QByteArray encoded = parsed.body;
