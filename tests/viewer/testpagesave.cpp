@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include "core/settings.h"
+#include "tests/mail/mailharness.h"
 #include "tests/support/testrunner.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/pageviewwindow.h"
@@ -335,6 +336,28 @@ private slots:
         if (target == "folder")
             QCOMPARE(h.session->items().item(Level::Document, made.documentId).name,
                      QString("New document"));
+    }
+
+    void addMailsTheFolderNotice()
+    {
+        test::ViewerHarness h;
+        test::SendmailStandIn sendmail;
+        test::sendmailAt(sendmail.program, "scanner@example.org").write(h.home.settings());
+        h.prompter.expect("Message sent.");
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.namedDocument)));
+        // Announced as the row is made, before any image exists.
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        const test::ParsedMessage m(sendmail.message());
+        QCOMPARE(m.headers.value("to"), QByteArray("folder@example.org"));
+        QVERIFY(test::ParsedMessage::unquote(m.body).contains("Document: Named\r\n\r\nNew page "
+                                                              "scanned.  Page # 2"));
+        // Later resolves make no new row, and so send no second notice.
+        QVERIFY(w.preResolveDbId());
+        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
+        QVERIFY(w.preResolveDbId());
+        QCOMPARE(h.prompter.seen().size(), 1);
     }
 
     void addDocumentAskedBeforeTheScan()
