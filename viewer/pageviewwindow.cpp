@@ -248,7 +248,6 @@ void PageViewWindow::cmdZoomFitWidth()
     if (!m_ui->LEAD1->hasImage())
         return;
     setZoom(ZoomRules::fit(m_ui->LEAD1->width(), m_page.image().width()));
-    m_fitted = true;
 }
 
 void PageViewWindow::cmdZoomFitHeight()
@@ -256,7 +255,6 @@ void PageViewWindow::cmdZoomFitHeight()
     if (!m_ui->LEAD1->hasImage())
         return;
     setZoom(ZoomRules::fit(m_ui->LEAD1->height(), m_page.image().height()));
-    m_fitted = true;
 }
 
 void PageViewWindow::applyZoomDefault()

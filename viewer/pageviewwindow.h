@@ -104,7 +104,6 @@ private:
     std::function<void(qint32)> m_printHandler;
     bool m_closeWhenLoaded = false;
     bool m_imageChanged = false;
-    bool m_fitted = false;
     bool m_newPageSaved = false;
     bool m_closing = false;
 };

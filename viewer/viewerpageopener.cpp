@@ -53,8 +53,11 @@ void ViewerPageOpener::openPage(qint32 pageId)
             m_context.prompter.tell(missingFile(path));
             return;
         }
-        if (!m_viewer || m_viewer->mode() != ViewerMode::Edit)
+        if (!m_viewer || m_viewer->mode() != ViewerMode::Edit) {
             m_viewer = new PageViewWindow(m_context, m_context.parent);
+            if (m_printHandler)
+                m_viewer->setPrintHandler(m_printHandler);
+        }
         m_viewer->setWindowFlag(Qt::Window);
         m_viewer->openPage(pageId);
     });

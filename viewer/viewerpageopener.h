@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPointer>
+#include <functional>
 
 #include "core/pageopener.h"
 #include "store/commandcontext.h"
@@ -18,6 +19,11 @@ public:
     explicit ViewerPageOpener(const CommandContext& context) : m_context(context) {}
 
     void openPage(qint32 pageId) override;
+    // What the viewers' Print button does, from the next viewer opened on.
+    void setPrintHandler(std::function<void(qint32 pageId)> handler)
+    {
+        m_printHandler = std::move(handler);
+    }
     // The viewer opened last, while it is open.
     PageViewWindow* viewer() const;
 
@@ -28,6 +34,7 @@ public:
 private:
     CommandContext m_context;
     QPointer<PageViewWindow> m_viewer;
+    std::function<void(qint32)> m_printHandler;
 };
 
 } // namespace qmr
