@@ -1,9 +1,24 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
 #include <optional>
 
 namespace qmr {
+
+// What a save-file chooser offers: `start` is the proposed path, `filters` the filter list
+// ("JPEG files (*.jpg)"...), the one at `filterIndex` chosen at first; a name typed without an
+// extension gets `defaultSuffix`. With `confirmOverwrite` off the caller asks about an existing
+// file itself.
+struct SaveFileRequest
+{
+    QString caption;
+    QString start;
+    QStringList filters;
+    int filterIndex = 0;
+    QString defaultSuffix;
+    bool confirmOverwrite = true;
+};
 
 // Windows that hand a value back to the program (password, directory), and the desktop's
 // programs that open a file.
@@ -18,10 +33,8 @@ public:
     // Opens a file with the desktop's program for its type, without waiting; on failure
     // returns the reason, naming the file.
     virtual std::optional<QString> openFile(const QString& path) = 0;
-    // A file name to write, or nothing when cancelled; `start` is the suggested path and
-    // `filter` the file types offered ("PDF files (*.pdf)").
-    virtual std::optional<QString> chooseSaveFile(const QString& caption, const QString& start,
-                                                  const QString& filter) = 0;
+    // A file name to write, or nothing when cancelled (see SaveFileRequest).
+    virtual std::optional<QString> saveFile(const SaveFileRequest& request) = 0;
 };
 
 } // namespace qmr

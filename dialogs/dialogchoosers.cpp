@@ -33,13 +33,20 @@ std::optional<QString> DialogChoosers::openFile(const QString& path)
     return std::nullopt;
 }
 
-std::optional<QString> DialogChoosers::chooseSaveFile(const QString& caption, const QString& start,
-                                                      const QString& filter)
+std::optional<QString> DialogChoosers::saveFile(const SaveFileRequest& request)
 {
-    const QString path = QFileDialog::getSaveFileName(m_parent, caption, start, filter);
-    if (path.isEmpty())
+    QFileDialog dialog(m_parent, request.caption);
+    dialog.setAcceptMode(QFileDialog::AcceptSave);
+    dialog.setFileMode(QFileDialog::AnyFile);
+    dialog.setOption(QFileDialog::DontConfirmOverwrite, !request.confirmOverwrite);
+    dialog.setNameFilters(request.filters);
+    if (request.filterIndex >= 0 && request.filterIndex < request.filters.size())
+        dialog.selectNameFilter(request.filters.at(request.filterIndex));
+    dialog.setDefaultSuffix(request.defaultSuffix);
+    dialog.selectFile(request.start);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
         return std::nullopt;
-    return path;
+    return dialog.selectedFiles().constFirst();
 }
 
 } // namespace qmr

@@ -22,8 +22,7 @@ public:
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
     std::optional<QString> openFile(const QString& path) override;
-    std::optional<QString> chooseSaveFile(const QString& caption, const QString& start,
-                                          const QString& filter) override;
+    std::optional<QString> saveFile(const SaveFileRequest& request) override;
 
 private:
     Settings& m_settings;

@@ -16,16 +16,18 @@
 
 #include "core/prompter.h"
 #include "help/helpcommands.h"
+#include "mail/mailcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/deletecommand.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
-#include "print/printcommands.h"
 #include "navigator/renamecontroller.h"
+#include "print/printcommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "viewer/viewercommands.h"
 
 namespace qmr {
 
@@ -111,6 +113,10 @@ void NavWindow::buildWidgets()
 void NavWindow::buildMenus()
 {
     CommandTable commands;
+    m_viewerCommands = std::make_unique<ViewerCommands>(m_navigator->context());
+    m_navigator->setPageOpener(&m_viewerCommands->pageOpener());
+    m_viewerCommands->addTo(commands);
+    MailCommands(m_navigator->context()).addTo(commands);
     commands.insert(QStringLiteral("mnuFileExit"), [this] { mnuFileExit(); });
     commands.insert(QStringLiteral("mnuPopupRootRefresh"),
                     [this] { m_navigator->refreshNavTree(); });
@@ -120,6 +126,8 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->openPage(m_pages->selectedPageId()); });
     m_printCommands = std::make_unique<PrintCommands>(m_navigator->context());
     m_printCommands->addTo(commands);
+    m_viewerCommands->pageOpener().setPrintHandler(
+        [this](qint32 pageId) { m_printCommands->printPage(pageId); });
     m_helpCommands = std::make_unique<HelpCommands>(m_navigator->context());
     m_helpCommands->addTo(commands);
     m_deleteCommand = std::make_unique<DeleteCommand>(m_navigator->context());

@@ -22,6 +22,7 @@ class NavTree;
 class Navigator;
 class PagePane;
 class PrintCommands;
+class ViewerCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
 // menus to the commands that the navigator and each feature bring.
@@ -82,6 +83,7 @@ private:
     std::unique_ptr<PrintCommands> m_printCommands;
     std::unique_ptr<HelpCommands> m_helpCommands;
     std::unique_ptr<DeleteCommand> m_deleteCommand;
+    std::unique_ptr<ViewerCommands> m_viewerCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };

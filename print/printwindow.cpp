@@ -89,9 +89,13 @@ std::optional<QString> PrintWindow::askPdfFile(const QString& title)
     QString directory = settings.get(keys::PrintPdfPath);
     if (directory.isEmpty() || !QFileInfo(directory).isDir())
         directory = QDir::homePath();
-    std::optional<QString> path = m_context.choosers.chooseSaveFile(
-        PrinterChoice::pdfEntry(), directory + QLatin1Char('/') + PrinterChoice::pdfFileName(title),
-        QStringLiteral("PDF files (*.pdf)"));
+    std::optional<QString> path = m_context.choosers.saveFile(
+        {PrinterChoice::pdfEntry(),
+         directory + QLatin1Char('/') + PrinterChoice::pdfFileName(title),
+         {QStringLiteral("PDF files (*.pdf)")},
+         0,
+         QStringLiteral("pdf"),
+         true});
     if (!path)
         return std::nullopt;
     if (QFileInfo(*path).suffix().isEmpty())

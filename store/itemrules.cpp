@@ -6,7 +6,9 @@ namespace qmr {
 
 namespace {
 const QString kNameSet = QStringLiteral("\\/:*?\"<>|.");
-const QString kPathSet = QStringLiteral("/*?\"<>|");
+// A page's file name is a path: its separator "/" is allowed, the other name characters that
+// a file system path can hold too.
+const QString kPathSet = QStringLiteral("\\*?\"<>|");
 
 bool containsAny(const QString& text, const QString& set)
 {

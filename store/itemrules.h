@@ -11,7 +11,7 @@ class ItemRules
 public:
     // \ / : * ? " < > | . in names of cabinets, drawers, folders and documents.
     static bool containsBadCharacters(const QString& text);
-    // / * ? " < > | in a page's file name.
+    // \ * ? " < > | in a page's file name (a path: "/", ":" and "." are allowed).
     static bool containsBadPathCharacters(const QString& text);
     static QString stripBadCharacters(const QString& text);
     static QString stripBadPathCharacters(const QString& text);

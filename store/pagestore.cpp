@@ -101,6 +101,38 @@ qint32 PageStore::lowestNumber(qint32 documentId) const
         .toInt();
 }
 
+qint32 PageStore::previousPageId(qint32 documentId, qint32 pageNumber, qint32 pageId) const
+{
+    QVariant v = m_db.scalar(QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? AND "
+                                            "PageNumber < ? AND PageId <> ? "
+                                            "ORDER BY PageNumber DESC, PageId DESC LIMIT 1"),
+                             {documentId, pageNumber, pageId});
+    if (v.isNull())
+        v = m_db.scalar(
+            QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? AND "
+                           "PageNumber = ? AND PageId < ? ORDER BY PageId DESC LIMIT 1"),
+            {documentId, pageNumber, pageId});
+    return v.isNull() ? -1 : v.toInt();
+}
+
+qint32 PageStore::nextPageId(qint32 documentId, qint32 pageNumber, qint32 pageId) const
+{
+    QVariant v = m_db.scalar(QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? AND "
+                                            "PageNumber > ? AND PageId <> ? "
+                                            "ORDER BY PageNumber, PageId LIMIT 1"),
+                             {documentId, pageNumber, pageId});
+    if (v.isNull())
+        v = m_db.scalar(QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? AND "
+                                       "PageNumber = ? AND PageId > ? ORDER BY PageId LIMIT 1"),
+                        {documentId, pageNumber, pageId});
+    return v.isNull() ? -1 : v.toInt();
+}
+
+void PageStore::deletePage(qint32 pageId)
+{
+    m_db.execute(QStringLiteral("DELETE FROM Page WHERE PageId = ?"), {pageId});
+}
+
 qint32 PageStore::insertPage(qint32 documentId, const NewPage& page)
 {
     StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), page.filename);

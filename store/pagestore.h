@@ -55,7 +55,15 @@ public:
     qint32 highestNumber(qint32 documentId) const;
     qint32 lowestNumber(qint32 documentId) const;
 
+    // The pages before and after a page in the viewer's order: the nearest lower (higher)
+    // number first, ties by id, and a twin of the same number only when there is none.
+    // -1 when there is no such page.
+    qint32 previousPageId(qint32 documentId, qint32 pageNumber, qint32 pageId) const;
+    qint32 nextPageId(qint32 documentId, qint32 pageNumber, qint32 pageId) const;
+
     qint32 insertPage(qint32 documentId, const NewPage& page);
+    // Removes the row alone; the caller removes the files.
+    void deletePage(qint32 pageId);
     void setPageNumber(qint32 pageId, qint32 number);
     // Writes where the page's image lies ("" for its computed path) and its size.
     void setFile(qint32 pageId, const QString& filename, qint64 fileSize);

@@ -9,6 +9,7 @@ packages=(
   qt6-image-formats-plugins            # more image formats for loose files
   libqt6svg6                           # draws the program's SVG icons at any size
   libsqlite3-dev                       # the store
+  libcurl4-openssl-dev                 # mail to an SMTP server
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
   clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers
   poppler-utils                        # tests: pdfinfo and pdfimages read printed PDF files

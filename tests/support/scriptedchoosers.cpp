@@ -35,10 +35,9 @@ std::optional<QString> ScriptedChoosers::openFile(const QString& path)
     return m_editorFailure;
 }
 
-std::optional<QString> ScriptedChoosers::chooseSaveFile(const QString&, const QString& start,
-                                                        const QString&)
+std::optional<QString> ScriptedChoosers::saveFile(const SaveFileRequest& request)
 {
-    m_saveStarts << start;
+    m_saveStarts << request.start;
     return take(m_saves);
 }
 

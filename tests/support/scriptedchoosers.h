@@ -25,9 +25,8 @@ public:
     std::optional<QString> chooseDirectory(const QString& start) override;
     // Records the path; answers with the queued failure text, if any.
     std::optional<QString> openFile(const QString& path) override;
-    // Records the suggested path.
-    std::optional<QString> chooseSaveFile(const QString& caption, const QString& start,
-                                          const QString& filter) override;
+    // Records the proposed path; answers with the queued name.
+    std::optional<QString> saveFile(const SaveFileRequest& request) override;
     const QStringList& saveStarts() const { return m_saveStarts; }
     void failEditor(const QString& reason) { m_editorFailure = reason; }
     const QStringList& edited() const { return m_edited; }

@@ -1,0 +1,21 @@
+#pragma once
+
+#include "core/commandtable.h"
+#include "store/commandcontext.h"
+
+namespace qmr {
+
+// The mail entries of the main window's menus: File > Email Settings.
+class MailCommands
+{
+public:
+    explicit MailCommands(const CommandContext& context) : m_context(context) {}
+
+    void addTo(CommandTable& commands) const;
+    void emailSettings() const;
+
+private:
+    CommandContext m_context;
+};
+
+} // namespace qmr

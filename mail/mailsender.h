@@ -1,0 +1,47 @@
+#pragma once
+
+#include <QString>
+#include <memory>
+
+#include "mail/mailsettings.h"
+#include "mail/mailtransport.h"
+
+class QWidget;
+
+namespace qmr {
+
+class Prompter;
+
+// The two send routines: "MAPI" (SendEmail, through sendmail) and "CDONTS" (SendEmailNTS,
+// through SMTP), with the four values every caller gives. The body makes room for the
+// attachments; the message goes off the GUI thread while a busy pointer (and after a moment a
+// busy window with Cancel) shows; then "Message sent." or the failure after the routine's
+// prefix.
+class MailSender
+{
+public:
+    explicit MailSender(Prompter& prompter, QWidget* parent = nullptr)
+        : m_prompter(prompter), m_parent(parent)
+    {
+    }
+
+    // True when the message went.
+    bool send(const MailSettings& settings, const QString& sendTo, const QString& subject,
+              const QString& body, const QString& attachments);
+
+    // The transport of a route; nothing for MailSystem::None.
+    static std::unique_ptr<MailTransport> transportFor(const MailSettings& settings);
+    // "SendEmail: Error  #" or "SendEmailNTS: Error  #", then the number and the text.
+    static QString failureText(MailSystem system, const MailFailure& failure);
+
+private:
+    // Runs the transport on a worker thread; the GUI thread keeps drawing meanwhile.
+    std::optional<MailFailure> transfer(MailTransport& transport, const QByteArray& message,
+                                        const QString& from, const QStringList& recipients,
+                                        bool* cancelled);
+
+    Prompter& m_prompter;
+    QWidget* m_parent;
+};
+
+} // namespace qmr

@@ -1,0 +1,65 @@
+#include "mail/pagenotice.h"
+
+#include "mail/mailsender.h"
+#include "mail/mailsettings.h"
+#include "store/commandcontext.h"
+#include "store/session.h"
+#include "store/storeerror.h"
+
+namespace qmr {
+
+std::optional<PageNotice::Notice> PageNotice::compose(Session& session, qint32 pageId)
+{
+    ItemStore& items = session.items();
+    const qint32 documentId = items.documentOfPage(pageId);
+    const qint32 folderId = items.folderOfDocument(documentId);
+    const std::optional<ItemFields> folder = items.fields(Level::Folder, folderId);
+    if (!folder)
+        return std::nullopt;
+    Notice notice;
+    notice.address = folder->email.trimmed();
+    if (notice.address.isEmpty())
+        return std::nullopt;
+
+    const qint32 drawerId = items.drawerOfFolder(folderId);
+    const qint32 cabinetId = items.cabinetOfDrawer(drawerId);
+    const ItemRow cabinet = items.item(Level::Cabinet, cabinetId);
+    const ItemRow drawer = items.item(Level::Drawer, drawerId);
+    const ItemRow document = items.item(Level::Document, documentId);
+    if (cabinet.id < 0 || drawer.id < 0 || document.id < 0)
+        return std::nullopt;
+    const std::optional<PageRow> page = session.pages().page(pageId);
+    if (!page)
+        return std::nullopt;
+
+    const QString crlf = QStringLiteral("\r\n");
+    notice.subject = QStringLiteral("Quillmere: new page added");
+    notice.body = QStringLiteral(" Cabinet: ") + cabinet.name + crlf +
+                  QStringLiteral("  Drawer: ") + drawer.name + crlf + QStringLiteral("  Folder: ") +
+                  folder->name + crlf + QStringLiteral("Document: ") + document.name + crlf + crlf;
+    if (page->shortcut)
+        notice.body += QStringLiteral("New file added: ") + page->filename;
+    else
+        notice.body +=
+            QStringLiteral("New page scanned.  Page # ") + QString::number(page->pageNumber);
+    return notice;
+}
+
+void PageNotice::sendPageNotice(const CommandContext& context, qint32 pageId)
+{
+    const MailSettings settings = MailSettings::read(context.session.settings());
+    if (settings.system == MailSystem::None)
+        return;
+    std::optional<Notice> notice;
+    try {
+        notice = compose(context.session, pageId);
+    } catch (const StoreError&) {
+        return;
+    }
+    if (!notice)
+        return;
+    MailSender(context.prompter, context.parent)
+        .send(settings, notice->address, notice->subject, notice->body, QString());
+}
+
+} // namespace qmr

@@ -1,0 +1,179 @@
+#include <QImage>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QTimeZone>
+
+#include "mail/mimemessage.h"
+#include "mailharness.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+namespace {
+
+QByteArray decodeWords(const QByteArray& header)
+{
+    QByteArray out;
+    static const QRegularExpression word(QStringLiteral("=\\?UTF-8\\?B\\?([^?]*)\\?="));
+    auto it = word.globalMatch(QString::fromLatin1(header));
+    while (it.hasNext())
+        out += QByteArray::fromBase64(it.next().captured(1).toLatin1());
+    return out;
+}
+
+QByteArray writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes)
+{
+    QFile f(dir.filePath(name));
+    f.open(QIODevice::WriteOnly);
+    f.write(bytes);
+    return bytes;
+}
+
+} // namespace
+
+class TestMimeMessage : public QObject
+{
+    Q_OBJECT
+private slots:
+    void headers()
+    {
+        MailMessage m;
+        m.from = "me@example.org";
+        m.to = " you@example.org ;  them@example.net,";
+        m.subject = "Pages of March";
+        m.body = "Hello";
+        m.date = QDateTime(QDate(2026, 3, 14), QTime(9, 30, 5), QTimeZone(3600));
+        const QByteArray text = MimeMessage::build(m, nullptr);
+        const test::ParsedMessage parsed(text);
+        QCOMPARE(parsed.headers.value("date"), QByteArray("Sat, 14 Mar 2026 09:30:05 +0100"));
+        QCOMPARE(parsed.headers.value("from"), QByteArray("me@example.org"));
+        QCOMPARE(parsed.headers.value("to"), QByteArray("you@example.org, them@example.net"));
+        QCOMPARE(parsed.headers.value("subject"), QByteArray("Pages of March"));
+        QCOMPARE(parsed.headers.value("mime-version"), QByteArray("1.0"));
+        QVERIFY(QRegularExpression("^<[0-9a-f-]{36}@example\\.org>$")
+                    .match(QString::fromLatin1(parsed.headers.value("message-id")))
+                    .hasMatch());
+        QCOMPARE(parsed.headers.value("content-type"), QByteArray("text/plain; charset=UTF-8"));
+        // Every line ends in CRLF, and none is longer than the mail rules allow.
+        for (const QByteArray& line : text.split('\n'))
+            QVERIFY(line.isEmpty() || (line.endsWith('\r') && line.size() <= 999));
+        QVERIFY(!text.contains("\r\r") && !text.contains(QByteArray("\n\n")));
+        QCOMPARE(MimeMessage::build(m, nullptr).count("Message-ID"), 1);
+        QVERIFY(MimeMessage::build(m, nullptr) != text); // a new id for each message
+    }
+
+    void encodedSubject_data()
+    {
+        QTest::addColumn<QString>("subject");
+        QTest::newRow("accents") << QString::fromUtf8("Rechnung für Müller – Größe");
+        QTest::newRow("long, with a character beyond the first plane")
+            << QString::fromUtf8("Überweisung ") + QString(30, QChar(0x00e9)) +
+                   QString::fromUtf8(" \U0001F4C4 Ende");
+    }
+    void encodedSubject()
+    {
+        QFETCH(QString, subject);
+        const QByteArray header = MimeMessage::encodeHeader(subject);
+        QVERIFY(!header.contains(char(0xc3)));
+        for (const QByteArray& line : header.split('\n'))
+            QVERIFY(line.size() <= 78);
+        QCOMPARE(QString::fromUtf8(decodeWords(header)), subject);
+        QCOMPARE(MimeMessage::encodeHeader("Plain words"), QByteArray("Plain words"));
+    }
+
+    void quotedPrintableBody_data()
+    {
+        QTest::addColumn<QString>("body");
+        QTest::newRow("blanks before the text") << "   \r\nHello";
+        QTest::newRow("unix line ends") << "one\ntwo\n\nthree";
+        QTest::newRow("equals and umlauts") << QString::fromUtf8("a=b, Käse, naïve");
+        QTest::newRow("a long line") << QString(200, 'x') + " " + QString(90, QChar(0x00fc));
+        QTest::newRow("dots at line starts") << ".\r\n..hidden\r\n.";
+        QTest::newRow("trailing tab and blank") << "tab\t\r\nblank \r\nend";
+    }
+    void quotedPrintableBody()
+    {
+        QFETCH(QString, body);
+        MailMessage m;
+        m.to = "you@example.org";
+        m.body = body;
+        const test::ParsedMessage parsed(MimeMessage::build(m, nullptr));
+        QCOMPARE(parsed.headers.value("content-transfer-encoding"), QByteArray("quoted-printable"));
+        QString expected = body;
+        expected.replace("\r\n", "\n").replace("\n", "\r\n");
+        QByteArray encoded = parsed.body;
+        QVERIFY(encoded.endsWith("\r\n"));
+        encoded.chop(2);
+        QCOMPARE(QString::fromUtf8(test::ParsedMessage::unquote(encoded)), expected);
+        for (const QByteArray& line : encoded.split('\n')) {
+            const QByteArray l = line.endsWith('\r') ? line.chopped(1) : line;
+            QVERIFY2(l.size() <= 76, l.constData());
+            QVERIFY(!l.endsWith(' ') && !l.endsWith('\t'));
+        }
+    }
+
+    void attachments()
+    {
+        QTemporaryDir dir;
+        QImage image(64, 48, QImage::Format_RGB32);
+        image.fill(Qt::darkCyan);
+        QVERIFY(image.save(dir.filePath("page.jpg"), "JPG"));
+        QFile jpeg(dir.filePath("page.jpg"));
+        QVERIFY(jpeg.open(QIODevice::ReadOnly));
+        QByteArray binary(70000, '\0');
+        for (int i = 0; i < binary.size(); ++i)
+            binary[i] = char((i * 7 + i / 256) % 256);
+        const QList<QPair<QString, QByteArray>> files = {
+            {"page.jpg", jpeg.readAll()},
+            {"letter.pdf", writeFile(dir, "letter.pdf", "%PDF-1.4\n" + binary)},
+            {"notes.txt", writeFile(dir, "notes.txt", "plain notes\n")},
+            {QString::fromUtf8("Übersicht \"März\".jpg"),
+             writeFile(dir, QString::fromUtf8("Übersicht \"März\".jpg"), binary.left(1000))}};
+        MailMessage m;
+        m.to = "you@example.org";
+        m.body = "Here they are";
+        for (const auto& [name, bytes] : files)
+            m.attachments << dir.filePath(name);
+        std::optional<MailFailure> failure;
+        const test::ParsedMessage parsed(MimeMessage::build(m, &failure));
+        QVERIFY(!failure);
+        QVERIFY(parsed.headers.value("content-type").startsWith("multipart/mixed; boundary=\""));
+        QCOMPARE(parsed.parts.size(), 5);
+        QCOMPARE(parsed.parts[0].headers.value("content-type"),
+                 QByteArray("text/plain; charset=UTF-8"));
+        const QList<QByteArray> types = {"image/jpeg", "application/pdf", "text/plain",
+                                         "image/jpeg"};
+        for (int i = 0; i < files.size(); ++i) {
+            const auto& part = parsed.parts[i + 1];
+            const QString name = files[i].first;
+            QVERIFY2(part.headers.value("content-type").startsWith(types[i] + "; name="),
+                     part.headers.value("content-type").constData());
+            QCOMPARE(part.headers.value("content-transfer-encoding"), QByteArray("base64"));
+            QCOMPARE(QByteArray::fromBase64(part.body), files[i].second);
+            const QByteArray disposition = part.headers.value("content-disposition");
+            if (i < 3)
+                QCOMPARE(disposition, "attachment; filename=\"" + name.toUtf8() + "\"");
+            else
+                QCOMPARE(disposition,
+                         "attachment; filename*=UTF-8''" + name.toUtf8().toPercentEncoding());
+            for (const QByteArray& line : part.body.split('\n'))
+                QVERIFY(line.size() <= 78);
+        }
+    }
+
+    void unreadableAttachment()
+    {
+        MailMessage m;
+        m.to = "you@example.org";
+        m.attachments << "/nonexistent/page.jpg";
+        std::optional<MailFailure> failure;
+        QVERIFY(MimeMessage::build(m, &failure).isEmpty());
+        QVERIFY(failure);
+        QCOMPARE(failure->number, 53);
+        QCOMPARE(failure->text, QString("File not found: '/nonexistent/page.jpg'"));
+    }
+};
+
+QMR_TEST(TestMimeMessage)
+#include "testmimemessage.moc"

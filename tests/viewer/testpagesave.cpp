@@ -1,0 +1,502 @@
+#include <QDir>
+#include <QLineEdit>
+#include <QTest>
+#include <unistd.h>
+
+#include "core/settings.h"
+#include "tests/mail/mailharness.h"
+#include "tests/support/testrunner.h"
+#include "viewer/pagecanvas.h"
+#include "viewer/pageviewwindow.h"
+#include "viewerharness.h"
+
+using namespace qmr;
+
+namespace {
+
+using Answer = Prompter::Answer;
+
+const QString kAutoAssign =
+    QStringLiteral("No filename entered.  Do you want to auto-assign a filename?");
+const QString kRenamed = QStringLiteral("You have renamed this file.  Do you want to delete the "
+                                        "old filename?\nOld filename: '%1'");
+const QString kExists =
+    QStringLiteral("The file named '%1' aready exists.\nDo you want to overwrite this file?");
+
+std::unique_ptr<PageViewWindow> openViewer(test::ViewerHarness& h, qint32 pageId)
+{
+    auto window = std::make_unique<PageViewWindow>(h.context());
+    window->setAttribute(Qt::WA_DeleteOnClose, false);
+    window->resize(800, 600);
+    window->openPage(pageId);
+    QTest::qWait(0);
+    QCoreApplication::processEvents();
+    return window;
+}
+
+QLineEdit* filename(QWidget* w)
+{
+    return w->findChild<QLineEdit*>(QStringLiteral("txtFilename"));
+}
+
+// The questions of a row: "text=answer" pairs, answers "Y", "N", "C" or "OK".
+void expect(test::ScriptedPrompter& prompter, const QStringList& script)
+{
+    for (const QString& line : script) {
+        const QString answer = line.section(QLatin1Char('='), -1);
+        const QString text = line.section(QLatin1Char('='), 0, -2);
+        prompter.expect(text, answer == "Y"   ? Answer::Yes
+                              : answer == "N" ? Answer::No
+                              : answer == "C" ? Answer::Cancel
+                                              : Answer::Ok);
+    }
+}
+
+// A row's text with its place holders filled: %1 the storage directory, %2 the home.
+QString fill(QString text, const QString& dir, const QString& home = QString())
+{
+    return text.replace(QLatin1String("%1"), dir).replace(QLatin1String("%2"), home);
+}
+
+// Drops the rights of the super-user for a scope, so that a read-only directory is one.
+struct AsOrdinaryUser
+{
+    bool dropped = geteuid() == 0 && seteuid(65534) == 0;
+    ~AsOrdinaryUser()
+    {
+        if (dropped && seteuid(0) != 0)
+            qFatal("cannot take back the rights dropped for the test");
+    }
+};
+
+} // namespace
+
+class TestPageSave : public QObject
+{
+    Q_OBJECT
+private slots:
+    // A page of a cabinet that keeps its pages under names in a directory: the checks that
+    // stop a save leave the store and the files as they were.
+    void refusals_data()
+    {
+        QTest::addColumn<QString>("typed"); // %1: the storage directory
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<QString>("after"); // the name box afterwards
+        QTest::newRow("directory only")
+            << "%1/" << QStringList{"Please enter a filename.=OK"} << "%1/";
+        QTest::newRow("characters no path holds")
+            << "%1/a*b?.jpg"
+            << QStringList{"The following characters are not allowed:\n\\ / : * ? \" < > | .=OK"}
+            << "%1/ab.jpg";
+        QTest::newRow("another extension")
+            << "%1/report.tif"
+            << QStringList{"The file extension must be .JPG (please change filename).=OK"}
+            << "%1/report.tif";
+        QTest::newRow("no name, no auto-assign") << "" << QStringList{kAutoAssign + "=N"} << "";
+        QTest::newRow("overwrite refused")
+            << "%1/other.jpg" << QStringList{kExists.arg("%1/other.jpg") + "=N"} << "%1/other.jpg";
+    }
+    void refusals()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QStringList, script);
+        QFETCH(QString, after);
+        test::ViewerHarness h;
+        const QString dir = h.outside.path();
+        QVERIFY(test::ViewerHarness::writePicture(h.outsideFile("other.jpg"), {50, 50}, Qt::red));
+        const QByteArray other = h.fileBytes(h.outsideFile("other.jpg"));
+        const QByteArray first = h.fileBytes(h.outsideFile("first.jpg"));
+        const PageRow before = h.row(h.named);
+        auto w = openViewer(h, h.named);
+        w->cmdRotateClockwise();
+        filename(w.get())->setText(fill(typed, dir));
+        for (QString& line : script)
+            line = fill(line, dir);
+        expect(h.prompter, script);
+        QVERIFY(w->save() != PageSaver::Result::Saved);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(filename(w.get())->text(), fill(after, dir));
+        QCOMPARE(h.row(h.named).filename, before.filename);
+        QCOMPARE(h.row(h.named).fileSize, before.fileSize);
+        QCOMPARE(h.fileBytes(h.outsideFile("first.jpg")), first);
+        QCOMPARE(h.fileBytes(h.outsideFile("other.jpg")), other);
+        QCOMPARE(QDir(dir).entryList(QDir::Files).size(), 2);
+        QVERIFY(w->pageImage().canUndo()); // nothing was saved, so the turn can be taken back
+    }
+
+    void writes_data()
+    {
+        QTest::addColumn<QString>("typed"); // %1: the storage directory
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<QString>("stored"); // "" for the computed path
+        QTest::addColumn<bool>("oldKept");
+        QTest::newRow("the same name again")
+            << "%1/first.jpg" << QStringList() << "%1/first.jpg" << true;
+        QTest::newRow("auto-assigned") << "" << QStringList{kAutoAssign + "=Y"} << "" << true;
+        QTest::newRow("renamed, old kept")
+            << "%1/report" << QStringList{kRenamed.arg("%1/first.jpg") + "=N"} << "%1/report.jpg"
+            << true;
+        QTest::newRow("renamed, old deleted")
+            << "%1/report.jpg" << QStringList{kRenamed.arg("%1/first.jpg") + "=Y"}
+            << "%1/report.jpg" << false;
+        QTest::newRow("capital extension passes")
+            << "%1/report.JPG" << QStringList{kRenamed.arg("%1/first.jpg") + "=N"}
+            << "%1/report.JPG" << true;
+        QTest::newRow("a bare name goes to the storage directory")
+            << "report" << QStringList{kRenamed.arg("%1/first.jpg") + "=N"} << "%1/report.jpg"
+            << true;
+        QTest::newRow("overwriting another file")
+            << "%1/other.jpg"
+            << QStringList{kExists.arg("%1/other.jpg") + "=Y", kRenamed.arg("%1/first.jpg") + "=N"}
+            << "%1/other.jpg" << true;
+        QTest::newRow("a dotted directory on the way")
+            << "%1/my.scans/report" << QStringList{kRenamed.arg("%1/first.jpg") + "=N"}
+            << "%1/my.scans/report.jpg" << true;
+    }
+    void writes()
+    {
+        QFETCH(QString, typed);
+        QFETCH(QStringList, script);
+        QFETCH(QString, stored);
+        QFETCH(bool, oldKept);
+        test::ViewerHarness h;
+        const QString dir = h.outside.path();
+        QVERIFY(test::ViewerHarness::writePicture(h.outsideFile("other.jpg"), {50, 50}, Qt::red));
+        QVERIFY(QDir(dir).mkpath("Thumbs"));
+        QVERIFY(test::ViewerHarness::writePicture(dir + "/Thumbs/first.jpg", {10, 10}, Qt::red));
+        auto w = openViewer(h, h.named);
+        w->cmdRotateClockwise();
+        filename(w.get())->setText(fill(typed, dir));
+        for (QString& line : script)
+            line = fill(line, dir);
+        expect(h.prompter, script);
+        QCOMPARE(w->save(), PageSaver::Result::Saved);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+
+        const QString target =
+            stored.isEmpty() ? h.session->paths().computedPagePath(h.named) : fill(stored, dir);
+        const PageRow row = h.row(h.named);
+        QCOMPARE(row.filename, fill(stored, dir));
+        QCOMPARE(row.fileSize, QFileInfo(target).size());
+        QCOMPARE(QImage(target).size(), QSize(400, 600));
+        QCOMPARE(w->currentFile(), target);
+        QCOMPARE(filename(w.get())->text(), fill(stored, dir));
+        // The thumbnail of a save is the page reduced, without a tile.
+        QCOMPARE(QImage(h.session->paths().thumbPath(h.named, row.filename)).size(),
+                 QSize(67, 100));
+        if (target != h.outsideFile("first.jpg")) {
+            QCOMPARE(QFile::exists(h.outsideFile("first.jpg")), oldKept);
+            QCOMPARE(QFile::exists(dir + "/Thumbs/first.jpg"), oldKept);
+        }
+        QVERIFY(!w->pageImage().canUndo());
+        QVERIFY(h.nav.calls.contains(QString("PAGES%1").arg(h.namedDocument)));
+    }
+
+    void quality_data()
+    {
+        QTest::addColumn<bool>("add");
+        QTest::addColumn<QString>("kind"); // TWAINImageType
+        QTest::addColumn<int>("factor");
+        QTest::newRow("re-save of a document page: the picture's quality")
+            << false << "document" << 30;
+        QTest::newRow("new document page") << true << "document" << 50;
+        QTest::newRow("new picture") << true << "picture" << 30;
+    }
+    void quality()
+    {
+        QFETCH(bool, add);
+        QFETCH(QString, kind);
+        QFETCH(int, factor);
+        test::ViewerHarness h;
+        h.home.settings().set(keys::ImageType, kind);
+        const QImage image = test::ViewerHarness::picture({320, 240}, Qt::blue);
+        std::unique_ptr<PageViewWindow> w;
+        if (add) {
+            w = std::make_unique<PageViewWindow>(h.context());
+            w->setAttribute(Qt::WA_DeleteOnClose, false);
+            QVERIFY(w->beginAdd(NodeKey::of(Level::Document, h.empty)));
+            w->setAcquiredImage(image);
+        } else {
+            QVERIFY(image.save(h.session->paths().computedPagePath(h.singlePage), "JPG"));
+            w = openViewer(h, h.singlePage);
+            h.prompter.expect(kAutoAssign, Answer::Yes);
+        }
+        QCOMPARE(w->save(), PageSaver::Result::Saved);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        const qint32 id = w->location().pageId;
+        QCOMPARE(h.fileBytes(h.session->paths().computedPagePath(id)),
+                 test::ViewerHarness::jpegBytes(w->pageImage().image(), factor));
+    }
+
+    void saveKeepsTheFullImage()
+    {
+        test::ViewerHarness h;
+        const QString page = h.session->paths().computedPagePath(h.singlePage);
+        QVERIFY(test::ViewerHarness::writePicture(page, {2000, 1000}, Qt::black));
+        auto w = openViewer(h, h.singlePage);
+        for (int i = 0; i < 2; ++i) {
+            h.prompter.expect(kAutoAssign, Answer::Yes);
+            QCOMPARE(w->save(), PageSaver::Result::Saved);
+            QCOMPARE(w->pageImage().image().size(), QSize(2000, 1000));
+            QCOMPARE(w->canvas()->image().size(), QSize(2000, 1000));
+            QCOMPARE(QImage(page).size(), QSize(2000, 1000));
+        }
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(QImage(h.session->paths().computedThumbPath(h.singlePage)).size(), QSize(100, 50));
+        QCOMPARE(h.row(h.singlePage).fileSize, QFileInfo(page).size());
+        QVERIFY(h.row(h.singlePage).filename.isEmpty());
+    }
+
+    void readOnlyDirectory()
+    {
+        test::ViewerHarness h;
+        const QString dir = h.outside.path();
+        const QString first = h.outsideFile("first.jpg");
+        const QByteArray bytes = h.fileBytes(first);
+        const PageRow before = h.row(h.named);
+        auto w = openViewer(h, h.named);
+        w->cmdRotateClockwise();
+        // The directory and the way to it, open to look at but closed to writing.
+        for (QString d = dir; d != "/" && d != QDir::tempPath(); d = QFileInfo(d).path())
+            QFile::setPermissions(d, QFile::ReadOwner | QFile::ExeOwner | QFile::ReadOther |
+                                         QFile::ExeOther | QFile::ReadGroup | QFile::ExeGroup);
+        QFile::setPermissions(first, QFile::ReadOwner | QFile::ReadOther | QFile::ReadGroup);
+        PageSaver::Result result = PageSaver::Result::Saved;
+        QString told;
+        {
+            AsOrdinaryUser user;
+            result = w->save();
+            told = h.prompter.seen().value(0);
+        }
+        QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        QCOMPARE(result, PageSaver::Result::Failed);
+        QVERIFY2(told.startsWith(QString("The image could not be written to '%1':").arg(first)),
+                 qPrintable(told));
+        QCOMPARE(h.prompter.seen().size(), 1);
+        QCOMPARE(h.fileBytes(first), bytes);
+        QCOMPARE(h.row(h.named).filename, before.filename);
+        QCOMPARE(h.row(h.named).fileSize, before.fileSize);
+        QCOMPARE(QDir(dir).entryList(QDir::Files | QDir::Hidden).size(), 1);
+        // The edit is still there to be saved elsewhere or taken back.
+        QVERIFY(w->pageImage().canUndo());
+    }
+
+    void addMakesItsRowsOnce_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<int>("number");
+        QTest::newRow("document with pages 4, 5, 5") << "numbers" << 6;
+        QTest::newRow("empty document") << "empty" << 1;
+        QTest::newRow("beside a page") << "page" << 6;
+        QTest::newRow("folder") << "folder" << 1;
+    }
+    void addMakesItsRowsOnce()
+    {
+        QFETCH(QString, target);
+        QFETCH(int, number);
+        test::ViewerHarness h;
+        const NodeKey key = target == "numbers" ? NodeKey::of(Level::Document, h.numbers)
+                            : target == "empty" ? NodeKey::of(Level::Document, h.empty)
+                            : target == "page"  ? NodeKey::of(Level::Page, h.twinB)
+                                                : NodeKey::of(Level::Folder, h.letters);
+        Database& db = h.session->db();
+        const int pages = db.scalar("SELECT COUNT(*) FROM Page").toInt();
+        const int documents = db.scalar("SELECT COUNT(*) FROM Document").toInt();
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(key));
+        QCOMPARE(w.location().pageNumber, number);
+        QCOMPARE(w.windowTitle(),
+                 QString("Page # %1 (ID = %2)").arg(number).arg(w.location().pageId));
+        const PageRow made = h.row(w.location().pageId);
+        QCOMPARE(made.scanDate, QDate::currentDate());
+        QCOMPARE(made.fileType, QString("JPG"));
+        w.setAcquiredImage(test::ViewerHarness::picture({300, 200}, Qt::blue));
+        w.showAndLoad();
+        QTRY_VERIFY(w.canvas()->isEnabled());
+        QCOMPARE(w.canvas()->image().size(), QSize(300, 200)); // no file: the scan's image stays
+        QVERIFY(w.preResolveDbId());
+        QCOMPARE(w.save(), PageSaver::Result::Saved);
+        QVERIFY(w.preResolveDbId());
+        QCOMPARE(db.scalar("SELECT COUNT(*) FROM Page").toInt(), pages + 1);
+        QCOMPARE(db.scalar("SELECT COUNT(*) FROM Document").toInt(),
+                 documents + (target == "folder" ? 1 : 0));
+        QVERIFY(QFile::exists(h.session->paths().computedPagePath(made.id)));
+        QVERIFY(h.row(made.id).filename.isEmpty());
+
+        // The next sheet of the scan is the next page, in the same document.
+        w.startNextPage();
+        QVERIFY(w.preResolveDbId());
+        QCOMPARE(db.scalar("SELECT COUNT(*) FROM Page").toInt(), pages + 2);
+        QCOMPARE(w.location().documentId, made.documentId);
+        QCOMPARE(w.location().pageNumber, number + 1);
+        QCOMPARE(db.scalar("SELECT COUNT(*) FROM Document").toInt(),
+                 documents + (target == "folder" ? 1 : 0));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        if (target == "folder")
+            QCOMPARE(h.session->items().item(Level::Document, made.documentId).name,
+                     QString("New document"));
+    }
+
+    void addMailsTheFolderNotice()
+    {
+        test::ViewerHarness h;
+        test::SendmailStandIn sendmail;
+        test::sendmailAt(sendmail.program, "scanner@example.org").write(h.home.settings());
+        h.prompter.expect("Message sent.");
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.namedDocument)));
+        // Announced as the row is made, before any image exists.
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        const test::ParsedMessage m(sendmail.message());
+        QCOMPARE(m.headers.value("to"), QByteArray("folder@example.org"));
+        QVERIFY(test::ParsedMessage::unquote(m.body).contains("Document: Named\r\n\r\nNew page "
+                                                              "scanned.  Page # 2"));
+        // Later resolves make no new row, and so send no second notice.
+        QVERIFY(w.preResolveDbId());
+        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
+        QVERIFY(w.preResolveDbId());
+        QCOMPARE(h.prompter.seen().size(), 1);
+    }
+
+    void addDocumentAskedBeforeTheScan()
+    {
+        test::ViewerHarness h;
+        h.home.settings().set(keys::GetDocInfo, "beforescan");
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Folder, h.letters)));
+        const qint32 doc = w.location().documentId;
+        QCOMPARE(h.nav.calls,
+                 QStringList{QString("DOC%1 New document<%2").arg(doc).arg(h.letters)});
+        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
+        QCOMPARE(w.save(), PageSaver::Result::Saved);
+        // A further scan goes into the document made for this one.
+        QCOMPARE(w.key(), NodeKey::of(Level::Document, doc));
+    }
+
+    void addRefusesOtherKeys_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::newRow("root") << "ROOT";
+        QTest::newRow("cabinet") << "CAB1";
+        QTest::newRow("drawer") << "DRW1";
+        QTest::newRow("a page that is gone") << "PAG999";
+    }
+    void addRefusesOtherKeys()
+    {
+        QFETCH(QString, key);
+        test::ViewerHarness h;
+        const int pages = h.session->db().scalar("SELECT COUNT(*) FROM Page").toInt();
+        h.prompter.expect("Error!");
+        PageViewWindow w(h.context());
+        QVERIFY(!w.beginAdd(NodeKey::parse(key)));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.session->db().scalar("SELECT COUNT(*) FROM Page").toInt(), pages);
+    }
+
+    void cancelOfANewPage_data()
+    {
+        QTest::addColumn<QStringList>("answers");
+        QTest::addColumn<bool>("removed");
+        QTest::newRow("no") << QStringList{"N"} << false;
+        QTest::newRow("cancel") << QStringList{"C"} << false;
+        QTest::newRow("yes") << QStringList{"Y"} << true;
+    }
+    void cancelOfANewPage()
+    {
+        QFETCH(QStringList, answers);
+        QFETCH(bool, removed);
+        test::ViewerHarness h;
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.empty)));
+        const qint32 id = w.location().pageId;
+        // A file at the page's path (an earlier attempt) goes with the row.
+        const QString file = h.session->paths().computedPagePath(id);
+        QVERIFY(h.session->paths().ensurePathInHome(file));
+        QVERIFY(test::ViewerHarness::writePicture(file, {20, 20}, Qt::red));
+        w.show();
+        for (const QString& a : answers)
+            expect(h.prompter, {"Cancel saving this new page?=" + a});
+        w.cmdCancel();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(w.isVisible(), !removed);
+        QCOMPARE(h.session->pages().page(id).has_value(), !removed);
+        QCOMPARE(QFile::exists(file), !removed);
+        // The document stays in any case.
+        QVERIFY(h.session->items().item(Level::Document, h.empty).id >= 0);
+    }
+
+    void cancelAfterTheNewPageWasSaved()
+    {
+        test::ViewerHarness h;
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.empty)));
+        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
+        w.show();
+        QCOMPARE(w.save(), PageSaver::Result::Saved);
+        w.cmdCancel();
+        // A saved page is no longer new: leaving does not offer to throw it away.
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(!w.isVisible());
+        QVERIFY(h.session->pages().page(w.location().pageId).has_value());
+    }
+
+    void saveAs_data()
+    {
+        QTest::addColumn<QString>("chosen"); // %1 the outside directory, %2 the home; "" cancel
+        QTest::addColumn<QStringList>("script");
+        QTest::addColumn<bool>("written");
+        QTest::newRow("cancelled") << "" << QStringList() << false;
+        QTest::newRow("new file") << "%1/copies/copy.jpg" << QStringList() << true;
+        QTest::newRow("inside the home")
+            << "%2/Pages/copy.jpg"
+            << QStringList{"You cannot save an image to a path within the Quillmere system.\n"
+                           "Please select another location that is not within the application "
+                           "path of:\n'%2'.=OK"}
+            << false;
+        QTest::newRow("existing, no")
+            << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=N"} << false;
+        QTest::newRow("existing, cancel")
+            << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=C"} << false;
+        QTest::newRow("existing, yes")
+            << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=Y"} << true;
+    }
+    void saveAs()
+    {
+        QFETCH(QString, chosen);
+        QFETCH(QStringList, script);
+        QFETCH(bool, written);
+        test::ViewerHarness h;
+        const QString dir = h.outside.path();
+        h.home.settings().set(keys::LastSaveAsPath, dir + "/earlier/");
+        const PageRow before = h.row(h.singlePage);
+        auto w = openViewer(h, h.singlePage);
+        w->cmdRotateClockwise();
+        const QString path = fill(chosen, dir, h.home.path());
+        h.choosers.queueSaveFile(chosen.isEmpty() ? std::nullopt : std::optional<QString>(path));
+        for (QString& line : script)
+            line = fill(line, dir, h.home.path());
+        expect(h.prompter, script);
+        w->cmdSaveAs();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.choosers.saveStarts(),
+                 QStringList{dir + "/earlier/" + QString::number(h.singlePage) + ".jpg"});
+        if (written) {
+            QCOMPARE(QImage(path).size(), QSize(1100, 850));
+            QCOMPARE(h.home.settings().get(keys::LastSaveAsPath), QFileInfo(path).path() + "/");
+        } else {
+            QCOMPARE(h.home.settings().get(keys::LastSaveAsPath), dir + "/earlier/");
+        }
+        // A copy changes nothing of the page.
+        QCOMPARE(h.row(h.singlePage).filename, before.filename);
+        QCOMPARE(h.row(h.singlePage).fileSize, before.fileSize);
+        QVERIFY(w->pageImage().canUndo());
+    }
+};
+
+QMR_TEST(TestPageSave)
+#include "testpagesave.moc"

@@ -1,0 +1,377 @@
+#include <QAction>
+#include <QApplication>
+#include <QClipboard>
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QMouseEvent>
+#include <QPushButton>
+#include <QTest>
+
+#include "tests/support/testrunner.h"
+#include "viewer/pagecanvas.h"
+#include "viewer/pageviewwindow.h"
+#include "viewer/viewerpageopener.h"
+#include "viewer/viewsettingsdialog.h"
+#include "viewer/zoomrules.h"
+#include "viewerharness.h"
+
+using namespace qmr;
+
+namespace {
+
+std::unique_ptr<PageViewWindow> openViewer(test::ViewerHarness& h, qint32 pageId)
+{
+    auto window = std::make_unique<PageViewWindow>(h.context());
+    window->setAttribute(Qt::WA_DeleteOnClose, false);
+    window->resize(900, 700);
+    window->openPage(pageId);
+    // The image follows the window once the events of showing are done.
+    QTest::qWait(0);
+    QCoreApplication::processEvents();
+    return window;
+}
+
+template <class T> T* control(QWidget* w, const char* name)
+{
+    T* c = w->findChild<T*>(QLatin1String(name));
+    if (!c)
+        qWarning("no control %s", name);
+    return c;
+}
+
+// Mouse events on the image as a person makes them, the left button held while moving.
+void press(PageCanvas* canvas, const QPoint& at)
+{
+    QMouseEvent e(QEvent::MouseButtonPress, at, canvas->viewport()->mapToGlobal(at), Qt::LeftButton,
+                  Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(canvas->viewport(), &e);
+}
+void drag(PageCanvas* canvas, const QPoint& to)
+{
+    QMouseEvent e(QEvent::MouseMove, to, canvas->viewport()->mapToGlobal(to), Qt::NoButton,
+                  Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(canvas->viewport(), &e);
+}
+void release(PageCanvas* canvas, const QPoint& at)
+{
+    QMouseEvent e(QEvent::MouseButtonRelease, at, canvas->viewport()->mapToGlobal(at),
+                  Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
+    QApplication::sendEvent(canvas->viewport(), &e);
+}
+
+} // namespace
+
+class TestPageViewer : public QObject
+{
+    Q_OBJECT
+private slots:
+    void neighbours_data()
+    {
+        QTest::addColumn<QString>("page");
+        QTest::addColumn<QString>("previous"); // "" for none: the button is disabled
+        QTest::addColumn<QString>("next");
+        QTest::addColumn<QString>("caption");
+        QTest::newRow("4") << "numbered4"
+                           << ""
+                           << "twinA"
+                           << "Page # 4 (ID = %1)";
+        QTest::newRow("first 5") << "twinA"
+                                 << "numbered4"
+                                 << "twinB"
+                                 << "Page # 5 (ID = %1)";
+        // Back from the second 5 lands on 4: a lower number comes before a twin.
+        QTest::newRow("second 5") << "twinB"
+                                  << "numbered4"
+                                  << ""
+                                  << "Page # 5 (ID = %1)";
+        QTest::newRow("one page alone") << "singlePage"
+                                        << ""
+                                        << ""
+                                        << "Page # 1 (ID = %1)";
+    }
+    void neighbours()
+    {
+        QFETCH(QString, page);
+        QFETCH(QString, previous);
+        QFETCH(QString, next);
+        QFETCH(QString, caption);
+        test::ViewerHarness h;
+        const QHash<QString, qint32> ids{{"numbered4", h.numbered4},
+                                         {"twinA", h.twinA},
+                                         {"twinB", h.twinB},
+                                         {"singlePage", h.singlePage}};
+        auto w = openViewer(h, ids[page]);
+        QCOMPARE(w->windowTitle(), caption.arg(ids[page]));
+        QCOMPARE(w->location().prevPageId, ids.value(previous, -1));
+        QCOMPARE(w->location().nextPageId, ids.value(next, -1));
+        QCOMPARE(control<QPushButton>(w.get(), "cmdPrev")->isEnabled(), !previous.isEmpty());
+        QCOMPARE(control<QPushButton>(w.get(), "cmdNext")->isEnabled(), !next.isEmpty());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void walkThroughTheDocument()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.numbered4);
+        w->cmdNext();
+        QCOMPARE(w->location().pageId, h.twinA);
+        w->cmdNext();
+        QCOMPARE(w->location().pageId, h.twinB);
+        QVERIFY(!control<QPushButton>(w.get(), "cmdNext")->isEnabled());
+        w->cmdNext(); // at the end: nothing happens
+        QCOMPARE(w->location().pageId, h.twinB);
+        w->cmdPrev();
+        QCOMPARE(w->location().pageId, h.numbered4);
+        QCOMPARE(w->windowTitle(), QString("Page # 4 (ID = %1)").arg(h.numbered4));
+        QVERIFY(w->pageImage().image().size() == QSize(400, 500));
+    }
+
+    void openShowsThePage()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.singlePage);
+        QCOMPARE(w->mode(), ViewerMode::Edit);
+        QCOMPARE(w->canvas()->image().size(), QSize(850, 1100));
+        QCOMPARE(w->canvas()->zoomPercent(), 100.0);
+        QCOMPARE(w->currentFile(), h.session->paths().computedPagePath(h.singlePage));
+        // A cabinet whose names the program chooses shows no file name.
+        QVERIFY(!control<QLineEdit>(w.get(), "txtFilename")->isVisible());
+        QVERIFY(!control<QLabel>(w.get(), "lblSaveTo")->isVisible());
+        QVERIFY(!control<QPushButton>(w.get(), "cmdPrint")->isEnabled());
+
+        auto n = openViewer(h, h.named);
+        QVERIFY(control<QLineEdit>(n.get(), "txtFilename")->isVisible());
+        QCOMPARE(control<QLineEdit>(n.get(), "txtFilename")->text(), h.outsideFile("first.jpg"));
+    }
+
+    void missingFileGivesAnEmptyViewer()
+    {
+        test::ViewerHarness h;
+        QVERIFY(QFile::remove(h.session->paths().computedPagePath(h.twinA)));
+        auto w = openViewer(h, h.numbered4);
+        QVERIFY(w->canvas()->hasImage());
+        // Moving on to a page without its file must not leave the last picture standing in.
+        w->cmdNext();
+        QCOMPARE(w->windowTitle(), QString("Page # 5 (ID = %1)").arg(h.twinA));
+        QVERIFY(!w->canvas()->hasImage());
+        QVERIFY(w->currentFile().isEmpty());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void zoomDefault_data()
+    {
+        QTest::addColumn<QString>("setting");
+        QTest::addColumn<QString>("fit"); // "", "width", "height"
+        QTest::newRow("none") << "NONE"
+                              << "";
+        QTest::newRow("fit width") << "FITWIDTH"
+                                   << "width";
+        QTest::newRow("fit height") << "FITHEIGHT"
+                                    << "height";
+    }
+    void zoomDefault()
+    {
+        QFETCH(QString, setting);
+        QFETCH(QString, fit);
+        test::ViewerHarness h;
+        h.view->setZoomDefault(setting);
+        auto w = openViewer(h, h.singlePage);
+        PageCanvas* c = w->canvas();
+        const double expected = fit == "width"    ? ZoomRules::fit(c->width(), 850)
+                                : fit == "height" ? ZoomRules::fit(c->height(), 1100)
+                                                  : 100.0;
+        QCOMPARE(c->zoomPercent(), expected);
+        QCOMPARE(expected < 100, !fit.isEmpty());
+    }
+
+    void viewSettingsApplyAtOnce()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.singlePage);
+        w->cmdZoomIn();
+        QCOMPARE(w->canvas()->zoomPercent(), 125.0);
+        ViewSettingsDialog dialog(*h.view);
+        QCOMPARE(control<QComboBox>(&dialog, "cboZoom")->currentIndex(), 0);
+        dialog.chooseZoom(1);
+        QCOMPARE(h.home.settings().get(keys::ZoomDefault), QString("FITWIDTH"));
+        QCOMPARE(w->canvas()->zoomPercent(), ZoomRules::fit(w->canvas()->width(), 850));
+        dialog.chooseZoom(2);
+        QCOMPARE(h.view->zoomDefault(), QString("FITHEIGHT"));
+        QCOMPARE(w->canvas()->zoomPercent(), ZoomRules::fit(w->canvas()->height(), 1100));
+        dialog.chooseZoom(0);
+        QCOMPARE(h.home.settings().get(keys::ZoomDefault), QString("NONE"));
+        QCOMPARE(w->canvas()->zoomPercent(), 100.0);
+    }
+
+    void zoomLimits()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.singlePage);
+        int presses = 0;
+        double last = 0;
+        while (w->canvas()->zoomPercent() != last && presses < 100) {
+            last = w->canvas()->zoomPercent();
+            w->cmdZoomOut();
+            ++presses;
+        }
+        // 100, 75, 56.25 ... 13.35, 10.01, 7.51: the press at 7.51 is refused.
+        QCOMPARE(presses, 10);
+        QVERIFY(qAbs(w->canvas()->zoomPercent() - 100 * std::pow(0.75, 9)) < 1e-9);
+        while (w->canvas()->zoomPercent() < 10000)
+            w->cmdZoomIn();
+        const double top = w->canvas()->zoomPercent();
+        w->cmdZoomIn();
+        QCOMPARE(w->canvas()->zoomPercent(), top);
+    }
+
+    void bandAndCrop()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.singlePage);
+        PageCanvas* c = w->canvas();
+        const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
+        const QPoint origin = c->imagePointAt(base);
+        press(c, base);
+        drag(c, base + QPoint(60, 40));
+        drag(c, base + QPoint(120, 90));
+        release(c, base + QPoint(120, 90));
+        QVERIFY(c->bandActive());
+        QCOMPARE(c->bandStart(), origin);
+        QCOMPARE(c->bandEnd(), origin + QPoint(120, 90));
+        w->cmdCrop();
+        QCOMPARE(w->pageImage().image().size(), QSize(120, 90));
+        QVERIFY(!c->bandActive());
+        // A second crop needs a new band.
+        w->cmdCrop();
+        QCOMPARE(w->pageImage().image().size(), QSize(120, 90));
+        // A press without a move keeps the last move point: the crop runs to it.
+        const QPoint at = c->imagePointAt(c->viewport()->rect().center() - QPoint(20, 10));
+        const QPoint viewAt = c->viewport()->rect().center() - QPoint(20, 10);
+        press(c, viewAt);
+        release(c, viewAt);
+        const QRect expected = ImageEdit::cropRectFromBand(at, origin + QPoint(120, 90))
+                                   .intersected(QRect(0, 0, 120, 90));
+        w->cmdCrop();
+        QCOMPARE(w->pageImage().image().size(), expected.size());
+        w->mnuEditUndo();
+        w->mnuEditUndo();
+        QCOMPARE(w->pageImage().image().size(), QSize(850, 1100));
+        QVERIFY(!w->imageChanged()); // crops leave the flag alone
+    }
+
+    void rotateTrimAndUndo()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.named); // 600 x 400, white around a frame
+        QAction* undo = control<QAction>(w.get(), "mnuEditUndo");
+        QVERIFY(!undo->isEnabled());
+        w->cmdRotateClockwise();
+        QCOMPARE(w->pageImage().image().size(), QSize(400, 600));
+        QVERIFY(w->imageChanged());
+        QCOMPARE(w->canvas()->zoomPercent(), 100.0);
+        QVERIFY(undo->isEnabled());
+        w->cmdAutoTrim();
+        const QSize trimmed = w->pageImage().image().size();
+        QVERIFY2(trimmed.width() < 400 && trimmed.height() < 600,
+                 qPrintable(QString("%1x%2").arg(trimmed.width()).arg(trimmed.height())));
+        undo->trigger();
+        QCOMPARE(w->pageImage().image().size(), QSize(400, 600));
+        undo->trigger();
+        QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
+        QVERIFY(!undo->isEnabled());
+    }
+
+    void clipboard()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.named);
+        w->mnuEditCopy();
+        QCOMPARE(QApplication::clipboard()->image().size(), QSize(600, 400));
+        const QImage other = test::ViewerHarness::picture(QSize(90, 70), Qt::red);
+        QApplication::clipboard()->setImage(other);
+        w->mnuEditPaste();
+        QCOMPARE(w->pageImage().image().size(), QSize(90, 70));
+        QCOMPARE(w->pageImage().image().pixel(45, 35),
+                 other.convertToFormat(QImage::Format_RGB32).pixel(45, 35));
+        w->mnuEditUndo();
+        QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
+        // Nothing on the clipboard: nothing happens.
+        QApplication::clipboard()->clear();
+        w->mnuEditPaste();
+        QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
+        QVERIFY(!w->pageImage().canUndo());
+    }
+
+    void escapeCloses()
+    {
+        test::ViewerHarness h;
+        auto w = openViewer(h, h.singlePage);
+        w->cmdRotateClockwise();
+        QTest::keyClick(w.get(), Qt::Key_Escape);
+        QVERIFY(!w->isVisible());
+        // Mode "Edit" closes without asking, and the change on the screen is dropped.
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(QImage(h.session->paths().computedPagePath(h.singlePage)).size(),
+                 QSize(850, 1100));
+    }
+
+    void opener_data()
+    {
+        QTest::addColumn<QString>("kind"); // how the page is stored
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<bool>("viewer");
+        QTest::addColumn<bool>("program");
+        QTest::newRow("page") << "page"
+                              << "" << true << false;
+        QTest::newRow("page without its file") << "missing page"
+                                               << "Missing file '%1'." << false << false;
+        QTest::newRow("shortcut") << "shortcut"
+                                  << "" << false << true;
+        QTest::newRow("shortcut without its file") << "missing shortcut"
+                                                   << "Missing file '%1'." << false << false;
+        QTest::newRow("shortcut without a name")
+            << "nameless shortcut"
+            << "This shortcut has no filename." << false << false;
+    }
+    void opener()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, message);
+        QFETCH(bool, viewer);
+        QFETCH(bool, program);
+        test::ViewerHarness h;
+        qint32 id = h.singlePage;
+        QString path = h.session->paths().computedPagePath(id);
+        if (kind == "missing page") {
+            QFile::remove(path);
+        } else if (kind.contains("shortcut")) {
+            path = kind == "nameless shortcut" ? QString() : h.outsideFile("letter.pdf");
+            if (kind == "shortcut")
+                QVERIFY(QFile(path).open(QIODevice::WriteOnly));
+            h.session->db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? "
+                                    "WHERE PageId = ?",
+                                    {path.isEmpty() ? QVariant() : QVariant(path), id});
+        }
+        if (!message.isEmpty())
+            h.prompter.expect(message.arg(path));
+        ViewerPageOpener opener(h.context());
+        opener.openPage(id);
+        QCoreApplication::processEvents();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(opener.viewer() != nullptr, viewer);
+        QCOMPARE(h.choosers.edited(), program ? QStringList{path} : QStringList());
+        if (viewer) {
+            QTRY_COMPARE(opener.viewer()->windowTitle(), QString("Page # 1 (ID = %1)").arg(id));
+            // A second page goes to the same viewer.
+            PageViewWindow* first = opener.viewer();
+            opener.openPage(h.twinA);
+            QCOMPARE(opener.viewer(), first);
+            QTRY_COMPARE(first->location().pageId, h.twinA);
+            first->close();
+        }
+    }
+};
+
+QMR_TEST(TestPageViewer)
+#include "testpageviewer.moc"

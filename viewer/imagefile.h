@@ -1,0 +1,31 @@
+#pragma once
+
+#include <QByteArray>
+#include <QImage>
+#include <QString>
+#include <optional>
+
+namespace qmr {
+
+// Reading and writing page images. The viewer keeps its decoders to the kinds a page is made
+// of: files of the kinds it leaves to other programs (PNG, GIF, TGA...) do not load.
+class ImageFile
+{
+public:
+    // The page image in a form the edits work on (24-bit colour, or 8-bit grey as the file
+    // has it); a null image when the file is missing, unreadable or of a refused kind.
+    static QImage load(const QString& path);
+    // Whether the viewer leaves a format (by Qt's format name) to other programs.
+    static bool isRefusedFormat(const QByteArray& format);
+    // An image from elsewhere (the clipboard) in the form of a loaded page: transparency
+    // lies on white.
+    static QImage normalised(const QImage& image);
+
+    // Writes a JPEG at the quality factor of the settings (lower is better) to a temporary
+    // file beside `path` and renames it over `path`, so that a failed write leaves the old
+    // file whole. The failure's text, naming the path, or nothing.
+    static std::optional<QString> writeJpeg(const QImage& image, const QString& path,
+                                            int qualityFactor);
+};
+
+} // namespace qmr
