@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 #include <optional>
 
@@ -42,8 +43,10 @@ class PageStore
 public:
     explicit PageStore(Database& db) : m_db(db) {}
 
-    // A document's pages in page order (ties by id), in one query.
-    QVector<PageRow> pages(qint32 documentId) const;
+    // A document's pages in page order (ties by id), in one query. `extraConditions` (SQL
+    // conditions on the Page row, as the find clause builders make them) narrow the list to
+    // the pages a search looked for.
+    QVector<PageRow> pages(qint32 documentId, const QStringList& extraConditions = {}) const;
     std::optional<PageRow> page(qint32 pageId) const;
     qint32 documentOf(qint32 pageId) const; // -1 when the row is gone
     int count(qint32 documentId) const;
