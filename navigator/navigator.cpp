@@ -155,7 +155,7 @@ void Navigator::tvwMainProcessNode(const QString& text)
                 else
                     showChildrenInList(*childLevel(*level), key.id());
             } else if (key.foundLevel() == Level::Document) {
-                showPagesInListView(key.id());
+                showPagesInListView(key.id(), true);
             }
         });
     }
@@ -230,11 +230,14 @@ void Navigator::showCabinetsInListView()
     showChildrenInList(Level::Cabinet, -1);
 }
 
-void Navigator::showPagesInListView(qint32 documentId)
+void Navigator::showPagesInListView(qint32 documentId, bool found)
 {
     m_list.hide();
     m_pages.show();
-    m_pages.showPages(documentId, m_context.session.pages().pages(documentId),
+    m_pagesFound = found;
+    const QStringList conditions =
+        found ? m_context.session.foundSet().pageConditions() : QStringList();
+    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, conditions),
                       m_context.session.paths());
 }
 
@@ -277,7 +280,7 @@ void Navigator::refreshPages(qint32 documentId, qint32 selectPageId)
 {
     if (!m_pages.isVisible() || m_pages.documentId() != documentId)
         return;
-    guarded(m_context.prompter, [&] { showPagesInListView(documentId); });
+    guarded(m_context.prompter, [&] { showPagesInListView(documentId, m_pagesFound); });
     if (selectPageId >= 0)
         m_pages.selectPage(selectPageId);
 }

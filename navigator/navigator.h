@@ -47,7 +47,9 @@ public:
     void showCabinetsInListView();
     // Lists the children of a container in lvwMain (cabinets for Level::Cabinet).
     void showChildrenInList(Level childLevel, qint32 parentId);
-    void showPagesInListView(qint32 documentId);
+    // `found`: the document's copy in the found branch, whose pages are those the search
+    // looked for.
+    void showPagesInListView(qint32 documentId, bool found = false);
     void hidePagePane();
     // The key to come back to at the next start.
     QString lastNodeKeyToSave() const;
@@ -98,6 +100,8 @@ private:
     QWidget* m_window;
     TreeFiller m_filler;
     bool m_nodeBusy = false;
+    // The page pane shows a found document, narrowed by the search.
+    bool m_pagesFound = false;
 };
 
 } // namespace qmr

@@ -15,7 +15,9 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "find/findcommands.h"
 #include "navigator/containerlist.h"
+#include "navigator/foundbranch.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
@@ -108,7 +110,20 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->refreshNavTree(); });
     m_itemCommands = std::make_unique<ItemCommands>(m_navigator->context(), m_templates);
     m_itemCommands->addTo(commands);
+    m_foundBranch = std::make_unique<FoundBranch>(*m_tree, m_icons);
+    m_findCommands = std::make_unique<FindCommands>(m_navigator->context(), *m_foundBranch);
+    m_findCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
+    FindCommands::bindKeys(m_menus.action(QStringLiteral("mnuFileFind")));
+    // A button works once a command stands behind its name.
+    for (QPushButton* button : centralWidget()->findChildren<QPushButton*>()) {
+        const auto command = commands.constFind(button->objectName());
+        if (command == commands.constEnd())
+            continue;
+        button->setEnabled(true);
+        button->setToolTip(QString());
+        connect(button, &QPushButton::clicked, this, [run = command.value()] { run(); });
+    }
 
     connect(m_navigator.get(), &Navigator::documentActivated, this,
             [this](qint32 id) { m_itemCommands->properties(Level::Document, id); });
@@ -164,6 +179,8 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     m_tree->expandNode(QStringLiteral("ROOT"));
     m_menus.showOnly(QString());
     m_navigator->restoreLastNode();
+    // The tree has the keys at start, not the first button that works.
+    m_tree->setFocus();
     step(QStringLiteral("Loading main menu"));
 }
 

@@ -15,6 +15,8 @@ namespace qmr {
 
 class ContainerList;
 class DrawerTemplates;
+class FindCommands;
+class FoundBranch;
 class ItemCommands;
 class NavTree;
 class Navigator;
@@ -74,6 +76,8 @@ private:
     QSplitter* m_splitter = nullptr;
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
+    std::unique_ptr<FoundBranch> m_foundBranch;
+    std::unique_ptr<FindCommands> m_findCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };
