@@ -25,6 +25,11 @@ const QString kFolders =
     QStringLiteral("SELECT Folder.* FROM (Cabinet INNER JOIN Drawer ON Cabinet.CabinetId = "
                    "Drawer.CabinetId) INNER JOIN Folder ON Drawer.DrawerId = Folder.DrawerId ");
 
+const QString kFolderDocuments = QStringLiteral(
+    "SELECT Document.DocumentId, Document.FolderId, Document.Name FROM ((Cabinet INNER JOIN "
+    "Drawer ON Cabinet.CabinetId = Drawer.CabinetId) INNER JOIN Folder ON Drawer.DrawerId = "
+    "Folder.DrawerId) INNER JOIN Document ON Folder.FolderId = Document.FolderId ");
+
 // Appends each clause that is set, in order: " AND " between them, a blank before each.
 QString joinClauses(std::initializer_list<QString> clauses)
 {
@@ -161,6 +166,14 @@ QString FindQuery::folderStatement(const FindRecord& criteria, qint32 cabinetId,
     const QString where = joinClauses(
         {buildKeywordClause(criteria, QStringLiteral("Folder.")), buildFolderClause(folderId)});
     return kFolders + cabinetWhere(cabinetId, where);
+}
+
+QString FindQuery::folderDocumentsStatement(const FindRecord& criteria, qint32 cabinetId,
+                                            qint32 folderId)
+{
+    const QString where = joinClauses(
+        {buildKeywordClause(criteria, QStringLiteral("Folder.")), buildFolderClause(folderId)});
+    return kFolderDocuments + cabinetWhere(cabinetId, where);
 }
 
 QString FindQuery::dateLiteral(const QDate& date)

@@ -35,6 +35,10 @@ public:
     // The document pass for one cabinet, and the folder pass.
     static QString documentStatement(const FindRecord& criteria, qint32 cabinetId, qint32 folderId);
     static QString folderStatement(const FindRecord& criteria, qint32 cabinetId, qint32 folderId);
+    // The documents of the folders that the folder pass finds, in one statement instead of one
+    // per folder.
+    static QString folderDocumentsStatement(const FindRecord& criteria, qint32 cabinetId,
+                                            qint32 folderId);
 
     // #m/d/yyyy#, a date as the statements write it.
     static QString dateLiteral(const QDate& date);

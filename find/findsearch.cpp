@@ -5,8 +5,33 @@
 #include "core/findrecord.h"
 #include "find/findquery.h"
 #include "store/session.h"
+#include "store/sqltext.h"
 
 namespace qmr {
+
+namespace {
+
+// The position of a field in a result, looked up once rather than row by row.
+int column(const Recordset& rs, const QString& name)
+{
+    const QStringList& columns = rs.columns();
+    for (int i = 0; i < columns.size(); ++i)
+        if (columns.at(i).compare(name, Qt::CaseInsensitive) == 0)
+            return i;
+    return -1; // reading it fails with the store's message
+}
+
+// The documents of a result (fields DocumentId, FolderId and Name), in order.
+template <typename Add> void eachDocument(const Recordset& rs, Add add)
+{
+    const int id = column(rs, QStringLiteral("DocumentId"));
+    const int folder = column(rs, QStringLiteral("FolderId"));
+    const int name = column(rs, QStringLiteral("Name"));
+    for (int i = 0; i < rs.recordCount(); ++i)
+        add(rs.value(i, id).toInt(), rs.value(i, folder).toInt(), nullToString(rs.value(i, name)));
+}
+
+} // namespace
 
 FindSearch::FindSearch(Session& session) : m_session(session)
 {
@@ -26,7 +51,8 @@ QVector<qint32> FindSearch::cabinetsToSearch(qint32 cabinetId) const
 
 FindOutcome FindSearch::run(const FindRecord& criteria, qint32 cabinetId, qint32 folderId)
 {
-    m_chains.clear();
+    for (QHash<qint32, Place>& places : m_places)
+        places.clear();
     m_session.foundSet().clear();
     FindOutcome outcome;
     for (const qint32 cabinet : cabinetsToSearch(cabinetId)) {
@@ -47,52 +73,60 @@ void FindSearch::documentPass(const FindRecord& criteria, qint32 cabinetId, qint
     const Recordset rs = m_session.db().openRecordset(
         FindQuery::forStore(FindQuery::documentStatement(criteria, cabinetId, folderId)));
     outcome.foundCount += rs.recordCount();
-    for (int i = 0; i < rs.recordCount(); ++i)
-        addFoundDocument(rs.integer(i, QStringLiteral("DocumentId")),
-                         rs.integer(i, QStringLiteral("FolderId")),
-                         rs.text(i, QStringLiteral("Name")), outcome);
+    eachDocument(rs, [&](qint32 id, qint32 folder, const QString& name) {
+        addFoundDocument(id, folder, name, outcome);
+    });
 }
 
 void FindSearch::folderPass(const FindRecord& criteria, qint32 cabinetId, qint32 folderId,
                             FindOutcome& outcome)
 {
-    // No guard and no date, amount or size: every document of a matching folder counts.
-    const Recordset rs = m_session.db().openRecordset(
+    // No guard and no date, amount or size: every document of a matching folder counts, and
+    // so does a matching folder without documents.
+    Database& db = m_session.db();
+    const Recordset folders = db.openRecordset(
         FindQuery::forStore(FindQuery::folderStatement(criteria, cabinetId, folderId)));
-    outcome.foundCount += rs.recordCount();
-    for (int i = 0; i < rs.recordCount(); ++i) {
-        const qint32 folder = rs.integer(i, QStringLiteral("FolderId"));
-        for (const ItemRow& document : m_session.items().children(Level::Document, folder))
-            addFoundDocument(document.id, folder, document.name, outcome);
-    }
+    outcome.foundCount += folders.recordCount();
+    if (folders.isEmpty())
+        return;
+    for (int i = 0; i < folders.recordCount(); ++i)
+        m_places[int(Level::Folder)].insert(folders.integer(i, QStringLiteral("FolderId")),
+                                            Place{folders.integer(i, QStringLiteral("DrawerId")),
+                                                  folders.text(i, QStringLiteral("Name")), true});
+    // Their documents all at once rather than folder by folder: the same rows, and a search
+    // without keywords, which matches every folder, stays quick.
+    const Recordset documents = db.openRecordset(
+        FindQuery::forStore(FindQuery::folderDocumentsStatement(criteria, cabinetId, folderId)));
+    eachDocument(documents, [&](qint32 id, qint32 folder, const QString& name) {
+        addFoundDocument(id, folder, name, outcome);
+    });
 }
 
-const FindSearch::Chain& FindSearch::chainOf(qint32 folderId)
+const FindSearch::Place& FindSearch::place(Level level, qint32 id)
 {
-    if (const auto known = m_chains.constFind(folderId); known != m_chains.constEnd())
+    QHash<qint32, Place>& places = m_places[int(level)];
+    if (const auto known = places.constFind(id); known != places.constEnd())
         return *known;
     ItemStore& items = m_session.items();
-    Chain chain;
-    chain.drawerId = items.drawerOfFolder(folderId);
-    if (chain.drawerId >= 0)
-        chain.cabinetId = items.cabinetOfDrawer(chain.drawerId);
-    if (chain.cabinetId >= 0) {
-        chain.cabinetName = items.item(Level::Cabinet, chain.cabinetId).name;
-        chain.drawerName = items.item(Level::Drawer, chain.drawerId).name;
-        chain.folderName = items.item(Level::Folder, folderId).name;
-    }
-    return *m_chains.insert(folderId, chain);
+    Place place;
+    const ItemRow row = items.item(level, id);
+    place.exists = row.id >= 0;
+    place.name = row.name;
+    if (place.exists && level != Level::Cabinet)
+        place.parentId = items.parentOf(level, id);
+    return *places.insert(id, place);
 }
 
 void FindSearch::addFoundDocument(qint32 documentId, qint32 folderId, const QString& name,
                                   FindOutcome& outcome)
 {
-    const Chain& chain = chainOf(folderId);
-    if (chain.cabinetId < 0)
+    const Place& folder = place(Level::Folder, folderId);
+    const Place& drawer = place(Level::Drawer, folder.parentId);
+    const Place& cabinet = place(Level::Cabinet, drawer.parentId);
+    if (!folder.exists || !drawer.exists || !cabinet.exists)
         return; // its places are gone: there is nothing to hang it on
-    outcome.documents << FoundDocument{
-        chain.cabinetId,   chain.drawerId,   folderId,         documentId,
-        chain.cabinetName, chain.drawerName, chain.folderName, name};
+    outcome.documents << FoundDocument{drawer.parentId, folder.parentId, folderId,    documentId,
+                                       cabinet.name,    drawer.name,     folder.name, name};
 }
 
 } // namespace qmr

@@ -4,6 +4,7 @@
 #include <QVector>
 
 #include "core/foundresults.h"
+#include "core/level.h"
 
 namespace qmr {
 
@@ -33,13 +34,13 @@ public:
     QVector<qint32> cabinetsToSearch(qint32 cabinetId) const;
 
 private:
-    struct Chain
+    // A folder, drawer or cabinet above a found document: its parent's id (-1 for a cabinet,
+    // or when the row is gone) and its name.
+    struct Place
     {
-        qint32 cabinetId = -1;
-        qint32 drawerId = -1;
-        QString cabinetName;
-        QString drawerName;
-        QString folderName;
+        qint32 parentId = -1;
+        QString name;
+        bool exists = false;
     };
     void documentPass(const FindRecord& criteria, qint32 cabinetId, qint32 folderId,
                       FindOutcome& outcome);
@@ -47,11 +48,11 @@ private:
                     FindOutcome& outcome);
     void addFoundDocument(qint32 documentId, qint32 folderId, const QString& name,
                           FindOutcome& outcome);
-    // The places above a folder with their names, read once per search.
-    const Chain& chainOf(qint32 folderId);
+    // Read once per search: many documents share their places.
+    const Place& place(Level level, qint32 id);
 
     Session& m_session;
-    QHash<qint32, Chain> m_chains;
+    QHash<qint32, Place> m_places[3]; // cabinets, drawers, folders
 };
 
 } // namespace qmr

@@ -69,6 +69,14 @@ private slots:
                          "Drawer.CabinetId) INNER JOIN Folder ON Drawer.DrawerId = "
                          "Folder.DrawerId  WHERE Cabinet.CabinetId = 5 AND  ( Folder.Name LIKE "
                          "'%tax%' OR Folder.Description LIKE '%tax%') AND  (Folder.FolderId = 9)"));
+        // The documents of those folders, in one statement.
+        QCOMPARE(FindQuery::folderDocumentsStatement(r, 5, 9),
+                 QString("SELECT Document.DocumentId, Document.FolderId, Document.Name FROM "
+                         "((Cabinet INNER JOIN Drawer ON Cabinet.CabinetId = Drawer.CabinetId) "
+                         "INNER JOIN Folder ON Drawer.DrawerId = Folder.DrawerId) INNER JOIN "
+                         "Document ON Folder.FolderId = Document.FolderId  WHERE "
+                         "Cabinet.CabinetId = 5 AND  ( Folder.Name LIKE '%tax%' OR "
+                         "Folder.Description LIKE '%tax%') AND  (Folder.FolderId = 9)"));
         // No keywords and no folder: the cabinet alone.
         r.keywords.clear();
         QVERIFY(FindQuery::documentStatement(r, 5, 0).endsWith("  WHERE Cabinet.CabinetId = 5"));
