@@ -1,22 +1,12 @@
 #include "navigator/foundbranch.h"
 
-#include <QTreeWidgetItem>
+#include <QSet>
 
 #include "core/nodekey.h"
 #include "navigator/navicons.h"
 #include "navigator/navtree.h"
 
 namespace qmr {
-
-namespace {
-
-void makeFixed(QTreeWidgetItem* item)
-{
-    item->setFlags(item->flags() &
-                   ~(Qt::ItemIsEditable | Qt::ItemIsDragEnabled | Qt::ItemIsDropEnabled));
-}
-
-} // namespace
 
 FoundBranch::FoundBranch(NavTree& tree, NavIcons& icons) : m_tree(tree), m_icons(icons)
 {
@@ -27,37 +17,49 @@ void FoundBranch::clear()
     m_tree.removeNode(NodeKey::foundRoot().text());
 }
 
-void FoundBranch::addCopy(const QString& parentKey, const QString& key, const QString& text,
-                          const char* icon)
-{
-    if (QTreeWidgetItem* item =
-            m_tree.addNode(parentKey, key, text, m_icons.icon(QLatin1String(icon))))
-        makeFixed(item);
-}
-
 void FoundBranch::show(const QVector<FoundDocument>& documents)
 {
     const QString rootKey = NodeKey::foundRoot().text();
     clear();
-    addCopy(QString(), rootKey, QStringLiteral("Found"), "found");
-    QStringList places;
+    // The copies are fixed: no rename, no drag, no drop.
+    const Qt::ItemFlags fixed = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    const QIcon cabinetIcon = m_icons.icon(QStringLiteral("cabinet"));
+    const QIcon drawerIcon = m_icons.icon(QStringLiteral("drawer"));
+    const QIcon folderIcon = m_icons.icon(QStringLiteral("folder"));
+    const QIcon documentIcon = m_icons.icon(QStringLiteral("document"));
+    QVector<NavTree::NewNode> nodes;
+    nodes.reserve(1 + documents.size());
+    nodes.append({QString(), rootKey, QStringLiteral("Found"),
+                  m_icons.icon(QStringLiteral("found")), false, fixed});
+    // A place or document already there keeps its node: documents that share a folder share
+    // its chain, and a document found by both passes stands once.
+    QSet<qint32> seen[4];
+    const auto isNew = [&seen](Level level, qint32 id) {
+        QSet<qint32>& ids = seen[int(level)];
+        if (ids.contains(id))
+            return false;
+        ids.insert(id);
+        return true;
+    };
+    const auto key = [](Level level, qint32 id) {
+        return QLatin1String(levelInfo(level).foundPrefix) + QString::number(id);
+    };
     for (const FoundDocument& d : documents) {
-        const QString cabinet = NodeKey::found(Level::Cabinet, d.cabinetId).text();
-        const QString drawer = NodeKey::found(Level::Drawer, d.drawerId).text();
-        const QString folder = NodeKey::found(Level::Folder, d.folderId).text();
         // A found cabinet was open to the search, so it never shows the lock.
-        addCopy(rootKey, cabinet, d.cabinetName, "cabinet");
-        addCopy(cabinet, drawer, d.drawerName, "drawer");
-        addCopy(drawer, folder, d.folderName, "folder");
-        addCopy(folder, NodeKey::found(Level::Document, d.documentId).text(), d.documentName,
-                "document");
-        places << cabinet << drawer << folder;
+        if (isNew(Level::Cabinet, d.cabinetId))
+            nodes.append({rootKey, key(Level::Cabinet, d.cabinetId), d.cabinetName, cabinetIcon,
+                          true, fixed});
+        if (isNew(Level::Drawer, d.drawerId))
+            nodes.append({key(Level::Cabinet, d.cabinetId), key(Level::Drawer, d.drawerId),
+                          d.drawerName, drawerIcon, true, fixed});
+        if (isNew(Level::Folder, d.folderId))
+            nodes.append({key(Level::Drawer, d.drawerId), key(Level::Folder, d.folderId),
+                          d.folderName, folderIcon, true, fixed});
+        if (isNew(Level::Document, d.documentId))
+            nodes.append({key(Level::Folder, d.folderId), key(Level::Document, d.documentId),
+                          d.documentName, documentIcon, false, fixed});
     }
-    // The result stands open down to its documents.
-    places.removeDuplicates();
-    for (const QString& key : std::as_const(places))
-        if (QTreeWidgetItem* item = m_tree.node(key))
-            item->setExpanded(true);
+    m_tree.addNodes(nodes);
     m_tree.expandNode(rootKey);
     m_tree.selectNode(rootKey);
 }

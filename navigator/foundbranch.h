@@ -2,8 +2,6 @@
 
 #include "core/foundresults.h"
 
-class QTreeWidgetItem;
-
 namespace qmr {
 
 class NavIcons;
@@ -22,11 +20,6 @@ public:
     void show(const QVector<FoundDocument>& documents) override;
 
 private:
-    // Adds a copy below `parentKey`; a key already in the tree keeps its node, which is how
-    // documents that share a folder share its chain and a document found twice stands once.
-    void addCopy(const QString& parentKey, const QString& key, const QString& text,
-                 const char* icon);
-
     NavTree& m_tree;
     NavIcons& m_icons;
 };
