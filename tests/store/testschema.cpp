@@ -18,6 +18,12 @@ int columnCount(Database& db, const QString& table)
     return db.scalar(QStringLiteral("SELECT count(*) FROM pragma_table_info(?)"), {table}).toInt();
 }
 
+bool hasIndex(Database& db, const QString& name)
+{
+    return db.scalar("SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name = ?", {name})
+               .toInt() == 1;
+}
+
 int versionRows(Database& db)
 {
     return db.scalar(QStringLiteral("SELECT count(*) FROM Version")).toInt();
@@ -52,6 +58,7 @@ private slots:
         QCOMPARE(columnCount(db, "Document"), 6);
         QCOMPARE(columnCount(db, "Page"), 13);
         QCOMPARE(columnCount(db, "Version"), 1);
+        QVERIFY(hasIndex(db, "Page_DocumentScan"));
         QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
         // A parent that does not exist is the program's business, not the store's.
         db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (999, 'Orphan')");
@@ -81,6 +88,7 @@ private slots:
             QCOMPARE(db.hasColumn("Cabinet", "Storage"), from >= 1);
             if (from < 2)
                 db.execute("INSERT INTO Page (DocumentId, PageNumber) VALUES (1, 1)");
+            QVERIFY(!hasIndex(db, "Page_DocumentScan"));
         }
         Database db;
         StoreSchema::openDatabase(db, home.home());
@@ -89,6 +97,7 @@ private slots:
         QCOMPARE(columnCount(db, "Cabinet"), 6);
         QCOMPARE(columnCount(db, "Folder"), 5);
         QCOMPARE(columnCount(db, "Page"), 13);
+        QVERIFY(hasIndex(db, "Page_DocumentScan"));
         if (from < 2) // pages older than the file type get "JPG"
             QCOMPARE(db.scalar("SELECT Filetype FROM Page").toString(), QStringLiteral("JPG"));
     }
