@@ -16,7 +16,7 @@ namespace qmr::test {
 //   Home Papers (1) / Bank (1) / Checking (1): March statement (1, 2 pages), O'Brien's letter
 //                                               (2, no pages), Checking fees (5, 1 page)
 //                              / Savings (2): empty
-//                  / Taxes (2) / 2025 (3): Return (3, 1 page)
+//                  / Taxes (2) / 2025 (3): Return (3, 1 page), Müller Ärztekammer (7)
 //   Private (2, "secret") / Health (3) / Doctor (4): Checkup (4, 1 page)
 //   Office (3) / Clients (4) / Acme (5): Acme tax bill (6, 2 pages)
 struct FindFixture
@@ -46,6 +46,7 @@ struct FindFixture
         const qint32 bill = s.document(acme, "Acme tax bill", QDate(2004, 3, 15), 15.0);
         page(bill, 1, QDate(2004, 1, 10), 150);
         page(bill, 2, QDate(2004, 2, 20), 900);
+        s.document(3, "Müller Ärztekammer");
         // Scan dates and sizes of the sample's own pages: March 2026, a few thousand bytes.
         db.execute("UPDATE Page SET ScanDate = '2026-03-14 00:00:00', FileSize = 4000 WHERE "
                    "PageId <= 3");

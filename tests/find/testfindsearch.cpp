@@ -66,6 +66,8 @@ private slots:
             << keywords("tax bill", false) << 0 << 0 << QStringList{"DOC6"} << 1;
         QTest::newRow("all words: not split")
             << keywords("bill tax", false) << 0 << 0 << QStringList{} << 0;
+        QTest::newRow("any case beyond ascii")
+            << keywords("ÄRZTEKAMMER") << 0 << 0 << QStringList{"DOC7"} << 1;
         QTest::newRow("quote in a keyword")
             << keywords("O'Brien") << 0 << 0 << QStringList{"DOC2"} << 1;
         // The folder Checking matches, so all its documents come, and "Checking fees" twice.
@@ -87,7 +89,7 @@ private slots:
         dates.scanFrom = QDate(2004, 1, 1);
         dates.scanThru = QDate(2004, 1, 31);
         QTest::newRow("date range alone brings everything")
-            << dates << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6"} << 5;
+            << dates << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"} << 5;
         QTest::newRow("date range alone, one cabinet")
             << dates << 3 << 0 << QStringList{"DOC6"} << 2;
 

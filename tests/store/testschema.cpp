@@ -187,6 +187,76 @@ private slots:
         QVERIFY(items.insertItem(Level::Cabinet, -1, "Next") > id);
     }
 
+    void likeComparesWithoutCase_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("escape"); // "" for none
+        QTest::addColumn<int>("matches");    // -1: Null
+        QTest::newRow("ascii, other case") << "Tax bill 2004"
+                                           << "%TAX%"
+                                           << "" << 1;
+        QTest::newRow("ascii, no match") << "Tax bill 2004"
+                                         << "%taxes%"
+                                         << "" << 0;
+        QTest::newRow("umlaut, other case") << "Müller's letter"
+                                            << "%MÜLLER%"
+                                            << "" << 1;
+        QTest::newRow("ascii pattern, accented text") << "Ärzte und Müller"
+                                                      << "%und%"
+                                                      << "" << 1;
+        QTest::newRow("accented pattern, ascii text") << "Mueller"
+                                                      << "%ü%"
+                                                      << "" << 0;
+        QTest::newRow("greek") << "ΑΘΗΝΑ"
+                               << "%αθ%"
+                               << "" << 1;
+        QTest::newRow("one character") << "Müller"
+                                       << "m_ller"
+                                       << "" << 1;
+        QTest::newRow("one character is one") << "Müller"
+                                              << "m_ler"
+                                              << "" << 0;
+        QTest::newRow("anchored start") << "Bill for Müller"
+                                        << "müller%"
+                                        << "" << 0;
+        QTest::newRow("percent backtracks") << "äaäab"
+                                            << "%äab"
+                                            << "" << 1;
+        QTest::newRow("percent at the end") << "Ölpreis"
+                                            << "öl%%"
+                                            << "" << 1;
+        QTest::newRow("escaped percent") << "10% Rabatt für Ärzte"
+                                         << "10\\%%ärzte"
+                                         << "\\" << 1;
+        QTest::newRow("escaped percent is literal") << "100 Ärzte"
+                                                    << "10\\%%ärzte"
+                                                    << "\\" << 0;
+        QTest::newRow("escaped, ascii") << "10_off"
+                                        << "10!_off"
+                                        << "!" << 1;
+        QTest::newRow("escaped, ascii, literal") << "10xoff"
+                                                 << "10!_off"
+                                                 << "!" << 0;
+        QTest::newRow("null text") << QString() << "%a%"
+                                   << "" << -1;
+    }
+    void likeComparesWithoutCase()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, pattern);
+        QFETCH(QString, escape);
+        QFETCH(int, matches);
+        test::TestHome home;
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        const QVariant value = text.isNull() ? QVariant() : QVariant(text);
+        const QVariant result =
+            escape.isEmpty() ? db.scalar("SELECT ? LIKE ?", {value, pattern})
+                             : db.scalar("SELECT ? LIKE ? ESCAPE ?", {value, pattern, escape});
+        QCOMPARE(result.isNull() ? -1 : result.toInt(), matches);
+    }
+
     void overLongValuesAreRefused_data()
     {
         QTest::addColumn<QString>("sql");
