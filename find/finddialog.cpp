@@ -110,8 +110,14 @@ void FindDialog::loadForm()
 
 void FindDialog::pollCombos()
 {
-    guarded(m_context.prompter, [this] { m_combos->syncLocationCombos(); });
+    // No poll while one runs (a message waits in its own event loop); after a store failure
+    // the combos stop following each other rather than repeat the message twice a second.
+    const bool polling = m_timer->isActive();
+    m_timer->stop();
+    const bool ok = guarded(m_context.prompter, [this] { m_combos->syncLocationCombos(); });
     m_ui->lblDebug->setText(m_combos->idsText());
+    if (polling && ok)
+        m_timer->start();
 }
 
 void FindDialog::followFrom(const QDate& from, QDateEdit* thru, QDate* followed)

@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <memory>
+#include <vector>
 
 #include "store/schema.h"
 #include "store/session.h"
@@ -23,7 +24,8 @@ struct FindFixture
 {
     TestHome home;
     std::unique_ptr<FixtureStore> store;
-    std::unique_ptr<Session> session;
+    // Every session opened stays until the fixture goes: a dialog may outlive the next one.
+    std::vector<std::unique_ptr<Session>> sessions;
 
     void build()
     {
@@ -61,9 +63,10 @@ struct FindFixture
 
     Session& open()
     {
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        return *session;
+        sessions.push_back(std::make_unique<Session>(home.home(), home.settings()));
+        Session& session = *sessions.back();
+        StoreSchema::openDatabase(session.db(), home.home());
+        return session;
     }
 };
 

@@ -463,6 +463,20 @@ private slots:
         QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("3:0:0"));
     }
 
+    void storeFailureWhilePolling()
+    {
+        DialogHarness h(m_fixture);
+        h.select("cboCabinet", "Office");
+        h.session.db().close();
+        h.prompter.expect("The store is not open.");
+        QTRY_VERIFY_WITH_TIMEOUT(!h.prompter.seen().isEmpty(), 2000);
+        // Said once: the poll stops rather than repeat it.
+        QVERIFY(!h.dialog->timer().isActive());
+        QTest::qWait(700);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.dialog->combos().cabinetId(), 0);
+    }
+
     void findDoesNotPoll()
     {
         // A combo changed since the last poll is not seen: the search uses the old id.
