@@ -1,14 +1,40 @@
 #include <QApplication>
 #include <cstdio>
+#include <cstring>
 
 #include "app/startup.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
 #include "dialogs/dialogchoosers.h"
+#include "help/helplocator.h"
 #include "navigator/navwindow.h"
+
+namespace {
+
+// --help-file: names the help file that Help Topics would show and exits, so that an
+// installation can be checked without a display.
+int printHelpFile(int argc, char* argv[])
+{
+    QCoreApplication core(argc, argv);
+    const QString path =
+        qmr::HelpLocator::forRun(qmr::AppHome::fromArguments(QCoreApplication::arguments()))
+            .locate();
+    if (path.isEmpty()) {
+        std::fprintf(stderr, "Cannot find help file QMRHELP.TXT.\n");
+        return 1;
+    }
+    std::printf("%s\n", qPrintable(path));
+    return 0;
+}
+
+} // namespace
 
 int main(int argc, char* argv[])
 {
+    for (int i = 1; i < argc; ++i) {
+        if (std::strcmp(argv[i], "--help-file") == 0)
+            return printHelpFile(argc, argv);
+    }
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
         qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
         std::fprintf(stderr, "Quillmere needs a graphical display, and none is available here "

@@ -1,12 +1,16 @@
 #include "app/startup.h"
 
+#include <QApplication>
 #include <QTreeWidget>
 
+#include "app/appicon.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
+#include "core/homelock.h"
 #include "core/prompter.h"
 #include "core/settings.h"
 #include "core/viewsettings.h"
+#include "help/helplocator.h"
 #include "navigator/navwindow.h"
 #include "navigator/pagepane.h"
 #include "store/commandcontext.h"
@@ -39,12 +43,26 @@ bool Startup::start(bool showWindow)
     if (!checkDataAccess(m_prompter, Database::runtimeVersion()))
         return false;
 
+    if (!m_home.ensureExists()) {
+        m_prompter.tell(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
+        return false;
+    }
+    // Before the store is touched: a second run on this home would write the store under
+    // the first one's tree.
+    m_lock = std::make_unique<HomeLock>(m_home);
+    if (!m_lock->acquire()) {
+        m_prompter.tell(m_lock->refusal());
+        return false;
+    }
+
+    QApplication::setWindowIcon(AppIcon::icon());
     m_splash = std::make_unique<SplashWindow>();
     try {
-        if (!m_home.ensureExists())
-            throw StoreError(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
         m_splash->setStatus(QStringLiteral("Opening database"));
         StoreSchema::openDatabase(m_session->db(), m_home);
+        // The home keeps a help text of its own for a program that runs without its
+        // installed data; one that cannot be written only costs that fallback.
+        HelpLocator::ensureInHome(m_home);
         m_splash->setStatus(QStringLiteral("Opening database"));
     } catch (const StoreError& e) {
         m_prompter.tell(e.message());

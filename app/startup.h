@@ -8,6 +8,7 @@ namespace qmr {
 
 class Choosers;
 class DrawerTemplates;
+class HomeLock;
 class NavWindow;
 class ProgressWindow;
 class Prompter;
@@ -16,17 +17,18 @@ class Settings;
 class SplashWindow;
 class ViewSettings;
 
-// The start of a run, in its fixed order: prerequisite test, store opened (created and
-// upgraded) before anything is on screen, settings read, templates loaded, main window
-// loaded, find defaults reset, main window shown.
+// The start of a run, in its fixed order: prerequisite test, the home taken for this run
+// (refused when another run holds it), store opened (created and upgraded) before anything
+// is on screen, settings read, templates loaded, main window loaded, find defaults reset,
+// main window shown.
 class Startup
 {
 public:
     Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers);
     ~Startup();
 
-    // False when the run must end: the prerequisite failed or the store could not be opened
-    // (the user has been told).
+    // False when the run must end: the prerequisite failed, another run holds the home, or
+    // the store could not be opened (the user has been told).
     bool start(bool showWindow = true);
 
     // True when the SQLite library is recent enough; otherwise tells the user and is false.
@@ -44,6 +46,8 @@ private:
     Settings& m_settings;
     Prompter& m_prompter;
     Choosers& m_choosers;
+    // Released last, once the store is closed.
+    std::unique_ptr<HomeLock> m_lock;
     std::unique_ptr<Session> m_session;
     std::unique_ptr<ViewSettings> m_view;
     std::unique_ptr<DrawerTemplates> m_templates;

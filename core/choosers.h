@@ -18,6 +18,10 @@ public:
     // Opens a file with the desktop's program for its type, without waiting; on failure
     // returns the reason, naming the file.
     virtual std::optional<QString> openFile(const QString& path) = 0;
+    // A file name to write, or nothing when cancelled; `start` is the suggested path and
+    // `filter` the file types offered ("PDF files (*.pdf)").
+    virtual std::optional<QString> chooseSaveFile(const QString& caption, const QString& start,
+                                                  const QString& filter) = 0;
 };
 
 } // namespace qmr

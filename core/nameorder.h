@@ -4,18 +4,12 @@
 
 namespace qmr {
 
-// The one order of names everywhere (the store's NOCASE collation, the tree, the template
-// editor): without regard to case, beyond ASCII too; names that differ only in case keep a
-// fixed order among themselves.
-inline int compareNames(const QString& a, const QString& b)
-{
-    return a.compare(b, Qt::CaseInsensitive);
-}
-
-inline bool nameLess(const QString& a, const QString& b)
-{
-    const int c = compareNames(a, b);
-    return c != 0 ? c < 0 : a < b;
-}
+// The one order of names everywhere (the store's NOCASE collation, the tree, the lists, the
+// template editor): as people read names, without regard to case ("école" beside "Ecole",
+// before "Emma"). The order does not follow the user's locale, so a store sorts and compares
+// the same on every machine. Names that differ only in case compare equal.
+int compareNames(const QString& a, const QString& b);
+// A strict order for display: equal names keep a fixed order among themselves.
+bool nameLess(const QString& a, const QString& b);
 
 } // namespace qmr

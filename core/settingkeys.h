@@ -47,6 +47,7 @@ inline constexpr SettingKey DocQuality{"DocQualityOverride", "50"};
 inline constexpr SettingKey Printer{"Printer", ""};
 inline constexpr SettingKey PrintWidthPct{"PrintWidthPct", "100"};
 inline constexpr SettingKey PrintHeightPct{"PrintHeightPct", "100"};
+inline constexpr SettingKey PrintPdfPath{"PrintPdfPath", ""}; // last directory of a PDF print
 
 // Mail
 inline constexpr SettingKey EmailSystem{"EmailSystem", ""}; // "MAPI", "CDONTS"

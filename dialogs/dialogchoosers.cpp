@@ -1,6 +1,7 @@
 #include "dialogs/dialogchoosers.h"
 
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QUrl>
 
 #include "dialogs/passworddialog.h"
@@ -30,6 +31,15 @@ std::optional<QString> DialogChoosers::openFile(const QString& path)
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
         return QStringLiteral("No program could be started to open the file '%1'.").arg(path);
     return std::nullopt;
+}
+
+std::optional<QString> DialogChoosers::chooseSaveFile(const QString& caption, const QString& start,
+                                                      const QString& filter)
+{
+    const QString path = QFileDialog::getSaveFileName(m_parent, caption, start, filter);
+    if (path.isEmpty())
+        return std::nullopt;
+    return path;
 }
 
 } // namespace qmr

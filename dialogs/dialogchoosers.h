@@ -22,6 +22,8 @@ public:
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
     std::optional<QString> openFile(const QString& path) override;
+    std::optional<QString> chooseSaveFile(const QString& caption, const QString& start,
+                                          const QString& filter) override;
 
 private:
     Settings& m_settings;

@@ -14,13 +14,13 @@ void browseForPath(QLineEdit* box, Settings& settings, Choosers& choosers)
         return;
     QString start = box->text().trimmed();
     if (start.isEmpty())
-        start = settings.getSetting(QStringLiteral("PathSelect"));
+        start = settings.get(keys::PathSelect);
     if (!QFileInfo(start).isDir())
         start.clear(); // a stale path opens the chooser at its usual place
     const std::optional<QString> chosen = choosers.chooseDirectory(start);
     if (!chosen)
         return;
-    settings.saveSetting(QStringLiteral("PathSelect"), *chosen);
+    settings.set(keys::PathSelect, *chosen);
     box->setText(*chosen);
 }
 

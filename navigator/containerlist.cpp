@@ -1,5 +1,10 @@
 #include "navigator/containerlist.h"
 
+#include <QKeyEvent>
+#include <QMouseEvent>
+
+#include "store/itemstore.h"
+
 namespace qmr {
 
 namespace {
@@ -16,6 +21,35 @@ ContainerList::ContainerList(QWidget* parent) : QListWidget(parent)
     setMovement(QListView::Static);
     setWordWrap(true);
     setSortingEnabled(true);
+}
+
+void ContainerList::showItems(Level level, const QVector<ItemRow>& rows,
+                              const std::function<QIcon(Level, qint32)>& iconFor)
+{
+    clear();
+    // The list shows bare names: unlike the tree, no date on a document.
+    for (const ItemRow& row : rows)
+        addItem(NodeKey::of(level, row.id), row.name, iconFor(level, row.id));
+}
+
+void ContainerList::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter) {
+        if (const NodeKey key = selectedKey(); !key.isEmpty())
+            emit openRequested(key);
+        event->accept();
+        return;
+    }
+    QListWidget::keyPressEvent(event);
+}
+
+void ContainerList::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    QListWidget::mouseDoubleClickEvent(event);
+    // A double click opens the selected item, the one the first click chose.
+    if (event->button() == Qt::LeftButton && itemAt(event->position().toPoint()))
+        if (const NodeKey key = selectedKey(); !key.isEmpty())
+            emit openRequested(key);
 }
 
 QListWidgetItem* ContainerList::addItem(const NodeKey& key, const QString& text, const QIcon& icon)

@@ -1,11 +1,14 @@
 #pragma once
 
 #include <QListWidget>
+#include <functional>
 
 #include "core/level.h"
 #include "core/nodekey.h"
 
 namespace qmr {
+
+struct ItemRow;
 
 // lvwMain: the children of the container selected in the tree, as large icons with bare
 // names, each item keyed like its tree node.
@@ -15,6 +18,10 @@ class ContainerList : public QListWidget
 public:
     explicit ContainerList(QWidget* parent = nullptr);
 
+    // The one list routine of every level: the list holds the items of `level` (cabinets for
+    // the root, drawers for a cabinet ...), each with its bare name and its level's icon.
+    void showItems(Level level, const QVector<ItemRow>& rows,
+                   const std::function<QIcon(Level, qint32)>& iconFor);
     QListWidgetItem* addItem(const NodeKey& key, const QString& text, const QIcon& icon);
     // The selected item's key; empty when nothing is selected.
     NodeKey selectedKey() const;
@@ -22,6 +29,15 @@ public:
     QListWidgetItem* itemOf(const NodeKey& key) const;
     bool setItemText(const NodeKey& key, const QString& text);
     void removeItem(const NodeKey& key);
+
+signals:
+    // A double click or Enter: the selected item is to be opened in the tree. Nothing is
+    // sent when no item is selected.
+    void openRequested(const NodeKey& key);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
 };
 
 } // namespace qmr

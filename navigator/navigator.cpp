@@ -1,12 +1,15 @@
 #include "navigator/navigator.h"
 
 #include <QCursor>
+#include <QGuiApplication>
 #include <QKeyEvent>
 #include <QMenu>
 #include <QMouseEvent>
+#include <QScopeGuard>
 
 #include "navigator/cabinetopener.h"
 #include "navigator/containerlist.h"
+#include "navigator/defaultpageopener.h"
 #include "navigator/navicons.h"
 #include "navigator/navmenus.h"
 #include "navigator/navtree.h"
@@ -32,8 +35,11 @@ Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& l
     : QObject(window), m_context{base.session, base.prompter, base.choosers, base.progress,
                                  base.view,    &m_target,     this,          window},
       m_target(base.session.selection(), *this), m_tree(tree), m_list(list), m_pages(pages),
-      m_menus(menus), m_icons(icons), m_window(window), m_filler(tree, list, icons, base.session)
+      m_menus(menus), m_icons(icons), m_window(window), m_filler(tree, list, icons, base.session),
+      m_defaultOpener(
+          std::make_unique<DefaultPageOpener>(base.session, base.prompter, base.choosers))
 {
+    m_context.pageOpener = base.pageOpener ? base.pageOpener : m_defaultOpener.get();
     connect(&m_tree, &NavTree::expanding, this, [this](const QString& key) {
         guarded(m_context.prompter, [&] { m_filler.onExpand(NodeKey::parse(key)); });
     });
@@ -41,13 +47,22 @@ Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& l
     connect(&m_tree, &NavTree::enterPressed, this, &Navigator::nodeClick);
     connect(&m_tree, &NavTree::contextRequested, this, &Navigator::onTreeMouseUp);
     connect(&m_tree, &QTreeWidget::itemDoubleClicked, this, &Navigator::onTreeDoubleClick);
-    connect(&m_list, &QListWidget::itemActivated, this, &Navigator::onListActivated);
+    connect(&m_list, &ContainerList::openRequested, this, &Navigator::onListActivated);
+    connect(&m_pages, &PagePane::pageActivated, this, &Navigator::openPage);
+    connect(&m_pages, &PagePane::reloadRequested, this, &Navigator::reloadPages);
     // The lists tell which control spoke last, and give their own pop-up menus.
-    for (QObject* watched :
-         {static_cast<QObject*>(m_list.viewport()), static_cast<QObject*>(m_pages.viewport()),
-          static_cast<QObject*>(&m_list), static_cast<QObject*>(&m_pages),
-          static_cast<QObject*>(&m_tree)})
+    for (QObject* watched : {static_cast<QObject*>(m_list.viewport()),
+                             static_cast<QObject*>(&m_list), static_cast<QObject*>(&m_tree)})
         watched->installEventFilter(this);
+    for (QObject* watched : m_pages.inputObjects())
+        watched->installEventFilter(this);
+}
+
+Navigator::~Navigator() = default;
+
+void Navigator::setPageOpener(PageOpener* opener)
+{
+    m_context.pageOpener = opener ? opener : m_defaultOpener.get();
 }
 
 // ---- building and restoring ---------------------------------------------------------------
@@ -77,7 +92,8 @@ void Navigator::restoreLastNode()
         bool reached = false;
         const std::optional<Level> level = m_filler.restoreLastNode(saved, &reached);
         if (!level)
-            return;
+            return; // a key of another shape is not worth keeping
+        m_restoreStopped = !reached;
         m_menus.showOnly(levelMenu(*level));
         if (!reached)
             return;
@@ -94,10 +110,12 @@ void Navigator::restoreLastNode()
 
 QString Navigator::lastNodeKeyToSave() const
 {
-    // The node in view is the one to come back to; when nothing is selected (the walk at
-    // start stopped at a locked cabinet) the place read at start is kept.
-    const QString selected = m_tree.selectedKey();
-    return selected.isEmpty() ? m_context.session.selection().lastNodeKey : selected;
+    // The node in view is the one to come back to; when the walk at start stopped short (at
+    // a locked cabinet, say) and nothing was clicked since, the place read at start is kept.
+    const NodeKey selected = treeSelectedKey();
+    if (m_restoreStopped && (selected.isEmpty() || selected.isRoot()))
+        return m_context.session.selection().lastNodeKey;
+    return selected.text();
 }
 
 // ---- clicks -------------------------------------------------------------------------------
@@ -126,6 +144,7 @@ void Navigator::tvwMainProcessNode(const QString& text)
         });
         proceed = open;
     }
+    m_restoreStopped = false;
     if (proceed && text == record.lastNodeKey)
         return; // the node handled last: nothing is redone
     if (proceed) {
@@ -183,12 +202,9 @@ void Navigator::onTreeDoubleClick(QTreeWidgetItem* item)
     }
 }
 
-void Navigator::onListActivated(QListWidgetItem* item)
+void Navigator::onListActivated(const NodeKey& key)
 {
-    if (!item)
-        return;
     guarded(m_context.prompter, [&] {
-        const NodeKey key = ContainerList::keyOf(item);
         const std::optional<Level> level = key.level();
         if (!level || *level == Level::Page)
             return;
@@ -218,11 +234,8 @@ void Navigator::hidePagePane()
 void Navigator::showChildrenInList(Level childLevel, qint32 parentId)
 {
     hidePagePane();
-    m_list.clear();
-    for (const ItemRow& row : m_context.session.items().children(childLevel, parentId))
-        // The list shows bare names: no date on a document.
-        m_list.addItem(NodeKey::of(childLevel, row.id), row.name,
-                       m_filler.iconFor(childLevel, row.id));
+    m_list.showItems(childLevel, m_context.session.items().children(childLevel, parentId),
+                     [this](Level level, qint32 id) { return m_filler.iconFor(level, id); });
 }
 
 void Navigator::showCabinetsInListView()
@@ -232,13 +245,40 @@ void Navigator::showCabinetsInListView()
 
 void Navigator::showPagesInListView(qint32 documentId, bool found)
 {
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
     m_list.hide();
     m_pages.show();
-    m_pagesFound = found;
+    // A found document shows the pages its search looked for.
     const QStringList conditions =
         found ? m_context.session.foundSet().pageConditions() : QStringList();
-    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, conditions),
-                      m_context.session.paths());
+    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, conditions), found);
+    // A caller that did not come from the tree leaves the tree in step; a found document's
+    // node stays where it is.
+    const QString key = NodeKey::of(Level::Document, documentId).text();
+    if (!found && m_tree.selectedKey() != key)
+        m_tree.selectNode(key);
+}
+
+void Navigator::reloadPages()
+{
+    // A change of view reads the document again and starts at its first block.
+    const NodeKey selected = treeSelectedKey();
+    guarded(m_context.prompter, [&] {
+        if (selected.level() == Level::Document)
+            showPagesInListView(selected.id());
+        else if (selected.foundLevel() == Level::Document)
+            showPagesInListView(selected.id(), true);
+        else if (m_pages.documentId() >= 0)
+            showPagesInListView(m_pages.documentId(), m_pages.isFound());
+    });
+}
+
+void Navigator::openPage(qint32 pageId)
+{
+    if (pageId < 0 || !m_context.pageOpener)
+        return;
+    guarded(m_context.prompter, [&] { m_context.pageOpener->openPage(pageId); });
 }
 
 // ---- what dialogs and commands call back --------------------------------------------------
@@ -252,9 +292,14 @@ void Navigator::itemAdded(const CreatedItem& item)
 
 void Navigator::itemRenamed(Level level, qint32 id, const QString& name, const QDate& date)
 {
-    if (level == Level::Page)
-        m_pages.setPageText(id, name);
-    else
+    if (level == Level::Page) {
+        // The pane's texts follow the page's number and file, whatever the caller's text.
+        Q_UNUSED(name)
+        guarded(m_context.prompter, [&] {
+            if (const std::optional<PageRow> row = m_context.session.pages().page(id))
+                m_pages.updatePage(*row);
+        });
+    } else
         m_filler.renameItem(level, id, name, date);
 }
 
@@ -280,7 +325,7 @@ void Navigator::refreshPages(qint32 documentId, qint32 selectPageId)
 {
     if (!m_pages.isVisible() || m_pages.documentId() != documentId)
         return;
-    guarded(m_context.prompter, [&] { showPagesInListView(documentId, m_pagesFound); });
+    guarded(m_context.prompter, [&] { showPagesInListView(documentId, m_pages.isFound()); });
     if (selectPageId >= 0)
         m_pages.selectPage(selectPageId);
 }
@@ -410,7 +455,7 @@ bool Navigator::eventFilter(QObject* watched, QEvent* event)
         const auto button = static_cast<QMouseEvent*>(event)->button();
         if (watched == m_list.viewport())
             onListMouseUp(button);
-        else if (watched == m_pages.viewport())
+        else if (m_pages.isViewport(watched))
             onPagesMouseUp(button);
     } else if (event->type() == QEvent::KeyPress) {
         const int key = static_cast<QKeyEvent*>(event)->key();
@@ -418,7 +463,7 @@ bool Navigator::eventFilter(QObject* watched, QEvent* event)
             m_target.setSource(ContextSource::Tree);
         else if (watched == &m_list)
             m_target.setSource(ContextSource::List);
-        else if (watched == &m_pages)
+        else if (m_pages.isInput(watched))
             m_target.setSource(ContextSource::PageList);
         if (key == Qt::Key_Insert && (watched == &m_tree || watched == &m_list)) {
             onInsertKey(watched == &m_tree);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <memory>
 
 #include "core/commandtarget.h"
 #include "core/navigatorcallbacks.h"
@@ -14,6 +15,7 @@ class QTreeWidgetItem;
 namespace qmr {
 
 class ContainerList;
+class DefaultPageOpener;
 class NavIcons;
 class NavMenus;
 class NavTree;
@@ -30,11 +32,15 @@ public:
     // `base` holds the session and the seams; the navigator adds itself and its target.
     Navigator(const CommandContext& base, NavTree& tree, ContainerList& list, PagePane& pages,
               NavMenus& menus, NavIcons& icons, QWidget* window);
+    ~Navigator() override;
 
     // The context that commands and dialogs receive.
     const CommandContext& context() const { return m_context; }
     CommandTarget& target() { return m_target; }
     TreeFiller& filler() { return m_filler; }
+    // How pages open; nothing puts back the desktop's program. Set it before the commands
+    // that copy the context are made.
+    void setPageOpener(PageOpener* opener);
 
     // Builds the tree, then walks back to the last node of the previous run.
     void loadNavTree();
@@ -47,9 +53,11 @@ public:
     void showCabinetsInListView();
     // Lists the children of a container in lvwMain (cabinets for Level::Cabinet).
     void showChildrenInList(Level childLevel, qint32 parentId);
-    // `found`: the document's copy in the found branch, whose pages are those the search
-    // looked for.
+    // Shows a document's pages in the page pane; `found`: the document of a found node, whose
+    // selection in the tree stays and whose pages are those its search looked for.
     void showPagesInListView(qint32 documentId, bool found = false);
+    // Double click, Enter and Open on a page.
+    void openPage(qint32 pageId);
     void hidePagePane();
     // The key to come back to at the next start.
     QString lastNodeKeyToSave() const;
@@ -83,7 +91,8 @@ private:
     void onTreeMouseUp(Qt::MouseButton button);
     void onListMouseUp(Qt::MouseButton button);
     void onPagesMouseUp(Qt::MouseButton button);
-    void onListActivated(QListWidgetItem* item);
+    void onListActivated(const NodeKey& key);
+    void reloadPages();
     void onTreeDoubleClick(QTreeWidgetItem* item);
     // Insert in the tree adds a child of the node; in the list a sibling of the item.
     void onInsertKey(bool fromTree);
@@ -99,9 +108,11 @@ private:
     NavIcons& m_icons;
     QWidget* m_window;
     TreeFiller m_filler;
+    std::unique_ptr<DefaultPageOpener> m_defaultOpener;
     bool m_nodeBusy = false;
-    // The page pane shows a found document, narrowed by the search.
-    bool m_pagesFound = false;
+    // The walk at start stopped short (a locked cabinet, a gone item): until a click, the
+    // place read at start is the one to save.
+    bool m_restoreStopped = false;
 };
 
 } // namespace qmr

@@ -16,12 +16,14 @@
 
 #include "core/prompter.h"
 #include "find/findcommands.h"
+#include "help/helpcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/foundbranch.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
+#include "print/printcommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 
@@ -39,7 +41,9 @@ NavWindow::NavWindow(const CommandContext& base, DrawerTemplates& templates, QWi
 {
     setObjectName(kFormName);
     setWindowTitle(QStringLiteral("Quillmere"));
-    setWindowIcon(m_icons.icon(QStringLiteral("cabinet")));
+    // The application's icon when the program set one, and every dialog takes it from here.
+    const QIcon appIcon = QApplication::windowIcon();
+    setWindowIcon(appIcon.isNull() ? m_icons.icon(QStringLiteral("cabinet")) : appIcon);
     buildWidgets();
     m_navigator =
         std::make_unique<Navigator>(m_base, *m_tree, *m_list, *m_pages, m_menus, m_icons, this);
@@ -90,9 +94,11 @@ void NavWindow::buildWidgets()
     rightLayout->setContentsMargins(0, 0, 0, 0);
     m_list = new ContainerList(right);
     rightLayout->addWidget(m_list);
-    m_pages = new PagePane(m_icons, right);
-    m_pages->hide();
+    m_pages = new PagePane(m_icons, m_base.view, m_base.session.paths(), right);
     rightLayout->addWidget(m_pages);
+    // The pane's view switch stands at the right of the button row, above the pane.
+    buttons->addWidget(m_pages->viewSwitch(), 0, Qt::AlignBottom);
+    m_pages->hide();
     m_splitter->addWidget(m_tree);
     m_splitter->addWidget(right);
     m_splitter->setStretchFactor(1, 1);
@@ -110,10 +116,17 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->refreshNavTree(); });
     m_itemCommands = std::make_unique<ItemCommands>(m_navigator->context(), m_templates);
     m_itemCommands->addTo(commands);
+    commands.insert(QStringLiteral("mnuPopupPageOpen"),
+                    [this] { m_navigator->openPage(m_pages->selectedPageId()); });
+    m_printCommands = std::make_unique<PrintCommands>(m_navigator->context());
+    m_printCommands->addTo(commands);
+    m_helpCommands = std::make_unique<HelpCommands>(m_navigator->context());
+    m_helpCommands->addTo(commands);
     m_foundBranch = std::make_unique<FoundBranch>(*m_tree, m_icons);
     m_findCommands = std::make_unique<FindCommands>(m_navigator->context(), *m_foundBranch);
     m_findCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
+    m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
     FindCommands::bindKeys(m_menus.action(QStringLiteral("mnuFileFind")));
     // A button works once a command stands behind its name.
     for (QPushButton* button : centralWidget()->findChildren<QPushButton*>()) {
@@ -125,6 +138,8 @@ void NavWindow::buildMenus()
         connect(button, &QPushButton::clicked, this, [run = command.value()] { run(); });
     }
 
+    connect(m_pages, &PagePane::commandRequested, this,
+            [this](const QString& name) { m_menus.run(name); });
     connect(m_navigator.get(), &Navigator::documentActivated, this,
             [this](qint32 id) { m_itemCommands->properties(Level::Document, id); });
     auto* refresh = new QShortcut(QKeySequence(Qt::Key_F5), m_tree);

@@ -17,10 +17,12 @@ class ContainerList;
 class DrawerTemplates;
 class FindCommands;
 class FoundBranch;
+class HelpCommands;
 class ItemCommands;
 class NavTree;
 class Navigator;
 class PagePane;
+class PrintCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
 // menus to the commands that the navigator and each feature bring.
@@ -43,6 +45,8 @@ public:
 
     Navigator& navigator() { return *m_navigator; }
     ItemCommands& itemCommands() { return *m_itemCommands; }
+    PrintCommands& printCommands() { return *m_printCommands; }
+    HelpCommands& helpCommands() { return *m_helpCommands; }
     NavTree* tree() const { return m_tree; }
     ContainerList* list() const { return m_list; }
     PagePane* pageList() const { return m_pages; }
@@ -76,6 +80,8 @@ private:
     QSplitter* m_splitter = nullptr;
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
+    std::unique_ptr<PrintCommands> m_printCommands;
+    std::unique_ptr<HelpCommands> m_helpCommands;
     std::unique_ptr<FoundBranch> m_foundBranch;
     std::unique_ptr<FindCommands> m_findCommands;
     bool m_firstShow = false;

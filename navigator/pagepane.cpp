@@ -1,90 +1,474 @@
 #include "navigator/pagepane.h"
 
-#include <QHeaderView>
-#include <QLocale>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QPainter>
+#include <QPushButton>
+#include <QScopedValueRollback>
+#include <QToolButton>
+#include <QVBoxLayout>
+#include <algorithm>
 
-#include "core/nodekey.h"
+#include "core/viewsettings.h"
 #include "navigator/navicons.h"
-#include "store/itemrules.h"
+#include "navigator/pagelistview.h"
+#include "navigator/thumbnailcache.h"
 #include "store/pagepaths.h"
+#include "store/pagestore.h"
+#include "viewer/thumbnailmaker.h"
 
 namespace qmr {
 
 namespace {
-constexpr int kKeyRole = Qt::UserRole + 1;
+
+const QString kThumbnailView = QStringLiteral("thumbnail");
+const QString kListView = QStringLiteral("list");
+
+// A tile as the pane shows it: a faint frame marks its place on the white list, also while
+// its picture is still being made or when none can be.
+QIcon framedTile(const QImage& tile)
+{
+    const int side = ThumbnailMaker::kThumbSide;
+    QImage framed(side, side, QImage::Format_RGB32);
+    framed.fill(Qt::white);
+    QPainter painter(&framed);
+    if (!tile.isNull())
+        painter.drawImage(0, 0, tile);
+    painter.setPen(QColor(0xc8, 0xc8, 0xc8));
+    painter.drawRect(0, 0, side - 1, side - 1);
+    painter.end();
+    return QIcon(QPixmap::fromImage(framed));
 }
 
-PagePane::PagePane(NavIcons& icons, QWidget* parent) : QTreeWidget(parent), m_icons(icons)
+QIcon drawnListIcon()
 {
-    setObjectName(QStringLiteral("lvwThumb"));
-    setRootIsDecorated(false);
-    setHeaderLabels({QStringLiteral("Page #"), QStringLiteral("Filename"), QStringLiteral("Size"),
-                     QStringLiteral("Scan date")});
-    header()->setSectionResizeMode(1, QHeaderView::Stretch);
-    setSelectionMode(QAbstractItemView::ExtendedSelection);
-}
-
-void PagePane::showPages(qint32 documentId, const QVector<PageRow>& pages, const PagePaths& paths)
-{
-    clear();
-    m_documentId = documentId;
-    for (const PageRow& page : pages) {
-        auto* item = new QTreeWidgetItem(this);
-        item->setText(0, QStringLiteral("Page ") + QString::number(page.pageNumber));
-        item->setText(1, paths.pagePath(page.id, page.filename));
-        item->setText(2, QLocale().toString(page.fileSize));
-        item->setText(3, ItemRules::displayDate(page.scanDate));
-        item->setData(0, kKeyRole, NodeKey::of(Level::Page, page.id).text());
-        item->setIcon(0, m_icons.icon(QStringLiteral("page")));
+    QIcon icon;
+    for (const int side : {16, 32}) {
+        QPixmap pixmap(side, side);
+        pixmap.fill(Qt::transparent);
+        QPainter p(&pixmap);
+        p.scale(side / 16.0, side / 16.0);
+        p.setPen(Qt::NoPen);
+        for (int row = 0; row < 4; ++row) {
+            p.setBrush(QColor(0x15, 0x65, 0xc0));
+            p.drawRect(QRectF(1, 1.5 + row * 3.5, 2.5, 2.5));
+            p.setBrush(QColor(0x42, 0x42, 0x42));
+            p.drawRect(QRectF(5, 2.25 + row * 3.5, 10, 1));
+        }
+        icon.addPixmap(pixmap);
     }
+    return icon;
+}
+
+QPixmap arrowDown()
+{
+    QPixmap pixmap(11, 6);
+    pixmap.fill(Qt::transparent);
+    QPainter p(&pixmap);
+    p.setRenderHint(QPainter::Antialiasing);
+    p.setPen(Qt::NoPen);
+    p.setBrush(QColor(0x42, 0x42, 0x42));
+    p.drawPolygon(QPolygonF({QPointF(0, 0), QPointF(11, 0), QPointF(5.5, 6)}));
+    return pixmap;
+}
+
+} // namespace
+
+PagePane::PagePane(NavIcons& icons, ViewSettings& view, const PagePaths& paths, QWidget* parent)
+    : QWidget(parent), m_icons(icons), m_view(view), m_paths(paths),
+      m_shortcutIcons(icons.icon(QStringLiteral("page")))
+{
+    setObjectName(QStringLiteral("fraPagePane"));
+    m_thumbnails = new ThumbnailCache(paths.home().path(), this);
+    connect(m_thumbnails, &ThumbnailCache::ready, this, &PagePane::tileReady);
+    buildControls();
+    m_paging.setDisplayCount(m_view.displayCount());
+    arrangeThumbPane();
+}
+
+PagePane::~PagePane() = default;
+
+void PagePane::buildControls()
+{
+    m_list = new PageListView(this);
+    connect(m_list, &PageListView::pageActivated, this, &PagePane::pageActivated);
+    setFocusProxy(m_list);
+    for (QObject* input : m_list->inputObjects())
+        input->installEventFilter(this);
+
+    auto button = [this](const char* name, const QString& caption, const QString& tip,
+                         void (PagePane::*slot)()) {
+        auto* b = new QPushButton(caption, this);
+        b->setObjectName(QLatin1String(name));
+        b->setToolTip(tip);
+        // A click pages on; the focus stays in the list for the keys.
+        b->setFocusPolicy(Qt::TabFocus);
+        b->setAutoDefault(false);
+        connect(b, &QPushButton::clicked, this, slot);
+        return b;
+    };
+    m_cmdShowLess = button("cmdShowLess", QStringLiteral("Show Less"),
+                           QStringLiteral("Show one image fewer at a time"), &PagePane::showLess);
+    m_cmdShowMore = button("cmdShowMore", QStringLiteral("Show More"),
+                           QStringLiteral("Show one image more at a time"), &PagePane::showMore);
+    m_cmdFirst = button("cmdFirst", QStringLiteral("|<"), QStringLiteral("First images (Home)"),
+                        &PagePane::first);
+    m_cmdPrev = button("cmdPrev", QStringLiteral("<"), QStringLiteral("Previous images (Page Up)"),
+                       &PagePane::prev);
+    m_cmdNext = button("cmdNext", QStringLiteral(">"), QStringLiteral("Next images (Page Down)"),
+                       &PagePane::next);
+    m_cmdLast = button("cmdLast", QStringLiteral(">|"), QStringLiteral("Last images (End)"),
+                       &PagePane::last);
+    for (QPushButton* b : {m_cmdFirst, m_cmdPrev, m_cmdNext, m_cmdLast})
+        b->setFixedWidth(qMax(36, b->sizeHint().height() + 8));
+    m_lblStatus = new QLabel(this);
+    m_lblStatus->setObjectName(QStringLiteral("lblStatus"));
+    m_lblStatus->setTextFormat(Qt::PlainText);
+
+    auto* bar = new QHBoxLayout();
+    bar->setSpacing(0);
+    bar->addWidget(m_cmdShowLess);
+    bar->addWidget(m_cmdShowMore);
+    bar->addSpacing(6);
+    bar->addWidget(m_lblStatus, 1);
+    for (QPushButton* b : {m_cmdFirst, m_cmdPrev, m_cmdNext, m_cmdLast})
+        bar->addWidget(b);
+
+    auto* layout = new QVBoxLayout(this);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    layout->addWidget(m_list, 1);
+    layout->addLayout(bar);
+
+    // The view switch stands above the pane's right edge, in the window's button row.
+    m_viewSwitch = new QWidget(this);
+    m_viewSwitch->setObjectName(QStringLiteral("fraViewSwitch"));
+    // Hidden with the pane, it keeps its room: the row it stands in must not change height.
+    QSizePolicy policy = m_viewSwitch->sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_viewSwitch->setSizePolicy(policy);
+    auto tool = [this](const char* name, const QIcon& icon, const QString& tip,
+                       const QString& view) {
+        auto* b = new QToolButton(m_viewSwitch);
+        b->setObjectName(QLatin1String(name));
+        b->setIcon(icon);
+        b->setIconSize(QSize(16, 16));
+        b->setToolTip(tip);
+        b->setAccessibleName(tip);
+        b->setAutoRaise(true);
+        b->setCheckable(true);
+        b->setFocusPolicy(Qt::TabFocus);
+        connect(b, &QToolButton::clicked, this, [this, view] { setThumbView(view); });
+        return b;
+    };
+    m_imgThumbnail = tool("imgThumbnail",
+                          QIcon::fromTheme(QStringLiteral("view-list-icons"),
+                                           m_icons.icon(QStringLiteral("thumbnails"))),
+                          QStringLiteral("View thumbnails"), kThumbnailView);
+    m_imgList =
+        tool("imgList", QIcon::fromTheme(QStringLiteral("view-list-details"), drawnListIcon()),
+             QStringLiteral("View list"), kListView);
+    m_imgArrowDown = new QLabel(m_viewSwitch);
+    m_imgArrowDown->setObjectName(QStringLiteral("imgArrowDown"));
+    m_imgArrowDown->setPixmap(arrowDown());
+    auto* grid = new QGridLayout(m_viewSwitch);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setHorizontalSpacing(4);
+    grid->setVerticalSpacing(0);
+    grid->addWidget(m_imgThumbnail, 1, 0);
+    grid->addWidget(m_imgList, 1, 1);
+    grid->setRowMinimumHeight(0, m_imgArrowDown->sizeHint().height());
+    // Until a window places it elsewhere, it stands above the list.
+    auto* top = new QHBoxLayout();
+    top->addStretch(1);
+    top->addWidget(m_viewSwitch);
+    layout->insertLayout(0, top);
+}
+
+void PagePane::setVisible(bool visible)
+{
+    QWidget::setVisible(visible);
+    if (m_viewSwitch && m_viewSwitch->parentWidget() != this)
+        m_viewSwitch->setVisible(visible);
+}
+
+bool PagePane::thumbnailView() const
+{
+    return m_view.thumbView() != kListView;
+}
+
+void PagePane::arrangeThumbPane()
+{
+    const bool thumbnails = thumbnailView();
+    m_imgThumbnail->setChecked(thumbnails);
+    m_imgList->setChecked(!thumbnails);
+    auto* grid = static_cast<QGridLayout*>(m_viewSwitch->layout());
+    grid->removeWidget(m_imgArrowDown);
+    grid->addWidget(m_imgArrowDown, 0, thumbnails ? 0 : 1, Qt::AlignHCenter | Qt::AlignBottom);
+}
+
+// ---- the document and its blocks ----------------------------------------------------------
+
+void PagePane::showPages(qint32 documentId, const QVector<PageRow>& rows, bool found)
+{
+    m_documentId = documentId;
+    m_found = found;
+    m_entries.clear();
+    m_entries.reserve(rows.size());
+    for (const PageRow& row : rows)
+        m_entries << PageEntry::fromRow(row, m_paths);
+    // The view settings dialog may have changed the block size since the last document.
+    m_paging.setDisplayCount(m_view.displayCount());
+    m_paging.load(m_entries.size());
+    showPageBlock();
 }
 
 void PagePane::clearPages()
 {
-    clear();
+    m_thumbnails->cancel();
+    m_list->clearPages();
+    m_entries.clear();
+    m_paging.clear();
     m_documentId = -1;
+    m_found = false;
 }
 
-qint32 PagePane::pageIdOf(const QTreeWidgetItem* item)
+void PagePane::showPageBlock()
 {
-    if (!item)
-        return -1;
-    const NodeKey key = NodeKey::parse(item->data(0, kKeyRole).toString());
-    return key.level() == Level::Page ? key.id() : -1;
+    if (m_busy)
+        return;
+    const QScopedValueRollback<bool> busy(m_busy, true);
+    // Pictures still being made for the block that goes are no longer wanted.
+    m_thumbnails->cancel();
+    m_list->clearPages();
+    m_lblStatus->setText(m_paging.statusText());
+    if (m_paging.pageCount() == 0)
+        return; // the paging buttons stay as they were
+
+    const bool thumbnails = thumbnailView();
+    m_list->setMode(thumbnails ? PageListView::Mode::Thumbnails : PageListView::Mode::List);
+    // The list view shows the whole document; the buttons only move the numbers.
+    const int from = thumbnails ? m_paging.viewFirst() : m_paging.viewBase();
+    const int to = thumbnails ? m_paging.viewLast() : m_paging.pageCount();
+    QVector<const PageEntry*> shown;
+    shown.reserve(to - from + 1);
+    for (int i = from; i <= to; ++i)
+        shown << &m_entries.at(i - 1);
+    // Sorted as text on the hidden column, so 100 comes before 11; equal numbers keep their
+    // order.
+    std::stable_sort(shown.begin(), shown.end(), [](const PageEntry* a, const PageEntry* b) {
+        return a->sortKey() < b->sortKey();
+    });
+
+    QHash<qint32, QImage> atHand;
+    if (thumbnails) {
+        QVector<ThumbnailCache::Request> requests;
+        for (const PageEntry* e : shown)
+            if (!e->shortcut)
+                requests << ThumbnailCache::Request{e->pageId, e->pagePath, e->thumbPath};
+        atHand = m_thumbnails->request(requests);
+    }
+    const QIcon blank = framedTile(QImage());
+    const QIcon& pageIcon = m_icons.icon(QStringLiteral("page"));
+    for (const PageEntry* e : shown) {
+        if (!thumbnails) {
+            m_list->addPage(*e, e->listText(), pageIcon);
+            continue;
+        }
+        QIcon icon = blank;
+        if (e->shortcut)
+            icon = framedTile(m_shortcutIcons.tile(e->filename));
+        else if (const auto tile = atHand.constFind(e->pageId); tile != atHand.constEnd())
+            icon = framedTile(*tile);
+        m_list->addPage(*e, e->thumbnailText(), icon);
+    }
+    m_list->shareColumns();
+
+    m_cmdFirst->setEnabled(m_paging.canGoBack());
+    m_cmdPrev->setEnabled(m_paging.canGoBack());
+    m_cmdNext->setEnabled(m_paging.canGoForward());
+    m_cmdLast->setEnabled(m_paging.canGoForward());
 }
+
+void PagePane::tileReady(qint32 pageId, const QImage& tile)
+{
+    // A page whose picture cannot be made keeps its blank tile.
+    if (!tile.isNull() && thumbnailView())
+        m_list->setTile(pageId, framedTile(tile));
+}
+
+// ---- the buttons --------------------------------------------------------------------------
+
+void PagePane::first()
+{
+    if (m_paging.first())
+        showPageBlock();
+}
+
+void PagePane::prev()
+{
+    if (m_paging.prev())
+        showPageBlock();
+}
+
+void PagePane::next()
+{
+    if (m_paging.next())
+        showPageBlock();
+}
+
+void PagePane::last()
+{
+    if (m_paging.last())
+        showPageBlock();
+}
+
+void PagePane::showLess()
+{
+    m_paging.showLess();
+    m_view.setDisplayCount(m_paging.displayCount());
+    showPageBlock();
+}
+
+void PagePane::showMore()
+{
+    m_paging.showMore();
+    m_view.setDisplayCount(m_paging.displayCount());
+    showPageBlock();
+}
+
+void PagePane::setThumbView(const QString& view)
+{
+    m_view.setThumbView(view);
+    arrangeThumbPane();
+    emit reloadRequested();
+}
+
+// ---- selection ----------------------------------------------------------------------------
 
 QVector<qint32> PagePane::selectedPageIds() const
 {
-    QVector<qint32> ids;
-    for (int i = 0; i < topLevelItemCount(); ++i)
-        if (topLevelItem(i)->isSelected())
-            ids << pageIdOf(topLevelItem(i));
-    return ids;
+    return m_list->selectedPageIds();
 }
 
 qint32 PagePane::currentPageId() const
 {
-    return pageIdOf(currentItem());
+    return m_list->currentPageId();
+}
+
+qint32 PagePane::selectedPageId() const
+{
+    return m_list->selectedPageId();
+}
+
+int PagePane::indexOf(qint32 pageId) const
+{
+    for (int i = 0; i < m_entries.size(); ++i)
+        if (m_entries.at(i).pageId == pageId)
+            return i + 1;
+    return 0;
 }
 
 bool PagePane::selectPage(qint32 pageId)
 {
-    for (int i = 0; i < topLevelItemCount(); ++i) {
-        QTreeWidgetItem* item = topLevelItem(i);
-        if (pageIdOf(item) == pageId) {
-            setCurrentItem(item);
-            scrollToItem(item);
-            return true;
-        }
+    if (!m_list->hasPage(pageId)) {
+        const int index = indexOf(pageId);
+        if (index == 0)
+            return false;
+        m_paging.showEntry(index);
+        showPageBlock();
     }
-    return false;
+    return m_list->selectPage(pageId);
 }
 
-void PagePane::setPageText(qint32 pageId, const QString& text)
+void PagePane::updatePage(const PageRow& row)
 {
-    for (int i = 0; i < topLevelItemCount(); ++i)
-        if (pageIdOf(topLevelItem(i)) == pageId)
-            topLevelItem(i)->setText(0, text);
+    const int index = indexOf(row.id);
+    if (index == 0)
+        return;
+    PageEntry& entry = m_entries[index - 1];
+    entry = PageEntry::fromRow(row, m_paths);
+    m_list->setPageText(row.id, thumbnailView() ? entry.thumbnailText() : entry.listText());
+}
+
+// ---- input --------------------------------------------------------------------------------
+
+QList<QObject*> PagePane::inputObjects() const
+{
+    return m_list->inputObjects();
+}
+
+bool PagePane::isInput(const QObject* object) const
+{
+    return m_list->isInput(object);
+}
+
+bool PagePane::isViewport(const QObject* object) const
+{
+    return m_list->isViewport(object);
+}
+
+bool PagePane::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() == QEvent::KeyPress && m_list->isInput(watched)) {
+        const auto* key = static_cast<QKeyEvent*>(event);
+        if (pageKey(key->key(), key->modifiers()))
+            return true;
+    }
+    return QWidget::eventFilter(watched, event);
+}
+
+bool PagePane::pageKey(int key, Qt::KeyboardModifiers modifiers)
+{
+    const bool ctrl = modifiers & Qt::ControlModifier;
+    const bool alt = modifiers & Qt::AltModifier;
+    auto command = [this](const char* name) {
+        emit commandRequested(QLatin1String(name));
+        return true;
+    };
+    // Each paging key acts as its button does when that is enabled; otherwise the list moves
+    // its own cursor.
+    auto page = [](QPushButton* button) {
+        if (!button->isEnabled())
+            return false;
+        button->click();
+        return true;
+    };
+    switch (key) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        if (const qint32 id = selectedPageId(); id >= 0)
+            emit pageActivated(id);
+        return true;
+    case Qt::Key_PageUp:
+        return page(m_cmdPrev);
+    case Qt::Key_PageDown:
+        return page(m_cmdNext);
+    case Qt::Key_End:
+        return page(m_cmdLast);
+    case Qt::Key_Home:
+        return page(m_cmdFirst);
+    case Qt::Key_A:
+        if (!ctrl)
+            return false;
+        m_list->selectAllPages();
+        return true;
+    case Qt::Key_C:
+        return ctrl && command("mnuPopupPageCopy");
+    case Qt::Key_V:
+        return ctrl && command("mnuPopupPagePaste");
+    case Qt::Key_X:
+        return ctrl && command("mnuPopupPageCut");
+    // Properties and renumbering need no Ctrl.
+    case Qt::Key_I:
+        return !alt && command("mnuPopupPageProperties");
+    case Qt::Key_R:
+        return !alt && command("mnuPopupPageRenumber");
+    default:
+        return false;
+    }
 }
 
 } // namespace qmr

@@ -1,6 +1,7 @@
 #include "store/database.h"
 
 #include <QDateTime>
+#include <QStringDecoder>
 #include <sqlite3.h>
 
 #include "core/nameorder.h"
@@ -11,12 +12,20 @@ namespace qmr {
 
 namespace {
 
+// Stored text as it was written. QString::fromUtf8 drops a byte-order mark at the start,
+// which would turn a name that begins with U+FEFF into another name.
+QString storedText(const void* data, int size)
+{
+    QStringDecoder utf8(QStringDecoder::Utf8,
+                        QStringDecoder::Flag::Stateless | QStringDecoder::Flag::ConvertInitialBom);
+    return utf8.decode(QByteArrayView(static_cast<const char*>(data), size));
+}
+
 // Text compares without regard to case, beyond ASCII too: the schema asks for NOCASE and
 // this connection supplies a Unicode-aware one under that name.
 int compareNoCase(void*, int len1, const void* s1, int len2, const void* s2)
 {
-    return compareNames(QString::fromUtf8(static_cast<const char*>(s1), len1),
-                        QString::fromUtf8(static_cast<const char*>(s2), len2));
+    return compareNames(storedText(s1, len1), storedText(s2, len2));
 }
 
 // LIKE with % and _, an optional escape character, and letters compared without regard to
@@ -148,8 +157,7 @@ QVariant columnValue(sqlite3_stmt* stmt, int column)
         return QVariant(sqlite3_column_double(stmt, column));
     case SQLITE_TEXT:
         return QVariant(
-            QString::fromUtf8(reinterpret_cast<const char*>(sqlite3_column_text(stmt, column)),
-                              sqlite3_column_bytes(stmt, column)));
+            storedText(sqlite3_column_text(stmt, column), sqlite3_column_bytes(stmt, column)));
     case SQLITE_BLOB:
         return QVariant(QByteArray(static_cast<const char*>(sqlite3_column_blob(stmt, column)),
                                    sqlite3_column_bytes(stmt, column)));
@@ -188,6 +196,14 @@ void Database::open(const QString& path)
     // Reading the schema proves that the file is a store at all.
     try {
         run(QStringLiteral("SELECT count(*) FROM sqlite_master"), {});
+        // A rollback journal, not a write-ahead log: the home may lie on a shared disk, where
+        // the log's shared memory does not work. With synchronous=FULL the journal is on the
+        // disk before the store is changed, and the store before a commit returns. So a
+        // transaction that has committed survives the program being killed and the machine
+        // losing power, and one that has not is rolled back whole (from the journal) by the
+        // next open: the store is always as the last committed command left it.
+        run(QStringLiteral("PRAGMA journal_mode=DELETE"), {});
+        run(QStringLiteral("PRAGMA synchronous=FULL"), {});
     } catch (const StoreError&) {
         const QString message = QString::fromUtf8(sqlite3_errmsg(m_db));
         close();
@@ -259,15 +275,15 @@ Recordset Database::run(const QString& sql, const QVariantList& binds)
     for (int i = 0; i < binds.size(); ++i)
         bindValue(stmt, i + 1, binds.at(i));
 
+    QVector<QVector<QVariant>> rows;
+    int rc = sqlite3_step(stmt);
+    // The shape is read after the first step: a kept statement is prepared anew there when
+    // the schema has changed since.
     QStringList columns;
     const int count = sqlite3_column_count(stmt);
     for (int c = 0; c < count; ++c)
         columns << QString::fromUtf8(sqlite3_column_name(stmt, c));
-    QVector<QVector<QVariant>> rows;
-    for (;;) {
-        const int rc = sqlite3_step(stmt);
-        if (rc == SQLITE_DONE)
-            break;
+    for (; rc != SQLITE_DONE; rc = sqlite3_step(stmt)) {
         if (rc != SQLITE_ROW)
             fail();
         QVector<QVariant> row;

@@ -46,6 +46,20 @@ QVector<PageRow> PageStore::pages(qint32 documentId, const QStringList& extraCon
     return rows;
 }
 
+QVector<PageRow> PageStore::pagesInRange(qint32 documentId, qint32 from, qint32 to) const
+{
+    const Recordset rs = m_db.openRecordset(
+        QStringLiteral("SELECT %1 FROM Page WHERE DocumentId = ? AND PageNumber BETWEEN ? AND ? "
+                       "ORDER BY PageNumber, PageId")
+            .arg(kColumns),
+        {documentId, from, to});
+    QVector<PageRow> rows;
+    rows.reserve(rs.recordCount());
+    for (int i = 0; i < rs.recordCount(); ++i)
+        rows << rowAt(rs, i);
+    return rows;
+}
+
 std::optional<PageRow> PageStore::page(qint32 pageId) const
 {
     const Recordset rs = m_db.openRecordset(
@@ -67,6 +81,11 @@ int PageStore::count(qint32 documentId) const
     return m_db
         .scalar(QStringLiteral("SELECT COUNT(*) FROM Page WHERE DocumentId = ?"), {documentId})
         .toInt();
+}
+
+qint64 PageStore::countAll() const
+{
+    return m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM Page")).toLongLong();
 }
 
 qint32 PageStore::highestNumber(qint32 documentId) const

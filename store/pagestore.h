@@ -47,9 +47,13 @@ public:
     // conditions on the Page row, as the find clause builders make them) narrow the list to
     // the pages a search looked for.
     QVector<PageRow> pages(qint32 documentId, const QStringList& extraConditions = {}) const;
+    // The pages numbered from `from` to `to`, both included, in page order (ties by id).
+    QVector<PageRow> pagesInRange(qint32 documentId, qint32 from, qint32 to) const;
     std::optional<PageRow> page(qint32 pageId) const;
     qint32 documentOf(qint32 pageId) const; // -1 when the row is gone
     int count(qint32 documentId) const;
+    // Every page row of the store.
+    qint64 countAll() const;
     // The highest page number of a document, 0 when it has none.
     qint32 highestNumber(qint32 documentId) const;
     qint32 lowestNumber(qint32 documentId) const;

@@ -1,6 +1,7 @@
 #include "store/schema.h"
 
 #include <QFile>
+#include <QSaveFile>
 #include <QStringList>
 
 #include "store/database.h"
@@ -41,6 +42,28 @@ QStringList upgradeStatements(int fromVersion)
     return statements;
 }
 
+// A copy that is on the disk (flushed and synced) once it returns.
+void copyWhole(const QString& source, const QString& target)
+{
+    QFile in(source);
+    QSaveFile out(target);
+    if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly))
+        throw StoreError(
+            QStringLiteral("Cannot copy %1 to %2: %3")
+                .arg(source, target, in.isOpen() ? out.errorString() : in.errorString()));
+    while (!in.atEnd()) {
+        const QByteArray chunk = in.read(1 << 20);
+        if (chunk.isEmpty() && in.error() != QFileDevice::NoError)
+            break;
+        out.write(chunk);
+    }
+    if (in.error() != QFileDevice::NoError || !out.commit())
+        throw StoreError(
+            QStringLiteral("Cannot copy %1 to %2: %3")
+                .arg(source, target,
+                     in.error() != QFileDevice::NoError ? in.errorString() : out.errorString()));
+}
+
 } // namespace
 
 QString StoreSchema::storePath(const AppHome& home)
@@ -73,24 +96,30 @@ void StoreSchema::ensureSearchIndexes(Database& db)
 
 void StoreSchema::createDatabase(const AppHome& home)
 {
+    // The store is made beside its place and moved there whole, so that a run that ends
+    // mid-way (a crash, a kill) never leaves a half-made qmr.mdb that the next start would
+    // take for a real one.
     const QString target = storePath(home);
+    const QString building = target + QStringLiteral(".new");
+    QFile::remove(building);
+    QFile::remove(building + QStringLiteral("-journal"));
     const QString prepared = home.file(QStringLiteral("empty.mdb"));
     if (QFile::exists(prepared)) {
-        QFile source(prepared);
-        if (!source.copy(target))
-            throw StoreError(QStringLiteral("Cannot copy %1 to %2: %3")
-                                 .arg(prepared, target, source.errorString()));
-        return;
+        copyWhole(prepared, building);
+    } else {
+        Database db;
+        db.open(building);
+        try {
+            createTables(db);
+        } catch (const StoreError&) {
+            db.close();
+            QFile::remove(building);
+            throw;
+        }
     }
-    Database db;
-    db.open(target);
-    try {
-        createTables(db);
-    } catch (const StoreError&) {
-        // A half-made store would be taken for a real one at the next start.
-        db.close();
-        QFile::remove(target);
-        throw;
+    if (!QFile::rename(building, target)) {
+        QFile::remove(building);
+        throw StoreError(QStringLiteral("Cannot move %1 to %2.").arg(building, target));
     }
 }
 

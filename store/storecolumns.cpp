@@ -127,10 +127,17 @@ QString StoreColumns::message(const QString& table, const QString& column, int w
         .arg(width);
 }
 
+qsizetype StoreColumns::length(const QString& value)
+{
+    // As the store's length() counts: one for a character beyond 16 bits (most emoji), which
+    // a QString holds in two units.
+    return value.toUcs4().size();
+}
+
 void StoreColumns::check(const QString& table, const QString& column, const QString& value)
 {
     const int width = widthOf(table, column);
-    if (width > 0 && value.size() > width)
+    if (width > 0 && length(value) > width)
         throw StoreError(message(table, column, width), table, column);
 }
 

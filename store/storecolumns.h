@@ -43,6 +43,8 @@ public:
 
     // 0 when the column has no width.
     static int widthOf(const QString& table, const QString& column);
+    // The length of a value in characters, counted as the store's CHECK constraints count.
+    static qsizetype length(const QString& value);
     // Throws StoreError naming the column, with a plain message, when `value` is too long.
     static void check(const QString& table, const QString& column, const QString& value);
     static QString message(const QString& table, const QString& column, int width);

@@ -4,6 +4,7 @@
 #include <QPushButton>
 #include <QTreeWidget>
 
+#include "core/nameorder.h"
 #include "core/prompter.h"
 #include "core/textfile.h"
 #include "templates/drawertemplates.h"
@@ -52,6 +53,17 @@ QIcon kindIcon(int kind)
     return QIcon(pm);
 }
 
+// Names sort as in the main tree: without regard to case.
+class TemplateItem : public QTreeWidgetItem
+{
+public:
+    using QTreeWidgetItem::QTreeWidgetItem;
+    bool operator<(const QTreeWidgetItem& other) const override
+    {
+        return nameLess(text(0), other.text(0));
+    }
+};
+
 } // namespace
 
 TemplateEditor::TemplateEditor(DrawerTemplates& templates, Prompter& prompter, QWidget* parent)
@@ -84,7 +96,7 @@ QTreeWidgetItem* TemplateEditor::addNode(QTreeWidgetItem* parent, const QString&
                                          const QString& text)
 {
     const int kind = kindOf(key);
-    auto* item = new QTreeWidgetItem(parent);
+    auto* item = new TemplateItem(parent);
     item->setText(0, text);
     item->setIcon(0, kindIcon(kind));
     item->setData(0, kKeyRole, key + QString::number(++m_counters[kind]));
@@ -98,7 +110,7 @@ void TemplateEditor::load()
 {
     m_tree->clear();
     m_created.clear();
-    m_root = new QTreeWidgetItem(m_tree);
+    m_root = new TemplateItem(m_tree);
     m_root->setText(0, QStringLiteral("Drawers"));
     m_root->setIcon(0, kindIcon(0));
     m_root->setData(0, kKeyRole, QStringLiteral("ROOT"));

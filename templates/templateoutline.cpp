@@ -17,8 +17,10 @@ QVector<TemplateNode> TemplateOutline::read(const QStringList& lines)
         } else if (key == QLatin1String("FLD") && drawer >= 0) {
             nodes << TemplateNode{key, name, drawer};
             folder = int(nodes.size()) - 1;
-        } else if (key == QLatin1String("DOC") && folder >= 0) {
-            nodes << TemplateNode{key, name, folder};
+        } else if (key == QLatin1String("DOC") && (folder >= 0 || drawer >= 0)) {
+            // A document straight below a drawer is kept where it stands, so that what was
+            // read is written back; applying the template passes it over.
+            nodes << TemplateNode{key, name, folder >= 0 ? folder : drawer};
         }
     }
     return nodes;

@@ -18,8 +18,9 @@ struct TemplateNode
 class TemplateOutline
 {
 public:
-    // Nodes in file order; a folder with no drawer before it, or a document with no folder,
-    // has nowhere to go and is left out.
+    // Nodes in file order; a folder with no drawer before it, or a document with neither a
+    // folder nor a drawer, has nowhere to go and is left out. A document that follows a drawer
+    // line directly hangs below the drawer.
     static QVector<TemplateNode> read(const QStringList& lines);
     // Lines in the order given: an empty line ahead of each drawer, then "KEY=name".
     static QStringList write(const QVector<TemplateNode>& nodesInCreationOrder);

@@ -9,6 +9,10 @@ packages=(
   qt6-image-formats-plugins            # more image formats for loose files
   libsqlite3-dev                       # the store
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
+  clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers
+  poppler-utils                        # tests: pdfinfo and pdfimages read printed PDF files
+  desktop-file-utils appstream         # tests: desktop-file-validate, appstreamcli validate
+  dpkg-dev file                        # cpack -G DEB: dpkg-shlibdeps finds the run-time packages
 )
 
 missing=()

@@ -1,7 +1,7 @@
 #include <QTest>
 
-#include "core/findrecord.h"
 #include "core/settings.h"
+#include "core/viewsettings.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
@@ -117,27 +117,48 @@ private slots:
         QCOMPARE(p.width, 4);
     }
 
-    void findDefaults()
+    void viewSettingsClampAndWriteAtOnce_data()
     {
-        FindRecord r;
-        r.keywords = "tax";
-        r.matchAny = 0;
-        r.matchAll = 1;
-        r.cabinetName = "Home";
-        r.amountThru = 12;
-        r.scanFrom = QDate(2020, 1, 1);
-        r.initFindDefaults();
-        QCOMPARE(r.keywords, QString());
-        QCOMPARE(r.matchAny, 1);
-        QCOMPARE(r.matchAll, 0);
-        QCOMPARE(r.cabinetName, QStringLiteral("(All)"));
-        QCOMPARE(r.drawerName, QStringLiteral("(All)"));
-        QCOMPARE(r.folderName, QStringLiteral("(All)"));
-        QCOMPARE(r.scanFrom, QDate(1901, 1, 1));
-        QCOMPARE(r.scanThru, QDate(2099, 12, 31));
-        QCOMPARE(r.docFrom, QDate(1901, 1, 1));
-        QCOMPARE(r.docThru, QDate(2099, 12, 31));
-        QCOMPARE(r.amountThru, 0.0);
+        QTest::addColumn<int>("asked");
+        QTest::addColumn<int>("kept");
+        QTest::newRow("more at 64 stays") << 65 << 64;
+        QTest::newRow("less at 1 stays") << 0 << 1;
+        QTest::newRow("in range") << 21 << 21;
+    }
+    void viewSettingsClampAndWriteAtOnce()
+    {
+        QFETCH(int, asked);
+        QFETCH(int, kept);
+        test::TestHome home;
+        home.settings().saveSetting("ThumbSide", "200");
+        ViewSettings view(home.settings());
+        view.read();
+        QCOMPARE(view.thumbSide(), 100); // the stored side never takes effect
+        QCOMPARE(view.displayCount(), 20);
+        view.setDisplayCount(asked);
+        QCOMPARE(view.displayCount(), kept);
+        view.setZoomDefault("FITWIDTH");
+        QCOMPARE(view.zoomDefault(), QStringLiteral("FITWIDTH"));
+        // Written at once, as a new run reads them.
+        Settings fresh(home.settingsPath());
+        QCOMPARE(fresh.getSetting("DisplayCount"), QString::number(kept));
+        ViewSettings next(home.reopenSettings());
+        next.read();
+        QCOMPARE(next.displayCount(), kept);
+        QCOMPARE(next.zoomDefault(), QStringLiteral("FITWIDTH"));
+    }
+
+    void namedKeysKeepTheirDefaults()
+    {
+        test::TestHome home;
+        Settings& s = home.settings();
+        QCOMPARE(s.get(keys::SmtpPort), QStringLiteral("25"));
+        QCOMPARE(s.number(keys::TreeWidth), 3000.0);
+        s.set(keys::TreeWidth, "wide");
+        QCOMPARE(s.number(keys::TreeWidth), 3000.0); // not a number: the default
+        s.set(keys::TreeWidth, "2250.5");
+        QCOMPARE(s.number(keys::TreeWidth), 2250.5);
+        QCOMPARE(s.getSetting("tvwMainWidth"), QStringLiteral("2250.5"));
     }
 };
 

@@ -138,6 +138,59 @@ private slots:
         QVERIFY(h.nav.calls.isEmpty());
     }
 
+    void overLongFieldTakesTheFocus_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<QString>("message");
+        QTest::addColumn<int>("tab");
+        QTest::newRow("storage path")
+            << 0 << "txtSaveTo" << 250
+            << "The storage path is too long: a cabinet's storage path can have at most 250 "
+               "characters."
+            << 1;
+        QTest::newRow("email") << 2 << "txtEmail" << 100
+                               << "The email address is too long: a folder's email address can "
+                                  "have at most 100 characters."
+                               << 0;
+        QTest::newRow("name") << 1 << "txtName" << 80
+                              << "The name is too long: a drawer's name can have at most 80 "
+                                 "characters."
+                              << 0;
+    }
+    void overLongFieldTakesTheFocus()
+    {
+        QFETCH(int, level);
+        QFETCH(QString, field);
+        QFETCH(int, width);
+        QFETCH(QString, message);
+        QFETCH(int, tab);
+        DialogHarness h;
+        ItemDialog dialog(Level(level), h.services());
+        QVERIFY(dialog.setEdit(1));
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        if (level == 0)
+            child<QRadioButton>(&dialog, "optStorage1")->click();
+        auto* box = child<QLineEdit>(&dialog, qPrintable(field));
+        // Exactly the width is stored; one more is refused where it was typed.
+        box->setText(QString(width, QLatin1Char('p')));
+        const QString before = box->text();
+        box->setText(QString(width + 1, QLatin1Char('p')));
+        h.prompter.expect(message);
+        dialog.cmdOK();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(dialog.focusWidget()->objectName(), field);
+        QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->currentIndex(), tab);
+        QCOMPARE(box->text().size(), width + 1); // nothing typed is lost
+        box->setText(before);
+        dialog.cmdOK();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(!dialog.isVisible());
+    }
+
     void addWritesAndShows_data()
     {
         QTest::addColumn<int>("level");

@@ -12,6 +12,7 @@
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
+#include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
 #include "store/schema.h"
 #include "store/session.h"
@@ -109,6 +110,15 @@ struct NavHarness
         QStringList texts;
         for (int i = 0; i < window->list()->count(); ++i)
             texts << window->list()->item(i)->text();
+        return texts;
+    }
+    // The texts of lvwThumb's items, in the order shown.
+    QStringList pageTexts() const
+    {
+        QStringList texts;
+        const PageListView* pages = window->pageList()->list();
+        for (int i = 0; i < pages->count(); ++i)
+            texts << pages->textAt(i);
         return texts;
     }
     QString visibleLevelMenu() const

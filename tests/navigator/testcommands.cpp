@@ -170,6 +170,9 @@ private slots:
         trigger(h, "mnuPopupCabinetProperties");
         QCOMPARE(seen, QStringLiteral("File Cabinet Properties (2)"));
         QCOMPARE(h.choosers.passwordAsks(), 2);
+        // Opened from the list, the cabinet's node is filled as a click fills it.
+        QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
+        QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
     }
 
     void documentDoubleClickOpensProperties()
@@ -227,9 +230,9 @@ private slots:
         NavHarness h;
         h.loadSample();
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
-        QTreeWidget* pages = h.window->pageList();
-        QCOMPARE(pages->topLevelItemCount(), 2);
-        pages->selectAll();
+        PageListView* pages = h.window->pageList()->list();
+        QCOMPARE(pages->count(), 2);
+        pages->selectAllPages();
         QString data;
         whenModal(h.window.get(), [&](QWidget* d) {
             data = d->findChild<QLabel*>("lblPageIdData")->text();
@@ -262,7 +265,7 @@ private slots:
             "SELECT PageNumber FROM Page WHERE DocumentId = 1 ORDER BY PageId");
         QCOMPARE(QString("%1,%2").arg(rs.integer(0, "PageNumber")).arg(rs.integer(1, "PageNumber")),
                  numbers);
-        QCOMPARE(h.window->pageList()->topLevelItem(1)->text(0), "Page " + numbers.section(',', 1));
+        QCOMPARE(h.pageTexts().value(1), "Page " + numbers.section(',', 1));
     }
 
     void renumberOnePage_data()
@@ -282,8 +285,8 @@ private slots:
         NavHarness h;
         h.loadSample();
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
-        QTreeWidget* pages = h.window->pageList();
-        pages->setCurrentItem(pages->topLevelItem(1));
+        PageListView* pages = h.window->pageList()->list();
+        pages->selectPage(pages->pageIdAt(1));
         QString present;
         whenModal(h.window.get(), [&](QWidget* d) {
             auto* box = d->findChild<QLineEdit*>("txtPageNumber");
@@ -295,7 +298,7 @@ private slots:
         QCOMPARE(present, QStringLiteral("2"));
         QCOMPARE(h.session->db().scalar("SELECT PageNumber FROM Page WHERE PageId = 2").toInt(),
                  stored);
-        QCOMPARE(pages->topLevelItem(1)->text(0), "Page " + QString::number(stored));
+        QCOMPARE(pages->textAt(1), "Page " + QString::number(stored));
     }
 
     void sampleCabinetFromTheMenu()

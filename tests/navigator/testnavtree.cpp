@@ -1,5 +1,7 @@
 #include <QFile>
 #include <QSignalSpy>
+#include <QSplitter>
+#include <QSplitterHandle>
 #include <QTest>
 
 #include "navharness.h"
@@ -217,8 +219,7 @@ private slots:
         QCOMPARE(r.name, name);
         if (level == 3) {
             QVERIFY(h.window->pageList()->isVisible());
-            QCOMPARE(h.window->pageList()->topLevelItemCount(), 2);
-            QCOMPARE(h.window->pageList()->topLevelItem(0)->text(0), QStringLiteral("Page 1"));
+            QCOMPARE(h.pageTexts(), QStringList({"Page 1", "Page 2"}));
         } else {
             QCOMPARE(h.listTexts(), list);
         }
@@ -358,6 +359,12 @@ private slots:
         QCOMPARE(h.visibleLevelMenu(), menu);
         if (selected.isEmpty()) {
             QVERIFY(h.tree()->selectedKey().isEmpty() || h.tree()->selectedKey() == "ROOT");
+            // Where the walk stopped short, the place is kept for the next start; a click
+            // afterwards makes the clicked node the place.
+            const QString inView = h.tree()->selectedKey();
+            h.window->close();
+            QCOMPARE(h.home.reopenSettings().getSetting("LastNavTreeNodeKey"),
+                     menu.isEmpty() ? inView : saved);
             return;
         }
         QCOMPARE(h.tree()->selectedKey(), selected);
@@ -365,12 +372,66 @@ private slots:
         QCOMPARE(r.idOf(Level(level)), NodeKey::parse(saved).id());
         QCOMPARE(r.parentId, parent);
         if (level == 3)
-            QCOMPARE(h.window->pageList()->topLevelItemCount(), 1);
+            QCOMPARE(h.pageTexts().size(), 1);
         else
             QCOMPARE(h.listTexts(), list);
         // The walk opened every level down to the node.
         for (QTreeWidgetItem* p = h.tree()->node(selected)->parent(); p; p = p->parent())
             QVERIFY(p->isExpanded());
+    }
+
+    void aClickAfterAShortWalkIsTheNewPlace()
+    {
+        NavHarness h;
+        test::FixtureStore(h.home.home()).fillSample();
+        h.home.settings().saveSetting("LastNavTreeNodeKey", "FLD4"); // in the locked cabinet
+        h.load();
+        h.click("ROOT");
+        h.window->close();
+        QCOMPARE(h.home.reopenSettings().getSetting("LastNavTreeNodeKey"), QStringLiteral("ROOT"));
+    }
+
+    void dividerWidthIsSavedWhenLetGo()
+    {
+        NavHarness h;
+        h.loadSample();
+        auto* splitter = h.window->findChild<QSplitter*>("splMain");
+        QVERIFY(splitter);
+        QSplitterHandle* handle = splitter->handle(1);
+        const int before = h.tree()->width();
+        const QPoint grip = handle->rect().center();
+        QTest::mousePress(handle, Qt::LeftButton, {}, grip);
+        QTest::mouseMove(handle, grip + QPoint(60, 0));
+        QVERIFY(!h.home.settings().contains("tvwMainWidth")); // not while it moves
+        QTest::mouseRelease(handle, Qt::LeftButton, {}, grip + QPoint(60, 0));
+        QVERIFY(h.tree()->width() != before);
+        QCOMPARE(h.home.settings().getSetting("tvwMainWidth"),
+                 QString::number(h.tree()->width() * 15));
+        // The next start opens the tree at that width.
+        const int saved = h.tree()->width();
+        h.window->close();
+        NavHarness again;
+        again.home.settings().saveSetting("tvwMainWidth", QString::number(saved * 15));
+        again.home.settings().saveSetting("FirstShow", "N");
+        again.load();
+        again.window->showAsLoaded();
+        QCOMPARE(again.tree()->width(), saved);
+    }
+
+    void placementOffEveryScreenComesBackAtTheCorner()
+    {
+        NavHarness h;
+        Settings& s = h.home.settings();
+        s.saveSetting("FirstShow", "N");
+        s.savePlacement("frmNavTree", Placement{-5000, 9000, 480, 640, 0});
+        h.load(false);
+        QCOMPARE(h.window->geometry(), QRect(0, 0, 640, 480));
+        // A place on the screen stays as it was saved.
+        NavHarness on;
+        on.home.settings().saveSetting("FirstShow", "N");
+        on.home.settings().savePlacement("frmNavTree", Placement{30, 40, 480, 640, 0});
+        on.load(false);
+        QCOMPARE(on.window->geometry(), QRect(40, 30, 640, 480));
     }
 
     void exitAsks_data()
@@ -424,7 +485,8 @@ private slots:
         QListWidget* list = h.window->list();
         QListWidgetItem* bank = list->findItems("Bank", Qt::MatchExactly).value(0);
         QVERIFY(bank);
-        emit list->itemActivated(bank);
+        QTest::mouseDClick(list->viewport(), Qt::LeftButton, {},
+                           list->visualItemRect(bank).center());
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
         QCOMPARE(h.listTexts(), (QStringList{"Checking", "Savings"}));
         // The record and the menu still tell of the last click in the tree.

@@ -1,7 +1,11 @@
+#include <QDir>
+#include <QFileInfo>
 #include <QImage>
 #include <QMenu>
+#include <QPainter>
 #include <QTabWidget>
 #include <QTest>
+#include <QToolButton>
 
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
@@ -10,6 +14,9 @@
 #include "dialogs/pathselectdialog.h"
 #include "navharness.h"
 #include "navigator/navigator.h"
+#include "navigator/pagepane.h"
+#include "navigator/thumbnailcache.h"
+#include "store/pagepaths.h"
 #include "templates/outlinefile.h"
 #include "templates/samplecabinets.h"
 #include "templates/sampledialog.h"
@@ -18,6 +25,34 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+
+namespace {
+
+// A page that looks scanned: a coloured letterhead, lines of text, its number; no thumbnail,
+// so that the pane makes one.
+void scannedPage(const AppHome& home, qint32 id, int number, const QSize& size, QColor head)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(QColor(250, 248, 240));
+    QPainter p(&image);
+    p.fillRect(QRect(0, 0, size.width(), size.height() / 7), head);
+    p.setPen(QPen(QColor(60, 60, 60), qMax(2, size.height() / 180)));
+    for (int y = size.height() / 4; y < size.height() * 9 / 10; y += size.height() / 24)
+        p.drawLine(size.width() / 10, y, size.width() * (number % 3 == 0 ? 6 : 9) / 10, y);
+    QFont font = p.font();
+    font.setPixelSize(size.height() / 6);
+    font.setBold(true);
+    p.setFont(font);
+    p.setPen(Qt::white);
+    p.drawText(QRect(0, 0, size.width(), size.height() / 7), Qt::AlignCenter,
+               QString::number(number));
+    p.end();
+    const QString file = PagePaths(home).computedPagePath(id);
+    QDir().mkpath(QFileInfo(file).path());
+    image.save(file, "JPG", 85);
+}
+
+} // namespace
 
 // Renders windows on a filled store to PNG files, so that anyone can look at them without a
 // display. The files go to $QMR_SHOTS_DIR (default: shots/ in the working directory).
@@ -53,6 +88,47 @@ private slots:
         QVERIFY(QTest::qWaitForWindowExposed(bar));
         test::saveShot(bar, "menu-document");
         bar->close();
+    }
+
+    void pagePane()
+    {
+        test::NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 folder = 1;
+        for (const char* name : {"April statement", "May statement", "Loan agreement",
+                                 "Card receipts 2025", "Letter from the bank"})
+            store.document(folder, name);
+        const qint32 doc = store.document(folder, "Scanned mail", QDate(2026, 5, 2));
+        const QColor heads[] = {QColor(0x15, 0x65, 0xc0), QColor(0xc6, 0x28, 0x28),
+                                QColor(0x2e, 0x7d, 0x32), QColor(0x6a, 0x1b, 0x9a)};
+        for (int n = 1; n <= 14; ++n) {
+            const qint32 id = store.pageRow(doc, n);
+            if (n == 6)
+                continue; // its file has gone: a blank tile
+            const QSize size = n % 5 == 2 ? QSize(1100, 850) : QSize(850, 1100);
+            scannedPage(h.home.home(), id, n, size, heads[n % 4]);
+            store.db().execute(
+                "UPDATE Page SET FileSize = ? WHERE PageId = ?",
+                {QFileInfo(PagePaths(h.home.home()).computedPagePath(id)).size(), id});
+        }
+        QVERIFY(h.home.writeFile("invoice.pdf", "%PDF-1.4"));
+        const qint32 shortcut = store.pageRow(doc, 15);
+        store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
+                           {h.home.file("invoice.pdf"), shortcut});
+        h.home.settings().set(keys::DisplayCount, "16");
+        h.load();
+        h.window->resize(1000, 640);
+        h.clickPath({"CAB1", "DRW1", "FLD1"});
+        test::saveShot(h.window.get(), "navigator-container-list");
+        h.click(QString("DOC%1").arg(doc));
+        QVERIFY(QTest::qWaitFor(
+            [&] { return h.window->pageList()->thumbnails().outstanding() == 0; }, 10000));
+        QTest::qWait(50);
+        test::saveShot(h.window.get(), "pane-thumbnails");
+        h.window->findChild<QToolButton*>("imgList")->click();
+        test::saveShot(h.window.get(), "pane-list");
+        h.window->findChild<QToolButton*>("imgThumbnail")->click();
     }
 
     void itemDialogs()

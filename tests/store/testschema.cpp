@@ -2,6 +2,7 @@
 #include <QTest>
 
 #include "store/database.h"
+#include "core/level.h"
 #include "store/itemstore.h"
 #include "store/schema.h"
 #include "store/sqltext.h"
@@ -139,6 +140,23 @@ private slots:
         StoreSchema::openDatabase(db, home.home());
         QVERIFY(QFile::exists(home.file("empty.mdb")));
         QCOMPARE(StoreSchema::readVersion(db), 4);
+    }
+
+    void halfMadeStoreOfAnEndedRunIsNeverTakenForOne()
+    {
+        test::TestHome home;
+        // What a run killed while it made the store leaves: a file beside the store's place,
+        // with an open transaction's journal.
+        QVERIFY(home.writeFile("qmr.mdb.new", QByteArray(1024, '\0')));
+        QVERIFY(home.writeFile("qmr.mdb.new-journal", QByteArray(512, '\x01')));
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        QCOMPARE(StoreSchema::readVersion(db), 4);
+        QVERIFY(!QFile::exists(home.file("qmr.mdb.new")));
+        QVERIFY(!QFile::exists(home.file("qmr.mdb.new-journal")));
+        // A rollback journal flushed at every commit (the home may lie on a shared disk).
+        QCOMPARE(db.scalar("PRAGMA journal_mode").toString(), QStringLiteral("delete"));
+        QCOMPARE(db.scalar("PRAGMA synchronous").toInt(), 2);
     }
 
     void emptyMdbWithAddedColumnsButNoVersionFails()
@@ -296,6 +314,134 @@ private slots:
         QCOMPARE(quoteSql(QString()), QString());
         QCOMPARE(nullToString(QVariant()), QString());
         QCOMPARE(nullToString(QVariant(12)), QStringLiteral("12"));
+    }
+
+    void versionOutsideTheKnownRangeIsLeftAlone_data()
+    {
+        QTest::addColumn<int>("version");
+        QTest::newRow("minus one") << -1;
+        QTest::newRow("from a newer program") << 7;
+    }
+    void versionOutsideTheKnownRangeIsLeftAlone()
+    {
+        QFETCH(int, version);
+        test::TestHome home;
+        makeStoreAt(home.home(), 0);
+        {
+            Database db;
+            db.open(StoreSchema::storePath(home.home()));
+            StoreSchema::setDatabaseVersion(db, version);
+        }
+        for (int start = 0; start < 2; ++start) { // a second start finds it as the first left it
+            Database db;
+            StoreSchema::openDatabase(db, home.home());
+            QCOMPARE(StoreSchema::readVersion(db), version);
+            QVERIFY(!db.hasColumn("Page", "Filename"));
+        }
+    }
+
+    void duplicateNamesIgnoreCaseWhateverTheColumnDeclares()
+    {
+        // A store whose tables were made elsewhere, with columns that compare with case.
+        test::TestHome home;
+        {
+            Database db;
+            db.open(StoreSchema::storePath(home.home()));
+            db.execute("CREATE TABLE Cabinet (CabinetId INTEGER PRIMARY KEY AUTOINCREMENT, "
+                       "Name VARCHAR(80), Password VARCHAR(10), Description TEXT)");
+            db.execute("CREATE TABLE Drawer (DrawerId INTEGER PRIMARY KEY AUTOINCREMENT, "
+                       "CabinetId INTEGER, Name VARCHAR(80), Description TEXT)");
+            db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Old Cabinet', '')");
+            db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (1, 'École')");
+        }
+        Database db;
+        db.open(StoreSchema::storePath(home.home()));
+        ItemStore items(db);
+        QVERIFY(items.cabinetNameExists("old cabinet"));
+        QVERIFY(items.nameTaken(Level::Cabinet, -1, "OLD CABINET", -1));
+        QVERIFY(!items.nameTaken(Level::Cabinet, -1, "OLD CABINET", 1)); // itself
+        QVERIFY(items.nameTaken(Level::Drawer, 1, QString::fromUtf8("école"), -1));
+        QVERIFY(!items.nameTaken(Level::Drawer, 1, "Ecole", -1)); // an accent is no case
+        QVERIFY(!items.nameTaken(Level::Drawer, 2, QString::fromUtf8("école"), -1));
+    }
+
+    void namesSortAsPeopleReadThem()
+    {
+        test::TestHome home;
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        ItemStore items(db);
+        const QStringList names{"zürich", "Émile",   "Zed",   "émile", "Emma",
+                                "ecole",  "Eleanor", "apple", "Banana"};
+        for (const QString& n : names)
+            items.insertItem(Level::Cabinet, -1, n);
+        QStringList sorted;
+        for (const ItemRow& row : items.children(Level::Cabinet, -1))
+            sorted << row.name;
+        // Case never separates two names; accented letters stand beside their base letter.
+        QCOMPARE(sorted, (QStringList{"apple", "Banana", "ecole", "Eleanor", "Émile", "émile",
+                                      "Emma", "Zed", "zürich"}));
+    }
+
+    void transactionsNest()
+    {
+        test::TestHome home;
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        auto count = [&] { return db.scalar("SELECT count(*) FROM Cabinet").toInt(); };
+        {
+            Database::Transaction outer(db);
+            db.execute("INSERT INTO Cabinet (Name) VALUES ('Outer')");
+            {
+                Database::Transaction inner(db);
+                QCOMPARE(db.transactionDepth(), 2);
+                db.execute("INSERT INTO Cabinet (Name) VALUES ('Inner, undone')");
+            } // rolled back: only the inner work goes
+            QCOMPARE(count(), 1);
+            {
+                Database::Transaction inner(db);
+                db.execute("INSERT INTO Cabinet (Name) VALUES ('Inner, kept')");
+                inner.commit();
+            }
+            outer.commit();
+        }
+        QCOMPARE(db.transactionDepth(), 0);
+        QCOMPARE(count(), 2);
+        {
+            Database::Transaction outer(db);
+            {
+                Database::Transaction inner(db);
+                db.execute("INSERT INTO Cabinet (Name) VALUES ('Gone with the outer')");
+                inner.commit();
+            }
+        } // the outer one rolls back what the inner one committed
+        QCOMPARE(count(), 2);
+        // A failing statement inside an inner group leaves the outer group usable.
+        {
+            Database::Transaction outer(db);
+            try {
+                Database::Transaction inner(db);
+                db.execute("INSERT INTO NoSuchTable VALUES (1)");
+                inner.commit();
+            } catch (const StoreError&) {
+            }
+            db.execute("INSERT INTO Cabinet (Name) VALUES ('After the failure')");
+            outer.commit();
+        }
+        QCOMPARE(count(), 3);
+    }
+
+    void cachedStatementsSeeNewColumns()
+    {
+        // A statement kept from before an upgrade must not read the old table shape.
+        test::TestHome home;
+        makeStoreAt(home.home(), 3);
+        Database db;
+        db.open(StoreSchema::storePath(home.home()));
+        db.execute("INSERT INTO Folder (DrawerId, Name) VALUES (1, 'F')");
+        QCOMPARE(db.openRecordset("SELECT * FROM Folder").columns().size(), 4);
+        StoreSchema::updateDatabase(db);
+        QCOMPARE(db.openRecordset("SELECT * FROM Folder").columns().size(), 5);
     }
 
     void transactionRollsBack()

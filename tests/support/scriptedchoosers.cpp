@@ -35,4 +35,11 @@ std::optional<QString> ScriptedChoosers::openFile(const QString& path)
     return m_editorFailure;
 }
 
+std::optional<QString> ScriptedChoosers::chooseSaveFile(const QString&, const QString& start,
+                                                        const QString&)
+{
+    m_saveStarts << start;
+    return take(m_saves);
+}
+
 } // namespace qmr::test

@@ -19,18 +19,23 @@ public:
         m_passwords.push_back(toVariant(reply));
     }
     void queueDirectory(const std::optional<QString>& reply) { m_dirs.push_back(toVariant(reply)); }
+    void queueSaveFile(const std::optional<QString>& reply) { m_saves.push_back(toVariant(reply)); }
 
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
     // Records the path; answers with the queued failure text, if any.
     std::optional<QString> openFile(const QString& path) override;
+    // Records the suggested path.
+    std::optional<QString> chooseSaveFile(const QString& caption, const QString& start,
+                                          const QString& filter) override;
+    const QStringList& saveStarts() const { return m_saveStarts; }
     void failEditor(const QString& reason) { m_editorFailure = reason; }
     const QStringList& edited() const { return m_edited; }
     const QStringList& directoryStarts() const { return m_starts; }
 
     int passwordAsks() const { return m_passwordAsks; }
     int unanswered() const { return m_unanswered; }
-    bool allUsed() const { return m_passwords.empty() && m_dirs.empty(); }
+    bool allUsed() const { return m_passwords.empty() && m_dirs.empty() && m_saves.empty(); }
 
 private:
     static QVariant toVariant(const std::optional<QString>& reply)
@@ -41,6 +46,8 @@ private:
 
     std::deque<QVariant> m_passwords;
     std::deque<QVariant> m_dirs;
+    std::deque<QVariant> m_saves;
+    QStringList m_saveStarts;
     QStringList m_edited;
     QStringList m_starts;
     QString m_editorFailure;

@@ -91,11 +91,66 @@ private slots:
         QStringList seen;
         for (const TemplateNode& n : nodes)
             seen << QString("%1:%2:%3").arg(n.key, n.name).arg(n.parent);
-        QCOMPARE(seen, (QStringList{"DRW:Car:-1", "FLD:Repairs:0", "DOC:Invoice:1",
-                                    "FLD:lower case:0", "DOC:Policy = 2026:3", "DRW:= House:-1",
-                                    "FLD:Roof:5", "DRW:Shed:-1", "FLD:Tools:7"}));
-        QCOMPARE(TemplateOutline::write(nodes).mid(0, 4),
-                 (QStringList{"", "DRW=Car", "FLD=Repairs", "DOC=Invoice"}));
+        // A document straight after a drawer line hangs below the drawer, so it is kept.
+        QCOMPARE(seen, (QStringList{"DRW:Car:-1", "DOC:Title, before any folder:0", "FLD:Repairs:0",
+                                    "DOC:Invoice:2", "FLD:lower case:0", "DOC:Policy = 2026:4",
+                                    "DRW:= House:-1", "FLD:Roof:6", "DRW:Shed:-1", "FLD:Tools:8"}));
+        QCOMPARE(TemplateOutline::write(nodes).mid(0, 5),
+                 (QStringList{"", "DRW=Car", "DOC=Title, before any folder", "FLD=Repairs",
+                              "DOC=Invoice"}));
+    }
+
+    void editorWritesBackWhatItRead()
+    {
+        // OK without a change writes every line that the editor understood, a document that
+        // follows its drawer directly included.
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        DrawerTemplates templates(home.home());
+        const QStringList lines{"", "DRW=Car", "DOC=Title", "FLD=Repairs", "DOC=Invoice"};
+        QVERIFY(TextFile::writeLines(templates.filePath(), lines));
+        {
+            TemplateEditor editor(templates, prompter);
+            QTreeWidgetItem* car = editor.tree()->topLevelItem(0)->child(0);
+            QCOMPARE(texts(car), (QStringList{"Repairs", "Title"}));
+            editor.cmdOK();
+        }
+        QCOMPARE(TextFile::readLines(templates.filePath()).value_or(QStringList()), lines);
+        // Applying it passes the drawer's own document over, as before.
+        test::FixtureStore store(home.home());
+        const qint32 drawer = store.drawer(store.cabinet("C"), "D");
+        ItemStore items(store.db());
+        QCOMPARE(templates.applyDrawerTemplate("Car", drawer, items).size(), 2);
+    }
+
+    void editorSortsAsTheTreeDoes()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        DrawerTemplates templates(home.home());
+        QVERIFY(TextFile::writeLines(templates.filePath(),
+                                     {"DRW=tax papers", "DRW=lower", "DRW=Tax Papers", "DRW=Émile",
+                                      "DRW=Emma", "DRW=ecole"}));
+        TemplateEditor editor(templates, prompter);
+        QCOMPARE(texts(editor.tree()->topLevelItem(0)),
+                 (QStringList{"ecole", "Émile", "Emma", "lower", "Tax Papers", "tax papers"}));
+    }
+
+    void oldCodePageTemplateFile()
+    {
+        // A file written on an older system in its single-byte code page, not UTF-8.
+        test::TestHome home;
+        QVERIFY(home.writeFile("Drawer.txt", QByteArray("DRW=Impr\xe9vus\r\nFLD=Re\xe7us\r\n")));
+        DrawerTemplates templates(home.home());
+        templates.loadDrawerTemplates();
+        QCOMPARE(templates.names(), QStringList{QString::fromUtf8("Imprévus")});
+        test::FixtureStore store(home.home());
+        const qint32 drawer = store.drawer(store.cabinet("C"), "D");
+        ItemStore items(store.db());
+        const QVector<CreatedItem> made =
+            templates.applyDrawerTemplate(QString::fromUtf8("imprévus"), drawer, items);
+        QCOMPARE(made.size(), 1);
+        QCOMPARE(made.first().name, QString::fromUtf8("Reçus"));
     }
 
     void editorKeepsCreationOrder()

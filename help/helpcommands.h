@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+
+#include "core/commandtable.h"
+#include "help/helplocator.h"
+#include "store/commandcontext.h"
+
+namespace qmr {
+
+// Help > Help Topics (also F1) and Help > About.
+class HelpCommands
+{
+public:
+    explicit HelpCommands(const CommandContext& context);
+
+    void addTo(CommandTable& table);
+
+    // Shows the help window, or says that the help file is missing.
+    void helpTopics();
+    void about();
+
+    // Where the help file is looked for; the run's places unless a test gives its own.
+    void setLocator(const HelpLocator& locator) { m_locator = locator; }
+
+private:
+    CommandContext m_context;
+    std::optional<HelpLocator> m_locator;
+};
+
+} // namespace qmr

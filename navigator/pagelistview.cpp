@@ -1,0 +1,248 @@
+#include "navigator/pagelistview.h"
+
+#include <QHeaderView>
+#include <QListView>
+#include <QResizeEvent>
+#include <QStandardItemModel>
+#include <QTreeView>
+
+#include "core/nodekey.h"
+#include "navigator/pageentry.h"
+#include "viewer/thumbnailmaker.h"
+
+namespace qmr {
+
+namespace {
+
+constexpr int kKeyRole = Qt::UserRole + 1;
+constexpr int kIdRole = Qt::UserRole + 2;
+constexpr int kColumns = 6;
+// Page #, Filename, Size, Scan date, Page ID; the sort column stays hidden.
+constexpr double kShares[kColumns] = {0.08, 0.6, 0.12, 0.12, 0.08, 0.0};
+constexpr int kSortColumn = 5;
+
+} // namespace
+
+PageListView::PageListView(QWidget* parent)
+    : QStackedWidget(parent), m_model(new QStandardItemModel(0, kColumns, this)),
+      m_thumbs(new QListView(this)), m_details(new QTreeView(this))
+{
+    setObjectName(QStringLiteral("lvwThumb"));
+    m_model->setHorizontalHeaderLabels({QStringLiteral("Page #"), QStringLiteral("Filename"),
+                                        QStringLiteral("Size"), QStringLiteral("Scan date"),
+                                        QStringLiteral("Page ID"), QStringLiteral("Hdn1")});
+
+    const int side = ThumbnailMaker::kThumbSide;
+    m_thumbs->setObjectName(QStringLiteral("lvwThumbIcons"));
+    m_thumbs->setModel(m_model);
+    m_thumbs->setViewMode(QListView::IconMode);
+    m_thumbs->setIconSize(QSize(side, side));
+    m_thumbs->setGridSize(QSize(side + 28, side + 2 * fontMetrics().height() + 14));
+    m_thumbs->setMovement(QListView::Static);
+    m_thumbs->setResizeMode(QListView::Adjust);
+    m_thumbs->setUniformItemSizes(true);
+    m_thumbs->setWordWrap(true);
+    m_thumbs->setTextElideMode(Qt::ElideMiddle);
+    m_thumbs->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_thumbs->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_thumbs->setEditTriggers(QAbstractItemView::NoEditTriggers);
+
+    m_details->setObjectName(QStringLiteral("lvwThumbDetails"));
+    m_details->setModel(m_model);
+    // One selection for both views: what is selected does not depend on how it is shown.
+    QItemSelectionModel* own = m_details->selectionModel();
+    m_details->setSelectionModel(m_thumbs->selectionModel());
+    delete own;
+    m_details->setRootIsDecorated(false);
+    m_details->setUniformRowHeights(true);
+    m_details->setAllColumnsShowFocus(true);
+    m_details->setItemsExpandable(false);
+    m_details->setSelectionMode(QAbstractItemView::ExtendedSelection);
+    m_details->setSelectionBehavior(QAbstractItemView::SelectRows);
+    m_details->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    m_details->setIconSize(QSize(16, 16));
+    m_details->header()->setStretchLastSection(false);
+    m_details->setColumnHidden(kSortColumn, true);
+
+    addWidget(m_thumbs);
+    addWidget(m_details);
+    setFocusProxy(m_thumbs);
+    for (QAbstractItemView* view :
+         {static_cast<QAbstractItemView*>(m_thumbs), static_cast<QAbstractItemView*>(m_details)})
+        connect(view, &QAbstractItemView::doubleClicked, this, [this](const QModelIndex& index) {
+            const qint32 id = pageIdOf(index);
+            if (id >= 0)
+                emit pageActivated(id);
+        });
+}
+
+void PageListView::setMode(Mode mode)
+{
+    m_mode = mode;
+    QAbstractItemView* view = currentView();
+    const bool focused = hasFocus();
+    setCurrentWidget(view);
+    setFocusProxy(view);
+    if (focused)
+        view->setFocus();
+}
+
+QAbstractItemView* PageListView::currentView() const
+{
+    if (m_mode == Mode::Thumbnails)
+        return m_thumbs;
+    return m_details;
+}
+
+void PageListView::clearPages()
+{
+    m_model->removeRows(0, m_model->rowCount());
+    m_rows.clear();
+}
+
+void PageListView::addPage(const PageEntry& entry, const QString& text, const QIcon& icon)
+{
+    QList<QStandardItem*> row;
+    auto* first = new QStandardItem(icon, text);
+    first->setData(NodeKey::of(Level::Page, entry.pageId).text(), kKeyRole);
+    first->setData(entry.pageId, kIdRole);
+    first->setToolTip(entry.filename);
+    row << first;
+    for (const QString& sub : {entry.filename, entry.fileSize, entry.scanDate,
+                               QString::number(entry.pageId), entry.sortKey()})
+        row << new QStandardItem(sub);
+    for (QStandardItem* item : row)
+        item->setEditable(false);
+    m_rows.insert(entry.pageId, m_model->rowCount());
+    m_model->appendRow(row);
+}
+
+QStandardItem* PageListView::itemOf(qint32 pageId) const
+{
+    const auto found = m_rows.constFind(pageId);
+    return found == m_rows.constEnd() ? nullptr : m_model->item(*found, 0);
+}
+
+void PageListView::setTile(qint32 pageId, const QIcon& tile)
+{
+    if (QStandardItem* item = itemOf(pageId))
+        item->setIcon(tile);
+}
+
+void PageListView::setPageText(qint32 pageId, const QString& text)
+{
+    if (QStandardItem* item = itemOf(pageId))
+        item->setText(text);
+}
+
+void PageListView::shareColumns()
+{
+    const int width =
+        m_details->viewport()->width() > 0 ? m_details->viewport()->width() : m_details->width();
+    for (int c = 0; c < kSortColumn; ++c)
+        m_details->setColumnWidth(c, qMax(24, int(width * kShares[c])));
+}
+
+void PageListView::resizeEvent(QResizeEvent* event)
+{
+    QStackedWidget::resizeEvent(event);
+    if (event->size().width() != event->oldSize().width())
+        shareColumns();
+}
+
+int PageListView::count() const
+{
+    return m_model->rowCount();
+}
+
+QString PageListView::textAt(int row) const
+{
+    return columnText(row, 0);
+}
+
+QString PageListView::columnText(int row, int column) const
+{
+    const QStandardItem* item = m_model->item(row, column);
+    return item ? item->text() : QString();
+}
+
+qint32 PageListView::pageIdAt(int row) const
+{
+    const QStandardItem* item = m_model->item(row, 0);
+    return item ? item->data(kIdRole).toInt() : -1;
+}
+
+QIcon PageListView::iconAt(int row) const
+{
+    const QStandardItem* item = m_model->item(row, 0);
+    return item ? item->icon() : QIcon();
+}
+
+qint32 PageListView::pageIdOf(const QModelIndex& index) const
+{
+    return index.isValid() ? pageIdAt(index.row()) : -1;
+}
+
+qint32 PageListView::pageIdAt(const QPoint& viewportPos) const
+{
+    return pageIdOf(currentView()->indexAt(viewportPos));
+}
+
+QVector<qint32> PageListView::selectedPageIds() const
+{
+    QVector<qint32> ids;
+    const QItemSelectionModel* selection = m_thumbs->selectionModel();
+    for (int row = 0; row < m_model->rowCount(); ++row)
+        if (selection->isSelected(m_model->index(row, 0)))
+            ids << pageIdAt(row);
+    return ids;
+}
+
+qint32 PageListView::currentPageId() const
+{
+    return pageIdOf(m_thumbs->selectionModel()->currentIndex());
+}
+
+qint32 PageListView::selectedPageId() const
+{
+    const QItemSelectionModel* selection = m_thumbs->selectionModel();
+    const QModelIndex current = selection->currentIndex();
+    if (current.isValid() && selection->isSelected(m_model->index(current.row(), 0)))
+        return pageIdOf(current);
+    const QVector<qint32> ids = selectedPageIds();
+    return ids.isEmpty() ? -1 : ids.first();
+}
+
+bool PageListView::selectPage(qint32 pageId)
+{
+    const auto found = m_rows.constFind(pageId);
+    if (found == m_rows.constEnd())
+        return false;
+    const QModelIndex index = m_model->index(*found, 0);
+    currentView()->selectionModel()->setCurrentIndex(index, QItemSelectionModel::ClearAndSelect |
+                                                                QItemSelectionModel::Rows);
+    currentView()->scrollTo(index);
+    return true;
+}
+
+void PageListView::selectAllPages()
+{
+    currentView()->selectAll();
+}
+
+QList<QObject*> PageListView::inputObjects() const
+{
+    return {m_thumbs, m_thumbs->viewport(), m_details, m_details->viewport()};
+}
+
+bool PageListView::isInput(const QObject* object) const
+{
+    return object == m_thumbs || object == m_details;
+}
+
+bool PageListView::isViewport(const QObject* object) const
+{
+    return object == m_thumbs->viewport() || object == m_details->viewport();
+}
+
+} // namespace qmr

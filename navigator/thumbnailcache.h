@@ -1,0 +1,85 @@
+#pragma once
+
+#include <QCache>
+#include <QDateTime>
+#include <QHash>
+#include <QImage>
+#include <QObject>
+#include <QSet>
+#include <QThreadPool>
+#include <QVector>
+#include <memory>
+
+namespace qmr {
+
+// The pictures of the page pane's tiles. A tile comes from memory, from its file under
+// Thumbs, or is made from the page file where the thumbnail is missing. Reading and making
+// happen on every core off the GUI thread and the results come back on it, so the window
+// keeps answering while a block of new pages gets its thumbnails.
+class ThumbnailCache : public QObject
+{
+    Q_OBJECT
+public:
+    struct Request
+    {
+        qint32 pageId = -1;
+        QString pagePath;
+        QString thumbPath;
+    };
+
+    // `home` is the directory whose dots do not count when thumbnail directories are made.
+    explicit ThumbnailCache(const QString& home, QObject* parent = nullptr);
+    ~ThumbnailCache() override;
+
+    // Asks for the tiles of one block, by page id. What is at hand (in memory, or read from
+    // its file within a few milliseconds) is returned at once; the rest arrives through
+    // ready(). Whatever an earlier request still wanted is dropped.
+    QHash<qint32, QImage> request(const QVector<Request>& block);
+    // Nothing is wanted any more: work that has not started is skipped.
+    void cancel();
+    // Pages asked for and not delivered yet.
+    int outstanding() const;
+
+    void setThreadCount(int count) { m_pool.setMaxThreadCount(count); }
+    int threadCount() const { return m_pool.maxThreadCount(); }
+    // How long request() may spend reading thumbnail files itself; 0 sends every read to
+    // the pool.
+    void setReadBudget(int milliseconds) { m_readBudget = milliseconds; }
+    void clearMemory() { m_memory.clear(); }
+
+    // A thumbnail file as its tile shows it: 100 by 100, white, the picture in the top left
+    // corner (a larger picture is reduced to fit). Null when the file cannot be read.
+    static QImage readTile(const QString& thumbPath);
+
+signals:
+    // A null tile: no picture could be made for the page; its tile stays blank.
+    void ready(qint32 pageId, const QImage& tile);
+    // Every page of the last request has been delivered.
+    void blockDone();
+
+private:
+    struct Cached
+    {
+        QImage tile;
+        QDateTime modified;
+        qint64 size = 0;
+    };
+    // What the pool's threads may read: the thumbnails still wanted.
+    struct Shared;
+
+    void want(const Request& request);
+    void startJob(const Request& request);
+    void finished(const QString& thumbPath, const QImage& tile, bool skipped);
+    void remember(const QString& thumbPath, const QImage& tile);
+
+    QString m_home;
+    QThreadPool m_pool;
+    std::shared_ptr<Shared> m_shared;
+    // thumbnail path -> the requests waiting for it
+    QHash<QString, QVector<Request>> m_wanted;
+    QSet<QString> m_inFlight;
+    QCache<QString, Cached> m_memory;
+    int m_readBudget = 25;
+};
+
+} // namespace qmr

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <optional>
+
+#include "core/commandtable.h"
+#include "print/printerchoice.h"
+#include "store/commandcontext.h"
+
+namespace qmr {
+
+// The print entries of the menus (a page, a document, the print settings) and the entry
+// point of the page viewer's Print button.
+class PrintCommands
+{
+public:
+    explicit PrintCommands(const CommandContext& context);
+
+    void addTo(CommandTable& table);
+
+    // frmPrint for one page.
+    void printPage(qint32 pageId);
+    // frmPrint for the page the page pane's context points at.
+    void printSelectedPage();
+    // frmPrintDocument for the target document, over its lowest to highest page number.
+    void printDocument();
+    void printSettings();
+
+    // The system's printers the windows list; tests give their own.
+    void setPrinters(const QStringList& printers) { m_printers = printers; }
+
+private:
+    QStringList printers() const;
+
+    CommandContext m_context;
+    PageLayouts m_layouts;
+    std::optional<QStringList> m_printers;
+};
+
+} // namespace qmr

@@ -1,0 +1,33 @@
+#pragma once
+
+#include <memory>
+
+#include "print/printwindow.h"
+
+namespace Ui {
+class PrintDialog;
+}
+
+namespace qmr {
+
+// frmPrint: prints one page.
+class PrintDialog : public PrintWindow
+{
+    Q_OBJECT
+public:
+    // `printers` are the system's printers; the PDF entry is always added.
+    PrintDialog(const CommandContext& context, PageLayouts& layouts, qint32 pageId,
+                const QStringList& printers = PrinterChoice::systemPrinters(),
+                QWidget* parent = nullptr);
+    ~PrintDialog() override;
+
+protected:
+    void cmdPrint() override;
+
+private:
+    std::unique_ptr<Ui::PrintDialog> m_ui;
+    qint32 m_pageId;
+    QString m_title;
+};
+
+} // namespace qmr

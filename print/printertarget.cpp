@@ -1,0 +1,68 @@
+#include "print/printertarget.h"
+
+#include <QPrinter>
+
+namespace qmr {
+
+PrinterTarget::PrinterTarget(QPrinter& printer) : m_printer(printer)
+{
+}
+
+PrinterTarget::~PrinterTarget()
+{
+    if (m_painter.isActive())
+        m_painter.end();
+}
+
+int PrinterTarget::dpiX() const
+{
+    return m_printer.logicalDpiX();
+}
+
+int PrinterTarget::dpiY() const
+{
+    return m_printer.logicalDpiY();
+}
+
+QString PrinterTarget::where() const
+{
+    if (m_printer.outputFormat() == QPrinter::PdfFormat)
+        return QStringLiteral("the file ") + m_printer.outputFileName();
+    return QStringLiteral("the printer ") + m_printer.printerName();
+}
+
+bool PrinterTarget::beginSheet()
+{
+    if (!m_started) {
+        m_started = true;
+        if (!m_painter.begin(&m_printer)) {
+            m_error = QStringLiteral("Cannot print to ") + where() + QStringLiteral(".");
+            return false;
+        }
+        return true;
+    }
+    if (!m_painter.isActive() || !m_printer.newPage()) {
+        m_error = QStringLiteral("Cannot start a new sheet on ") + where() + QStringLiteral(".");
+        return false;
+    }
+    return true;
+}
+
+void PrinterTarget::drawImage(const QImage& image, const QSize& size)
+{
+    m_painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    m_painter.drawImage(QRect(QPoint(0, 0), size), image);
+}
+
+bool PrinterTarget::finish()
+{
+    if (!m_painter.isActive())
+        return m_error.isEmpty();
+    if (!m_painter.end() || m_printer.printerState() == QPrinter::Error) {
+        m_error = QStringLiteral("Printing to ") + where() + QStringLiteral(" failed.");
+        return false;
+    }
+    return true;
+}
+
+} // namespace qmr

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <QPainter>
+
+#include "print/printtarget.h"
+
+class QPrinter;
+
+namespace qmr {
+
+// A printer or a PDF file, through Qt's printer.
+class PrinterTarget : public PrintTarget
+{
+public:
+    explicit PrinterTarget(QPrinter& printer);
+    ~PrinterTarget() override;
+
+    int dpiX() const override;
+    int dpiY() const override;
+    bool beginSheet() override;
+    void drawImage(const QImage& image, const QSize& size) override;
+    bool finish() override;
+    QString errorText() const override { return m_error; }
+
+private:
+    QString where() const;
+
+    QPrinter& m_printer;
+    QPainter m_painter;
+    bool m_started = false;
+    QString m_error;
+};
+
+} // namespace qmr

@@ -1,0 +1,229 @@
+#include <QCoreApplication>
+#include <QDateTime>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QSysInfo>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "app/startup.h"
+#include "core/homelock.h"
+#include "store/schema.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+namespace {
+
+QString refusal(const test::TestHome& home, qint64 pid, const QString& host)
+{
+    return QStringLiteral("The home %1 is in use by Quillmere, process %2 on %3. Only one "
+                          "Quillmere can work on a home at a time.")
+        .arg(home.home().path())
+        .arg(pid)
+        .arg(host);
+}
+
+// A lock file as a run writes it: pid, program, host name, host id, boot id.
+bool writeLock(const test::TestHome& home, qint64 pid, const QString& program, const QString& host,
+               const QByteArray& hostId, qint64 ageSeconds)
+{
+    QFile file(home.file(HomeLock::fileName()));
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    file.write(QByteArray::number(pid) + '\n' + program.toUtf8() + '\n' + host.toUtf8() + '\n' +
+               hostId + '\n' + QSysInfo::bootUniqueId() + '\n');
+    // Written out first, or the close would make it new again.
+    return file.flush() && file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds),
+                                            QFileDevice::FileModificationTime);
+}
+
+qint64 finishedPid()
+{
+    QProcess p;
+    p.start(QStringLiteral("/bin/true"), {});
+    if (!p.waitForStarted())
+        return -1;
+    const qint64 pid = p.processId();
+    p.waitForFinished();
+    return pid;
+}
+
+qint64 holderPid(const QString& lockPath)
+{
+    QLockFile reader(lockPath);
+    qint64 pid = 0;
+    return reader.getLockInfo(&pid, nullptr, nullptr) ? pid : -1;
+}
+
+} // namespace
+
+class TestHomeLock : public QObject
+{
+    Q_OBJECT
+private slots:
+    void secondRunInThisProgramIsRefused()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        Startup first(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(first.start(false));
+        Startup second(home.home(), home.settings(), prompter, choosers);
+        prompter.expect(
+            refusal(home, QCoreApplication::applicationPid(), QSysInfo::machineHostName()));
+        QVERIFY(!second.start(false));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY(!second.window());
+    }
+
+    void lockLeftInTheHome_data()
+    {
+        // holder: "self" (this process stands for a run that holds the lock), "reused" (this
+        // process, but the lock names another program: the number was given out again),
+        // "gone" (a finished process: a crash or a kill), or another machine's pid.
+        QTest::addColumn<QString>("holder");
+        QTest::addColumn<QString>("host"); // "this", or another machine's name
+        QTest::addColumn<int>("ageSeconds");
+        QTest::addColumn<bool>("refused");
+        const int stale =
+            int(std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count());
+        QTest::newRow("running here") << "self"
+                                      << "this" << 0 << true;
+        QTest::newRow("running here, refreshed a while ago") << "self"
+                                                             << "this" << stale - 60 << true;
+        QTest::newRow("running here, not refreshed for too long (hung)")
+            << "self"
+            << "this" << stale + 60 << false;
+        QTest::newRow("gone here (crash or kill)") << "gone"
+                                                   << "this" << 0 << false;
+        QTest::newRow("its number now another program's") << "reused"
+                                                          << "this" << 0 << false;
+        QTest::newRow("other machine, refreshed") << "4242"
+                                                  << "scanner-pc" << 30 << true;
+        QTest::newRow("other machine, not refreshed for too long")
+            << "4242"
+            << "scanner-pc" << stale + 60 << false;
+    }
+    void lockLeftInTheHome()
+    {
+        QFETCH(QString, holder);
+        QFETCH(QString, host);
+        QFETCH(int, ageSeconds);
+        QFETCH(bool, refused);
+        test::TestHome home;
+        const qint64 pid = holder == "self" || holder == "reused"
+                               ? QCoreApplication::applicationPid()
+                           : holder == "gone" ? finishedPid()
+                                              : holder.toLongLong();
+        const QString program = holder == "reused"
+                                    ? QStringLiteral("quillmere")
+                                    : QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+        QVERIFY(pid > 0);
+        const bool here = host == "this";
+        const QString hostName = here ? QSysInfo::machineHostName() : host;
+        QVERIFY(writeLock(home, pid, program, hostName,
+                          here ? QSysInfo::machineUniqueId() : QByteArray("0badc0ffee0ddf00d"),
+                          ageSeconds));
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        if (refused)
+            prompter.expect(refusal(home, pid, hostName));
+        QCOMPARE(run.start(false), !refused);
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QCOMPARE(QFile::exists(StoreSchema::storePath(home.home())), !refused);
+        // Taken over: the lock names this run now.
+        const qint64 expectedHolder = refused ? pid : QCoreApplication::applicationPid();
+        QCOMPARE(holderPid(home.file(HomeLock::fileName())), expectedHolder);
+    }
+
+    void unreadableLockFile()
+    {
+        // A run killed between making its lock file and writing it leaves an empty one.
+        test::TestHome home;
+        QVERIFY(home.writeFile(HomeLock::fileName(), QByteArray()));
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        {
+            Startup run(home.home(), home.settings(), prompter, choosers);
+            prompter.expect(QStringLiteral("The home %1 is in use by another Quillmere, and its "
+                                           "lock file %2 cannot be read. If no Quillmere is "
+                                           "working on this home, remove that file.")
+                                .arg(home.home().path(), home.file(HomeLock::fileName())));
+            QVERIFY(!run.start(false));
+            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+            QVERIFY(!QFile::exists(StoreSchema::storePath(home.home())));
+        }
+        // Left alone for longer than a holder's refresh allows, it is taken over.
+        QFile file(home.file(HomeLock::fileName()));
+        QVERIFY(file.open(QIODevice::ReadWrite));
+        QVERIFY(file.setFileTime(
+            QDateTime::currentDateTime().addSecs(
+                -std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count() -
+                60),
+            QFileDevice::FileModificationTime));
+        file.close();
+        Startup later(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(later.start(false));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+
+    void otherProgramHoldsTheHomeUntilKilled()
+    {
+        test::TestHome home;
+        QTemporaryDir config;
+        QProcess other;
+        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+        env.insert("XDG_CONFIG_HOME", config.path());
+        other.setProcessEnvironment(env);
+        other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        other.start(QStringLiteral(QMR_APP_PATH), {"--home", home.home().path()});
+        QVERIFY(other.waitForStarted());
+        // It holds the home once its store is open.
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(StoreSchema::storePath(home.home())) &&
+                                     holderPid(home.file(HomeLock::fileName())) ==
+                                         other.processId(),
+                                 30000);
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        {
+            Startup second(home.home(), home.settings(), prompter, choosers);
+            prompter.expect(refusal(home, other.processId(), QSysInfo::machineHostName()));
+            QVERIFY(!second.start(false));
+            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        }
+        // Killed, it leaves its lock file behind; the next run takes it over.
+        other.kill();
+        QVERIFY(other.waitForFinished());
+        QVERIFY(QFile::exists(home.file(HomeLock::fileName())));
+        Startup after(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(after.start(false));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QCOMPARE(holderPid(home.file(HomeLock::fileName())), QCoreApplication::applicationPid());
+    }
+
+    void lockGoesWithTheRun()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        {
+            Startup run(home.home(), home.settings(), prompter, choosers);
+            QVERIFY(run.start(false));
+            QVERIFY(QFile::exists(home.file(HomeLock::fileName())));
+        }
+        QVERIFY(!QFile::exists(home.file(HomeLock::fileName())));
+        Startup again(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(again.start(false));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+};
+
+QMR_TEST(TestHomeLock)
+#include "testhomelock.moc"

@@ -1,0 +1,223 @@
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPlainTextEdit>
+#include <QRadioButton>
+
+#include "core/textfile.h"
+#include "dialogs/itemdialog.h"
+#include "store/database.h"
+#include "store/itemstore.h"
+#include "store/itemtable.h"
+#include "store/pagestore.h"
+#include "store/schema.h"
+#include "storecommands.h"
+#include "templates/samplecabinets.h"
+
+namespace qmr::crash {
+
+namespace {
+
+const QStringList kDrawerTemplates = {
+    QStringLiteral("DRW=Car"),        QStringLiteral("FLD=Repairs"),
+    QStringLiteral("DOC=Invoice"),    QStringLiteral("DOC=Registration"),
+    QStringLiteral("FLD=Loan"),       QStringLiteral(""),
+    QStringLiteral("DRW=House"),      QStringLiteral("FLD=Taxes"),
+    QStringLiteral("DOC=Assessment"), QStringLiteral("FLD=Insurance"),
+    QStringLiteral("DOC=Policy"),     QStringLiteral("DOC=Claims"),
+    QStringLiteral("FLD=Utilities"),
+};
+
+const QStringList kSmallOffice = {
+    QStringLiteral("CAB = Small Office"),   QStringLiteral(" DRW = Clients"),
+    QStringLiteral("  FLD = Contracts"),    QStringLiteral("   DOC = Framework agreement"),
+    QStringLiteral("  FLD = Letters"),      QStringLiteral(" DRW = Accounts"),
+    QStringLiteral("  FLD = Bank"),         QStringLiteral("   DOC = Statements"),
+    QStringLiteral("   DOC = Loan papers"),
+};
+
+QString text(QRandomGenerator& rng, int length)
+{
+    static const QString letters = QStringLiteral("abcdefghijklmnopqrstuvwxyz ÄéßO'%_;");
+    QString out;
+    for (int i = 0; i < length; ++i)
+        out += letters.at(int(rng.bounded(int(letters.size()))));
+    return out;
+}
+
+template <class T> T* control(QWidget& dialog, const char* name)
+{
+    return dialog.findChild<T*>(QLatin1String(name));
+}
+
+} // namespace
+
+void prepareHome(const AppHome& home)
+{
+    home.ensureExists();
+    TextFile::writeLines(home.file(QStringLiteral("Drawer.txt")), kDrawerTemplates);
+    TextFile::writeLines(home.file(QStringLiteral("Sample.txt")),
+                         SampleCabinets::defaultText() + kSmallOffice);
+}
+
+CommandStore::CommandStore(const AppHome& home, quint32 seed)
+    : m_home(home), m_seed(seed), m_settings(home.file(QStringLiteral("settings.conf"))),
+      m_session(home, m_settings), m_templates(home)
+{
+    StoreSchema::openDatabase(m_session.db(), m_home);
+    m_templates.loadDrawerTemplates();
+}
+
+CommandStore::~CommandStore() = default;
+
+CommandContext CommandStore::context()
+{
+    return CommandContext{m_session, m_prompter, m_choosers, m_progress, m_view};
+}
+
+qint32 CommandStore::pick(Level level, QRandomGenerator& rng)
+{
+    const ItemTable& t = ItemTable::of(level);
+    const int count = ItemStore(db()).count(level);
+    if (count < 1)
+        return -1;
+    return db()
+        .scalar(
+            QStringLiteral("SELECT %1 FROM %2 ORDER BY %1 LIMIT 1 OFFSET ?").arg(t.id(), t.name()),
+            {int(rng.bounded(count))})
+        .toInt();
+}
+
+QString CommandStore::newItem(Level level, qint32 parentId, int step, QRandomGenerator& rng)
+{
+    ItemDialog dialog(level, context());
+    dialog.setAdd(parentId);
+    if (level == Level::Drawer)
+        dialog.populateTemplates(m_templates.names(),
+                                 [this](const QString& name, qint32 drawerId, ItemStore& items) {
+                                     return m_templates.applyDrawerTemplate(name, drawerId, items);
+                                 });
+    control<QLineEdit>(dialog, "txtName")
+        ->setText(QStringLiteral("%1 %2 %3")
+                      .arg(ItemTable::of(level).name())
+                      .arg(step)
+                      .arg(text(rng, int(rng.bounded(0, 20)))));
+    control<QPlainTextEdit>(dialog, "txtDescription")->setPlainText(text(rng, rng.bounded(0, 200)));
+    switch (level) {
+    case Level::Cabinet:
+        control<QLineEdit>(dialog, "txtPassword")->setText(text(rng, rng.bounded(0, 3) * 5));
+        if (rng.bounded(2) == 1) {
+            control<QRadioButton>(dialog, "optStorage1")->click();
+            control<QLineEdit>(dialog, "txtSaveTo")
+                ->setText(QStringLiteral("/srv/scans/%1").arg(step));
+        }
+        break;
+    case Level::Drawer:
+        if (QComboBox* box = control<QComboBox>(dialog, "cboTemplate"))
+            box->setCurrentIndex(int(rng.bounded(box->count())));
+        break;
+    case Level::Folder:
+        control<QLineEdit>(dialog, "txtEmail")
+            ->setText(QStringLiteral("f%1@example.org").arg(step));
+        break;
+    default:
+        control<QLineEdit>(dialog, "txtDateOnDocument")
+            ->setText(QDate(2000, 1, 1).addDays(rng.bounded(9000)).toString("M/d/yyyy"));
+        control<QLineEdit>(dialog, "txtAmount")
+            ->setText(QString::number(rng.bounded(1000000) / 100.0, 'f', 2));
+        break;
+    }
+    dialog.cmdOK();
+    return dialog.result() == QDialog::Accepted ? QString()
+                                                : QStringLiteral("the new item was not taken");
+}
+
+QString CommandStore::properties(Level level, qint32 id, int step, QRandomGenerator& rng)
+{
+    ItemDialog dialog(level, context());
+    if (!dialog.setEdit(id))
+        return QStringLiteral("item %1 has no properties").arg(id);
+    control<QLineEdit>(dialog, "txtName")
+        ->setText(QStringLiteral("%1 %2 edited").arg(ItemTable::of(level).name()).arg(step));
+    control<QPlainTextEdit>(dialog, "txtDescription")->setPlainText(text(rng, rng.bounded(0, 400)));
+    if (level == Level::Cabinet)
+        control<QLineEdit>(dialog, "txtPassword")->setText(text(rng, rng.bounded(0, 11)));
+    if (level == Level::Document)
+        control<QLineEdit>(dialog, "txtAmount")->setText(QString::number(rng.bounded(100000)));
+    dialog.cmdOK();
+    return dialog.result() == QDialog::Accepted ? QString()
+                                                : QStringLiteral("the properties were not taken");
+}
+
+void CommandStore::addPages(qint32 documentId, QRandomGenerator& rng)
+{
+    // Pages arrive by scanning and importing; until those write here, a batch of page rows
+    // stands for them, in one transaction as a batch of pages would be.
+    Database::Transaction tx(db());
+    const int count = rng.bounded(1, 7);
+    for (int i = 0; i < count; ++i)
+        db().execute(QStringLiteral("INSERT INTO Page (DocumentId, PageNumber, FileSize, "
+                                    "ScanDate, Filetype) VALUES (?, ?, ?, ?, 'JPG')"),
+                     {documentId, int(rng.bounded(1, 21)), int(rng.bounded(1000, 900000)),
+                      QDateTime(QDate(2020, 1, 1).addDays(rng.bounded(2000)), QTime(12, 0))});
+    tx.commit();
+}
+
+void CommandStore::repaginate(QRandomGenerator& rng)
+{
+    const int documents =
+        db().scalar(QStringLiteral("SELECT COUNT(DISTINCT DocumentId) FROM Page")).toInt();
+    if (documents < 1)
+        return;
+    const qint32 id = db().scalar(QStringLiteral("SELECT DocumentId FROM Page GROUP BY DocumentId "
+                                                 "ORDER BY DocumentId LIMIT 1 OFFSET ?"),
+                                  {int(rng.bounded(documents))})
+                          .toInt();
+    PageStore(db()).repaginateDocument(id, ItemStore(db()).item(Level::Document, id).name,
+                                       m_progress);
+}
+
+void CommandStore::sampleCabinet(QRandomGenerator& rng)
+{
+    SampleCabinets samples(m_home, db(), nullptr);
+    const QStringList names = samples.sampleNames();
+    samples.createSampleCabinet(names.at(int(rng.bounded(int(names.size())))));
+}
+
+QString CommandStore::run(int step)
+{
+    QRandomGenerator rng(m_seed * 2654435761u + quint32(step));
+    m_prompter.reset();
+    const int kind = int(rng.bounded(100));
+    QString problem;
+    if (kind < 8) {
+        problem = newItem(Level::Cabinet, -1, step, rng);
+    } else if (kind < 56) {
+        // A drawer, folder or document below a random parent; a cabinet when there is none.
+        const Level level = kind < 22 ? Level::Drawer : kind < 37 ? Level::Folder : Level::Document;
+        const qint32 parent = pick(*parentLevel(level), rng);
+        problem =
+            parent < 0 ? newItem(Level::Cabinet, -1, step, rng) : newItem(level, parent, step, rng);
+    } else if (kind < 68) {
+        const Level level = Level(rng.bounded(4));
+        const qint32 id = pick(level, rng);
+        if (id >= 0)
+            problem = properties(level, id, step, rng);
+    } else if (kind < 78) {
+        const qint32 document = pick(Level::Document, rng);
+        if (document >= 0)
+            addPages(document, rng);
+    } else if (kind < 85) {
+        const qint32 page = pick(Level::Page, rng);
+        if (page >= 0)
+            PageStore(db()).setPageNumber(page, int(rng.bounded(1, 60)));
+    } else if (kind < 95) {
+        repaginate(rng);
+    } else {
+        sampleCabinet(rng);
+    }
+    if (!m_prompter.seen().isEmpty())
+        return QStringLiteral("the command said: ") + m_prompter.seen().join(QStringLiteral(" | "));
+    return problem;
+}
+
+} // namespace qmr::crash

@@ -1,0 +1,356 @@
+// Crash safety of the store. A child process runs a long, deterministic mix of the store's
+// writing commands and reports each one it finished; the parent kills it with SIGKILL at a
+// random moment, opens the store with the program's own code and checks that it is sound
+// (integrity, no dangling parent, no unnamed item) and that it is exactly the store that the
+// commands finished so far left: the same rows, ids and page numbers as a reference store
+// that ran the same commands without being killed.
+//
+//   test_storekill [--runs N] [--seed S]         the parent: N kill runs (default 100)
+//   test_storekill --child HOME FIRSTSTEP SEED   the child: commands from FIRSTSTEP on, forever
+
+#include <QApplication>
+#include <QCryptographicHash>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QFile>
+#include <QMap>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QTemporaryDir>
+#include <QThread>
+#include <cstdio>
+#include <optional>
+
+#include "core/homelock.h"
+#include "store/database.h"
+#include "store/schema.h"
+#include "store/storeerror.h"
+#include "storecommands.h"
+
+using namespace qmr;
+using namespace qmr::crash;
+
+namespace {
+
+int runChild(const QString& homePath, int firstStep, quint32 seed)
+{
+    const AppHome home(homePath);
+    // As the program starts: the home taken (a killed run's lock is taken over), then the store.
+    HomeLock lock(home);
+    if (!lock.acquire()) {
+        std::fprintf(stderr, "%s\n", qPrintable(lock.refusal()));
+        return 3;
+    }
+    std::printf("opening\n");
+    std::fflush(stdout);
+    try {
+        CommandStore store(home, seed);
+        std::printf("ready\n");
+        std::fflush(stdout);
+        for (int step = firstStep;; ++step) {
+            const QString problem = store.run(step);
+            if (!problem.isEmpty()) {
+                std::fprintf(stderr, "step %d: %s\n", step, qPrintable(problem));
+                return 4;
+            }
+            std::printf("done %d\n", step + 1);
+            std::fflush(stdout);
+        }
+    } catch (const StoreError& e) {
+        std::fprintf(stderr, "%s\n", qPrintable(e.message()));
+        return 5;
+    }
+}
+
+// A fingerprint of every row of every table, rowids and all.
+QByteArray fingerprint(Database& db)
+{
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    const Recordset tables = db.openRecordset(
+        QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"));
+    for (int t = 0; t < tables.recordCount(); ++t) {
+        const QString table = tables.text(t, QStringLiteral("name"));
+        hash.addData(table.toUtf8() + '\x1e');
+        const Recordset rows = db.openRecordset(
+            QStringLiteral("SELECT rowid, * FROM \"%1\" ORDER BY rowid").arg(table));
+        for (int r = 0; r < rows.recordCount(); ++r) {
+            for (int c = 0; c < rows.columns().size(); ++c) {
+                const QVariant v = rows.value(r, c);
+                hash.addData(QByteArray::number(v.isNull() ? -1 : v.typeId()) + ':' +
+                             v.toString().toUtf8() + '\x1f');
+            }
+            hash.addData("\x1d");
+        }
+    }
+    return hash.result();
+}
+
+// What is wrong with a store on its own terms; "" when nothing is.
+QString soundness(Database& db)
+{
+    const QString integrity = db.scalar(QStringLiteral("PRAGMA integrity_check")).toString();
+    if (integrity != QLatin1String("ok"))
+        return QStringLiteral("integrity_check: ") + integrity;
+    if (StoreSchema::readVersion(db) != StoreSchema::kCurrentVersion ||
+        db.scalar(QStringLiteral("SELECT COUNT(*) FROM Version")).toInt() != 1)
+        return QStringLiteral("the Version table is not one row of the current version");
+    struct Link
+    {
+        const char* child;
+        const char* parentColumn;
+        const char* parent;
+    };
+    const Link links[] = {{"Drawer", "CabinetId", "Cabinet"},
+                          {"Folder", "DrawerId", "Drawer"},
+                          {"Document", "FolderId", "Folder"},
+                          {"Page", "DocumentId", "Document"}};
+    for (const Link& l : links) {
+        const int dangling =
+            db.scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2 NOT IN (SELECT %2 FROM %3)")
+                          .arg(QLatin1String(l.child), QLatin1String(l.parentColumn),
+                               QLatin1String(l.parent)))
+                .toInt();
+        if (dangling > 0)
+            return QStringLiteral("%1 rows of %2 have no parent").arg(dangling).arg(l.child);
+    }
+    for (const char* table : {"Cabinet", "Drawer", "Folder", "Document"}) {
+        const int unnamed =
+            db.scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name IS NULL OR Name = ''")
+                          .arg(QLatin1String(table)))
+                .toInt();
+        if (unnamed > 0)
+            return QStringLiteral("%1 rows of %2 have no name").arg(unnamed).arg(table);
+    }
+    return QString();
+}
+
+// The same commands, never killed: the fingerprint after any number of them.
+class Reference
+{
+public:
+    Reference(const QString& path, quint32 seed) : m_home(path), m_seed(seed) { restart(); }
+
+    QByteArray after(int steps)
+    {
+        if (m_known.contains(steps))
+            return m_known.value(steps);
+        if (steps < m_step)
+            restart();
+        while (m_step < steps) {
+            const QString problem = m_store->run(m_step);
+            if (!problem.isEmpty())
+                throw StoreError(QStringLiteral("reference step %1: %2").arg(m_step).arg(problem));
+            ++m_step;
+        }
+        m_known.insert(steps, fingerprint(m_store->db()));
+        return m_known.value(steps);
+    }
+
+private:
+    void restart()
+    {
+        m_store.reset();
+        QDir(m_home.path()).removeRecursively();
+        prepareHome(m_home);
+        m_store = std::make_unique<CommandStore>(m_home, m_seed);
+        m_step = 0;
+    }
+
+    AppHome m_home;
+    quint32 m_seed;
+    std::unique_ptr<CommandStore> m_store;
+    int m_step = 0;
+    QMap<int, QByteArray> m_known;
+};
+
+struct RunResult
+{
+    bool ok = false;
+    QString message;
+    int committed = 0;        // commands in the store after the kill
+    bool midCommand = false;  // the kill left a journal: it fell inside a transaction
+    bool midCreation = false; // the kill left a half-made store
+};
+
+class Parent
+{
+public:
+    Parent(const QString& self, quint32 seed, const QString& work)
+        : m_self(self), m_seed(seed), m_work(work),
+          m_longReference(work + QStringLiteral("/reference-long"), seed),
+          m_freshReference(work + QStringLiteral("/reference-fresh"), seed),
+          m_long(work + QStringLiteral("/long"))
+    {
+        prepareHome(m_long);
+    }
+
+    // A kill of a child on the long-lived home (it goes on where the last one stopped), or
+    // on a new home, where the kill falls while the store is being made.
+    RunResult run(int index, bool fresh, int delayMs)
+    {
+        RunResult result = killAndCheck(index, fresh, delayMs);
+        if (fresh && result.ok)
+            QDir(m_work + QStringLiteral("/fresh%1").arg(index)).removeRecursively();
+        return result;
+    }
+
+private:
+    RunResult killAndCheck(int index, bool fresh, int delayMs)
+    {
+        const AppHome home =
+            fresh ? AppHome(m_work + QStringLiteral("/fresh%1").arg(index)) : m_long;
+        if (fresh)
+            prepareHome(home);
+        const int first = fresh ? 0 : m_longSteps;
+        QProcess child;
+        child.setProcessChannelMode(QProcess::SeparateChannels);
+        child.start(m_self, {QStringLiteral("--child"), home.path(), QString::number(first),
+                             QString::number(m_seed)});
+        RunResult result;
+        if (!child.waitForStarted(30000)) {
+            result.message = QStringLiteral("the child did not start: ") + child.errorString();
+            return result;
+        }
+        // The moment counts from the child's word that it is about to open the store.
+        QByteArray out;
+        QElapsedTimer clock;
+        clock.start();
+        while (!out.contains("opening\n") && clock.elapsed() < 60000 &&
+               child.state() == QProcess::Running) {
+            child.waitForReadyRead(50);
+            out += child.readAllStandardOutput();
+        }
+        QElapsedTimer moment;
+        moment.start();
+        while (moment.elapsed() < delayMs && child.state() == QProcess::Running)
+            QThread::usleep(500);
+        const bool ranToTheKill = child.state() == QProcess::Running;
+        child.kill();
+        child.waitForFinished(30000);
+        out += child.readAllStandardOutput();
+        if (!ranToTheKill) {
+            result.message = QStringLiteral("the child ended by itself (%1): %2")
+                                 .arg(child.exitCode())
+                                 .arg(QString::fromLocal8Bit(child.readAllStandardError()));
+            return result;
+        }
+        int reported = first;
+        for (const QByteArray& line : out.split('\n'))
+            if (line.startsWith("done "))
+                reported = line.mid(5).toInt();
+
+        result.midCommand = QFile::exists(StoreSchema::storePath(home) + "-journal");
+        result.midCreation = QFile::exists(StoreSchema::storePath(home) + ".new");
+
+        // Opened as the program opens it: the home taken over from the killed run, the
+        // journal of an unfinished command rolled back.
+        HomeLock lock(home);
+        if (!lock.acquire()) {
+            result.message =
+                QStringLiteral("the killed run's lock was not taken over: ") + lock.refusal();
+            return result;
+        }
+        Database db;
+        StoreSchema::openDatabase(db, home);
+        result.message = soundness(db);
+        if (!result.message.isEmpty())
+            return result;
+        const QByteArray found = fingerprint(db);
+        // The kill may fall between a command's commit and its report.
+        Reference& reference = fresh ? m_freshReference : m_longReference;
+        if (found == reference.after(reported)) {
+            result.committed = reported;
+        } else if (found == reference.after(reported + 1)) {
+            result.committed = reported + 1;
+        } else {
+            result.message = QStringLiteral("the store is not what %1 finished commands left "
+                                            "(nor %2): a command was half written or lost")
+                                 .arg(reported)
+                                 .arg(reported + 1);
+            return result;
+        }
+        if (!fresh)
+            m_longSteps = result.committed;
+        result.ok = true;
+        return result;
+    }
+
+    QString m_self;
+    quint32 m_seed;
+    QString m_work;
+    Reference m_longReference;
+    Reference m_freshReference;
+    AppHome m_long;
+    int m_longSteps = 0;
+};
+
+int runParent(const QString& self, int runs, quint32 seed)
+{
+    QTemporaryDir work;
+    if (!work.isValid()) {
+        std::fprintf(stderr, "No temporary directory.\n");
+        return 2;
+    }
+    std::printf("Seed %u; %d kill runs.\n", seed, runs);
+    Parent parent(self, seed, work.path());
+    QRandomGenerator moments(seed ^ 0x9e3779b9u);
+    int passed = 0;
+    int failed = 0;
+    int lastCommitted = 0;
+    int midCommand = 0;
+    int midCreation = 0;
+    QElapsedTimer total;
+    total.start();
+    for (int i = 0; i < runs; ++i) {
+        // Every tenth run starts on a new home and is killed while the store is being made.
+        const bool fresh = i % 10 == 9;
+        const int delay = fresh ? int(moments.bounded(0, 12)) : int(moments.bounded(20, 201));
+        RunResult r;
+        try {
+            r = parent.run(i, fresh, delay);
+        } catch (const StoreError& e) {
+            r.message = e.message();
+        }
+        midCommand += r.midCommand ? 1 : 0;
+        midCreation += r.midCreation ? 1 : 0;
+        const char* left = r.midCreation  ? " (a half-made store)"
+                           : r.midCommand ? " (inside a transaction)"
+                                          : "";
+        if (r.ok) {
+            ++passed;
+            std::printf("run %3d: killed %3d ms after opening%s%s, %d commands in the store\n", i,
+                        delay, fresh ? " a new home" : "", left, r.committed);
+            if (!fresh)
+                lastCommitted = r.committed;
+        } else {
+            ++failed;
+            std::printf("run %3d: killed %3d ms after opening%s: FAILED: %s\n", i, delay,
+                        fresh ? " a new home" : "", qPrintable(r.message));
+        }
+        std::fflush(stdout);
+    }
+    std::printf("%d kills fell inside a transaction, %d while the store was being made; %d "
+                "commands stood on the long-lived home at the end; %.1f s in all.\n",
+                midCommand, midCreation, lastCommitted, total.elapsed() / 1000.0);
+    std::printf("%d passed, %d failed\n", passed, failed);
+    return failed == 0 && passed > 0 ? 0 : 1;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    QApplication app(argc, argv);
+    const QStringList args = QCoreApplication::arguments();
+    if (args.value(1) == QLatin1String("--child") && args.size() >= 5)
+        return runChild(args.at(2), args.at(3).toInt(), args.at(4).toUInt());
+    int runs = 100;
+    quint32 seed = 20251123;
+    for (int i = 1; i + 1 < args.size(); ++i) {
+        if (args.at(i) == QLatin1String("--runs"))
+            runs = args.at(i + 1).toInt();
+        else if (args.at(i) == QLatin1String("--seed"))
+            seed = args.at(i + 1).toUInt();
+    }
+    return runParent(QCoreApplication::applicationFilePath(), runs, seed);
+}

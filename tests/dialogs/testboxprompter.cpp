@@ -1,0 +1,121 @@
+#include <QApplication>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "dialogs/boxprompter.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+namespace {
+
+// What the box showed, and how the person answered it.
+struct Seen
+{
+    QString caption;
+    QString text;
+    QList<QMessageBox::StandardButton> buttons;
+};
+
+// Answers the next message box with a key or a button once it is up; a box still open after
+// five seconds is closed, so that a failing test cannot hang.
+void answerNextBox(Seen* seen, std::function<void(QMessageBox*)> act, int tries = 200)
+{
+    QTimer::singleShot(10, qApp, [=] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (!box) {
+            if (tries > 0)
+                answerNextBox(seen, act, tries - 1);
+            return;
+        }
+        seen->caption = box->windowTitle();
+        seen->text = box->text();
+        for (QAbstractButton* b : box->buttons())
+            seen->buttons << box->standardButton(b);
+        act(box);
+        QTimer::singleShot(5000, box, [box] { box->close(); });
+    });
+}
+
+} // namespace
+
+class TestBoxPrompter : public QObject
+{
+    Q_OBJECT
+private slots:
+    void buttonsAndEscape_data()
+    {
+        QTest::addColumn<int>("buttons");
+        QTest::addColumn<QList<QMessageBox::StandardButton>>("shown");
+        QTest::addColumn<int>("escape"); // the answer Escape gives
+        using B = QMessageBox::StandardButton;
+        QTest::newRow("ok") << int(Prompter::Buttons::Ok) << QList<B>{B::Ok}
+                            << int(Prompter::Answer::Ok);
+        QTest::newRow("yes no") << int(Prompter::Buttons::YesNo) << QList<B>{B::Yes, B::No}
+                                << int(Prompter::Answer::No);
+        QTest::newRow("yes no cancel")
+            << int(Prompter::Buttons::YesNoCancel) << QList<B>{B::Yes, B::No, B::Cancel}
+            << int(Prompter::Answer::Cancel);
+    }
+    void buttonsAndEscape()
+    {
+        QFETCH(int, buttons);
+        QFETCH(QList<QMessageBox::StandardButton>, shown);
+        QFETCH(int, escape);
+        BoxPrompter prompter;
+        Seen seen;
+        answerNextBox(&seen, [](QMessageBox* box) { QTest::keyClick(box, Qt::Key_Escape); });
+        const Prompter::Answer answer =
+            prompter.ask(QStringLiteral("Delete 'Bank'?"), Prompter::Buttons(buttons));
+        QCOMPARE(int(answer), escape);
+        QCOMPARE(seen.caption, QStringLiteral("Quillmere"));
+        QCOMPARE(seen.text, QStringLiteral("Delete 'Bank'?"));
+        std::sort(seen.buttons.begin(), seen.buttons.end());
+        std::sort(shown.begin(), shown.end());
+        QCOMPARE(seen.buttons, shown);
+    }
+
+    void eachButtonGivesItsAnswer_data()
+    {
+        QTest::addColumn<int>("buttons");
+        QTest::addColumn<int>("pressed");
+        QTest::addColumn<int>("answer");
+        using B = QMessageBox::StandardButton;
+        using A = Prompter::Answer;
+        QTest::newRow("ok") << int(Prompter::Buttons::Ok) << int(B::Ok) << int(A::Ok);
+        QTest::newRow("yes") << int(Prompter::Buttons::YesNo) << int(B::Yes) << int(A::Yes);
+        QTest::newRow("no") << int(Prompter::Buttons::YesNo) << int(B::No) << int(A::No);
+        QTest::newRow("yes of three")
+            << int(Prompter::Buttons::YesNoCancel) << int(B::Yes) << int(A::Yes);
+        QTest::newRow("no of three")
+            << int(Prompter::Buttons::YesNoCancel) << int(B::No) << int(A::No);
+        QTest::newRow("cancel") << int(Prompter::Buttons::YesNoCancel) << int(B::Cancel)
+                                << int(A::Cancel);
+    }
+    void eachButtonGivesItsAnswer()
+    {
+        QFETCH(int, buttons);
+        QFETCH(int, pressed);
+        QFETCH(int, answer);
+        BoxPrompter prompter;
+        Seen seen;
+        answerNextBox(&seen, [pressed](QMessageBox* box) {
+            box->button(QMessageBox::StandardButton(pressed))->click();
+        });
+        QCOMPARE(int(prompter.ask(QStringLiteral("Go on?"), Prompter::Buttons(buttons))), answer);
+    }
+
+    void closingTheBoxIsTheMildestAnswer()
+    {
+        BoxPrompter prompter;
+        Seen seen;
+        answerNextBox(&seen, [](QMessageBox* box) { box->close(); });
+        QCOMPARE(prompter.ask(QStringLiteral("Save?"), Prompter::Buttons::YesNoCancel),
+                 Prompter::Answer::Cancel);
+    }
+};
+
+QMR_TEST(TestBoxPrompter)
+#include "testboxprompter.moc"

@@ -1,0 +1,253 @@
+#include <QRadioButton>
+#include <QTest>
+
+#include "dialogharness.h"
+#include "store/itemrules.h"
+#include "store/itemstore.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::child;
+using test::DialogHarness;
+
+namespace {
+
+const char* const kLevelWords[] = {"cabinet", "drawer", "folder", "document"};
+
+QString repeat(const QString& unit, int times)
+{
+    QString out;
+    for (int i = 0; i < times; ++i)
+        out += unit;
+    return out;
+}
+
+QString tooLong(const char* what, int level, int width)
+{
+    return QStringLiteral("The %1 is too long: a %2's %1 can have at most %3 characters.")
+        .arg(QLatin1String(what), QLatin1String(kLevelWords[level]))
+        .arg(width);
+}
+
+struct Case
+{
+    const char* name;
+    QString typed;
+    QString stored; // what the store must hold; unused when refused
+    bool refused;
+};
+
+// Names that have broken programs: quoting, patterns, statement text, escapes, scripts that
+// run the other way, characters built of several, characters beyond 16 bits, and lengths at
+// and one past the column's width, counted in characters as the store counts them.
+QVector<Case> nameCases()
+{
+    const QString emoji = QString::fromUtf8("\xF0\x9F\x98\x80"); // one character, two units
+    const QString accent = QString::fromUtf8("e\xCC\x81");       // e + combining acute
+    return {
+        {"apostrophes", "O'Brien's 'quoted' name", "O'Brien's 'quoted' name", false},
+        {"double quote", "say \"cheese\"", {}, true},
+        {"percent", "100% of 50%", "100% of 50%", false},
+        {"underscore", "a_b__c_", "a_b__c_", false},
+        {"semicolon and statement", "x'); DROP TABLE Cabinet; --", "x'); DROP TABLE Cabinet; --",
+         false},
+        {"backslash", "C\\temp", {}, true},
+        {"brackets", "[draft] (v2) {final}", "[draft] (v2) {final}", false},
+        {"right to left", QString::fromUtf8("ملف الضرائب 2025"),
+         QString::fromUtf8("ملف الضرائب 2025"), false},
+        {"direction override", QString::fromUtf8("\xE2\x80\xAEtxt.exe\xE2\x80\xAC"), {}, true},
+        {"direction override, no dot",
+         QString::fromUtf8("\xE2\x80\xAE"
+                           "abc\xE2\x80\xAC"),
+         QString::fromUtf8("\xE2\x80\xAE"
+                           "abc\xE2\x80\xAC"),
+         false},
+        {"combining", QString::fromUtf8("Cafe\xCC\x81 Zoe\xCC\x88"),
+         QString::fromUtf8("Cafe\xCC\x81 Zoe\xCC\x88"), false},
+        {"emoji", QString::fromUtf8("\xF0\x9F\xA7\xBE Receipts \xF0\x9F\x93\x81"),
+         QString::fromUtf8("\xF0\x9F\xA7\xBE Receipts \xF0\x9F\x93\x81"), false},
+        {"joined emoji",
+         QString::fromUtf8("\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91"
+                           "\xA7 family"),
+         QString::fromUtf8("\xF0\x9F\x91\xA8\xE2\x80\x8D\xF0\x9F\x91\xA9\xE2\x80\x8D\xF0\x9F\x91"
+                           "\xA7 family"),
+         false},
+        // Found by fuzzing: a name that begins with a byte-order mark lost it on reading.
+        {"byte-order mark first", QChar(0xFEFF) + QStringLiteral("Invoices"),
+         QChar(0xFEFF) + QStringLiteral("Invoices"), false},
+        {"zero-width characters", QString::fromUtf8("in\xE2\x80\x8Bvoice\xE2\x80\x8D"),
+         QString::fromUtf8("in\xE2\x80\x8Bvoice\xE2\x80\x8D"), false},
+        {"spaces around", "   padded name  ", "padded name", false},
+        {"only spaces", "    ", {}, true},
+        {"at width", QString(80, 'w'), QString(80, 'w'), false},
+        {"one past width", QString(81, 'w'), {}, true},
+        {"emoji at width", repeat(emoji, 80), repeat(emoji, 80), false},
+        {"emoji one past width", repeat(emoji, 81), {}, true},
+        {"combining at width", repeat(accent, 40), repeat(accent, 40), false},
+        {"combining one past width", repeat(accent, 40) + "x", {}, true},
+    };
+}
+
+QString nameRefusal(const Case& c, int level)
+{
+    if (ItemRules::containsBadCharacters(c.typed))
+        return ItemRules::badCharactersMessage();
+    if (c.typed.trimmed().isEmpty())
+        return QStringList{"A file cabinet name is required.", "A drawer name is required.",
+                           "A folder name is required.", "A document name is required."}
+            .at(level);
+    return tooLong("name", level, 80);
+}
+
+const char* controlOf(const QString& field)
+{
+    return field == "name"          ? "txtName"
+           : field == "email"       ? "txtEmail"
+           : field == "storagePath" ? "txtSaveTo"
+           : field == "password"    ? "txtPassword"
+                                    : "txtDescription";
+}
+
+QString storedField(const ItemFields& f, const QString& field)
+{
+    return field == "name"          ? f.name
+           : field == "email"       ? f.email
+           : field == "storagePath" ? f.storagePath
+           : field == "password"    ? f.password
+                                    : f.description;
+}
+
+} // namespace
+
+class TestHostileNames : public QObject
+{
+    Q_OBJECT
+private slots:
+    void storedAsTypedOrRefused_data()
+    {
+        QTest::addColumn<int>("level");
+        QTest::addColumn<QString>("mode");
+        QTest::addColumn<QString>("field");
+        QTest::addColumn<QString>("typed");
+        QTest::addColumn<QString>("stored");
+        QTest::addColumn<QString>("message"); // "" when it is stored
+
+        for (int level = 0; level < 4; ++level)
+            for (const char* mode : {"Add", "Edit"})
+                for (const Case& c : nameCases())
+                    QTest::addRow("%s %s name: %s", kLevelWords[level], mode, c.name)
+                        << level << mode << "name" << c.typed << c.stored
+                        << (c.refused ? nameRefusal(c, level) : QString());
+
+        const QString hostile = QString::fromUtf8("O'Brien 100%_; [x] \\ \" ملف Cafe\xCC\x81 "
+                                                  "\xF0\x9F\x93\x81");
+        const QString email = QStringLiteral("o'brien+100%_x;[a]@example.org");
+        for (const char* mode : {"Add", "Edit"}) {
+            const auto row = [&](const char* what, int level, const char* field,
+                                 const QString& typed, const QString& stored,
+                                 const QString& message) {
+                QTest::addRow("%s %s %s", kLevelWords[level], mode, what)
+                    << level << mode << field << typed << stored << message;
+            };
+            row("email, hostile", 2, "email", email, email, QString());
+            row("email at width", 2, "email", QString(100, 'e'), QString(100, 'e'), QString());
+            row("email one past width", 2, "email", QString(101, 'e'), QString(),
+                tooLong("email address", 2, 100));
+            const QString path = QString::fromUtf8("/srv/O'Brien 100%_; [x] \xF0\x9F\x93\x81");
+            row("storage path, hostile", 0, "storagePath", path, path, QString());
+            row("storage path at width", 0, "storagePath", "/" + QString(249, 'p'),
+                "/" + QString(249, 'p'), QString());
+            row("storage path one past width", 0, "storagePath", "/" + QString(250, 'p'), QString(),
+                tooLong("storage path", 0, 250));
+            row("password, hostile", 0, "password", "'%_;\\[]\"x", "'%_;\\[]\"x", QString());
+            // Characters whose stored form wraps round to a control character.
+            const QString high = QString::fromUtf8("õ÷øùúûüýþÿ");
+            row("password, high Latin-1 at width", 0, "password", high, high, QString());
+            row("password, emoji", 0, "password", QString::fromUtf8("\xF0\x9F\x99\x82 ok"),
+                QString::fromUtf8("\xF0\x9F\x99\x82 ok"), QString());
+            // The box takes no more than the column holds: what it shows is what is kept.
+            row("password one past width", 0, "password", "abcdefghijk", "abcdefghij", QString());
+            for (int level = 0; level < 4; ++level)
+                row("description, hostile", level, "description", hostile + "\nline two\t;",
+                    hostile + "\nline two\t;", QString());
+        }
+    }
+    void storedAsTypedOrRefused()
+    {
+        QFETCH(int, level);
+        QFETCH(QString, mode);
+        QFETCH(QString, field);
+        QFETCH(QString, typed);
+        QFETCH(QString, stored);
+        QFETCH(QString, message);
+        DialogHarness h;
+        ItemStore items(h.db());
+        const Level lv = Level(level);
+        // New items go below item 1 of the level above; properties change item 1.
+        const qint32 parent = level == 0 ? -1 : 1;
+        const int countBefore = items.count(lv);
+        const std::optional<ItemFields> item1Before = items.fields(lv, 1);
+
+        ItemDialog dialog(lv, h.services());
+        if (mode == "Add") {
+            dialog.setAdd(parent);
+            if (field != "name")
+                child<QLineEdit>(&dialog, "txtName")->setText("Plain name");
+        } else {
+            QVERIFY(dialog.setEdit(1));
+        }
+        if (field == "storagePath")
+            child<QRadioButton>(&dialog, "optStorage1")->click();
+        if (field == "description")
+            child<QPlainTextEdit>(&dialog, "txtDescription")->setPlainText(typed);
+        else
+            child<QLineEdit>(&dialog, controlOf(field))->setText(typed);
+        if (!message.isEmpty())
+            h.prompter.expect(message);
+        dialog.cmdOK();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+
+        if (!message.isEmpty()) {
+            // Refused: the dialog stays with what was typed, and the store is as it was.
+            QCOMPARE(dialog.result(), int(QDialog::Rejected));
+            QCOMPARE(items.count(lv), countBefore);
+            QCOMPARE(items.fields(lv, 1)->name, item1Before->name);
+            QCOMPARE(storedField(*items.fields(lv, 1), field), storedField(*item1Before, field));
+            QVERIFY(h.nav.calls.isEmpty());
+            return;
+        }
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        const qint32 id = dialog.itemId();
+        QCOMPARE(items.count(lv), countBefore + (mode == "Add" ? 1 : 0));
+        const std::optional<ItemFields> f = items.fields(lv, id);
+        QVERIFY(f);
+        QCOMPARE(storedField(*f, field), stored);
+
+        // Found as typed: among its parent's children, by the name test that refuses doubles
+        // (which ignores case and treats % and _ as themselves), and in its dialog again.
+        const QString name = f->name;
+        bool listed = false;
+        for (const ItemRow& row : items.children(lv, parent))
+            listed = listed || (row.id == id && row.name == name);
+        QVERIFY(listed);
+        QVERIFY(items.nameTaken(lv, parent, name, -1));
+        QVERIFY(items.nameTaken(lv, parent, name.toUpper(), -1));
+        QVERIFY(!items.nameTaken(lv, parent, name, id)); // only itself has it
+        if (name.contains('%') || name.contains('_')) {
+            QString lookalike = name;
+            lookalike.replace('%', 'Q').replace('_', 'Q');
+            QVERIFY(!items.nameTaken(lv, parent, lookalike, -1));
+        }
+        if (lv == Level::Cabinet)
+            QVERIFY(items.cabinetNameExists(name));
+        ItemDialog again(lv, h.services());
+        QVERIFY(again.setEdit(id));
+        if (field == "description")
+            QCOMPARE(child<QPlainTextEdit>(&again, "txtDescription")->toPlainText(), stored);
+        else
+            QCOMPARE(child<QLineEdit>(&again, controlOf(field))->text(), stored);
+    }
+};
+
+QMR_TEST(TestHostileNames)
+#include "testhostilenames.moc"

@@ -1,0 +1,483 @@
+#include <QApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+#include <QLabel>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTimer>
+#include <QToolButton>
+#include <QTreeView>
+
+#include "core/pageopener.h"
+#include "navharness.h"
+#include "navigator/defaultpageopener.h"
+#include "navigator/navicons.h"
+#include "navigator/pagelistview.h"
+#include "navigator/pagepane.h"
+#include "navigator/thumbnailcache.h"
+#include "store/pagepaths.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::NavHarness;
+
+namespace {
+
+// A page row whose picture is a dark JPEG of `size` at its computed path, with no thumbnail.
+qint32 darkPage(NavHarness& h, test::FixtureStore& store, qint32 doc, int number,
+                const QSize& size = QSize(850, 1100))
+{
+    const qint32 id = store.pageRow(doc, number);
+    const QString file = PagePaths(h.home.home()).computedPagePath(id);
+    QDir().mkpath(QFileInfo(file).path());
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(QColor(20, 20, 90));
+    image.save(file, "JPG");
+    return id;
+}
+
+// A document of `pages` page rows numbered 1.., without files, in a folder of the sample.
+qint32 documentOfRows(test::FixtureStore& store, int pages, const QString& name = "Big")
+{
+    const qint32 doc = store.document(1, name);
+    Database::Transaction tx(store.db());
+    for (int n = 1; n <= pages; ++n)
+        store.pageRow(doc, n);
+    tx.commit();
+    return doc;
+}
+
+QPushButton* button(NavHarness& h, const char* name)
+{
+    return h.window->findChild<QPushButton*>(name);
+}
+
+QString status(NavHarness& h)
+{
+    return h.window->findChild<QLabel*>("lblStatus")->text();
+}
+
+QStringList pageRange(int from, int to)
+{
+    QStringList texts;
+    for (int n = from; n <= to; ++n)
+        texts << QString("Page %1").arg(n);
+    return texts;
+}
+
+QImage iconImage(const PageListView* list, int row)
+{
+    return list->iconAt(row)
+        .pixmap(QSize(100, 100))
+        .toImage()
+        .convertToFormat(QImage::Format_RGB32);
+}
+
+bool isWhite(QRgb pixel)
+{
+    return qGray(pixel) > 215;
+}
+
+class RecordingOpener : public PageOpener
+{
+public:
+    void openPage(qint32 pageId) override { opened << pageId; }
+    QVector<qint32> opened;
+};
+
+} // namespace
+
+class TestPagePane : public QObject
+{
+    Q_OBJECT
+private slots:
+    void pagingThroughTheWindow()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = documentOfRows(store, 25);
+        h.home.settings().set(keys::DisplayCount, "10");
+        h.load();
+        const QString key = QString("DOC%1").arg(doc);
+        h.clickPath({"CAB1", "DRW1", "FLD1", key});
+        QCOMPARE(status(h), QString(" Showing 10 images (page 1 of 3)"));
+        QCOMPARE(h.pageTexts(), pageRange(1, 10));
+        QVERIFY(!button(h, "cmdFirst")->isEnabled());
+        QVERIFY(!button(h, "cmdPrev")->isEnabled());
+        QVERIFY(button(h, "cmdNext")->isEnabled());
+        QVERIFY(button(h, "cmdLast")->isEnabled());
+
+        button(h, "cmdNext")->click();
+        QCOMPARE(h.pageTexts(), pageRange(11, 20));
+        QCOMPARE(status(h), QString(" Showing 10 images (page 2 of 3)"));
+        QVERIFY(button(h, "cmdPrev")->isEnabled());
+
+        // The keys of the list act as the buttons do.
+        QWidget* list = h.window->pageList()->list()->currentView();
+        QTest::keyClick(list, Qt::Key_End);
+        QCOMPARE(h.pageTexts(), pageRange(16, 25));
+        QCOMPARE(status(h), QString(" Showing 10 images (page 2 of 3)"));
+        QVERIFY(!button(h, "cmdNext")->isEnabled());
+        QVERIFY(!button(h, "cmdLast")->isEnabled());
+        QCOMPARE(h.navigator().target().source(), ContextSource::PageList);
+        QTest::keyClick(list, Qt::Key_PageUp);
+        QCOMPARE(h.pageTexts(), pageRange(7, 16));
+        QTest::keyClick(list, Qt::Key_PageDown);
+        QCOMPARE(h.pageTexts(), pageRange(17, 25));
+        QTest::keyClick(list, Qt::Key_Home);
+        QCOMPARE(h.pageTexts(), pageRange(1, 10));
+        // Missing pictures leave blank tiles and say nothing.
+        QVERIFY(
+            QTest::qWaitFor([&] { return h.window->pageList()->thumbnails().outstanding() == 0; }));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void pagingDoesNotReadTheStore()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = documentOfRows(store, 25);
+        h.home.settings().set(keys::DisplayCount, "10");
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        h.session->db().execute("DELETE FROM Page");
+        button(h, "cmdLast")->click();
+        QCOMPARE(h.pageTexts(), pageRange(16, 25));
+        button(h, "cmdShowMore")->click();
+        QCOMPARE(h.pageTexts(), pageRange(16, 25));
+        QCOMPARE(status(h), QString(" Showing 11 images (page 2 of 3)"));
+    }
+
+    void showMoreAndLessAreSaved()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = documentOfRows(store, 70);
+        h.home.settings().set(keys::DisplayCount, "500"); // comes up as 64
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        QCOMPARE(status(h), QString(" Showing 64 images (page 1 of 2)"));
+        button(h, "cmdShowMore")->click();
+        QCOMPARE(h.pageTexts().size(), 64);
+        button(h, "cmdShowLess")->click();
+        button(h, "cmdShowLess")->click();
+        QCOMPARE(h.pageTexts(), pageRange(1, 62));
+        QCOMPARE(h.view->displayCount(), 62);
+        QCOMPARE(h.home.settings().get(keys::DisplayCount), QString("62"));
+    }
+
+    void anEmptyDocumentLeavesTheButtons()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = documentOfRows(store, 40);
+        h.home.settings().set(keys::DisplayCount, "16");
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        button(h, "cmdNext")->click();
+        h.click("DOC2"); // O'Brien's letter has no pages
+        QCOMPARE(status(h), QString("Showing 16 images (no images found)"));
+        QVERIFY(h.pageTexts().isEmpty());
+        for (const char* name : {"cmdFirst", "cmdPrev", "cmdNext", "cmdLast"})
+            QVERIFY2(button(h, name)->isEnabled(), name);
+    }
+
+    void theListViewShowsTheWholeDocument()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = documentOfRows(store, 120);
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        button(h, "cmdNext")->click();
+        QCOMPARE(status(h), QString(" Showing 20 images (page 2 of 6)"));
+
+        h.window->findChild<QToolButton*>("imgList")->click();
+        QCOMPARE(h.home.settings().get(keys::ThumbView), QString("list"));
+        // The document is read again and the block is the first.
+        QCOMPARE(status(h), QString(" Showing 20 images (page 1 of 6)"));
+        const PageListView* list = h.window->pageList()->list();
+        QCOMPARE(list->mode(), PageListView::Mode::List);
+        QCOMPARE(list->count(), 120);
+        // Sorted as text on the hidden column: 100 comes before 11.
+        const QStringList texts = h.pageTexts();
+        QCOMPARE(texts.mid(8, 5), QStringList({"9", "10", "100", "101", "102"}));
+        QCOMPARE(texts.last(), QString("99"));
+        const qint32 first = list->pageIdAt(0);
+        QCOMPARE(list->columnText(0, 1), PagePaths(h.home.home()).computedPagePath(first));
+        QCOMPARE(list->columnText(0, 4), QString::number(first));
+        QCOMPARE(list->columnText(0, 5), QString("01"));
+        auto* details = h.window->findChild<QTreeView*>("lvwThumbDetails");
+        QVERIFY(details->isVisible());
+        QVERIFY(details->isColumnHidden(5));
+        QCOMPARE(details->model()->headerData(0, Qt::Horizontal).toString(), QString("Page #"));
+        // The buttons move the numbers only.
+        button(h, "cmdNext")->click();
+        QCOMPARE(status(h), QString(" Showing 20 images (page 2 of 6)"));
+        QCOMPARE(list->count(), 120);
+
+        auto* arrow = h.window->findChild<QLabel*>("imgArrowDown");
+        auto* imgList = h.window->findChild<QToolButton*>("imgList");
+        auto* imgThumbnail = h.window->findChild<QToolButton*>("imgThumbnail");
+        QTRY_COMPARE(arrow->geometry().center().x(), imgList->geometry().center().x());
+        imgThumbnail->click();
+        QCOMPARE(h.home.settings().get(keys::ThumbView), QString("thumbnail"));
+        QCOMPARE(list->mode(), PageListView::Mode::Thumbnails);
+        QCOMPARE(h.pageTexts(), pageRange(1, 20));
+        QTRY_COMPARE(arrow->geometry().center().x(), imgThumbnail->geometry().center().x());
+    }
+
+    void thumbnailsAreMadeOnFirstDisplay()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = store.document(1, "Scans");
+        const qint32 wide = darkPage(h, store, doc, 1, QSize(1100, 550));
+        const qint32 gone = store.pageRow(doc, 2);
+        const qint32 tall = darkPage(h, store, doc, 3);
+        const QString target = h.home.file("letter.pdf");
+        QVERIFY(h.home.writeFile("letter.pdf", "%PDF-1.4"));
+        const qint32 shortcut = store.pageRow(doc, 4);
+        store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
+                           {target, shortcut});
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        QVERIFY(QTest::qWaitFor(
+            [&] { return h.window->pageList()->thumbnails().outstanding() == 0; }, 10000));
+        QTest::qWait(20);
+        QCOMPARE(h.pageTexts(), QStringList({"Page 1", "Page 2", "Page 3", "letter.pdf"}));
+        const PagePaths paths(h.home.home());
+        for (const qint32 id : {wide, tall})
+            QCOMPARE(QImage(paths.computedThumbPath(id)).size(), QSize(100, 100));
+        QVERIFY(!QFile::exists(paths.computedThumbPath(gone)));
+        const PageListView* list = h.window->pageList()->list();
+        // The picture at the top left of the tile, the rest white.
+        const QImage wideTile = iconImage(list, 0);
+        QVERIFY(!isWhite(wideTile.pixel(50, 20)));
+        QVERIFY(isWhite(wideTile.pixel(50, 80)));
+        const QImage tallTile = iconImage(list, 2);
+        QVERIFY(!isWhite(tallTile.pixel(30, 50)));
+        QVERIFY(isWhite(tallTile.pixel(90, 50)));
+        // The page whose file has gone keeps a blank tile, and says nothing.
+        const QImage blank = iconImage(list, 1);
+        QVERIFY(isWhite(blank.pixel(50, 50)) && isWhite(blank.pixel(10, 10)));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // A shortcut shows the icon of its file's type in the middle of its tile.
+        const QImage icon = iconImage(list, 3);
+        bool drawn = false;
+        for (int y = 34; y < 66 && !drawn; ++y)
+            for (int x = 34; x < 66 && !drawn; ++x)
+                drawn = !isWhite(icon.pixel(x, y));
+        QVERIFY(drawn);
+        QVERIFY(isWhite(icon.pixel(10, 10)));
+    }
+
+    void thePaneOnItsOwn_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<int>("modifiers");
+        QTest::addColumn<QString>("command");
+        QTest::newRow("I") << int(Qt::Key_I) << 0 << "mnuPopupPageProperties";
+        QTest::newRow("Ctrl+I") << int(Qt::Key_I) << int(Qt::ControlModifier)
+                                << "mnuPopupPageProperties";
+        QTest::newRow("R") << int(Qt::Key_R) << 0 << "mnuPopupPageRenumber";
+        QTest::newRow("Ctrl+X") << int(Qt::Key_X) << int(Qt::ControlModifier) << "mnuPopupPageCut";
+        QTest::newRow("X") << int(Qt::Key_X) << 0 << "";
+        QTest::newRow("Ctrl+C") << int(Qt::Key_C) << int(Qt::ControlModifier) << "mnuPopupPageCopy";
+        QTest::newRow("Ctrl+V") << int(Qt::Key_V) << int(Qt::ControlModifier)
+                                << "mnuPopupPagePaste";
+        QTest::newRow("V") << int(Qt::Key_V) << 0 << "";
+        QTest::newRow("Alt+R") << int(Qt::Key_R) << int(Qt::AltModifier) << "";
+    }
+    void thePaneOnItsOwn()
+    {
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
+        test::TestHome home;
+        ViewSettings view(home.settings());
+        view.read();
+        NavIcons icons;
+        const PagePaths paths(home.home());
+        PagePane pane(icons, view, paths);
+        QVector<PageRow> rows;
+        for (int n = 1; n <= 3; ++n) {
+            PageRow row;
+            row.id = 10 + n;
+            row.pageNumber = n;
+            rows << row;
+        }
+        pane.showPages(5, rows);
+        pane.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&pane));
+        QSignalSpy commands(&pane, &PagePane::commandRequested);
+        QTest::keyClick(pane.list()->currentView(), Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+        QTEST(commands.isEmpty() ? QString() : commands.first().first().toString(), "command");
+        QVERIFY(commands.size() <= 1);
+        // Ctrl+A takes every page; A alone does not.
+        QTest::keyClick(pane.list()->currentView(), Qt::Key_A);
+        QVERIFY(pane.selectedPageIds().size() < 3);
+        QTest::keyClick(pane.list()->currentView(), Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(pane.selectedPageIds(), (QVector<qint32>{11, 12, 13}));
+    }
+
+    void openingGoesThroughTheOpener()
+    {
+        NavHarness h;
+        h.loadSample();
+        RecordingOpener opener;
+        h.navigator().setPageOpener(&opener);
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
+        PageListView* list = h.window->pageList()->list();
+        QAbstractItemView* view = list->currentView();
+        const QRect second = view->visualRect(view->model()->index(1, 0));
+        // A person's double click: a click, then the second press.
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, second.center());
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, second.center());
+        QCOMPARE(opener.opened, QVector<qint32>({2}));
+        QVERIFY(list->selectPage(1));
+        QTest::keyClick(view, Qt::Key_Return);
+        QCOMPARE(opener.opened, QVector<qint32>({2, 1}));
+        QAction* open = h.window->menus().action("mnuPopupPageOpen");
+        QVERIFY(open->isEnabled());
+        open->trigger();
+        QCOMPARE(opener.opened, QVector<qint32>({2, 1, 1}));
+        // A double click beside the pages opens nothing.
+        const QPoint beside(view->viewport()->width() - 5, view->viewport()->height() - 5);
+        QTest::mouseClick(view->viewport(), Qt::LeftButton, {}, beside);
+        QTest::mouseDClick(view->viewport(), Qt::LeftButton, {}, beside);
+        QCOMPARE(opener.opened.size(), 3);
+        h.navigator().setPageOpener(nullptr);
+    }
+
+    void theDefaultOpener_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::addColumn<QString>("message"); // %1: the page's path
+        QTest::addColumn<bool>("opened");
+        QTest::newRow("page image") << "image"
+                                    << "" << true;
+        QTest::newRow("page image gone") << "image gone"
+                                         << "Missing file '%1'." << false;
+        QTest::newRow("shortcut") << "shortcut"
+                                  << "" << true;
+        QTest::newRow("shortcut gone") << "shortcut gone"
+                                       << "Missing file '%1'." << false;
+        QTest::newRow("shortcut without a name") << "shortcut empty"
+                                                 << "This shortcut has no filename." << false;
+        QTest::newRow("no program") << "no program"
+                                    << "No program for '%1'." << true;
+    }
+    void theDefaultOpener()
+    {
+        QFETCH(QString, kind);
+        QFETCH(QString, message);
+        QFETCH(bool, opened);
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        h.openStore();
+        const PagePaths paths(h.home.home());
+        qint32 id = 1;
+        QString path = paths.computedPagePath(1);
+        if (kind.startsWith("shortcut")) {
+            path = kind == "shortcut empty" ? QString() : h.home.file("elsewhere/letter.pdf");
+            QDir().mkpath(h.home.file("elsewhere"));
+            if (kind == "shortcut")
+                QVERIFY(h.home.writeFile("elsewhere/letter.pdf", "%PDF-1.4"));
+            id = store.pageRow(1, 9);
+            store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
+                               {path.isEmpty() ? QVariant() : QVariant(path), id});
+        }
+        if (kind == "image gone")
+            QVERIFY(QFile::remove(path));
+        if (kind == "no program")
+            h.choosers.failEditor(QString("No program for '%1'.").arg(path));
+        if (!message.isEmpty())
+            h.prompter.expect(message.arg(path));
+        DefaultPageOpener opener(*h.session, h.prompter, h.choosers);
+        opener.openPage(id);
+        opener.openPage(999); // a page that is gone from the store says nothing
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.choosers.edited(), opened ? QStringList{path} : QStringList());
+    }
+
+    void aRefreshShowsTheBlockOfTheSelectedPage()
+    {
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = documentOfRows(store, 30);
+        h.home.settings().set(keys::DisplayCount, "10");
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        const qint32 last = store.pageRow(doc, 31);
+        h.navigator().refreshPages(doc, last);
+        QCOMPARE(status(h), QString(" Showing 10 images (page 4 of 4)"));
+        QCOMPARE(h.pageTexts(), QStringList{"Page 31"});
+        QCOMPARE(h.window->pageList()->selectedPageIds(), QVector<qint32>{last});
+    }
+
+    void containerListsHideThePane_data()
+    {
+        QTest::addColumn<QStringList>("path");
+        QTest::addColumn<QStringList>("items");
+        QTest::newRow("root") << QStringList{"ROOT"}
+                              << QStringList{"Home Papers", "Private", "Shoe Box"};
+        QTest::newRow("cabinet") << QStringList{"CAB1"} << QStringList{"Bank", "Taxes"};
+        QTest::newRow("drawer") << QStringList{"CAB1", "DRW1"}
+                                << QStringList{"Checking", "Savings"};
+        // Bare names: a document's date shows in the tree only.
+        QTest::newRow("folder") << QStringList{"CAB1", "DRW1", "FLD1"}
+                                << QStringList{"March statement", "O'Brien's letter"};
+        QTest::newRow("empty folder") << QStringList{"CAB1", "DRW1", "FLD2"} << QStringList{};
+    }
+    void containerListsHideThePane()
+    {
+        QFETCH(QStringList, path);
+        NavHarness h;
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        store.cabinet("Shoe Box");
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
+        const char* const paneControls[] = {
+            "cmdShowMore", "cmdShowLess",  "cmdNext", "cmdPrev",      "cmdFirst", "cmdLast",
+            "lblStatus",   "imgThumbnail", "imgList", "imgArrowDown", "lvwThumb"};
+        for (const char* name : paneControls)
+            QVERIFY2(h.window->findChild<QWidget*>(name)->isVisible(), name);
+        h.clickPath(path);
+        QTEST(h.listTexts(), "items");
+        QVERIFY(h.window->list()->isVisible());
+        for (const char* name : paneControls)
+            QVERIFY2(!h.window->findChild<QWidget*>(name)->isVisible(), name);
+        // Enter with nothing selected in the list does nothing.
+        const QString selected = h.tree()->selectedKey();
+        h.window->list()->clearSelection();
+        QTest::keyClick(h.window->list(), Qt::Key_Return);
+        QCOMPARE(h.tree()->selectedKey(), selected);
+    }
+
+    void enterInTheListOpensTheItemInTheTree()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1", "FLD1"});
+        QListWidget* list = h.window->list();
+        list->setCurrentItem(list->findItems("March statement", Qt::MatchExactly).value(0));
+        QTest::keyClick(list, Qt::Key_Return);
+        QCOMPARE(h.tree()->selectedKey(), QString("DOC1"));
+        QCOMPARE(h.pageTexts(), QStringList({"Page 1", "Page 2"}));
+        // The record still tells of the last click in the tree.
+        QCOMPARE(h.session->selection().lastNodeKey, QString("FLD1"));
+    }
+};
+
+QMR_TEST(TestPagePane)
+#include "testpagepane.moc"

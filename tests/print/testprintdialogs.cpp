@@ -1,0 +1,415 @@
+#include <QComboBox>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "print/printcommands.h"
+#include "print/printdialog.h"
+#include "print/printdocumentdialog.h"
+#include "print/printerchoice.h"
+#include "print/printsettingsdialog.h"
+#include "printharness.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::PrintHarness;
+
+namespace {
+
+const QStringList kPrinters = {"Office_Laser", "Hall_Inkjet"};
+
+template <class T> T* child(QWidget* w, const char* name)
+{
+    T* found = w->findChild<T*>(QLatin1String(name));
+    if (!found)
+        qWarning("no control %s", name);
+    return found;
+}
+
+QStringList comboEntries(QComboBox* box)
+{
+    QStringList entries;
+    for (int i = 0; i < box->count(); ++i)
+        entries << box->itemText(i);
+    return entries;
+}
+
+} // namespace
+
+class TestPrintDialogs : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initialPrinter_data()
+    {
+        QTest::addColumn<QStringList>("printers");
+        QTest::addColumn<QString>("kept");
+        QTest::addColumn<QString>("systemDefault");
+        QTest::addColumn<QString>("chosen");
+        QTest::newRow("kept printer") << kPrinters << "Hall_Inkjet"
+                                      << "Office_Laser"
+                                      << "Hall_Inkjet";
+        QTest::newRow("kept PDF") << kPrinters << "Print to PDF file"
+                                  << "Office_Laser"
+                                  << "Print to PDF file";
+        QTest::newRow("kept printer gone: the system's default") << kPrinters << "Old_Printer"
+                                                                 << "Hall_Inkjet"
+                                                                 << "Hall_Inkjet";
+        QTest::newRow("nothing kept, no default: the first printer") << kPrinters << ""
+                                                                     << ""
+                                                                     << "Office_Laser";
+        QTest::newRow("no printers at all: PDF") << QStringList{} << "Office_Laser"
+                                                 << ""
+                                                 << "Print to PDF file";
+    }
+    void initialPrinter()
+    {
+        QFETCH(QStringList, printers);
+        QFETCH(QString, kept);
+        QFETCH(QString, systemDefault);
+        QFETCH(QString, chosen);
+        const QStringList entries = PrinterChoice::entries(printers);
+        QCOMPARE(entries.last(), QString("Print to PDF file"));
+        QCOMPARE(entries.size(), printers.size() + 1);
+        QCOMPARE(PrinterChoice::initial(entries, kept, systemDefault), chosen);
+    }
+
+    void pdfFileNames_data()
+    {
+        QTest::addColumn<QString>("title");
+        QTest::addColumn<QString>("file");
+        QTest::newRow("plain") << "Tax return"
+                               << "Tax return.pdf";
+        QTest::newRow("slashes and colons") << "2025/26: rent"
+                                            << "2025_26_ rent.pdf";
+        QTest::newRow("empty") << ""
+                               << "Quillmere.pdf";
+        QTest::newRow("hidden file") << ".profile"
+                                     << "Quillmere.profile.pdf";
+    }
+    void pdfFileNames()
+    {
+        QFETCH(QString, title);
+        QFETCH(QString, file);
+        QCOMPARE(PrinterChoice::pdfFileName(title), file);
+    }
+
+    void printerListAndItsChoice()
+    {
+        PrintHarness h;
+        const qint32 page = h.page(1, QSize(100, 100), 100, 100);
+        h.home.settings().set(keys::Printer, "Hall_Inkjet");
+        PageLayouts layouts;
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        QCOMPARE(dialog.objectName(), QString("frmPrint"));
+        QCOMPARE(dialog.windowTitle(), QString("Print"));
+        auto* box = child<QComboBox>(&dialog, "cboPrinter");
+        QCOMPARE(comboEntries(box),
+                 (QStringList{"Office_Laser", "Hall_Inkjet", "Print to PDF file"}));
+        QCOMPARE(box->currentText(), QString("Hall_Inkjet"));
+        QVERIFY(child<QPushButton>(&dialog, "cmdPrint")->isEnabled());
+        QCOMPARE(child<QLabel>(&dialog, "lblItem")->text(), QString("Page 1 of Tax return"));
+        // A choice is kept at once, for the next print.
+        QVERIFY(dialog.choosePrinter("Print to PDF file"));
+        QCOMPARE(h.home.settings().get(keys::Printer), QString("Print to PDF file"));
+        QVERIFY(!dialog.choosePrinter("Nowhere"));
+    }
+
+    void pagePrintsToPdf()
+    {
+        PrintHarness h;
+        h.page(1, QSize(850, 1100), 100, 100);
+        const qint32 second = h.page(2, QSize(1700, 2200), 200, 200);
+        QTemporaryDir dir;
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.home.settings().set(keys::PrintPdfPath, dir.path());
+        h.choosers.queueSaveFile(dir.filePath("one"));
+        PageLayouts layouts;
+        PrintDialog dialog(h.context(), layouts, second, kPrinters);
+        dialog.show();
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        QVERIFY(!dialog.isVisible());
+        // The chooser starts in the last PDF directory with the page's name.
+        QCOMPARE(h.choosers.saveStarts(), QStringList{dir.filePath("Tax return page 2.pdf")});
+        // A name without a suffix gets ".pdf".
+        const test::PdfFacts pdf = test::readPdf(dir.filePath("one.pdf"));
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QCOMPARE(pdf.pages, 1);
+        QCOMPARE(pdf.imagePpi.size(), 1);
+        QVERIFY(qAbs(pdf.imagePpi[0].first - 211) <= 1);
+        QVERIFY(qAbs(pdf.imagePpi[0].second - 211) <= 1);
+        QCOMPARE(h.home.settings().get(keys::PrintPdfPath), dir.path());
+    }
+
+    void cancelledPdfNameKeepsTheWindow()
+    {
+        PrintHarness h;
+        const qint32 page = h.page(1, QSize(100, 100), 100, 100);
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.choosers.queueSaveFile(std::nullopt);
+        PageLayouts layouts;
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        dialog.show();
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        QVERIFY(dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void missingPrinterIsNamed()
+    {
+        PrintHarness h;
+        const qint32 page = h.page(1, QSize(100, 100), 100, 100);
+        h.home.settings().set(keys::Printer, "Office_Laser");
+        // The test lists a printer that the system does not have.
+        h.prompter.expect("The printer 'Office_Laser' is not available.");
+        PageLayouts layouts;
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        dialog.show();
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QVERIFY(dialog.isVisible());
+    }
+
+    void documentRange_data()
+    {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::addColumn<int>("pages"); // -1: "Nothing found to print."
+        QTest::newRow("the whole document") << ""
+                                            << "" << 3;
+        QTest::newRow("two of three") << "4"
+                                      << "9" << 2;
+        QTest::newRow("one") << "9"
+                             << "9" << 1;
+        QTest::newRow("no page in range") << "10"
+                                          << "20" << -1;
+        QTest::newRow("reversed range") << "9"
+                                        << "2" << -1;
+        QTest::newRow("empty box") << ""
+                                   << "-" << -1;
+    }
+    void documentRange()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        QFETCH(int, pages);
+        PrintHarness h;
+        h.page(2, QSize(400, 300), 100, 100);
+        h.page(5, QSize(400, 300), 100, 100);
+        h.page(9, QSize(400, 300), 100, 100);
+        QTemporaryDir dir;
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        const QString file = dir.filePath("range.pdf");
+        if (pages > 0)
+            h.choosers.queueSaveFile(file);
+        else
+            h.prompter.expect("Nothing found to print.");
+        test::CancellingProgress progress(100);
+        PageLayouts layouts;
+        PrintDocumentDialog dialog(h.context(&progress), layouts, h.document, kPrinters);
+        QCOMPARE(dialog.objectName(), QString("frmPrintDocument"));
+        auto* txtFrom = child<QLineEdit>(&dialog, "txtFrom");
+        auto* txtTo = child<QLineEdit>(&dialog, "txtTo");
+        // The range starts at the lowest and the highest page number.
+        QCOMPARE(txtFrom->text(), QString("2"));
+        QCOMPARE(txtTo->text(), QString("9"));
+        if (!from.isEmpty())
+            txtFrom->setText(from);
+        if (!to.isEmpty())
+            txtTo->setText(to == "-" ? QString() : to);
+        dialog.show();
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        if (pages < 0) {
+            QVERIFY(dialog.isVisible());
+            QVERIFY(!QFile::exists(file));
+            return;
+        }
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(progress.title, QString("Printing Tax return"));
+        QCOMPARE(progress.max, pages);
+        const test::PdfFacts pdf = test::readPdf(file);
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QCOMPARE(pdf.pages, pages);
+        QCOMPARE(pdf.imagePpi.size(), pages);
+    }
+
+    void emptyDocumentHasNothingToPrint()
+    {
+        PrintHarness h;
+        h.prompter.expect("Nothing found to print.");
+        PageLayouts layouts;
+        PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void printSettingsChecksWidthThenHeight_data()
+    {
+        QTest::addColumn<QString>("width");
+        QTest::addColumn<QString>("height");
+        QTest::addColumn<QString>("message"); // "" when both are saved
+        QTest::newRow("both fine") << "80"
+                                   << "120"
+                                   << "";
+        QTest::newRow("limits are accepted") << "10"
+                                             << "200"
+                                             << "";
+        QTest::newRow("width too small") << "5"
+                                         << "100"
+                                         << "Print width % must be between 10% and 200%.";
+        QTest::newRow("width first") << "250"
+                                     << "2"
+                                     << "Print width % must be between 10% and 200%.";
+        QTest::newRow("height too big") << "100"
+                                        << "201"
+                                        << "Print height % must be between 10% and 200%.";
+        QTest::newRow("width no number") << "wide"
+                                         << "100"
+                                         << "Print width % must be between 10% and 200%.";
+        QTest::newRow("height empty") << "100"
+                                      << ""
+                                      << "Print height % must be between 10% and 200%.";
+    }
+    void printSettingsChecksWidthThenHeight()
+    {
+        QFETCH(QString, width);
+        QFETCH(QString, height);
+        QFETCH(QString, message);
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        home.settings().set(keys::PrintWidthPct, "90");
+        home.settings().set(keys::PrintHeightPct, "95");
+        if (!message.isEmpty())
+            prompter.expect(message);
+        PrintSettingsDialog dialog(home.settings(), prompter);
+        QCOMPARE(dialog.objectName(), QString("frmPrintSettings"));
+        auto* txtWidth = child<QLineEdit>(&dialog, "txtWidthPct");
+        auto* txtHeight = child<QLineEdit>(&dialog, "txtHeightPct");
+        QCOMPARE(txtWidth->text(), QString("90"));
+        QCOMPARE(txtHeight->text(), QString("95"));
+        txtWidth->setText(width);
+        txtHeight->setText(height);
+        dialog.show();
+        child<QPushButton>(&dialog, "cmdOK")->click();
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        if (message.isEmpty()) {
+            QVERIFY(!dialog.isVisible());
+            QCOMPARE(home.settings().get(keys::PrintWidthPct), width);
+            QCOMPARE(home.settings().get(keys::PrintHeightPct), height);
+        } else {
+            // Nothing is saved unless both pass, and the window stays.
+            QVERIFY(dialog.isVisible());
+            QCOMPARE(home.settings().get(keys::PrintWidthPct), QString("90"));
+            QCOMPARE(home.settings().get(keys::PrintHeightPct), QString("95"));
+        }
+    }
+
+    void printSettingsCancelSavesNothing()
+    {
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        PrintSettingsDialog dialog(home.settings(), prompter);
+        QCOMPARE(child<QLineEdit>(&dialog, "txtWidthPct")->text(), QString("100"));
+        child<QLineEdit>(&dialog, "txtWidthPct")->setText("150");
+        dialog.show();
+        child<QPushButton>(&dialog, "cmdCancel")->click();
+        QVERIFY(!home.settings().contains("PrintWidthPct"));
+        QVERIFY(prompter.verify());
+    }
+
+    void settingsReachThePrint()
+    {
+        // What frmPrintSettings saves is what the next print draws with.
+        PrintHarness h;
+        const qint32 page = h.page(1, QSize(850, 1100), 100, 100);
+        test::ScriptedPrompter prompter;
+        PrintSettingsDialog settings(h.home.settings(), prompter);
+        child<QLineEdit>(&settings, "txtWidthPct")->setText("50");
+        child<QLineEdit>(&settings, "txtHeightPct")->setText("200");
+        QVERIFY(settings.cmdOK());
+
+        QTemporaryDir dir;
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.choosers.queueSaveFile(dir.filePath("scaled.pdf"));
+        PageLayouts layouts;
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        QVERIFY(child<QLabel>(&dialog, "lblScale")->text().contains("50% across and 200% down"));
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        const test::PdfFacts pdf = test::readPdf(dir.filePath("scaled.pdf"));
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QCOMPARE(pdf.imagePpi.size(), 1);
+        QVERIFY(qAbs(pdf.imagePpi[0].first - 211) <= 1); // 100 / 0.95 / 0.5
+        QVERIFY(qAbs(pdf.imagePpi[0].second - 53) <= 1); // 100 / 0.95 / 2
+    }
+
+    void printSetupIsKeptForTheNextPrint()
+    {
+        PrintHarness h;
+        const qint32 page = h.page(1, QSize(200, 100), 100, 100);
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        PageLayouts layouts;
+        {
+            PrintDialog dialog(h.context(), layouts, page, kPrinters);
+            QString opened;
+            test::whenModal(this, [&](QWidget* w) {
+                opened = w->metaObject()->className();
+                if (auto* d = qobject_cast<QDialog*>(w))
+                    d->accept();
+            });
+            child<QPushButton>(&dialog, "cmdSetup")->click();
+            QCOMPARE(opened, QString("QPageSetupDialog"));
+            QVERIFY(layouts.contains("Print to PDF file"));
+        }
+        // What the setup chose (here: landscape) shapes the sheets of the next print.
+        QPageLayout landscape = layouts.value("Print to PDF file");
+        landscape.setOrientation(QPageLayout::Landscape);
+        layouts.insert("Print to PDF file", landscape);
+        QTemporaryDir dir;
+        h.choosers.queueSaveFile(dir.filePath("wide.pdf"));
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        child<QPushButton>(&dialog, "cmdPrint")->click();
+        const test::PdfFacts pdf = test::readPdf(dir.filePath("wide.pdf"));
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QVERIFY2(
+            pdf.pageSize.width() > pdf.pageSize.height(),
+            qPrintable(QString("%1 x %2").arg(pdf.pageSize.width()).arg(pdf.pageSize.height())));
+    }
+
+    void commandsOpenTheirWindows()
+    {
+        PrintHarness h;
+        h.page(3, QSize(100, 100), 100, 100);
+        h.page(7, QSize(100, 100), 100, 100);
+        PrintCommands commands(h.context());
+        commands.setPrinters(kPrinters);
+        CommandTable table;
+        commands.addTo(table);
+        QVERIFY(table.contains("mnuPopupPagePrint"));
+        QVERIFY(table.contains("mnuPopupDocumentPrint"));
+        QVERIFY(table.contains("mnuPrintSettings"));
+
+        QString seen;
+        test::whenModal(this, [&](QWidget* w) {
+            seen = w->objectName() + " " + child<QLabel>(w, "lblItem")->text();
+            w->close();
+        });
+        commands.printPage(h.session->pages().pages(h.document).last().id);
+        QCOMPARE(seen, QString("frmPrint Page 7 of Tax return"));
+
+        test::whenModal(this, [&](QWidget* w) {
+            seen = w->objectName() + " " + child<QLineEdit>(w, "txtWidthPct")->text();
+            w->close();
+        });
+        table.value("mnuPrintSettings")();
+        QCOMPARE(seen, QString("frmPrintSettings 100"));
+    }
+};
+
+QMR_TEST(TestPrintDialogs)
+#include "testprintdialogs.moc"

@@ -1,0 +1,44 @@
+#include <QTest>
+
+#include "print/printdialog.h"
+#include "print/printdocumentdialog.h"
+#include "print/printsettingsdialog.h"
+#include "printharness.h"
+#include "tests/support/shots.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+// Pictures of the print windows, for looking at without a display.
+class Shots : public QObject
+{
+    Q_OBJECT
+private slots:
+    void printWindows()
+    {
+        test::PrintHarness h;
+        h.page(1, QSize(100, 100), 100, 100);
+        const qint32 page = h.page(2, QSize(100, 100), 100, 100);
+        h.page(3, QSize(100, 100), 100, 100);
+        const QStringList printers = {"Office_Laser", "Hall_Inkjet"};
+        PageLayouts layouts;
+
+        PrintDialog print(h.context(), layouts, page, printers);
+        print.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&print));
+        test::saveShot(&print, "dialog-print");
+
+        PrintDocumentDialog document(h.context(), layouts, h.document, printers);
+        document.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&document));
+        test::saveShot(&document, "dialog-print-document");
+
+        PrintSettingsDialog settings(h.home.settings(), h.prompter);
+        settings.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&settings));
+        test::saveShot(&settings, "dialog-print-settings");
+    }
+};
+
+QMR_TEST(Shots)
+#include "testshots.moc"
