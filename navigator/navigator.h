@@ -61,8 +61,8 @@ public:
     void showCabinetsInListView();
     // Lists the children of a container in lvwMain (cabinets for Level::Cabinet).
     void showChildrenInList(Level childLevel, qint32 parentId);
-    // Shows a document's pages in the page pane; `found`: the document of a found node,
-    // whose selection in the tree stays.
+    // Shows a document's pages in the page pane; `found`: the document of a found node, whose
+    // selection in the tree stays and whose pages are those its search looked for.
     void showPagesInListView(qint32 documentId, bool found = false);
     // Double click, Enter and Open on a page.
     void openPage(qint32 pageId);

@@ -73,6 +73,60 @@ QTreeWidgetItem* NavTree::addNode(const QString& parentKey, const QString& key, 
     return item;
 }
 
+int NavTree::addNodes(const QVector<NewNode>& nodes)
+{
+    // New nodes hang below each other outside the tree, where adding costs nothing; each
+    // group then joins its parent in the tree at once.
+    QVector<QTreeWidgetItem*> topLevel;
+    QHash<QTreeWidgetItem*, QList<QTreeWidgetItem*>> joining;
+    QVector<QTreeWidgetItem*> expanded;
+    m_nodes.reserve(m_nodes.size() + nodes.size());
+    int added = 0;
+    // Siblings come one after another, so the parent looked up last is mostly the next one's.
+    QString lastParentKey;
+    QTreeWidgetItem* lastParent = nullptr;
+    for (const NewNode& n : nodes) {
+        if (n.key.isEmpty())
+            continue;
+        QTreeWidgetItem* parent = nullptr;
+        if (!n.parentKey.isEmpty()) {
+            if (n.parentKey != lastParentKey) {
+                lastParentKey = n.parentKey;
+                lastParent = m_nodes.value(n.parentKey);
+            }
+            parent = lastParent;
+            if (!parent)
+                continue;
+        }
+        QTreeWidgetItem*& slot = m_nodes[n.key];
+        if (slot)
+            continue; // the key is taken
+        auto* item = new NavItem();
+        slot = item;
+        if (n.key == lastParentKey)
+            lastParent = item;
+        item->setText(0, n.text);
+        item->setIcon(0, n.icon);
+        item->setData(0, kKeyRole, n.key);
+        item->setFlags(n.flags);
+        if (!parent)
+            topLevel << item;
+        else if (parent->treeWidget())
+            joining[parent] << item;
+        else
+            parent->addChild(item);
+        if (n.expanded)
+            expanded << item;
+        ++added;
+    }
+    for (auto it = joining.begin(); it != joining.end(); ++it)
+        it.key()->addChildren(it.value());
+    addTopLevelItems(QList<QTreeWidgetItem*>(topLevel.begin(), topLevel.end()));
+    for (QTreeWidgetItem* item : std::as_const(expanded))
+        item->setExpanded(true);
+    return added;
+}
+
 void NavTree::forget(QTreeWidgetItem* item)
 {
     for (int i = 0; i < item->childCount(); ++i)

@@ -15,10 +15,12 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "find/findcommands.h"
 #include "help/helpcommands.h"
 #include "mail/mailcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/deletecommand.h"
+#include "navigator/foundbranch.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
@@ -133,8 +135,20 @@ void NavWindow::buildMenus()
     m_deleteCommand = std::make_unique<DeleteCommand>(m_navigator->context());
     m_deleteCommand->addTo(commands);
     m_navigator->rename().addTo(commands);
+    m_foundBranch = std::make_unique<FoundBranch>(*m_tree, m_icons);
+    m_findCommands = std::make_unique<FindCommands>(m_navigator->context(), *m_foundBranch);
+    m_findCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
     m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
+    // A button works once a command stands behind its name.
+    for (QPushButton* button : centralWidget()->findChildren<QPushButton*>()) {
+        const auto command = commands.constFind(button->objectName());
+        if (command == commands.constEnd())
+            continue;
+        button->setEnabled(true);
+        button->setToolTip(QString());
+        connect(button, &QPushButton::clicked, this, [run = command.value()] { run(); });
+    }
 
     connect(m_pages, &PagePane::commandRequested, this,
             [this](const QString& name) { m_menus.run(name); });
@@ -196,6 +210,8 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     m_tree->expandNode(QStringLiteral("ROOT"));
     m_menus.showOnly(QString());
     m_navigator->restoreLastNode();
+    // The tree has the keys at start, not the first button that works.
+    m_tree->setFocus();
     step(QStringLiteral("Loading main menu"));
 }
 

@@ -16,6 +16,8 @@ namespace qmr {
 class ContainerList;
 class DeleteCommand;
 class DrawerTemplates;
+class FindCommands;
+class FoundBranch;
 class HelpCommands;
 class ItemCommands;
 class NavTree;
@@ -84,6 +86,8 @@ private:
     std::unique_ptr<HelpCommands> m_helpCommands;
     std::unique_ptr<DeleteCommand> m_deleteCommand;
     std::unique_ptr<ViewerCommands> m_viewerCommands;
+    std::unique_ptr<FoundBranch> m_foundBranch;
+    std::unique_ptr<FindCommands> m_findCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };

@@ -28,6 +28,83 @@ int compareNoCase(void*, int len1, const void* s1, int len2, const void* s2)
     return compareNames(storedText(s1, len1), storedText(s2, len2));
 }
 
+// LIKE with % and _, an optional escape character, and letters compared without regard to
+// case beyond ASCII too, as names are: "müller" finds "Müller".
+bool likeMatches(const QList<uint>& pattern, const QList<uint>& text, uint escape)
+{
+    qsizetype p = 0, t = 0;
+    qsizetype starP = -1, starT = 0; // where the last % stood, and the text it had reached
+    while (t < text.size()) {
+        if (p < pattern.size() && pattern.at(p) == '%') {
+            starP = ++p;
+            starT = t;
+            continue;
+        }
+        if (p < pattern.size()) {
+            uint c = pattern.at(p);
+            bool literal = false;
+            if (escape && c == escape && p + 1 < pattern.size()) {
+                c = pattern.at(++p);
+                literal = true;
+            }
+            if ((!literal && c == '_') || c == text.at(t)) {
+                ++p;
+                ++t;
+                continue;
+            }
+        }
+        if (starP < 0)
+            return false;
+        p = starP; // let the last % take one more character
+        t = ++starT;
+    }
+    while (p < pattern.size() && pattern.at(p) == '%')
+        ++p;
+    return p == pattern.size();
+}
+
+bool isAscii(const unsigned char* text)
+{
+    for (; *text; ++text)
+        if (*text >= 0x80)
+            return false;
+    return true;
+}
+
+void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv)
+{
+    for (int i = 0; i < argc; ++i)
+        if (sqlite3_value_type(argv[i]) == SQLITE_NULL) {
+            sqlite3_result_null(context);
+            return;
+        }
+    const auto* pattern = sqlite3_value_text(argv[0]);
+    const auto* text = sqlite3_value_text(argv[1]);
+    const auto* escapeText = argc == 3 ? sqlite3_value_text(argv[2]) : nullptr;
+    if (!pattern || !text) {
+        sqlite3_result_null(context);
+        return;
+    }
+    const QString escape =
+        escapeText ? QString::fromUtf8(reinterpret_cast<const char*>(escapeText)) : QString();
+    if (escapeText && escape.toUcs4().size() != 1) {
+        sqlite3_result_error(context, "ESCAPE expression must be a single character", -1);
+        return;
+    }
+    // Plain ASCII, by far the most common, is the engine's own business.
+    if (isAscii(pattern) && isAscii(text) && (!escapeText || isAscii(escapeText))) {
+        const unsigned int esc = escapeText ? escapeText[0] : 0;
+        sqlite3_result_int(context, sqlite3_strlike(reinterpret_cast<const char*>(pattern),
+                                                    reinterpret_cast<const char*>(text), esc) == 0);
+        return;
+    }
+    const auto folded = [](const unsigned char* utf8) {
+        return QString::fromUtf8(reinterpret_cast<const char*>(utf8)).toCaseFolded().toUcs4();
+    };
+    const uint esc = escapeText ? escape.toCaseFolded().toUcs4().value(0) : 0;
+    sqlite3_result_int(context, likeMatches(folded(pattern), folded(text), esc));
+}
+
 void bindValue(sqlite3_stmt* stmt, int index, const QVariant& value)
 {
     if (value.isNull()) {
@@ -113,6 +190,9 @@ void Database::open(const QString& path)
     sqlite3_busy_timeout(m_db, 2000);
     sqlite3_extended_result_codes(m_db, 1);
     sqlite3_create_collation(m_db, "NOCASE", SQLITE_UTF8, nullptr, compareNoCase);
+    for (const int args : {2, 3})
+        sqlite3_create_function(m_db, "like", args, SQLITE_UTF8 | SQLITE_DETERMINISTIC, nullptr,
+                                likeFunction, nullptr, nullptr);
     // Reading the schema proves that the file is a store at all.
     try {
         run(QStringLiteral("SELECT count(*) FROM sqlite_master"), {});

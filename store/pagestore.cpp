@@ -30,11 +30,14 @@ PageRow rowAt(const Recordset& rs, int i)
 
 } // namespace
 
-QVector<PageRow> PageStore::pages(qint32 documentId) const
+QVector<PageRow> PageStore::pages(qint32 documentId, const QStringList& extraConditions) const
 {
+    QString where = QStringLiteral("Page.DocumentId = ?");
+    for (const QString& condition : extraConditions)
+        where += QStringLiteral(" AND ") + condition;
     const Recordset rs = m_db.openRecordset(
-        QStringLiteral("SELECT %1 FROM Page WHERE DocumentId = ? ORDER BY PageNumber, PageId")
-            .arg(kColumns),
+        QStringLiteral("SELECT %1 FROM Page WHERE %2 ORDER BY PageNumber, PageId")
+            .arg(kColumns, where),
         {documentId});
     QVector<PageRow> rows;
     rows.reserve(rs.recordCount());

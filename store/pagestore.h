@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 #include <optional>
 
@@ -42,8 +43,10 @@ class PageStore
 public:
     explicit PageStore(Database& db) : m_db(db) {}
 
-    // A document's pages in page order (ties by id), in one query.
-    QVector<PageRow> pages(qint32 documentId) const;
+    // A document's pages in page order (ties by id), in one query. `extraConditions` (SQL
+    // conditions on the Page row, as the find clause builders make them) narrow the list to
+    // the pages a search looked for.
+    QVector<PageRow> pages(qint32 documentId, const QStringList& extraConditions = {}) const;
     // The pages numbered from `from` to `to`, both included, in page order (ties by id).
     QVector<PageRow> pagesInRange(qint32 documentId, qint32 from, qint32 to) const;
     std::optional<PageRow> page(qint32 pageId) const;

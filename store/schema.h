@@ -23,6 +23,9 @@ public:
     static void createTables(Database& db);
     // The upgrade chain from the stored version up to `target`.
     static void updateDatabase(Database& db, int target = kCurrentVersion);
+    // Indexes that no version's tables call for and that only make searching quicker; made
+    // when missing on a store of the current version.
+    static void ensureSearchIndexes(Database& db);
     static void setDatabaseVersion(Database& db, int version);
     // No row, or a Null value, is version 0.
     static int readVersion(Database& db);

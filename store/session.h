@@ -2,6 +2,7 @@
 
 #include "core/apphome.h"
 #include "core/findrecord.h"
+#include "core/foundset.h"
 #include "core/selectionrecord.h"
 #include "core/settings.h"
 #include "store/cabinetlock.h"
@@ -29,6 +30,8 @@ public:
     const PagePaths& paths() const { return m_paths; }
     SelectionRecord& selection() { return m_selection; }
     FindRecord& findRecord() { return m_find; }
+    // The page conditions of the last search, for its found documents.
+    FoundSet& foundSet() { return m_foundSet; }
 
 private:
     AppHome m_home;
@@ -40,6 +43,7 @@ private:
     PagePaths m_paths;
     SelectionRecord m_selection;
     FindRecord m_find;
+    FoundSet m_foundSet;
 };
 
 } // namespace qmr

@@ -508,19 +508,14 @@ private slots:
         QTest::keyClick(h.tree(), Qt::Key_Q, Qt::ControlModifier);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(h.prompter.defaults(), QStringList{"No"});
-        // Find is not there yet: its keys do nothing and its entry waits.
-        for (const auto& [key, mods] :
-             {std::pair{Qt::Key_F, Qt::ControlModifier}, std::pair{Qt::Key_F3, Qt::NoModifier}})
-            QTest::keyClick(h.tree(), key, mods);
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // Find's keys are tested with the found branch.
         // F1 asks for the help, which this test's home and build do not hold.
         if (!QFile::exists(QCoreApplication::applicationDirPath() + "/qmrhelp.txt")) {
             h.prompter.expect("Cannot find help file QMRHELP.TXT.");
             QTest::keyClick(h.tree(), Qt::Key_F1);
             QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         }
-        QVERIFY(!h.window->menus().action("mnuFileFind")->isEnabled());
-        QVERIFY(h.window->menus().action("mnuFileFind")->isVisible());
+        QVERIFY(h.window->menus().action("mnuFileFind")->isEnabled());
     }
 
     void menusOnlyShowTheLevelOfTheClickedNode()

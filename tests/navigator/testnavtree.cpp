@@ -38,6 +38,55 @@ private slots:
         QVERIFY(tree.addNode("ROOT", "CAB1", "back", {}));
     }
 
+    void manyNodesAtOnce()
+    {
+        NavTree tree;
+        tree.addNode({}, "ROOT", "File Cabinets", {});
+        tree.addNode("ROOT", "CAB1", "Home", {});
+        QSignalSpy expanding(&tree, &NavTree::expanding);
+        const Qt::ItemFlags fixed = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+        const QVector<NavTree::NewNode> nodes = {
+            {"", "ROOTFOUND", "Found", {}, false, fixed},
+            {"ROOTFOUND", "FCB1", "Home", {}, true, fixed},
+            {"FCB1", "FDW2", "Taxes", {}, true, fixed},
+            {"FCB1", "FDW1", "bank", {}, true, fixed},
+            {"FDW1", "FFD1", "Checking", {}, true, fixed},
+            {"FFD1", "FDC7", "zeta", {}, false, fixed},
+            {"FFD1", "FDC5", "Alpha", {}, false, fixed},
+            {"FFD1", "FDC5", "twice", {}, false, fixed},     // key taken: left out
+            {"FFD9", "FDC6", "orphan", {}, false, fixed},    // no such parent
+            {"FFD3", "FDC8", "too early", {}, false, fixed}, // its parent comes later
+            {"FDW2", "FFD3", "2025", {}, true, fixed},
+            {"FFD3", "FDC8", "Return", {}, false, fixed},
+            {"CAB1", "DRW1", "Bank", {}, false, {}}, // below a node that was there
+            {"ROOT", "CAB1", "again", {}, false, {}},
+        };
+        QCOMPARE(tree.addNodes(nodes), 10);
+        QCOMPARE(tree.nodeCount(), 12);
+        QCOMPARE(tree.node("FDC5")->text(0), QString("Alpha"));
+        QVERIFY(!tree.node("FDC6"));
+        QCOMPARE(tree.parentKey("FDC8"), QString("FFD3"));
+        QCOMPARE(tree.node("FDC8")->text(0), QString("Return"));
+        QCOMPARE(tree.parentKey("DRW1"), QString("CAB1"));
+        QCOMPARE(tree.node("CAB1")->text(0), QString("Home"));
+        QCOMPARE(tree.node("FDC7")->flags(), fixed);
+        for (const char* key : {"FCB1", "FDW1", "FDW2", "FFD1", "FFD3"})
+            QVERIFY2(tree.node(key)->isExpanded(), key);
+        QVERIFY(!tree.node("ROOTFOUND")->isExpanded());
+        QCOMPARE(expanding.count(), 5);
+        // Sorted like every other node once events have run.
+        QCoreApplication::processEvents();
+        QTreeWidgetItem* folder = tree.node("FFD1");
+        QCOMPARE(folder->child(0)->text(0), QString("Alpha"));
+        QCOMPARE(folder->child(1)->text(0), QString("zeta"));
+        QCOMPARE(tree.node("FCB1")->child(0)->text(0), QString("bank"));
+        QCOMPARE(tree.topLevelItem(1)->text(0), QString("Found"));
+        // Gone again with their root.
+        tree.removeNode("ROOTFOUND");
+        QCOMPARE(tree.nodeCount(), 3);
+        QVERIFY(!tree.node("FDC8"));
+    }
+
     void expandFromCodeIsReported()
     {
         NavTree tree;

@@ -19,6 +19,12 @@ int columnCount(Database& db, const QString& table)
     return db.scalar(QStringLiteral("SELECT count(*) FROM pragma_table_info(?)"), {table}).toInt();
 }
 
+bool hasIndex(Database& db, const QString& name)
+{
+    return db.scalar("SELECT count(*) FROM sqlite_master WHERE type = 'index' AND name = ?", {name})
+               .toInt() == 1;
+}
+
 int versionRows(Database& db)
 {
     return db.scalar(QStringLiteral("SELECT count(*) FROM Version")).toInt();
@@ -53,6 +59,7 @@ private slots:
         QCOMPARE(columnCount(db, "Document"), 6);
         QCOMPARE(columnCount(db, "Page"), 13);
         QCOMPARE(columnCount(db, "Version"), 1);
+        QVERIFY(hasIndex(db, "Page_DocumentScan"));
         QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
         // A parent that does not exist is the program's business, not the store's.
         db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (999, 'Orphan')");
@@ -82,6 +89,7 @@ private slots:
             QCOMPARE(db.hasColumn("Cabinet", "Storage"), from >= 1);
             if (from < 2)
                 db.execute("INSERT INTO Page (DocumentId, PageNumber) VALUES (1, 1)");
+            QVERIFY(!hasIndex(db, "Page_DocumentScan"));
         }
         Database db;
         StoreSchema::openDatabase(db, home.home());
@@ -90,6 +98,7 @@ private slots:
         QCOMPARE(columnCount(db, "Cabinet"), 6);
         QCOMPARE(columnCount(db, "Folder"), 5);
         QCOMPARE(columnCount(db, "Page"), 13);
+        QVERIFY(hasIndex(db, "Page_DocumentScan"));
         if (from < 2) // pages older than the file type get "JPG"
             QCOMPARE(db.scalar("SELECT Filetype FROM Page").toString(), QStringLiteral("JPG"));
     }
@@ -194,6 +203,76 @@ private slots:
         // Identifiers are never reused, not even after the last row is gone.
         db.execute("DELETE FROM Cabinet");
         QVERIFY(items.insertItem(Level::Cabinet, -1, "Next") > id);
+    }
+
+    void likeComparesWithoutCase_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("pattern");
+        QTest::addColumn<QString>("escape"); // "" for none
+        QTest::addColumn<int>("matches");    // -1: Null
+        QTest::newRow("ascii, other case") << "Tax bill 2004"
+                                           << "%TAX%"
+                                           << "" << 1;
+        QTest::newRow("ascii, no match") << "Tax bill 2004"
+                                         << "%taxes%"
+                                         << "" << 0;
+        QTest::newRow("umlaut, other case") << "Müller's letter"
+                                            << "%MÜLLER%"
+                                            << "" << 1;
+        QTest::newRow("ascii pattern, accented text") << "Ärzte und Müller"
+                                                      << "%und%"
+                                                      << "" << 1;
+        QTest::newRow("accented pattern, ascii text") << "Mueller"
+                                                      << "%ü%"
+                                                      << "" << 0;
+        QTest::newRow("greek") << "ΑΘΗΝΑ"
+                               << "%αθ%"
+                               << "" << 1;
+        QTest::newRow("one character") << "Müller"
+                                       << "m_ller"
+                                       << "" << 1;
+        QTest::newRow("one character is one") << "Müller"
+                                              << "m_ler"
+                                              << "" << 0;
+        QTest::newRow("anchored start") << "Bill for Müller"
+                                        << "müller%"
+                                        << "" << 0;
+        QTest::newRow("percent backtracks") << "äaäab"
+                                            << "%äab"
+                                            << "" << 1;
+        QTest::newRow("percent at the end") << "Ölpreis"
+                                            << "öl%%"
+                                            << "" << 1;
+        QTest::newRow("escaped percent") << "10% Rabatt für Ärzte"
+                                         << "10\\%%ärzte"
+                                         << "\\" << 1;
+        QTest::newRow("escaped percent is literal") << "100 Ärzte"
+                                                    << "10\\%%ärzte"
+                                                    << "\\" << 0;
+        QTest::newRow("escaped, ascii") << "10_off"
+                                        << "10!_off"
+                                        << "!" << 1;
+        QTest::newRow("escaped, ascii, literal") << "10xoff"
+                                                 << "10!_off"
+                                                 << "!" << 0;
+        QTest::newRow("null text") << QString() << "%a%"
+                                   << "" << -1;
+    }
+    void likeComparesWithoutCase()
+    {
+        QFETCH(QString, text);
+        QFETCH(QString, pattern);
+        QFETCH(QString, escape);
+        QFETCH(int, matches);
+        test::TestHome home;
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        const QVariant value = text.isNull() ? QVariant() : QVariant(text);
+        const QVariant result =
+            escape.isEmpty() ? db.scalar("SELECT ? LIKE ?", {value, pattern})
+                             : db.scalar("SELECT ? LIKE ? ESCAPE ?", {value, pattern, escape});
+        QCOMPARE(result.isNull() ? -1 : result.toInt(), matches);
     }
 
     void overLongValuesAreRefused_data()

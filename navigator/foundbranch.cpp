@@ -1,0 +1,67 @@
+#include "navigator/foundbranch.h"
+
+#include <QSet>
+
+#include "core/nodekey.h"
+#include "navigator/navicons.h"
+#include "navigator/navtree.h"
+
+namespace qmr {
+
+FoundBranch::FoundBranch(NavTree& tree, NavIcons& icons) : m_tree(tree), m_icons(icons)
+{
+}
+
+void FoundBranch::clear()
+{
+    m_tree.removeNode(NodeKey::foundRoot().text());
+}
+
+void FoundBranch::show(const QVector<FoundDocument>& documents)
+{
+    const QString rootKey = NodeKey::foundRoot().text();
+    clear();
+    // The copies are fixed: no rename, no drag, no drop.
+    const Qt::ItemFlags fixed = Qt::ItemIsSelectable | Qt::ItemIsEnabled;
+    const QIcon cabinetIcon = m_icons.icon(QStringLiteral("cabinet"));
+    const QIcon drawerIcon = m_icons.icon(QStringLiteral("drawer"));
+    const QIcon folderIcon = m_icons.icon(QStringLiteral("folder"));
+    const QIcon documentIcon = m_icons.icon(QStringLiteral("document"));
+    QVector<NavTree::NewNode> nodes;
+    nodes.reserve(1 + documents.size());
+    nodes.append({QString(), rootKey, QStringLiteral("Found"),
+                  m_icons.icon(QStringLiteral("found")), false, fixed});
+    // A place or document already there keeps its node: documents that share a folder share
+    // its chain, and a document found by both passes stands once.
+    QSet<qint32> seen[4];
+    const auto isNew = [&seen](Level level, qint32 id) {
+        QSet<qint32>& ids = seen[int(level)];
+        if (ids.contains(id))
+            return false;
+        ids.insert(id);
+        return true;
+    };
+    const auto key = [](Level level, qint32 id) {
+        return QLatin1String(levelInfo(level).foundPrefix) + QString::number(id);
+    };
+    for (const FoundDocument& d : documents) {
+        // A found cabinet was open to the search, so it never shows the lock.
+        if (isNew(Level::Cabinet, d.cabinetId))
+            nodes.append({rootKey, key(Level::Cabinet, d.cabinetId), d.cabinetName, cabinetIcon,
+                          true, fixed});
+        if (isNew(Level::Drawer, d.drawerId))
+            nodes.append({key(Level::Cabinet, d.cabinetId), key(Level::Drawer, d.drawerId),
+                          d.drawerName, drawerIcon, true, fixed});
+        if (isNew(Level::Folder, d.folderId))
+            nodes.append({key(Level::Drawer, d.drawerId), key(Level::Folder, d.folderId),
+                          d.folderName, folderIcon, true, fixed});
+        if (isNew(Level::Document, d.documentId))
+            nodes.append({key(Level::Folder, d.folderId), key(Level::Document, d.documentId),
+                          d.documentName, documentIcon, false, fixed});
+    }
+    m_tree.addNodes(nodes);
+    m_tree.expandNode(rootKey);
+    m_tree.selectNode(rootKey);
+}
+
+} // namespace qmr

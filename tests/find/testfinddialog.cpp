@@ -1,0 +1,603 @@
+#include <QApplication>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLabel>
+#include <QLineEdit>
+#include <QLocale>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+#include <functional>
+
+#include "core/findrecord.h"
+#include "core/foundresults.h"
+#include "core/progress.h"
+#include "core/viewsettings.h"
+#include "find/finddialog.h"
+#include "find/locationcombos.h"
+#include "findfixture.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+namespace {
+
+// Records what the dialog hands to the tree: "clear", and "show" with the document ids.
+class RecordingResults : public FoundResults
+{
+public:
+    QStringList calls;
+    void clear() override { calls << "clear"; }
+    void show(const QVector<FoundDocument>& documents) override
+    {
+        QStringList ids;
+        for (const FoundDocument& d : documents)
+            ids << QString::number(d.documentId);
+        ids.removeDuplicates();
+        ids.sort();
+        calls << "show " + ids.join(',');
+    }
+};
+
+QStringList items(const QComboBox* combo)
+{
+    QStringList texts;
+    for (int i = 0; i < combo->count(); ++i)
+        texts << combo->itemText(i);
+    return texts;
+}
+
+// A find dialog on a new session of the fixture's store, with scripted questions. The
+// session's criteria may be set through `prepare` before the dialog loads them.
+struct DialogHarness
+{
+    test::ScriptedPrompter prompter;
+    test::ScriptedChoosers choosers;
+    SilentProgress progress;
+    std::unique_ptr<ViewSettings> view;
+    RecordingResults results;
+    Session& session;
+    std::unique_ptr<FindDialog> dialog;
+
+    explicit DialogHarness(test::FindFixture& fixture,
+                           const std::function<void(FindRecord&)>& prepare = {})
+        : session(fixture.open())
+    {
+        if (prepare)
+            prepare(session.findRecord());
+        view = std::make_unique<ViewSettings>(fixture.home.settings());
+        dialog = std::make_unique<FindDialog>(
+            CommandContext{session, prompter, choosers, progress, *view}, &results);
+    }
+    template <typename T> T* child(const char* name) const
+    {
+        T* w = dialog->findChild<T*>(QLatin1String(name));
+        if (!w)
+            qWarning("no control %s", name);
+        return w;
+    }
+    QLineEdit* box(const char* name) const { return child<QLineEdit>(name); }
+    QDateEdit* date(const char* name) const { return child<QDateEdit>(name); }
+    QComboBox* combo(const char* name) const { return child<QComboBox>(name); }
+    int tab() const { return child<QTabWidget>("tabFind")->currentIndex(); }
+    void select(const char* name, const QString& text)
+    {
+        QVERIFY2(LocationCombos::selectText(*combo(name), text), qPrintable(text));
+    }
+};
+
+} // namespace
+
+class TestFindDialog : public QObject
+{
+    Q_OBJECT
+    test::FindFixture m_fixture;
+
+private slots:
+    void initTestCase()
+    {
+        QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+        m_fixture.build();
+        // A drawer with no folders, and a cabinet with no drawers.
+        const qint32 archive = m_fixture.store->drawer(3, "Archive");
+        Q_UNUSED(archive);
+        m_fixture.store->cabinet("Empty");
+    }
+    void cleanupTestCase() { QLocale::setDefault(QLocale::c()); }
+
+    void controlsAndCaptions()
+    {
+        DialogHarness h(m_fixture);
+        QCOMPARE(h.dialog->objectName(), QString("frmFind"));
+        QCOMPARE(h.dialog->windowTitle(), QString("Find"));
+        auto* tabs = h.child<QTabWidget>("tabFind");
+        QCOMPARE(tabs->count(), 3);
+        QCOMPARE(tabs->tabText(0), QString("Keywords"));
+        QCOMPARE(tabs->tabText(1), QString("Location"));
+        QCOMPARE(tabs->tabText(2), QString("Advanced"));
+        const std::pair<const char*, const char*> captions[] = {
+            {"lblKeywords", "Keywords:"},
+            {"lblCabinet", "Cabinet:"},
+            {"lblDrawer", "Drawer:"},
+            {"lblFolder", "Folder:"},
+            {"lblScanDate", "Scanned date:"},
+            {"lblThrough1", "through"},
+            {"lblDateOnDoc", "Date on doc:"},
+            {"lblThrough3", "through"},
+            {"lblFileSize", "File size (bytes):"},
+            {"lblThrough2", "through"},
+            {"lblAmtFrom", "Amount (dollars):"},
+            {"lblThrough4", "through"}};
+        for (const auto& [name, caption] : captions)
+            QCOMPARE(h.child<QLabel>(name)->text(), QString(caption));
+        QCOMPARE(h.child<QRadioButton>("optKeywords(0)")->text(), QString("Match any word"));
+        QCOMPARE(h.child<QRadioButton>("optKeywords(1)")->text(), QString("Match all words"));
+        QCOMPARE(h.child<QPushButton>("cmdFind")->text(), QString("&Find"));
+        QCOMPARE(h.child<QPushButton>("cmdReset")->text(), QString("&Reset"));
+        QCOMPARE(h.child<QPushButton>("cmdCancel")->text(), QString("Cancel"));
+        for (const char* name :
+             {"txtKeywords", "txtFileSizeFrom", "txtFileSizeThru", "txtAmtFrom", "txtAmtThru"})
+            QVERIFY(h.child<QLineEdit>(name));
+        for (const char* name : {"dtScanFrom", "dtScanThru", "dtDocFrom", "dtDocThru"})
+            QVERIFY(h.child<QDateEdit>(name));
+        QCOMPARE(h.dialog->timer().interval(), 500);
+        QVERIFY(h.dialog->timer().isActive());
+    }
+
+    void defaults()
+    {
+        DialogHarness h(m_fixture);
+        QCOMPARE(h.box("txtKeywords")->text(), QString());
+        QVERIFY(h.child<QRadioButton>("optKeywords(0)")->isChecked());
+        QVERIFY(!h.child<QRadioButton>("optKeywords(1)")->isChecked());
+        QCOMPARE(h.tab(), 0);
+        // A locked cabinet is not offered.
+        QCOMPARE(items(h.combo("cboCabinet")),
+                 (QStringList{"(All)", "Empty", "Home Papers", "Office"}));
+        QCOMPARE(items(h.combo("cboDrawer")), QStringList{"(All)"});
+        QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
+        QVERIFY(!h.combo("cboDrawer")->isEnabled());
+        QVERIFY(!h.combo("cboFolder")->isEnabled());
+        QCOMPARE(h.date("dtScanFrom")->date(), QDate(1901, 1, 1));
+        QCOMPARE(h.date("dtScanThru")->date(), QDate(2099, 12, 31));
+        QCOMPARE(h.date("dtDocFrom")->date(), QDate(1901, 1, 1));
+        QCOMPARE(h.date("dtDocThru")->date(), QDate(2099, 12, 31));
+        QCOMPARE(h.box("txtFileSizeFrom")->text(), QString("0"));
+        QCOMPARE(h.box("txtFileSizeThru")->text(), QString("0"));
+        QCOMPARE(h.box("txtAmtFrom")->text(), QString("0.00"));
+        QCOMPARE(h.box("txtAmtThru")->text(), QString("0.00"));
+        QVERIFY(h.child<QPushButton>("cmdFind")->isEnabled());
+    }
+
+    void loadsTheLastSearch()
+    {
+        DialogHarness h(m_fixture, [](FindRecord& r) {
+            r.keywords = "tax  bill";
+            r.matchAny = 0;
+            r.matchAll = 1;
+            r.cabinetName = "Home Papers";
+            r.drawerName = "Bank";
+            r.folderName = "Savings";
+            r.scanFrom = QDate(2004, 1, 1);
+            r.docThru = QDate(2005, 6, 30);
+            r.fileSizeFrom = 1500;
+            r.fileSizeThru = 2000000;
+            r.amountFrom = 1234.5;
+            r.amountThru = 1234567.891;
+        });
+        QCOMPARE(h.box("txtKeywords")->text(), QString("tax  bill"));
+        QVERIFY(h.child<QRadioButton>("optKeywords(1)")->isChecked());
+        QVERIFY(!h.child<QRadioButton>("optKeywords(0)")->isChecked());
+        QCOMPARE(h.combo("cboCabinet")->currentText(), QString("Home Papers"));
+        QCOMPARE(h.combo("cboDrawer")->currentText(), QString("Bank"));
+        QCOMPARE(h.combo("cboFolder")->currentText(), QString("Savings"));
+        QCOMPARE(items(h.combo("cboFolder")), (QStringList{"(All)", "Checking", "Savings"}));
+        QCOMPARE(h.dialog->combos().idsText(), QString("1:1:2"));
+        QCOMPARE(h.date("dtScanFrom")->date(), QDate(2004, 1, 1));
+        // Loading does not run the From helper: Thru keeps its own date.
+        QCOMPARE(h.date("dtScanThru")->date(), QDate(2099, 12, 31));
+        QCOMPARE(h.date("dtDocThru")->date(), QDate(2005, 6, 30));
+        QCOMPARE(h.box("txtFileSizeFrom")->text(), QString("1500"));
+        QCOMPARE(h.box("txtFileSizeThru")->text(), QString("2000000"));
+        QCOMPARE(h.box("txtAmtFrom")->text(), QString("1,234.50"));
+        QCOMPARE(h.box("txtAmtThru")->text(), QString("1,234,567.89"));
+
+        // Cancel leaves the criteria as they were.
+        h.child<QPushButton>("cmdCancel")->click();
+        QCOMPARE(h.dialog->result(), int(QDialog::Rejected));
+        QCOMPARE(h.session.findRecord().keywords, QString("tax  bill"));
+        QCOMPARE(h.session.findRecord().amountThru, 1234567.891);
+        QVERIFY(h.results.calls.isEmpty());
+    }
+
+    void placesThatAreGone()
+    {
+        // A saved place that is not offered (locked, or gone) leaves "(All)".
+        DialogHarness h(m_fixture, [](FindRecord& r) {
+            r.cabinetName = "Private";
+            r.drawerName = "Health";
+            r.folderName = "Doctor";
+        });
+        QCOMPARE(h.combo("cboCabinet")->currentText(), QString("(All)"));
+        QCOMPARE(h.combo("cboDrawer")->currentText(), QString("(All)"));
+        QCOMPARE(h.dialog->combos().idsText(), QString("0:0:0"));
+        QVERIFY(h.prompter.verify());
+    }
+
+    void reset()
+    {
+        DialogHarness h(m_fixture, [](FindRecord& r) {
+            r.keywords = "tax";
+            r.cabinetName = "Office";
+            r.amountFrom = 5;
+        });
+        h.child<QTabWidget>("tabFind")->setCurrentIndex(2);
+        h.prompter.expect("Reset find parameters?", Prompter::Answer::No);
+        h.child<QPushButton>("cmdReset")->click();
+        QCOMPARE(h.box("txtKeywords")->text(), QString("tax"));
+        QCOMPARE(h.session.findRecord().keywords, QString("tax"));
+        QCOMPARE(h.tab(), 2);
+
+        h.prompter.expect("Reset find parameters?", Prompter::Answer::Yes);
+        h.child<QPushButton>("cmdReset")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.box("txtKeywords")->text(), QString());
+        QCOMPARE(h.session.findRecord().keywords, QString());
+        QCOMPARE(h.session.findRecord().cabinetName, QString("(All)"));
+        QCOMPARE(h.combo("cboCabinet")->currentText(), QString("(All)"));
+        QCOMPARE(h.box("txtAmtFrom")->text(), QString("0.00"));
+        QCOMPARE(h.tab(), 0);
+        QVERIFY(h.dialog->timer().isActive());
+    }
+
+    void emptyKeywords_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::newRow("no") << int(Prompter::Answer::No);
+        QTest::newRow("cancel") << int(Prompter::Answer::Cancel);
+        QTest::newRow("yes") << int(Prompter::Answer::Yes);
+    }
+    void emptyKeywords()
+    {
+        QFETCH(int, answer);
+        DialogHarness h(m_fixture, [](FindRecord& r) { r.cabinetName = "Office"; });
+        h.box("txtKeywords")->setText("   ");
+        h.child<QTabWidget>("tabFind")->setCurrentIndex(2);
+        h.box("txtAmtFrom")->setText("3");
+        h.prompter.expect("No keywords entered.  Search without keywords?",
+                          Prompter::Answer(answer));
+        h.child<QPushButton>("cmdFind")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.box("txtKeywords")->text(), QString()); // trimmed in any case
+        if (answer != int(Prompter::Answer::Yes)) {
+            QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
+            QCOMPARE(h.tab(), 0);
+            QCOMPARE(h.dialog->focusWidget(), h.box("txtKeywords"));
+            QCOMPARE(h.session.findRecord().amountFrom, 0.0);
+            QVERIFY(h.results.calls.isEmpty());
+            return;
+        }
+        // Without keywords every folder of the cabinet matches: all its documents come.
+        QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show 6"}));
+        QCOMPARE(h.session.findRecord().amountFrom, 3.0);
+        QCOMPARE(h.session.findRecord().cabinetName, QString("Office"));
+    }
+
+    void searchWritesTheCriteria()
+    {
+        DialogHarness h(m_fixture);
+        h.box("txtKeywords")->setText("  statement  ");
+        h.child<QRadioButton>("optKeywords(1)")->setChecked(true);
+        h.select("cboCabinet", "Home Papers");
+        h.dialog->pollCombos();
+        h.select("cboDrawer", "Bank");
+        h.dialog->pollCombos();
+        h.date("dtScanFrom")->setDate(QDate(2026, 1, 1));
+        h.date("dtScanThru")->setDate(QDate(2026, 12, 31));
+        h.date("dtDocFrom")->setDate(QDate(2026, 3, 1));
+        h.date("dtDocThru")->setDate(QDate(2026, 3, 31));
+        h.box("txtFileSizeFrom")->setText("1,000");
+        h.box("txtFileSizeThru")->setText("5000.6");
+        h.box("txtAmtFrom")->setText("1,234.50");
+        h.box("txtAmtThru")->setText("2000");
+        h.child<QPushButton>("cmdFind")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show 1"}));
+        const FindRecord& r = h.session.findRecord();
+        QCOMPARE(r.keywords, QString("statement"));
+        QCOMPARE(r.matchAny, 0);
+        QCOMPARE(r.matchAll, 1);
+        QCOMPARE(r.cabinetName, QString("Home Papers"));
+        QCOMPARE(r.drawerName, QString("Bank"));
+        QCOMPARE(r.folderName, QString("(All)"));
+        QCOMPARE(r.scanFrom, QDate(2026, 1, 1));
+        QCOMPARE(r.docThru, QDate(2026, 3, 31));
+        QCOMPARE(r.fileSizeFrom, 1000);
+        QCOMPARE(r.fileSizeThru, 5001); // rounded to a whole number
+        QCOMPARE(r.amountFrom, 1234.5); // not 1: a group separator does not stop the number
+        QCOMPARE(r.amountThru, 2000.0);
+        QCOMPARE(h.session.foundSet().pageConditions(),
+                 (QStringList{"(Page.ScanDate BETWEEN '2026-01-01 00:00:00' AND '2026-12-31 "
+                              "00:00:00')",
+                              "(Page.FileSize BETWEEN 1000 AND 5001)"}));
+    }
+
+    void numbersThatAreNoNumbers_data()
+    {
+        QTest::addColumn<QString>("box");
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("message");
+        const QString amount = "The amount must be a number.";
+        const QString size = "The file size must be a number of bytes.";
+        QTest::newRow("amount from") << "txtAmtFrom"
+                                     << "12abc" << amount;
+        QTest::newRow("amount thru") << "txtAmtThru"
+                                     << "5 euros" << amount;
+        QTest::newRow("size from") << "txtFileSizeFrom"
+                                   << "1 KB" << size;
+        QTest::newRow("size too large") << "txtFileSizeThru"
+                                        << "3000000000" << size;
+    }
+    void numbersThatAreNoNumbers()
+    {
+        QFETCH(QString, box);
+        QFETCH(QString, text);
+        QFETCH(QString, message);
+        DialogHarness h(m_fixture);
+        h.box("txtKeywords")->setText("tax");
+        h.box(qPrintable(box))->setText(text);
+        h.prompter.expect(message);
+        h.child<QPushButton>("cmdFind")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
+        QCOMPARE(h.tab(), 2);
+        QCOMPARE(h.dialog->focusWidget(), h.box(qPrintable(box)));
+        QCOMPARE(h.session.findRecord().keywords, QString()); // nothing written
+        QVERIFY(h.results.calls.isEmpty());
+        // An empty box is 0.
+        h.box(qPrintable(box))->clear();
+        h.child<QPushButton>("cmdFind")->click();
+        QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show 6"}));
+    }
+
+    void nothingFound()
+    {
+        DialogHarness h(m_fixture);
+        h.box("txtKeywords")->setText("zebra");
+        h.prompter.expect("Nothing found.");
+        h.child<QPushButton>("cmdFind")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // The dialog closes after every search; the old result went first.
+        QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
+        QCOMPARE(h.results.calls, QStringList{"clear"});
+    }
+
+    void emptyFolderHit()
+    {
+        DialogHarness h(m_fixture);
+        h.box("txtKeywords")->setText("rainy");
+        h.child<QPushButton>("cmdFind")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report())); // no message
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show "}));
+    }
+
+    void comboPoll()
+    {
+        DialogHarness h(m_fixture);
+        LocationCombos& c = h.dialog->combos();
+        QCOMPARE(c.idsText(), QString("0:0:0"));
+        // Nothing changed: a poll does nothing.
+        h.dialog->pollCombos();
+        QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("0:0:0"));
+
+        h.select("cboCabinet", "Home Papers");
+        h.dialog->pollCombos();
+        QCOMPARE(c.idsText(), QString("1:0:0"));
+        QCOMPARE(items(h.combo("cboDrawer")), (QStringList{"(All)", "Bank", "Taxes"}));
+        QVERIFY(h.combo("cboDrawer")->isEnabled());
+        QVERIFY(!h.combo("cboFolder")->isEnabled());
+
+        h.select("cboDrawer", "Bank");
+        h.dialog->pollCombos();
+        QCOMPARE(c.idsText(), QString("1:1:0"));
+        QCOMPARE(items(h.combo("cboFolder")), (QStringList{"(All)", "Checking", "Savings"}));
+        QVERIFY(h.combo("cboFolder")->isEnabled());
+        h.select("cboFolder", "Savings");
+        h.dialog->pollCombos();
+        QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("1:1:2"));
+
+        // Another cabinet: one level per poll, so the drawer and folder ids follow later.
+        h.select("cboCabinet", "Office");
+        h.dialog->pollCombos();
+        QCOMPARE(c.idsText(), QString("3:1:2"));
+        QCOMPARE(items(h.combo("cboDrawer")), (QStringList{"(All)", "Archive", "Clients"}));
+        QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
+        QVERIFY(!h.combo("cboFolder")->isEnabled());
+        h.dialog->pollCombos();
+        QCOMPARE(c.idsText(), QString("3:0:2"));
+        h.dialog->pollCombos();
+        QCOMPARE(c.idsText(), QString("3:0:0"));
+        h.dialog->pollCombos();
+        QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("3:0:0"));
+
+        // Two levels changed between polls: the cabinet's level first, then the drawer's.
+        h.select("cboDrawer", "Clients");
+        h.select("cboCabinet", "Home Papers");
+        h.dialog->pollCombos();
+        QCOMPARE(c.idsText(), QString("1:0:0"));
+        QCOMPARE(h.combo("cboDrawer")->currentText(), QString("(All)"));
+
+        // A drawer with no folders, a cabinet with no drawers: "(All)" alone, disabled.
+        h.select("cboCabinet", "Office");
+        h.dialog->pollCombos();
+        h.select("cboDrawer", "Archive");
+        h.dialog->pollCombos();
+        QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
+        QVERIFY(!h.combo("cboFolder")->isEnabled());
+        h.select("cboCabinet", "Empty");
+        h.dialog->pollCombos();
+        QCOMPARE(items(h.combo("cboDrawer")), QStringList{"(All)"});
+        QVERIFY(!h.combo("cboDrawer")->isEnabled());
+
+        // Back to "(All)": everything below goes back to "(All)" and is disabled.
+        h.select("cboCabinet", "(All)");
+        h.dialog->pollCombos();
+        QCOMPARE(c.cabinetId(), 0);
+        QVERIFY(!h.combo("cboDrawer")->isEnabled());
+        QVERIFY(!h.combo("cboFolder")->isEnabled());
+    }
+
+    void timerPolls()
+    {
+        DialogHarness h(m_fixture);
+        h.select("cboCabinet", "Office");
+        QCOMPARE(h.dialog->combos().cabinetId(), 0);
+        QTRY_COMPARE_WITH_TIMEOUT(h.dialog->combos().cabinetId(), 3, 2000);
+        QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("3:0:0"));
+    }
+
+    void storeFailureWhilePolling()
+    {
+        DialogHarness h(m_fixture);
+        h.select("cboCabinet", "Office");
+        h.session.db().close();
+        h.prompter.expect("The store is not open.");
+        QTRY_VERIFY_WITH_TIMEOUT(!h.prompter.seen().isEmpty(), 2000);
+        // Said once: the poll stops rather than repeat it.
+        QVERIFY(!h.dialog->timer().isActive());
+        QTest::qWait(700);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.dialog->combos().cabinetId(), 0);
+    }
+
+    void findDoesNotPoll()
+    {
+        // A combo changed since the last poll is not seen: the search uses the old id.
+        DialogHarness h(m_fixture);
+        h.box("txtKeywords")->setText("statement bill");
+        h.select("cboCabinet", "Office");
+        h.child<QPushButton>("cmdFind")->click();
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show 1,6"}));
+        QCOMPARE(h.session.findRecord().cabinetName, QString("Office"));
+        // After a poll the same search keeps to the cabinet.
+        DialogHarness again(m_fixture);
+        again.box("txtKeywords")->setText("statement bill");
+        again.select("cboCabinet", "Office");
+        again.dialog->pollCombos();
+        again.child<QPushButton>("cmdFind")->click();
+        QCOMPARE(again.results.calls, (QStringList{"clear", "show 6"}));
+    }
+
+    void drawerWithFolderAllSearchesTheCabinet()
+    {
+        DialogHarness h(m_fixture);
+        h.box("txtKeywords")->setText("statement return");
+        h.select("cboCabinet", "Home Papers");
+        h.dialog->pollCombos();
+        h.select("cboDrawer", "Taxes");
+        h.dialog->pollCombos();
+        h.child<QPushButton>("cmdFind")->click();
+        // "March statement" lies in the drawer Bank, and comes all the same.
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show 1,3"}));
+    }
+
+    void dateHelper()
+    {
+        DialogHarness h(m_fixture);
+        QDateEdit* from = h.date("dtScanFrom");
+        QDateEdit* thru = h.date("dtScanThru");
+        from->setDate(QDate(2004, 1, 1));
+        QCOMPARE(thru->date(), QDate(2004, 1, 1));
+        // Stepping on through From takes Thru along while the user has not set it.
+        from->setDate(QDate(2004, 2, 1));
+        QCOMPARE(thru->date(), QDate(2004, 2, 1));
+        thru->setDate(QDate(2004, 12, 31));
+        from->setDate(QDate(2004, 3, 1));
+        QCOMPARE(thru->date(), QDate(2004, 12, 31));
+        // The document dates have the same helper of their own.
+        QCOMPARE(h.date("dtDocThru")->date(), QDate(2099, 12, 31));
+        h.date("dtDocFrom")->setDate(QDate(2010, 5, 5));
+        QCOMPARE(h.date("dtDocThru")->date(), QDate(2010, 5, 5));
+        QCOMPARE(thru->date(), QDate(2004, 12, 31));
+    }
+
+    void amountHelper()
+    {
+        DialogHarness h(m_fixture);
+        h.dialog->show();
+        QVERIFY(QTest::qWaitForWindowExposed(h.dialog.get()));
+        QApplication::setActiveWindow(h.dialog.get());
+        h.child<QTabWidget>("tabFind")->setCurrentIndex(2);
+        QLineEdit* from = h.box("txtAmtFrom");
+        QLineEdit* thru = h.box("txtAmtThru");
+        from->setFocus();
+        from->setText("12.50");
+        h.box("txtFileSizeFrom")->setFocus();
+        QCOMPARE(thru->text(), QString("12.50"));
+        // A Thru amount of its own stays.
+        thru->setText("99");
+        from->setFocus();
+        from->setText("20");
+        h.box("txtFileSizeFrom")->setFocus();
+        QCOMPARE(thru->text(), QString("99"));
+        // The size boxes have no such helper.
+        h.box("txtFileSizeFrom")->setText("100");
+        from->setFocus();
+        QCOMPARE(h.box("txtFileSizeThru")->text(), QString("0"));
+        h.dialog->reject();
+    }
+
+    void tabKeys()
+    {
+        DialogHarness h(m_fixture);
+        h.dialog->show();
+        QVERIFY(QTest::qWaitForWindowExposed(h.dialog.get()));
+        QApplication::setActiveWindow(h.dialog.get());
+        QVERIFY(QTest::qWaitForWindowActive(h.dialog.get()));
+        h.box("txtKeywords")->setFocus();
+        QTest::keyClick(h.box("txtKeywords"), Qt::Key_PageUp, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 2);
+        QWidget* focused = QApplication::focusWidget();
+        QVERIFY(focused);
+        QTest::keyClick(focused, Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 0);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 1);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 2);
+        // From a date picker too.
+        h.date("dtScanFrom")->setFocus();
+        QTest::keyClick(h.date("dtScanFrom"), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 0);
+        h.dialog->reject();
+    }
+
+    void emptyStore()
+    {
+        test::TestHome home;
+        Session session(home.home(), home.settings());
+        StoreSchema::openDatabase(session.db(), home.home());
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        SilentProgress progress;
+        ViewSettings view(home.settings());
+        FindDialog dialog(CommandContext{session, prompter, choosers, progress, view}, nullptr);
+        auto* cabinet = dialog.findChild<QComboBox*>("cboCabinet");
+        QCOMPARE(items(cabinet), QStringList{"No file cabinets to find"});
+        QVERIFY(!cabinet->isEnabled());
+        QVERIFY(!dialog.findChild<QPushButton*>("cmdFind")->isEnabled());
+        dialog.pollCombos();
+        QCOMPARE(dialog.combos().idsText(), QString("0:0:0"));
+        QVERIFY(prompter.verify());
+    }
+};
+
+QMR_TEST(TestFindDialog)
+#include "testfinddialog.moc"

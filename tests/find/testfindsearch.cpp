@@ -1,0 +1,212 @@
+#include <QTest>
+
+#include "core/findrecord.h"
+#include "find/findquery.h"
+#include "find/findsearch.h"
+#include "findfixture.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+Q_DECLARE_METATYPE(qmr::FindRecord)
+
+namespace {
+
+// "DOC<id>" for each document in the order found, duplicates kept.
+QStringList foundKeys(const FindOutcome& outcome)
+{
+    QStringList keys;
+    for (const FoundDocument& d : outcome.documents)
+        keys << QString("DOC%1").arg(d.documentId);
+    return keys;
+}
+
+QStringList sortedUnique(QStringList keys)
+{
+    keys.removeDuplicates();
+    keys.sort();
+    return keys;
+}
+
+FindRecord keywords(const QString& text, bool any = true)
+{
+    FindRecord r;
+    r.keywords = text;
+    r.matchAny = any ? 1 : 0;
+    r.matchAll = any ? 0 : 1;
+    return r;
+}
+
+} // namespace
+
+class TestFindSearch : public QObject
+{
+    Q_OBJECT
+    // Built once: searching reads the store, and each test opens a session of its own.
+    test::FindFixture m_fixture;
+
+private slots:
+    void initTestCase() { m_fixture.build(); }
+
+    void search_data()
+    {
+        QTest::addColumn<FindRecord>("criteria");
+        QTest::addColumn<int>("cabinet");
+        QTest::addColumn<int>("folder");
+        QTest::addColumn<QStringList>("documents"); // found, without duplicates, sorted
+        QTest::addColumn<int>("count");             // the sum of the passes' record counts
+
+        QTest::newRow("word in a name")
+            << keywords("statement") << 0 << 0 << QStringList{"DOC1"} << 1;
+        QTest::newRow("word in a description, any case")
+            << keywords("MARCH") << 0 << 0 << QStringList{"DOC1"} << 1;
+        QTest::newRow("any word: either")
+            << keywords("Return  Acme") << 0 << 0 << QStringList{"DOC3", "DOC6"} << 3;
+        QTest::newRow("all words: one piece")
+            << keywords("tax bill", false) << 0 << 0 << QStringList{"DOC6"} << 1;
+        QTest::newRow("all words: not split")
+            << keywords("bill tax", false) << 0 << 0 << QStringList{} << 0;
+        QTest::newRow("any case beyond ascii")
+            << keywords("ÄRZTEKAMMER") << 0 << 0 << QStringList{"DOC7"} << 1;
+        QTest::newRow("quote in a keyword")
+            << keywords("O'Brien") << 0 << 0 << QStringList{"DOC2"} << 1;
+        // The folder Checking matches, so all its documents come, and "Checking fees" twice.
+        QTest::newRow("folder hit brings its documents")
+            << keywords("checking") << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC5"} << 2;
+        QTest::newRow("folder description")
+            << keywords("everyday") << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC5"} << 1;
+        QTest::newRow("empty folder counts") << keywords("rainy") << 0 << 0 << QStringList{} << 1;
+        QTest::newRow("locked cabinet skipped")
+            << keywords("checkup doctor") << 0 << 0 << QStringList{} << 0;
+        QTest::newRow("one cabinet")
+            << keywords("bill statement") << 3 << 0 << QStringList{"DOC6"} << 1;
+        QTest::newRow("one folder")
+            << keywords("fees statement return") << 0 << 1 << QStringList{"DOC1", "DOC5"} << 2;
+
+        // No keywords: every folder matches, so every document in scope comes, whatever the
+        // Advanced tab says.
+        FindRecord dates;
+        dates.scanFrom = QDate(2004, 1, 1);
+        dates.scanThru = QDate(2004, 1, 31);
+        QTest::newRow("date range alone brings everything")
+            << dates << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"} << 5;
+        QTest::newRow("date range alone, one cabinet")
+            << dates << 3 << 0 << QStringList{"DOC6"} << 2;
+
+        // Advanced criteria with keywords that only documents match.
+        FindRecord scan = keywords("statement fees bill letter");
+        scan.scanFrom = QDate(2026, 2, 1);
+        scan.scanThru = QDate(2026, 2, 28);
+        QTest::newRow("scan date") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        scan.scanThru = QDate(2026, 2, 3); // the day itself, at midnight
+        QTest::newRow("scan date, last day") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        FindRecord doc = keywords("statement fees bill letter");
+        doc.docFrom = QDate(2004, 3, 1);
+        doc.docThru = QDate(2004, 4, 1);
+        QTest::newRow("date on document") << doc << 0 << 0 << QStringList{"DOC6"} << 1;
+        FindRecord amount = keywords("statement fees bill letter");
+        amount.amountFrom = 10;
+        amount.amountThru = 20;
+        // O'Brien's letter has the amount 15 but no page: not found this way.
+        QTest::newRow("amount, pages needed")
+            << amount << 0 << 0 << QStringList{"DOC5", "DOC6"} << 2;
+        FindRecord size = keywords("statement fees bill letter");
+        size.fileSizeFrom = 100;
+        size.fileSizeThru = 200;
+        // Two pages of the bill would give it twice without DISTINCT; only one matches.
+        QTest::newRow("file size") << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        size.fileSizeThru = 1000;
+        QTest::newRow("file size, two pages, one row")
+            << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        FindRecord all = keywords("tax bill");
+        all.scanFrom = QDate(2004, 1, 1);
+        all.scanThru = QDate(2004, 2, 1);
+        all.docFrom = QDate(2004, 3, 1);
+        all.docThru = QDate(2004, 4, 1);
+        all.amountFrom = 10;
+        all.amountThru = 20;
+        all.fileSizeFrom = 100;
+        all.fileSizeThru = 200;
+        QTest::newRow("all options") << all << 3 << 5 << QStringList{"DOC6"} << 1;
+        all.amountThru = 14.99;
+        QTest::newRow("all options, amount out") << all << 3 << 5 << QStringList{} << 0;
+    }
+    void search()
+    {
+        QFETCH(FindRecord, criteria);
+        QFETCH(int, cabinet);
+        QFETCH(int, folder);
+        QFETCH(QStringList, documents);
+        QFETCH(int, count);
+        Session& session = m_fixture.open();
+        const FindOutcome outcome = FindSearch(session).run(criteria, cabinet, folder);
+        QCOMPARE(sortedUnique(foundKeys(outcome)), documents);
+        QCOMPARE(outcome.foundCount, count);
+    }
+
+    void foundByBothPasses()
+    {
+        Session& session = m_fixture.open();
+        const FindOutcome outcome = FindSearch(session).run(keywords("checking"), 0, 0);
+        // Document pass first, then the folder's documents.
+        QCOMPARE(foundKeys(outcome).count("DOC5"), 2);
+        QCOMPARE(foundKeys(outcome).first(), QString("DOC5"));
+        const FoundDocument& d = outcome.documents.first();
+        QCOMPARE(d.cabinetId, 1);
+        QCOMPARE(d.drawerId, 1);
+        QCOMPARE(d.folderId, 1);
+        QCOMPARE(d.cabinetName, QString("Home Papers"));
+        QCOMPARE(d.drawerName, QString("Bank"));
+        QCOMPARE(d.folderName, QString("Checking"));
+        QCOMPARE(d.documentName, QString("Checking fees"));
+    }
+
+    void lockedCabinetOnceOpened()
+    {
+        Session& session = m_fixture.open();
+        FindSearch search(session);
+        QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 3}));
+        session.locks().recordOpen(2);
+        QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 2, 3}));
+        QCOMPARE(sortedUnique(foundKeys(search.run(keywords("checkup"), 0, 0))),
+                 QStringList{"DOC4"});
+    }
+
+    void pageConditionsOfTheSearch()
+    {
+        Session& session = m_fixture.open();
+        FindRecord r = keywords("bill");
+        r.scanFrom = QDate(2004, 2, 1);
+        r.scanThru = QDate(2004, 2, 29);
+        r.fileSizeFrom = 500;
+        r.fileSizeThru = 1000;
+        r.amountThru = 100; // not a page condition
+        FindSearch(session).run(r, 0, 0);
+        QCOMPARE(session.foundSet().pageConditions(),
+                 (QStringList{"(Page.ScanDate BETWEEN '2004-02-01 00:00:00' AND '2004-02-29 "
+                              "00:00:00')",
+                              "(Page.FileSize BETWEEN 500 AND 1000)"}));
+        // The found document's pages are those the search asked for.
+        const QVector<PageRow> pages =
+            session.pages().pages(6, session.foundSet().pageConditions());
+        QCOMPARE(pages.size(), 1);
+        QCOMPARE(pages.first().pageNumber, 2);
+        QCOMPARE(session.pages().pages(6).size(), 2);
+        // A new search empties them first.
+        FindSearch(session).run(keywords("bill"), 0, 0);
+        QVERIFY(session.foundSet().pageConditions().isEmpty());
+    }
+
+    void noCabinetsFindsNothing()
+    {
+        test::TestHome home;
+        Session session(home.home(), home.settings());
+        StoreSchema::openDatabase(session.db(), home.home());
+        const FindOutcome outcome = FindSearch(session).run(FindRecord(), 0, 0);
+        QCOMPARE(outcome.foundCount, 0);
+        QVERIFY(outcome.documents.isEmpty());
+    }
+};
+
+QMR_TEST(TestFindSearch)
+#include "testfindsearch.moc"

@@ -1,0 +1,69 @@
+#include <QApplication>
+#include <QComboBox>
+#include <QDateEdit>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabWidget>
+#include <QTest>
+#include <QTimer>
+
+#include "find/finddialog.h"
+#include "find/locationcombos.h"
+#include "tests/navigator/navharness.h"
+#include "tests/support/shots.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+// The find dialog, each tab, and a found branch in the main window.
+class Shots : public QObject
+{
+    Q_OBJECT
+private slots:
+    void findDialog()
+    {
+        test::NavHarness h;
+        h.loadSample();
+        FindRecord& r = h.session->findRecord();
+        r.keywords = "statement tax";
+        r.cabinetName = "Home Papers";
+        r.drawerName = "Bank";
+        r.folderName = "Checking";
+        r.scanFrom = QDate(2026, 1, 1);
+        r.scanThru = QDate(2026, 3, 31);
+        r.amountFrom = 1000;
+        r.amountThru = 2500;
+        FindDialog dialog(h.navigator().context(), nullptr, h.window.get());
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        auto* tabs = dialog.findChild<QTabWidget*>("tabFind");
+        const char* names[] = {"dialog-find-keywords", "dialog-find-location",
+                               "dialog-find-advanced"};
+        for (int tab = 0; tab < 3; ++tab) {
+            tabs->setCurrentIndex(tab);
+            test::saveShot(&dialog, names[tab]);
+        }
+        dialog.reject();
+    }
+
+    void foundBranch()
+    {
+        test::NavHarness h;
+        h.loadSample();
+        h.window->resize(1000, 640);
+        h.clickPath({"CAB1", "DRW1", "FLD1"});
+        QTimer::singleShot(20, h.window.get(), [] {
+            if (auto* dialog = qobject_cast<FindDialog*>(QApplication::activeModalWidget())) {
+                dialog->findChild<QLineEdit*>("txtKeywords")->setText("checking return");
+                dialog->findChild<QPushButton*>("cmdFind")->click();
+            }
+        });
+        h.window->menus().action("mnuFileFind")->trigger();
+        QVERIFY(h.tree()->node("ROOTFOUND"));
+        h.click("FDC1");
+        test::saveShot(h.window.get(), "navigator-found");
+    }
+};
+
+QMR_TEST(Shots)
+#include "testshots.moc"
