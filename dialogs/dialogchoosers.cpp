@@ -1,6 +1,7 @@
 #include "dialogs/dialogchoosers.h"
 
 #include <QDesktopServices>
+#include <QFileDialog>
 #include <QUrl>
 
 #include "dialogs/passworddialog.h"
@@ -21,6 +22,22 @@ std::optional<QString> DialogChoosers::chooseDirectory(const QString& start)
     if (dialog.exec() != QDialog::Accepted || dialog.path().isEmpty())
         return std::nullopt;
     return dialog.path();
+}
+
+std::optional<QString> DialogChoosers::chooseFileToOpen(const QString& start,
+                                                        const QStringList& filters,
+                                                        int selectedFilter)
+{
+    QFileDialog dialog(m_parent, QStringLiteral("Open"));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setNameFilters(filters);
+    if (selectedFilter >= 0 && selectedFilter < filters.size())
+        dialog.selectNameFilter(filters.at(selectedFilter));
+    dialog.selectFile(start);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return dialog.selectedFiles().constFirst();
 }
 
 std::optional<QString> DialogChoosers::openFile(const QString& path)

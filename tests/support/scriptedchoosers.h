@@ -19,18 +19,26 @@ public:
         m_passwords.push_back(toVariant(reply));
     }
     void queueDirectory(const std::optional<QString>& reply) { m_dirs.push_back(toVariant(reply)); }
+    void queueFileToOpen(const std::optional<QString>& reply)
+    {
+        m_files.push_back(toVariant(reply));
+    }
 
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
     // Records the path; answers with the queued failure text, if any.
+    // Records the start and the filter shown first.
+    std::optional<QString> chooseFileToOpen(const QString& start, const QStringList& filters,
+                                            int selectedFilter) override;
     std::optional<QString> openFile(const QString& path) override;
+    const QStringList& fileStarts() const { return m_fileStarts; }
     void failEditor(const QString& reason) { m_editorFailure = reason; }
     const QStringList& edited() const { return m_edited; }
     const QStringList& directoryStarts() const { return m_starts; }
 
     int passwordAsks() const { return m_passwordAsks; }
     int unanswered() const { return m_unanswered; }
-    bool allUsed() const { return m_passwords.empty() && m_dirs.empty(); }
+    bool allUsed() const { return m_passwords.empty() && m_dirs.empty() && m_files.empty(); }
 
 private:
     static QVariant toVariant(const std::optional<QString>& reply)
@@ -41,6 +49,8 @@ private:
 
     std::deque<QVariant> m_passwords;
     std::deque<QVariant> m_dirs;
+    std::deque<QVariant> m_files;
+    QStringList m_fileStarts;
     QStringList m_edited;
     QStringList m_starts;
     QString m_editorFailure;
