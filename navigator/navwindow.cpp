@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "exchange/exchangecommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
@@ -108,6 +109,8 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->refreshNavTree(); });
     m_itemCommands = std::make_unique<ItemCommands>(m_navigator->context(), m_templates);
     m_itemCommands->addTo(commands);
+    m_exchangeCommands = std::make_unique<ExchangeCommands>(m_navigator->context());
+    m_exchangeCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
 
     connect(m_navigator.get(), &Navigator::documentActivated, this,

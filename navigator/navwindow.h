@@ -15,6 +15,7 @@ namespace qmr {
 
 class ContainerList;
 class DrawerTemplates;
+class ExchangeCommands;
 class ItemCommands;
 class NavTree;
 class Navigator;
@@ -74,6 +75,7 @@ private:
     QSplitter* m_splitter = nullptr;
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
+    std::unique_ptr<ExchangeCommands> m_exchangeCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };
