@@ -317,7 +317,7 @@ qint32 CabinetImporter::getOrCreate(Level level, qint32 parentId, const QString&
         problem(QStringLiteral("%1: %2").arg(name, e.message()));
         return -1;
     }
-    const qint32 id = items.insertItem(level, parentId, name);
+    const qint32 id = items.insertNamed(level, parentId, name);
     m_pendingItems << CreatedItem{level, parentId, id, name, QDate()};
     return id;
 }

@@ -195,6 +195,16 @@ int ItemStore::count(Level level) const
         .toInt();
 }
 
+qint32 ItemStore::insertNamed(Level level, qint32 parentId, const QString& name)
+{
+    const ItemTable& t = ItemTable::of(level);
+    StoreColumns::check(t.name(), QStringLiteral("Name"), name);
+    m_db.execute(
+        QStringLiteral("INSERT INTO %1 (%2, Name) VALUES (?, ?)").arg(t.name(), t.parent()),
+        {parentId, name});
+    return m_db.lastInsertId();
+}
+
 qint32 ItemStore::childNamed(Level level, qint32 parentId, const QString& name) const
 {
     const ItemTable& t = ItemTable::of(level);

@@ -68,6 +68,9 @@ public:
     qint32 insertItem(Level level, qint32 parentId, const QString& name);
     int count(Level level) const;
 
+    // Inserts a drawer, folder or document with its name alone, every other column Null (as
+    // an import makes them: an exchange file may bring the rest); returns its id.
+    qint32 insertNamed(Level level, qint32 parentId, const QString& name);
     // The first child of `parentId` (any cabinet, for cabinets) with this name, without regard
     // to case; -1 for none.
     qint32 childNamed(Level level, qint32 parentId, const QString& name) const;
