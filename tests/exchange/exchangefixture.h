@@ -54,12 +54,26 @@ public:
     }
 };
 
+// A scripted prompter that also runs a step of the test when a question comes (a new disk
+// put in, say) before it answers.
+class HookPrompter : public ScriptedPrompter
+{
+public:
+    std::function<void(const QString&)> onAsk;
+    Answer ask(const QString& text, Buttons buttons) override
+    {
+        if (onAsk)
+            onAsk(text);
+        return ScriptedPrompter::ask(text, buttons);
+    }
+};
+
 // A home with a store, a second directory outside it, and the seams of a command.
 struct ExchangeFixture
 {
     TestHome home;
     QTemporaryDir outside;
-    ScriptedPrompter prompter;
+    HookPrompter prompter;
     ScriptedChoosers choosers;
     NavRecorder nav;
     SilentProgress progress;
@@ -116,6 +130,18 @@ struct ExchangeFixture
                      {documentId, number, filename, shortcut ? QVariant("Y") : QVariant(),
                       shortcut ? "PDF" : "JPG", QFileInfo(filename).size()});
         return db().lastInsertId();
+    }
+    // A cabinet of `documents` documents with `pages` pages each, in one drawer and folder.
+    qint32 filledCabinet(const QString& name, int documents, int pages)
+    {
+        const qint32 cabinet = store->cabinet(name);
+        const qint32 folder = store->folder(store->drawer(cabinet, "Drawer"), "Folder");
+        for (int d = 1; d <= documents; ++d) {
+            const qint32 doc = store->document(folder, QString("Document %1").arg(d));
+            for (int p = 1; p <= pages; ++p)
+                store->page(doc, p, QSize(160, 200));
+        }
+        return cabinet;
     }
     void setText(const QString& table, const QString& column, qint32 id, const QVariant& value)
     {
