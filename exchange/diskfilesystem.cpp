@@ -86,7 +86,7 @@ int copyContents(int in, int out, bool& readSide)
 
 QStringList sortedNames(const QString& dir, QDir::Filters filters)
 {
-    QStringList names = QDir(dir).entryList(filters | QDir::NoDotAndDotDot | QDir::Hidden);
+    QStringList names = QDir(dir).entryList(filters | QDir::NoDotAndDotDot);
     std::sort(names.begin(), names.end(), nameLess);
     return names;
 }
@@ -110,7 +110,10 @@ bool DiskFileSystem::isFile(const QString& path) const
 
 QStringList DiskFileSystem::fileNames(const QString& dir) const
 {
-    return sortedNames(dir, QDir::Files);
+    // A copy cut short by a crash is no file of anybody's.
+    QStringList names = sortedNames(dir, QDir::Files);
+    names.removeIf([](const QString& name) { return name.endsWith(QLatin1String(".qmrpart")); });
+    return names;
 }
 
 QStringList DiskFileSystem::directoryNames(const QString& dir) const

@@ -35,7 +35,7 @@ public:
     virtual bool isDirectory(const QString& path) const = 0;
     virtual bool isFile(const QString& path) const = 0;
     // The names of a directory's files, or of its subdirectories, sorted without regard to
-    // case; hidden entries ("." and "..") are left out.
+    // case. Hidden entries are left out, and so are files that a copy is still writing.
     virtual QStringList fileNames(const QString& dir) const = 0;
     virtual QStringList directoryNames(const QString& dir) const = 0;
     // -1 when the file cannot be looked at.

@@ -238,11 +238,15 @@ private slots:
         QCOMPARE(nowhere.kind, FileOutcome::Kind::WriteFailed);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files),
                  QStringList({"source.bin", "target.bin"}));
-        // Names come sorted without regard to case; hidden files count too.
+        // Names come sorted without regard to case; hidden files and copies left unfinished
+        // by a crash are no files of the directory.
         ExchangeFixture::writeBytes(dir.filePath("B.txt"), "");
         ExchangeFixture::writeBytes(dir.filePath(".hidden"), "");
-        QCOMPARE(fs.fileNames(dir.path()),
-                 QStringList({".hidden", "B.txt", "source.bin", "target.bin"}));
+        ExchangeFixture::writeBytes(dir.filePath("c.jpg.qmrpart"), "half");
+        QDir().mkpath(dir.filePath(".config"));
+        QDir().mkpath(dir.filePath("a"));
+        QCOMPARE(fs.fileNames(dir.path()), QStringList({"B.txt", "source.bin", "target.bin"}));
+        QCOMPARE(fs.directoryNames(dir.path()), QStringList({"a"}));
     }
 };
 
