@@ -1,11 +1,11 @@
 // Times the export and import of a large cabinet against copying the same files with cp -r,
 // and reports the memory each one needs at its peak.
 //
-//   build/bench/bench_exchange [pages [kilobytes per page]]
+//   build/bench/bench_exchange [pages [kilobytes per page [rounds]]]
 //
-// Defaults: 2,000 pages of about 250 KB. The files lie in a temporary directory below the
-// working directory, so that every copy is on the same disk. Export and import each run in a
-// child process of their own, which reports its peak resident memory.
+// Defaults: 2,000 pages of about 250 KB, best of 3 rounds. The files lie in a temporary directory
+// below the working directory, so that every copy is on the same disk. Export and import each run
+// in a child process of their own, which reports its peak resident memory.
 //
 // Goals: export within 1.2 times cp -r of the page files; import, thumbnails included, within
 // 1.3 times (cp -r of the exchange directory + one thumbnail's cost x pages / cores); peak
@@ -23,6 +23,7 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <cstdio>
+#include <ctime>
 #include <sys/resource.h>
 #include <unistd.h>
 
@@ -39,8 +40,6 @@
 using namespace qmr;
 
 namespace {
-
-constexpr int kRounds = 3;
 
 class GoOn : public ExchangeQuestions
 {
@@ -99,8 +98,26 @@ double elapsedSeconds(const QElapsedTimer& timer)
     return timer.nsecsElapsed() / 1e9;
 }
 
-double copyTree(const QString& from, const QString& to)
+// CPU time of every finished child (cp and the timed runs), user and system together.
+double childrenCpuSeconds()
 {
+    rusage usage{};
+    getrusage(RUSAGE_CHILDREN, &usage);
+    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+}
+
+// CPU time of this thread alone, for the thumbnails made here one at a time.
+double threadCpuSeconds()
+{
+    timespec t{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
+    return t.tv_sec + t.tv_nsec / 1e9;
+}
+
+double copyTree(const QString& from, const QString& to, double* cpu = nullptr)
+{
+    const double cpuBefore = childrenCpuSeconds();
     // Each timed copy starts with nothing waiting to be written: writing back what an
     // earlier one left would be charged to it.
     ::sync();
@@ -109,7 +126,10 @@ double copyTree(const QString& from, const QString& to)
     QProcess cp;
     cp.start(QStringLiteral("cp"), {QStringLiteral("-r"), from, to});
     cp.waitForFinished(-1);
-    return elapsedSeconds(timer);
+    const double seconds = elapsedSeconds(timer);
+    if (cpu)
+        *cpu = childrenCpuSeconds() - cpuBefore;
+    return seconds;
 }
 
 // ---- the child processes ------------------------------------------------------------------
@@ -147,14 +167,6 @@ struct ChildRun
     int count = 0;
 };
 
-double childrenCpuSeconds()
-{
-    rusage usage{};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
-}
-
 ChildRun runChild(const QStringList& args)
 {
     const double cpuBefore = childrenCpuSeconds();
@@ -184,13 +196,14 @@ int main(int argc, char** argv)
         return child(args.mid(1));
     const int pages = args.value(0, QStringLiteral("2000")).toInt();
     const int kilobytes = args.value(1, QStringLiteral("250")).toInt();
+    const int rounds = qMax(1, args.value(2, QStringLiteral("3")).toInt());
     const int cores = qMax(1, QThread::idealThreadCount());
 
     QTemporaryDir root(QDir::currentPath() + QStringLiteral("/bench-exchange-XXXXXX"));
     const AppHome source(root.filePath(QStringLiteral("source")));
     source.ensureExists();
     QVector<AppHome> targets;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         targets << AppHome(root.filePath(QStringLiteral("target%1").arg(round)));
         targets.last().ensureExists();
     }
@@ -257,36 +270,50 @@ int main(int argc, char** argv)
         }
     }
     std::printf("%d pages of %lld KB on average (%.0f MB), %d cores; best of %d rounds\n", pages,
-                bytes / pages / 1024, bytes / 1048576.0, cores, kRounds);
+                bytes / pages / 1024, bytes / 1048576.0, cores, rounds);
 
     // Everything read once, so that both sides of each comparison start from a warm cache.
     const QString pagesDir = source.file(QStringLiteral("Pages"));
     copyTree(pagesDir, root.filePath(QStringLiteral("warm")));
     QDir(root.filePath(QStringLiteral("warm"))).removeRecursively();
     double cpPages = 1e9, cpExchange = 1e9, thumbEach = 1e9;
+    double cpPagesCpu = 0, cpExchangeCpu = 0, thumbEachCpu = 0;
     ChildRun exported, imported;
     exported.seconds = imported.seconds = 1e9;
-    for (int round = 0; round < kRounds; ++round) {
+    for (int round = 0; round < rounds; ++round) {
         // Other work on the machine slows one run or another; the best of each is compared.
         const QString copy = root.filePath(QStringLiteral("copy"));
-        cpPages = qMin(cpPages, copyTree(pagesDir, copy));
+        double cpu = 0;
+        const double copied = copyTree(pagesDir, copy, &cpu);
+        if (copied < cpPages) {
+            cpPages = copied;
+            cpPagesCpu = cpu;
+        }
         QDir(copy).removeRecursively();
         const QString out = root.filePath(QStringLiteral("exchange%1").arg(round));
         const ChildRun e = runChild({"export", source.path(), out, QString::number(sourceCabinet)});
         if (e.seconds < exported.seconds)
             exported = e;
         const QString exchange = out + QStringLiteral("/Archive");
-        cpExchange = qMin(cpExchange, copyTree(exchange, copy));
+        const double copiedExchange = copyTree(exchange, copy, &cpu);
+        if (copiedExchange < cpExchange) {
+            cpExchange = copiedExchange;
+            cpExchangeCpu = cpu;
+        }
         QDir(copy).removeRecursively();
         // One thumbnail's cost, on one core.
         const int timed = qMin(40, pages);
         QElapsedTimer timer;
         timer.start();
+        const double thumbCpuBefore = threadCpuSeconds();
         for (int i = 0; i < timed; ++i)
             ThumbnailMaker::makeThumbnail(
                 source.file(QStringLiteral("Pages/0000000/%1.jpg").arg(i + 1)),
                 root.filePath(QStringLiteral("thumbs/%1.jpg").arg(i)), root.path());
-        thumbEach = qMin(thumbEach, elapsedSeconds(timer) / timed);
+        if (elapsedSeconds(timer) / timed < thumbEach) {
+            thumbEach = elapsedSeconds(timer) / timed;
+            thumbEachCpu = (threadCpuSeconds() - thumbCpuBefore) / timed;
+        }
         const ChildRun i = runChild(
             {"import", targets.at(round).path(), exchange, QString::number(targetCabinet)});
         if (i.seconds < imported.seconds)
@@ -303,6 +330,13 @@ int main(int argc, char** argv)
                 "x %d / %d cores = %.2f s; ratio %.2f (goal <= 1.30); peak %ld MB\n",
                 imported.seconds, imported.count, imported.cpuSeconds, cpExchange, thumbEach * 1000,
                 pages, cores, bound, imported.seconds / bound, imported.peakKb / 1024);
+    // On a machine busy with other work the wall-clock figures say little; the CPU time
+    // spent, against the same work done by cp and by one thumbnail at a time, says what the
+    // program itself costs.
+    std::printf("CPU:     export %.2f s against cp %.2f s; import %.2f s against cp %.2f s + "
+                "thumbnails %.2f s (%.1f ms each)\n",
+                exported.cpuSeconds, cpPagesCpu, imported.cpuSeconds, cpExchangeCpu,
+                thumbEachCpu * pages, thumbEachCpu * 1000);
     const bool met = exported.seconds <= 1.2 * cpPages && imported.seconds <= 1.3 * bound &&
                      exported.peakKb < 150 * 1024 && imported.peakKb < 150 * 1024;
     std::printf("%s\n", met ? "all goals met" : "a goal was missed");
