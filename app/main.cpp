@@ -1,7 +1,9 @@
 #include <QApplication>
+#include <QCoreApplication>
 #include <cstdio>
 #include <cstring>
 
+#include "app/commandline.h"
 #include "app/startup.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
@@ -27,6 +29,13 @@ int printHelpFile(int argc, char* argv[])
     return 0;
 }
 
+void nameApplication()
+{
+    QCoreApplication::setApplicationName(QStringLiteral("Quillmere"));
+    QCoreApplication::setOrganizationName(QStringLiteral("QMR"));
+    QCoreApplication::setApplicationVersion(QStringLiteral(QMR_VERSION));
+}
+
 } // namespace
 
 int main(int argc, char* argv[])
@@ -35,6 +44,20 @@ int main(int argc, char* argv[])
         if (std::strcmp(argv[i], "--help-file") == 0)
             return printHelpFile(argc, argv);
     }
+    QStringList arguments;
+    for (int i = 0; i < argc; ++i)
+        arguments << QString::fromLocal8Bit(argv[i]);
+    const qmr::CommandLineRequest request = qmr::CommandLine::parse(arguments);
+    using Action = qmr::CommandLineRequest::Action;
+    if (request.action != Action::Window) {
+        // Help, the version, a usage error and the batch commands need no window.
+        QCoreApplication app(argc, argv);
+        nameApplication();
+        if (request.action == Action::Export || request.action == Action::Import)
+            return qmr::CommandLine::runBatch(request);
+        return qmr::CommandLine::print(request);
+    }
+
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
         qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
         std::fprintf(stderr, "Quillmere needs a graphical display, and none is available here "
@@ -42,15 +65,12 @@ int main(int argc, char* argv[])
         return 2;
     }
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("Quillmere"));
-    QApplication::setOrganizationName(QStringLiteral("QMR"));
-    QApplication::setApplicationVersion(QStringLiteral(QMR_VERSION));
+    nameApplication();
 
     qmr::Settings settings;
     qmr::BoxPrompter prompter;
     qmr::DialogChoosers choosers(settings);
-    qmr::Startup startup(qmr::AppHome::fromArguments(QApplication::arguments()), settings, prompter,
-                         choosers);
+    qmr::Startup startup(qmr::CommandLine::homeOf(request), settings, prompter, choosers);
     if (!startup.start())
         return 1;
     prompter.setParent(startup.window());

@@ -10,7 +10,7 @@ namespace qmr {
 class Prompter
 {
 public:
-    enum class Buttons { Ok, YesNo, YesNoCancel };
+    enum class Buttons { Ok, YesNo, YesNoCancel, OkCancel };
     enum class Answer { Ok, Yes, No, Cancel };
 
     virtual ~Prompter() = default;

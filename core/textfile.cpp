@@ -66,14 +66,20 @@ std::optional<QStringList> TextFile::readLines(const QString& path)
     return splitLines(decode(file.readAll()));
 }
 
+QByteArray TextFile::encodeLines(const QStringList& lines, const QString& eol)
+{
+    QByteArray bytes;
+    for (const QString& line : lines)
+        bytes += (line + eol).toUtf8();
+    return bytes;
+}
+
 bool TextFile::writeLines(const QString& path, const QStringList& lines, const QString& eol)
 {
     QSaveFile file(path);
     if (!file.open(QIODevice::WriteOnly))
         return false;
-    QByteArray bytes;
-    for (const QString& line : lines)
-        bytes += (line + eol).toUtf8();
+    const QByteArray bytes = encodeLines(lines, eol);
     if (file.write(bytes) != bytes.size())
         return false;
     return file.commit();

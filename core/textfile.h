@@ -18,6 +18,9 @@ public:
     // Lines without their CR/LF ends; nothing when the file cannot be read.
     static std::optional<QStringList> readLines(const QString& path);
     static QStringList splitLines(const QString& text);
+    // The bytes that writeLines writes: UTF-8, each line ended by `eol`.
+    static QByteArray encodeLines(const QStringList& lines,
+                                  const QString& eol = QStringLiteral("\n"));
     // Replaces the file through a temporary one, so a failed write never leaves half a file.
     // `eol` ends every line ("\n", or "\r\n" for files that travel).
     static bool writeLines(const QString& path, const QStringList& lines,

@@ -57,6 +57,11 @@ Prompter::Answer BoxPrompter::show(const QString& text, Buttons buttons,
         box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
         box.setEscapeButton(QMessageBox::Cancel);
         break;
+    case Buttons::OkCancel:
+        box.setIcon(QMessageBox::Information);
+        box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+        box.setEscapeButton(QMessageBox::Cancel);
+        break;
     }
     if (defaultAnswer)
         if (QAbstractButton* button = box.button(buttonOf(*defaultAnswer)))

@@ -24,6 +24,22 @@ std::optional<QString> DialogChoosers::chooseDirectory(const QString& start)
     return dialog.path();
 }
 
+std::optional<QString> DialogChoosers::chooseFileToOpen(const QString& start,
+                                                        const QStringList& filters,
+                                                        int selectedFilter)
+{
+    QFileDialog dialog(m_parent, QStringLiteral("Open"));
+    dialog.setFileMode(QFileDialog::ExistingFile);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setNameFilters(filters);
+    if (selectedFilter >= 0 && selectedFilter < filters.size())
+        dialog.selectNameFilter(filters.at(selectedFilter));
+    dialog.selectFile(start);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty())
+        return std::nullopt;
+    return dialog.selectedFiles().constFirst();
+}
+
 std::optional<QString> DialogChoosers::openFile(const QString& path)
 {
     // A terminal editor started without a terminal never shows: the desktop's own program

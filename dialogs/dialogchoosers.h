@@ -21,6 +21,8 @@ public:
 
     std::optional<QString> askPassword() override;
     std::optional<QString> chooseDirectory(const QString& start) override;
+    std::optional<QString> chooseFileToOpen(const QString& start, const QStringList& filters,
+                                            int selectedFilter) override;
     std::optional<QString> openFile(const QString& path) override;
     std::optional<QString> saveFile(const SaveFileRequest& request) override;
 

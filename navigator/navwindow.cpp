@@ -15,6 +15,7 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "exchange/exchangecommands.h"
 #include "find/findcommands.h"
 #include "help/helpcommands.h"
 #include "mail/mailcommands.h"
@@ -138,6 +139,8 @@ void NavWindow::buildMenus()
     m_foundBranch = std::make_unique<FoundBranch>(*m_tree, m_icons);
     m_findCommands = std::make_unique<FindCommands>(m_navigator->context(), *m_foundBranch);
     m_findCommands->addTo(commands);
+    m_exchangeCommands = std::make_unique<ExchangeCommands>(m_navigator->context());
+    m_exchangeCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
     m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
     // A button works once a command stands behind its name.

@@ -19,6 +19,7 @@ class DrawerTemplates;
 class FindCommands;
 class FoundBranch;
 class HelpCommands;
+class ExchangeCommands;
 class ItemCommands;
 class NavTree;
 class Navigator;
@@ -88,6 +89,7 @@ private:
     std::unique_ptr<ViewerCommands> m_viewerCommands;
     std::unique_ptr<FoundBranch> m_foundBranch;
     std::unique_ptr<FindCommands> m_findCommands;
+    std::unique_ptr<ExchangeCommands> m_exchangeCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };

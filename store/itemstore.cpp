@@ -213,6 +213,95 @@ int ItemStore::count(Level level) const
         .toInt();
 }
 
+qint32 ItemStore::insertNamed(Level level, qint32 parentId, const QString& name)
+{
+    const ItemTable& t = ItemTable::of(level);
+    StoreColumns::check(t.name(), QStringLiteral("Name"), name);
+    m_db.execute(
+        QStringLiteral("INSERT INTO %1 (%2, Name) VALUES (?, ?)").arg(t.name(), t.parent()),
+        {parentId, name});
+    return m_db.lastInsertId();
+}
+
+qint32 ItemStore::childNamed(Level level, qint32 parentId, const QString& name) const
+{
+    const ItemTable& t = ItemTable::of(level);
+    QString sql =
+        QStringLiteral("SELECT %1 FROM %2 WHERE Name = ? COLLATE NOCASE").arg(t.id(), t.name());
+    QVariantList binds{name};
+    if (level != Level::Cabinet) {
+        sql += QStringLiteral(" AND %1 = ?").arg(t.parent());
+        binds << parentId;
+    }
+    sql += QStringLiteral(" ORDER BY %1").arg(t.id());
+    const QVariant v = m_db.scalar(sql, binds);
+    return v.isNull() ? -1 : v.toInt();
+}
+
+namespace {
+
+ItemManifest manifestAt(const Recordset& rs, int i, Level level)
+{
+    ItemManifest m;
+    m.id = rs.integer(i, ItemTable::of(level).id());
+    m.name = rs.text(i, QStringLiteral("Name"));
+    const QVariant description = rs.value(i, QStringLiteral("Description"));
+    if (!description.isNull())
+        m.description = description.toString();
+    if (level == Level::Document) {
+        if (!rs.value(i, QStringLiteral("DateOnDocument")).isNull())
+            m.dateOnDocument = rs.date(i, QStringLiteral("DateOnDocument"));
+        const QVariant amount = rs.value(i, QStringLiteral("Amount"));
+        if (!amount.isNull())
+            m.amount = amount.toDouble();
+    }
+    return m;
+}
+
+} // namespace
+
+ItemManifest ItemStore::manifest(Level level, qint32 id) const
+{
+    const ItemTable& t = ItemTable::of(level);
+    const Recordset rs = m_db.openRecordset(
+        QStringLiteral("SELECT * FROM %1 WHERE %2 = ?").arg(t.name(), t.id()), {id});
+    return rs.recordCount() < 1 ? ItemManifest() : manifestAt(rs, 0, level);
+}
+
+QVector<ItemManifest> ItemStore::childManifests(Level level, qint32 parentId) const
+{
+    const ItemTable& t = ItemTable::of(level);
+    const Recordset rs =
+        m_db.openRecordset(QStringLiteral("SELECT * FROM %1 WHERE %2 = ? ORDER BY Name, %3")
+                               .arg(t.name(), t.parent(), t.id()),
+                           {parentId});
+    QVector<ItemManifest> rows;
+    rows.reserve(rs.recordCount());
+    for (int i = 0; i < rs.recordCount(); ++i)
+        rows << manifestAt(rs, i, level);
+    return rows;
+}
+
+void ItemStore::setDescription(Level level, qint32 id, const QString& description)
+{
+    const ItemTable& t = ItemTable::of(level);
+    m_db.execute(QStringLiteral("UPDATE %1 SET Description = ? WHERE %2 = ?").arg(t.name(), t.id()),
+                 {description, id});
+}
+
+void ItemStore::setDocumentManifest(qint32 documentId, const std::optional<QDate>& dateOnDocument,
+                                    const QString& description, double amount)
+{
+    if (dateOnDocument)
+        m_db.execute(QStringLiteral("UPDATE Document SET DateOnDocument = ?, Description = ?, "
+                                    "Amount = ? WHERE DocumentId = ?"),
+                     {*dateOnDocument, description, amount, documentId});
+    else
+        m_db.execute(QStringLiteral("UPDATE Document SET Description = ?, Amount = ? "
+                                    "WHERE DocumentId = ?"),
+                     {description, amount, documentId});
+}
+
 bool ItemStore::cabinetNameExists(const QString& name) const
 {
     return m_db.scalar(QStringLiteral("SELECT COUNT(*) FROM Cabinet WHERE Name = ? COLLATE NOCASE"),

@@ -20,6 +20,17 @@ struct ItemRow
     QString password; // cabinets: the stored (enciphered) password, "" for Null
 };
 
+// An item as the exchange files carry it: its name and what the file system cannot hold, with
+// a Null kept apart from an empty value.
+struct ItemManifest
+{
+    qint32 id = -1;
+    QString name;
+    std::optional<QString> description;
+    std::optional<QDate> dateOnDocument; // documents
+    std::optional<double> amount;        // documents
+};
+
 // The item queries that the navigator, templates and samples share: one routine per kind of
 // work, driven by the level's table.
 class ItemStore
@@ -61,6 +72,21 @@ public:
     // Inserts a bare item (cabinets get the stored form of the empty password); returns its id.
     qint32 insertItem(Level level, qint32 parentId, const QString& name);
     int count(Level level) const;
+
+    // Inserts a drawer, folder or document with its name alone, every other column Null (as
+    // an import makes them: an exchange file may bring the rest); returns its id.
+    qint32 insertNamed(Level level, qint32 parentId, const QString& name);
+    // The first child of `parentId` (any cabinet, for cabinets) with this name, without regard
+    // to case; -1 for none.
+    qint32 childNamed(Level level, qint32 parentId, const QString& name) const;
+    // One item's manifest (id -1 when the row is gone), and the children's, by name.
+    ItemManifest manifest(Level level, qint32 id) const;
+    QVector<ItemManifest> childManifests(Level level, qint32 parentId) const;
+    // Writes what a manifest carries: the description of any level, and for a document also
+    // its amount and, when there is one, its date.
+    void setDescription(Level level, qint32 id, const QString& description);
+    void setDocumentManifest(qint32 documentId, const std::optional<QDate>& dateOnDocument,
+                             const QString& description, double amount);
     bool cabinetNameExists(const QString& name) const;
 
 private:

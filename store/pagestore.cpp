@@ -139,14 +139,46 @@ void PageStore::deletePage(qint32 pageId)
 qint32 PageStore::insertPage(qint32 documentId, const NewPage& page)
 {
     StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), page.filename);
-    m_db.execute(QStringLiteral("INSERT INTO Page (DocumentId, PageNumber, ScanDate, Filetype, "
-                                "ShortcutYN, Filename, FileSize) VALUES (?, ?, ?, ?, ?, ?, ?)"),
-                 {documentId, page.pageNumber,
-                  page.scanDate.isValid() ? QVariant(page.scanDate) : QVariant(), page.fileType,
-                  page.shortcut ? QVariant(QStringLiteral("Y")) : QVariant(),
+    StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Name"), page.name);
+    m_db.execute(QStringLiteral("INSERT INTO Page (DocumentId, Name, PageNumber, ScanDate, "
+                                "Filetype, ShortcutYN, Filename, FileSize) "
+                                "VALUES (?, ?, ?, ?, ?, ?, ?, ?)"),
+                 {documentId, page.name.isEmpty() ? QVariant() : QVariant(page.name),
+                  page.pageNumber, page.scanDate.isValid() ? QVariant(page.scanDate) : QVariant(),
+                  page.fileType, page.shortcut ? QVariant(QStringLiteral("Y")) : QVariant(),
                   page.filename.isEmpty() ? QVariant() : QVariant(page.filename),
                   page.fileSize ? QVariant(qlonglong(*page.fileSize)) : QVariant()});
     return m_db.lastInsertId();
+}
+
+qint32 PageStore::pageNamed(qint32 documentId, const QString& name) const
+{
+    const QVariant v = m_db.scalar(QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? "
+                                                  "AND Name = ? COLLATE NOCASE ORDER BY PageId"),
+                                   {documentId, name});
+    return v.isNull() ? -1 : v.toInt();
+}
+
+namespace {
+
+const QString kCabinetPages =
+    QStringLiteral("FROM Drawer JOIN Folder ON Folder.DrawerId = Drawer.DrawerId "
+                   "JOIN Document ON Document.FolderId = Folder.FolderId "
+                   "JOIN Page ON Page.DocumentId = Document.DocumentId "
+                   "WHERE Drawer.CabinetId = ?");
+
+} // namespace
+
+int PageStore::countCabinetPages(qint32 cabinetId) const
+{
+    return m_db.scalar(QStringLiteral("SELECT COUNT(Page.PageId) ") + kCabinetPages, {cabinetId})
+        .toInt();
+}
+
+qint64 PageStore::sumCabinetBytes(qint32 cabinetId) const
+{
+    return m_db.scalar(QStringLiteral("SELECT SUM(Page.FileSize) ") + kCabinetPages, {cabinetId})
+        .toLongLong();
 }
 
 void PageStore::setPageNumber(qint32 pageId, qint32 number)

@@ -29,6 +29,7 @@ struct PageRow
 // The fields of a new page row.
 struct NewPage
 {
+    QString name; // the Name column: "" for none (imported pages keep their file's name)
     qint32 pageNumber = 0;
     QDate scanDate;
     QString fileType = QStringLiteral("JPG");
@@ -67,6 +68,11 @@ public:
     qint32 insertPage(qint32 documentId, const NewPage& page);
     // Removes the row alone; the caller removes the files.
     void deletePage(qint32 pageId);
+    // The first page of the document with this Name (without regard to case), -1 for none.
+    qint32 pageNamed(qint32 documentId, const QString& name) const;
+    // The pages of a cabinet, and the total of their stored file sizes.
+    int countCabinetPages(qint32 cabinetId) const;
+    qint64 sumCabinetBytes(qint32 cabinetId) const;
     void setPageNumber(qint32 pageId, qint32 number);
     // Writes where the page's image lies ("" for its computed path) and its size.
     void setFile(qint32 pageId, const QString& filename, qint64 fileSize);

@@ -27,6 +27,14 @@ std::optional<QString> ScriptedChoosers::chooseDirectory(const QString& start)
     return take(m_dirs);
 }
 
+std::optional<QString> ScriptedChoosers::chooseFileToOpen(const QString& start,
+                                                          const QStringList& filters,
+                                                          int selectedFilter)
+{
+    m_fileStarts << start + QStringLiteral(" | ") + filters.value(selectedFilter);
+    return take(m_files);
+}
+
 std::optional<QString> ScriptedChoosers::openFile(const QString& path)
 {
     m_edited << path;

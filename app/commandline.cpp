@@ -1,0 +1,193 @@
+#include "app/commandline.h"
+
+#include <QCommandLineParser>
+#include <QFileInfo>
+#include <QTextStream>
+#include <cstdio>
+#include <unistd.h>
+
+#include "core/homelock.h"
+#include "core/settings.h"
+#include "exchange/exchangebatch.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "store/storeerror.h"
+
+namespace qmr {
+
+namespace {
+
+const QString kUsage = QStringLiteral("Usage: quillmere [--home DIR]\n"
+                                      "       quillmere [--home DIR] --export CABINET DIR\n"
+                                      "       quillmere [--home DIR] --import DIR CABINET\n");
+
+// Options that the toolkit reads for the window; they are accepted and left to it.
+void addToolkitOptions(QCommandLineParser& parser)
+{
+    for (const char* name :
+         {"platform", "platformpluginpath", "platformtheme", "plugin", "qwindowgeometry",
+          "qwindowicon", "qwindowtitle", "style", "stylesheet", "display", "geometry", "session"}) {
+        QCommandLineOption option(QLatin1String(name), QString(), QStringLiteral("value"));
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+        parser.addOption(option);
+    }
+    for (const char* name : {"reverse", "nograb", "dograb", "sync", "widgetcount"}) {
+        QCommandLineOption option{QString(QLatin1String(name))};
+        option.setFlags(QCommandLineOption::HiddenFromHelp);
+        parser.addOption(option);
+    }
+}
+
+} // namespace
+
+CommandLineRequest CommandLine::parse(const QStringList& arguments)
+{
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    parser.setApplicationDescription(QStringLiteral(
+        "Files scanned paper and image files in cabinets, drawers, folders and documents.\n"
+        "\n"
+        "Without --export or --import the program opens its window. The two commands run\n"
+        "without a window, for backups and scripts:\n"
+        "  --export CABINET DIR  writes the cabinet to an exchange directory below DIR\n"
+        "  --import DIR CABINET  merges the exchange directory DIR (the one that holds\n"
+        "                        QMR.txt) into the cabinet\n"
+        "They print a progress line and a report, and end with status 1 when something\n"
+        "could not be done; a wrong command line ends with status 2."));
+    const QCommandLineOption help = parser.addHelpOption();
+    const QCommandLineOption version = parser.addVersionOption();
+    const QCommandLineOption home(QStringLiteral("home"),
+                                  QStringLiteral("The directory that holds the store and the "
+                                                 "page files (default: $QUILLMERE_HOME, else "
+                                                 "$XDG_DATA_HOME/Quillmere)."),
+                                  QStringLiteral("DIR"));
+    const QCommandLineOption exportOption(
+        QStringLiteral("export"),
+        QStringLiteral("Export the cabinet CABINET to the directory DIR, without a window."),
+        QStringLiteral("CABINET"));
+    const QCommandLineOption importOption(
+        QStringLiteral("import"),
+        QStringLiteral("Import the exchange directory DIR into the cabinet CABINET, without a "
+                       "window."),
+        QStringLiteral("DIR"));
+    parser.addOption(home);
+    parser.addOption(exportOption);
+    parser.addOption(importOption);
+    parser.addPositionalArgument(QStringLiteral("DIR|CABINET"),
+                                 QStringLiteral("The second value of --export or --import."));
+    addToolkitOptions(parser);
+
+    CommandLineRequest request;
+    const auto error = [&](const QString& message) {
+        request.action = CommandLineRequest::Action::Error;
+        request.message = message;
+        return request;
+    };
+    if (!parser.parse(arguments))
+        return error(parser.errorText());
+    if (parser.isSet(help) || parser.isSet(QStringLiteral("help-all"))) {
+        request.action = CommandLineRequest::Action::Help;
+        // The parser's own usage line cannot say that the commands take two values.
+        const QString text = parser.helpText();
+        request.message =
+            kUsage + QLatin1Char('\n') + text.mid(text.indexOf(QLatin1Char('\n')) + 1);
+        return request;
+    }
+    if (parser.isSet(version)) {
+        request.action = CommandLineRequest::Action::Version;
+        request.message = QStringLiteral("Quillmere %1").arg(QStringLiteral(QMR_VERSION));
+        return request;
+    }
+    if (parser.values(home).size() > 1)
+        return error(QStringLiteral("--home is given more than once."));
+    request.home = parser.value(home);
+    const bool exporting = parser.isSet(exportOption);
+    const bool importing = parser.isSet(importOption);
+    const QStringList rest = parser.positionalArguments();
+    if (!exporting && !importing) {
+        if (!rest.isEmpty())
+            return error(QStringLiteral("Unexpected argument '%1'.").arg(rest.first()));
+        return request;
+    }
+    if (exporting && importing)
+        return error(QStringLiteral("--export and --import cannot be given together."));
+    const QCommandLineOption& option = exporting ? exportOption : importOption;
+    if (parser.values(option).size() > 1)
+        return error(QStringLiteral("--%1 is given more than once.")
+                         .arg(exporting ? QStringLiteral("export") : QStringLiteral("import")));
+    if (rest.size() != 1)
+        return error(exporting ? QStringLiteral("--export needs a cabinet and a directory: "
+                                                "--export CABINET DIR.")
+                               : QStringLiteral("--import needs a directory and a cabinet: "
+                                                "--import DIR CABINET."));
+    if (exporting) {
+        request.action = CommandLineRequest::Action::Export;
+        request.cabinet = parser.value(exportOption);
+        request.directory = rest.first();
+    } else {
+        request.action = CommandLineRequest::Action::Import;
+        request.directory = parser.value(importOption);
+        request.cabinet = rest.first();
+    }
+    return request;
+}
+
+int CommandLine::print(const CommandLineRequest& request)
+{
+    switch (request.action) {
+    case CommandLineRequest::Action::Help:
+    case CommandLineRequest::Action::Version: {
+        QTextStream out(stdout);
+        out << request.message;
+        if (!request.message.endsWith(QLatin1Char('\n')))
+            out << '\n';
+        return 0;
+    }
+    case CommandLineRequest::Action::Error: {
+        QTextStream err(stderr);
+        err << "quillmere: " << request.message << '\n'
+            << kUsage << "Try 'quillmere --help' for more.\n";
+        return kUsageError;
+    }
+    default:
+        return 0;
+    }
+}
+
+AppHome CommandLine::homeOf(const CommandLineRequest& request)
+{
+    return request.home.isEmpty() ? AppHome::fromArguments({}) : AppHome(request.home);
+}
+
+int CommandLine::runBatch(const CommandLineRequest& request)
+{
+    QTextStream out(stdout);
+    QTextStream err(stderr);
+    const AppHome home = homeOf(request);
+    // A batch run never makes a store: there would be no cabinet in it to work on.
+    if (!QFileInfo::exists(StoreSchema::storePath(home))) {
+        err << "quillmere: There is no store in " << home.path()
+            << "; start the program once, or name its home with --home DIR.\n";
+        return 1;
+    }
+    // One run per home: the batch holds the lock the window takes, before the store is touched.
+    HomeLock lock(home);
+    if (!lock.acquire()) {
+        err << "quillmere: " << lock.refusal() << '\n';
+        return 1;
+    }
+    Settings settings;
+    Session session(home, settings);
+    try {
+        StoreSchema::openDatabase(session.db(), home);
+    } catch (const StoreError& e) {
+        err << "quillmere: " << e.message() << '\n';
+        return 1;
+    }
+    ExchangeBatch batch(session, out, err, ::isatty(STDERR_FILENO) != 0);
+    return request.action == CommandLineRequest::Action::Export
+               ? batch.exportCabinet(request.cabinet, request.directory)
+               : batch.importCabinet(request.directory, request.cabinet);
+}
+
+} // namespace qmr

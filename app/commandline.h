@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include "core/apphome.h"
+
+namespace qmr {
+
+// What the command line asks for.
+struct CommandLineRequest
+{
+    enum class Action { Window, Help, Version, Export, Import, Error };
+    Action action = Action::Window;
+    QString home;      // --home, "" when not given
+    QString cabinet;   // --export, --import: the cabinet's name
+    QString directory; // --export: the output path; --import: the exchange directory
+    QString message;   // Help: the help text; Version: the version line; Error: what is wrong
+};
+
+// The command line, read with QCommandLineParser: --help, --version, --home DIR, and the
+// window-less commands --export "CABINET" DIR and --import DIR "CABINET". The toolkit's own
+// options (-platform, -style ...) pass through to the window.
+class CommandLine
+{
+public:
+    static constexpr int kUsageError = 2;
+
+    static CommandLineRequest parse(const QStringList& arguments);
+    // The home a request names: --home, else $QUILLMERE_HOME, else $XDG_DATA_HOME/Quillmere.
+    static AppHome homeOf(const CommandLineRequest& request);
+    // Runs --export or --import without a window; needs a QCoreApplication. Returns the exit
+    // status.
+    static int runBatch(const CommandLineRequest& request);
+    // Prints help, the version or a usage error; returns the exit status.
+    static int print(const CommandLineRequest& request);
+};
+
+} // namespace qmr

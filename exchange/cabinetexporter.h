@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <functional>
+
+#include "exchange/exchangefilesystem.h"
+#include "exchange/exchangewriter.h"
+
+namespace qmr {
+
+class ExchangeQuestions;
+class Progress;
+class Session;
+
+// What an export did.
+struct ExportReport
+{
+    int pagesCopied = 0;
+    bool stopped = false;       // the user stopped it
+    bool diskRefused = false;   // the target filled up and no further disk was given
+    QString error;              // what ended it early, "" for nothing
+    QStringList problems;       // files that could not be written, each with the reason
+    QString reportText() const; // "Export complete. N pages copied."
+};
+
+// Writes one cabinet to an exchange directory, one file at a time. The progress's stop flag
+// is heard at the head of every loop; a stop keeps what has been written. When the target
+// fills up, the exporter asks once for another disk and copies the same page again there;
+// later failures are passed over, since the disk's number is recorded nowhere and the walk
+// cannot be resumed in any other way.
+class CabinetExporter
+{
+public:
+    CabinetExporter(Session& session, ExchangeFileSystem& fs, ExchangeQuestions& questions);
+
+    // Shows an action and a path in the status line, giving a waiting Cancel its turn.
+    void setStatusLine(std::function<void(const QString&, const QString&)> show)
+    {
+        m_showStatus = std::move(show);
+    }
+    // The clock of the marker file (tests fix it).
+    void setClock(std::function<QDateTime()> now) { m_now = std::move(now); }
+
+    ExportReport exportCabinet(qint32 cabinetId, const QString& path, Progress& progress);
+
+    // A target whose upper-cased form holds the application home's anywhere is refused, so
+    // that an export never writes into the files the program owns.
+    static bool isWithinHome(const QString& path, const QString& home);
+    static QString withinHomeMessage(const QString& home);
+
+private:
+    enum class Next { Go, Halt };
+
+    void walkCabinet(qint32 cabinetId, const QString& root);
+    void walkDocument(const ItemManifest& document, const QString& directory);
+    void makeDirectory(const QString& directory);
+    Next writeManifest(const QString& path, const std::function<FileOutcome()>& write);
+    // Runs one write with the handling of a full disk; Halt ends the walk.
+    Next run(const std::function<FileOutcome()>& write);
+    bool halted() const;
+    void status(const QString& action, const QString& text);
+
+    Session& m_session;
+    ExchangeFileSystem& m_fs;
+    ExchangeQuestions& m_questions;
+    ExchangeWriter m_writer;
+    std::function<void(const QString&, const QString&)> m_showStatus;
+    std::function<QDateTime()> m_now;
+
+    // The state of one run.
+    Progress* m_progress = nullptr;
+    ExportReport m_report;
+    int m_disk = 1;
+    bool m_trapping = true; // false once the disk question has been asked
+    bool m_halt = false;
+};
+
+} // namespace qmr

@@ -1,0 +1,514 @@
+#include "exchange/cabinetimporter.h"
+
+#include <QDate>
+
+#include "core/progress.h"
+#include "exchange/exchangequestions.h"
+#include "exchange/thumbnailqueue.h"
+#include "store/database.h"
+#include "store/itemrules.h"
+#include "store/itemtable.h"
+#include "store/pagepaths.h"
+#include "store/session.h"
+#include "store/storecolumns.h"
+#include "store/storeerror.h"
+
+namespace qmr {
+
+namespace {
+
+const QString kUnfiledDrawer = QStringLiteral("Unfiled drawer");
+const QString kUnfiledFolder = QStringLiteral("Unfiled folder");
+
+QString inside(const QString& dir, const QString& name)
+{
+    return dir.endsWith(QLatin1Char('/')) ? dir + name : dir + QLatin1Char('/') + name;
+}
+
+// A file whose name says it is no image becomes a shortcut; the test is on the name alone.
+bool isShortcutName(const QString& path)
+{
+    const QString lower = path.toLower();
+    return !lower.endsWith(QLatin1String("jpg")) && !lower.endsWith(QLatin1String("jpeg")) &&
+           !lower.endsWith(QLatin1String("bmp"));
+}
+
+// A shortcut's type: the last three letters of its name, as the store keeps types.
+QString shortcutType(const QString& name)
+{
+    return name.toLower().right(3).toUpper();
+}
+
+} // namespace
+
+QString ImportReport::reportText() const
+{
+    QString text = QStringLiteral("%1 files imported.\r\n%2 shortcuts created.")
+                       .arg(filesImported)
+                       .arg(shortcutsCreated);
+    if (stopped)
+        text += QStringLiteral("\r\nImport stopped by user.");
+    return text;
+}
+
+// Rows that belong together, with the page files copied for them. Committed, its new items
+// are shown in the window; rolled back, the files go too, since the next rows would be given
+// the same ids and find them in their place.
+class CabinetImporter::Unit
+{
+public:
+    explicit Unit(CabinetImporter& importer)
+        : m_importer(importer), m_tx(importer.m_session.db()),
+          m_items(int(importer.m_pendingItems.size())), m_files(int(importer.m_pendingFiles.size()))
+    {
+    }
+    ~Unit()
+    {
+        if (!m_done)
+            m_importer.dropPending(m_items, m_files);
+    }
+    Unit(const Unit&) = delete;
+    Unit& operator=(const Unit&) = delete;
+
+    void commit()
+    {
+        m_tx.commit();
+        m_done = true;
+        if (m_importer.m_session.db().transactionDepth() == 0)
+            m_importer.flushPending();
+    }
+
+private:
+    CabinetImporter& m_importer;
+    Database::Transaction m_tx;
+    int m_items;
+    int m_files;
+    bool m_done = false;
+};
+
+QString CabinetImporter::missingPathMessage(const QString& path)
+{
+    return QStringLiteral("'%1' does not exist.").arg(path);
+}
+
+QString CabinetImporter::missingMarkerMessage()
+{
+    return QStringLiteral("Missing QMR.TXT. This file designates the starting point of a "
+                          "previously exported file cabinet.");
+}
+
+CabinetImporter::CabinetImporter(Session& session, ExchangeFileSystem& fs,
+                                 ExchangeQuestions& questions, NavigatorCallbacks* navigator)
+    : m_session(session), m_fs(fs), m_questions(questions), m_navigator(navigator), m_reader(fs)
+{
+}
+
+CabinetImporter::~CabinetImporter() = default;
+
+void CabinetImporter::begin(Progress& progress)
+{
+    m_progress = &progress;
+    m_report = ImportReport();
+    m_halt = false;
+    m_pendingItems.clear();
+    m_pendingFiles.clear();
+    m_touchedDocuments.clear();
+    m_thumbs = std::make_unique<ThumbnailQueue>(m_session.home().path(), m_threads);
+}
+
+void CabinetImporter::finish()
+{
+    m_thumbs->waitForDone();
+    m_thumbs.reset();
+    if (m_navigator)
+        for (const qint32 id : std::as_const(m_touchedDocuments))
+            m_navigator->refreshPages(id);
+}
+
+bool CabinetImporter::halted() const
+{
+    return m_halt || m_progress->stopped();
+}
+
+void CabinetImporter::status(const QString& action, const QString& text)
+{
+    if (m_showStatus)
+        m_showStatus(action, text);
+}
+
+void CabinetImporter::dropPending(int items, int files)
+{
+    m_pendingItems.resize(items);
+    // The rows of these files are gone: wait for their thumbnails, then take both away.
+    if (m_pendingFiles.size() > files)
+        m_thumbs->waitForDone();
+    while (m_pendingFiles.size() > files)
+        m_fs.remove(m_pendingFiles.takeLast());
+}
+
+void CabinetImporter::flushPending()
+{
+    if (m_navigator)
+        m_navigator->announce(m_pendingItems);
+    m_pendingItems.clear();
+    m_pendingFiles.clear();
+}
+
+// ---- the walk of an exchange directory ----------------------------------------------------
+
+ImportReport CabinetImporter::importCabinet(qint32 cabinetId, const QString& path, int diskCount,
+                                            Progress& progress)
+{
+    begin(progress);
+    try {
+        for (int disk = 1;; ++disk) {
+            const int count = countImportFiles(path);
+            progress.start(QStringLiteral("Import files"), 1, qMax(1, count));
+            if (count == 0 && !m_questions.importStructureOnly()) {
+                m_report.declined = true;
+                break;
+            }
+            importDisk(cabinetId, path);
+            if (halted() || disk >= diskCount || !m_questions.insertImportDisk(disk + 1))
+                break;
+        }
+    } catch (const StoreError& e) {
+        m_report.error = e.message();
+    }
+    m_report.stopped = !m_halt && progress.stopped();
+    finish();
+    return m_report;
+}
+
+int CabinetImporter::countImportFiles(const QString& path)
+{
+    // The files the walk will step through, four levels down.
+    const auto pages = [this](const QString& dir) {
+        status(QStringLiteral("Scan files"), dir);
+        int count = 0;
+        for (const QString& name : m_fs.fileNames(dir))
+            if (!ExchangeReader::isExchangeFile(name))
+                ++count;
+        return count;
+    };
+    int count = pages(path);
+    for (const QString& drawer : m_fs.directoryNames(path)) {
+        const QString drawerDir = inside(path, drawer);
+        count += pages(drawerDir);
+        for (const QString& folder : m_fs.directoryNames(drawerDir)) {
+            const QString folderDir = inside(drawerDir, folder);
+            count += pages(folderDir);
+            for (const QString& document : m_fs.directoryNames(folderDir))
+                count += pages(inside(folderDir, document));
+        }
+    }
+    return count;
+}
+
+void CabinetImporter::importDisk(qint32 cabinetId, const QString& path)
+{
+    const QStringList files = m_fs.fileNames(path);
+    if (std::any_of(files.begin(), files.end(), ExchangeReader::isLooseFile)) {
+        qint32 folderId = -1;
+        {
+            Unit unit(*this);
+            const qint32 drawerId = getOrCreate(Level::Drawer, cabinetId, kUnfiledDrawer, true);
+            if (drawerId >= 0)
+                folderId = getOrCreate(Level::Folder, drawerId, kUnfiledFolder, true);
+            unit.commit();
+        }
+        if (folderId >= 0)
+            importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, {}));
+    }
+    applyDescription(Level::Cabinet, cabinetId, path, files, QStringLiteral("cabinet.txt"));
+    for (const QString& drawer : m_fs.directoryNames(path)) {
+        if (halted())
+            return;
+        importDrawer(cabinetId, inside(path, drawer));
+    }
+}
+
+void CabinetImporter::importDrawer(qint32 cabinetId, const QString& path)
+{
+    const QStringList files = m_fs.fileNames(path);
+    qint32 drawerId = -1;
+    {
+        Unit unit(*this);
+        drawerId = getOrCreate(Level::Drawer, cabinetId, PagePaths::filePart(path), true);
+        if (drawerId >= 0)
+            applyDescription(Level::Drawer, drawerId, path, files, QStringLiteral("drawer.txt"));
+        unit.commit();
+    }
+    if (drawerId < 0)
+        return;
+    if (std::any_of(files.begin(), files.end(), ExchangeReader::isLooseFile)) {
+        qint32 folderId = -1;
+        {
+            Unit unit(*this);
+            folderId = getOrCreate(Level::Folder, drawerId, kUnfiledFolder, true);
+            unit.commit();
+        }
+        if (folderId >= 0)
+            importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, {}));
+    }
+    for (const QString& folder : m_fs.directoryNames(path)) {
+        if (halted())
+            return;
+        importFolder(drawerId, inside(path, folder));
+    }
+}
+
+void CabinetImporter::importFolder(qint32 drawerId, const QString& path)
+{
+    const QStringList files = m_fs.fileNames(path);
+    qint32 folderId = -1;
+    {
+        Unit unit(*this);
+        folderId = getOrCreate(Level::Folder, drawerId, PagePaths::filePart(path), true);
+        if (folderId >= 0)
+            applyDescription(Level::Folder, folderId, path, files, QStringLiteral("folder.txt"));
+        unit.commit();
+    }
+    if (folderId < 0)
+        return;
+    if (!files.isEmpty())
+        importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, {}));
+    for (const QString& document : m_fs.directoryNames(path)) {
+        if (halted())
+            return;
+        importDocument(folderId, inside(path, document));
+    }
+}
+
+void CabinetImporter::importDocument(qint32 folderId, const QString& path)
+{
+    // A deeper directory below a document is not looked at.
+    const QStringList files = m_fs.fileNames(path);
+    Unit unit(*this);
+    const qint32 documentId =
+        getOrCreate(Level::Document, folderId, PagePaths::filePart(path), true);
+    if (documentId >= 0) {
+        applyDocument(documentId, path, files);
+        for (const QString& name : pageFiles(path, {})) {
+            if (halted())
+                break;
+            m_progress->step(QStringLiteral("Import ") + name);
+            importFile(documentId, path, name);
+        }
+    }
+    unit.commit();
+}
+
+// ---- items and manifests ------------------------------------------------------------------
+
+qint32 CabinetImporter::getOrCreate(Level level, qint32 parentId, const QString& name,
+                                    bool showStatus)
+{
+    if (showStatus)
+        status(QStringLiteral("Create ") + QString::fromLatin1(levelInfo(level).word).toLower(),
+               name);
+    ItemStore& items = m_session.items();
+    const qint32 found = items.childNamed(level, parentId, name);
+    if (found >= 0)
+        return found;
+    try {
+        StoreColumns::check(ItemTable::of(level).name(), QStringLiteral("Name"), name);
+    } catch (const StoreError& e) {
+        problem(QStringLiteral("%1: %2").arg(name, e.message()));
+        return -1;
+    }
+    const qint32 id = items.insertNamed(level, parentId, name);
+    m_pendingItems << CreatedItem{level, parentId, id, name, QDate()};
+    return id;
+}
+
+void CabinetImporter::applyDescription(Level level, qint32 id, const QString& dir,
+                                       const QStringList& files, const QString& manifest)
+{
+    const QString name = ExchangeReader::findIn(files, manifest);
+    if (name.isEmpty())
+        return;
+    const QString path = inside(dir, name);
+    const std::optional<QString> description = m_reader.readDescription(path);
+    if (!description) {
+        problem(QStringLiteral("Cannot read %1").arg(path));
+        return;
+    }
+    m_session.items().setDescription(level, id, *description);
+}
+
+void CabinetImporter::applyDocument(qint32 documentId, const QString& dir, const QStringList& files)
+{
+    const QString name = ExchangeReader::findIn(files, QStringLiteral("document.txt"));
+    if (name.isEmpty())
+        return;
+    const QString path = inside(dir, name);
+    const std::optional<DocumentValues> values = m_reader.readDocument(path);
+    if (!values) {
+        problem(QStringLiteral("Cannot read %1").arg(path));
+        return;
+    }
+    std::optional<QDate> date;
+    if (!values->date.isEmpty()) {
+        date = ItemRules::parseDate(values->date);
+        if (!date->isValid()) {
+            problem(QStringLiteral("%1: '%2' is not a date; the document keeps its own")
+                        .arg(path, values->date));
+            date.reset();
+        }
+    }
+    m_session.items().setDocumentManifest(documentId, date, values->description,
+                                          ItemRules::leadingNumber(values->amount));
+}
+
+// ---- files --------------------------------------------------------------------------------
+
+QStringList CabinetImporter::pageFiles(const QString& dir, const FileTypeFilter& filter) const
+{
+    QStringList names;
+    for (const QString& name : m_fs.fileNames(dir))
+        if (!ExchangeReader::isExchangeFile(name) && filter.accepts(name))
+            names << name;
+    return names;
+}
+
+void CabinetImporter::importDirectoryFiles(qint32 parentId, const QString& dir, Level level,
+                                           const QStringList& names)
+{
+    for (const QString& name : names) {
+        if (halted())
+            return;
+        m_progress->step(QStringLiteral("Import ") + name);
+        if (level == Level::Document) {
+            importFile(parentId, dir, name);
+            continue;
+        }
+        // Each file a document of its own, named as the file, extension and all.
+        Unit unit(*this);
+        const qint32 documentId = getOrCreate(Level::Document, parentId, name, false);
+        if (documentId >= 0)
+            importFile(documentId, dir, name);
+        unit.commit();
+    }
+}
+
+void CabinetImporter::importFile(qint32 documentId, const QString& dir, const QString& name)
+{
+    const QString path = inside(dir, name);
+    const qint64 length = m_fs.fileSize(path);
+    if (length < 0) {
+        problem(QStringLiteral("Cannot read %1").arg(path));
+        return;
+    }
+    // A page whose file cannot be taken in leaves no row behind (nor a document made for it).
+    Unit unit(*this);
+    const qint32 pageId = addImportedPage(documentId, name, length, path);
+    if (pageId < 0 || !copyImportedPageFile(path, pageId))
+        return;
+    unit.commit();
+    m_touchedDocuments.insert(documentId);
+}
+
+qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, qint64 length,
+                                        const QString& path)
+{
+    PageStore& pages = m_session.pages();
+    const qint32 existing = pages.pageNamed(documentId, name);
+    if (existing >= 0)
+        return existing;
+    NewPage page;
+    page.name = name;
+    page.pageNumber =
+        ExchangeReader::pageNumberOf(name).value_or(pages.highestNumber(documentId) + 1);
+    page.fileSize = length;
+    page.scanDate = QDate::currentDate();
+    page.shortcut = isShortcutName(path);
+    page.fileType = page.shortcut ? shortcutType(name) : QStringLiteral("JPG");
+    if (page.shortcut)
+        page.filename = path;
+    try {
+        StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Name"), page.name);
+        StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), page.filename);
+    } catch (const StoreError& e) {
+        problem(QStringLiteral("%1: %2").arg(path, e.message()));
+        return -1;
+    }
+    const qint32 id = pages.insertPage(documentId, page);
+    if (page.shortcut)
+        ++m_report.shortcutsCreated;
+    return id;
+}
+
+bool CabinetImporter::copyImportedPageFile(const QString& source, qint32 pageId)
+{
+    const std::optional<PageRow> row = m_session.pages().page(pageId);
+    if (!row)
+        return false;
+    const PagePaths& paths = m_session.paths();
+    const QString target = paths.pagePath(pageId, row->filename);
+    if (row->shortcut) {
+        // The file stays where it is; the page points at it and has no thumbnail.
+        ++m_report.filesSkipped;
+        return true;
+    }
+    const QString thumb = paths.thumbPath(pageId, row->filename);
+    if (m_fs.isFile(target)) {
+        ++m_report.filesSkipped;
+        if (!m_fs.isFile(thumb))
+            m_thumbs->add(target, thumb);
+        return true;
+    }
+    if (!m_fs.makePath(PagePaths::directoryPart(target))) {
+        m_report.error = QStringLiteral("Cannot make the directory of %1").arg(target);
+        m_halt = true;
+        return false;
+    }
+    const FileOutcome outcome = m_fs.copyFile(source, target);
+    if (!outcome.ok()) {
+        problem(outcome.message);
+        if (outcome.kind != FileOutcome::Kind::ReadFailed) {
+            // The store's own disk: nothing further can come in.
+            m_report.error = outcome.message;
+            m_halt = true;
+        }
+        return false;
+    }
+    ++m_report.filesImported;
+    m_pendingFiles << target << thumb;
+    m_thumbs->add(target, thumb);
+    return true;
+}
+
+// ---- the files of one directory -----------------------------------------------------------
+
+ImportReport CabinetImporter::importFiles(qint32 targetId, Level level, const QString& dir,
+                                          const FileTypeFilter& filter, Progress& progress)
+{
+    begin(progress);
+    try {
+        progress.start(QStringLiteral("Count files to import"), 1, 2);
+        progress.step(QStringLiteral("Counting files to import"));
+        const QStringList names = pageFiles(dir, filter);
+        progress.end();
+        if (!names.isEmpty()) {
+            progress.start(QStringLiteral("Import files"), 1, int(names.size()));
+            progress.showCancel();
+            if (level == Level::Document) {
+                Unit unit(*this);
+                importDirectoryFiles(targetId, dir, level, names);
+                unit.commit();
+            } else {
+                importDirectoryFiles(targetId, dir, Level::Folder, names);
+            }
+            m_report.stopped = !m_halt && progress.stopped();
+            progress.end();
+        }
+    } catch (const StoreError& e) {
+        m_report.error = e.message();
+        progress.end();
+    }
+    finish();
+    return m_report;
+}
+
+} // namespace qmr

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "exchange/exchangequestions.h"
+
+namespace qmr {
+
+class Prompter;
+
+// The questions of export and import, put to a person.
+class PromptedQuestions : public ExchangeQuestions
+{
+public:
+    explicit PromptedQuestions(Prompter& prompter) : m_prompter(prompter) {}
+
+    bool exportEmptyCabinet() override;
+    bool importStructureOnly() override;
+    bool insertExportDisk(int number) override;
+    bool insertImportDisk(int number) override;
+
+private:
+    Prompter& m_prompter;
+};
+
+} // namespace qmr

@@ -1,0 +1,153 @@
+#pragma once
+
+#include <QDir>
+#include <QFile>
+#include <QImage>
+#include <QSet>
+#include <QTemporaryDir>
+#include <functional>
+#include <memory>
+
+#include "core/progress.h"
+#include "core/viewsettings.h"
+#include "exchange/diskfilesystem.h"
+#include "store/commandcontext.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/navrecorder.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+
+namespace qmr::test {
+
+// The real file system with failures on order: the n-th copy (counted from 1) fails as the
+// test says, files can be made unreadable, and a hook runs after every copy.
+class TestFileSystem : public DiskFileSystem
+{
+public:
+    QHash<int, FileOutcome::Kind> failCopy; // copy number -> failure
+    QSet<QString> unreadable;
+    std::function<void(int)> afterCopy;
+    int copies = 0;
+
+    FileOutcome copyFile(const QString& source, const QString& target) override
+    {
+        ++copies;
+        if (unreadable.contains(source))
+            return FileOutcome::failed(FileOutcome::Kind::ReadFailed,
+                                       "Cannot read " + source + ": Permission denied");
+        if (failCopy.contains(copies))
+            return FileOutcome::failed(failCopy.value(copies),
+                                       "Cannot write " + target + ": No space left on device");
+        const FileOutcome outcome = DiskFileSystem::copyFile(source, target);
+        if (afterCopy)
+            afterCopy(copies);
+        return outcome;
+    }
+    std::optional<QStringList> readLines(const QString& path) const override
+    {
+        if (unreadable.contains(path))
+            return std::nullopt;
+        return DiskFileSystem::readLines(path);
+    }
+};
+
+// A scripted prompter that also runs a step of the test when a question comes (a new disk
+// put in, say) before it answers.
+class HookPrompter : public ScriptedPrompter
+{
+public:
+    std::function<void(const QString&)> onAsk;
+    Answer ask(const QString& text, Buttons buttons) override
+    {
+        if (onAsk)
+            onAsk(text);
+        return ScriptedPrompter::ask(text, buttons);
+    }
+};
+
+// A home with a store, a second directory outside it, and the seams of a command.
+struct ExchangeFixture
+{
+    TestHome home;
+    QTemporaryDir outside;
+    HookPrompter prompter;
+    ScriptedChoosers choosers;
+    NavRecorder nav;
+    SilentProgress progress;
+    std::unique_ptr<FixtureStore> store;
+    std::unique_ptr<Session> session;
+    std::unique_ptr<ViewSettings> view;
+
+    ExchangeFixture()
+    {
+        store = std::make_unique<FixtureStore>(home.home());
+        session = std::make_unique<Session>(home.home(), home.settings());
+        StoreSchema::openDatabase(session->db(), home.home());
+        view = std::make_unique<ViewSettings>(home.settings());
+    }
+    CommandContext context()
+    {
+        CommandContext c{*session, prompter, choosers, progress, *view};
+        c.navigator = &nav;
+        return c;
+    }
+    Database& db() { return session->db(); }
+    QString outsidePath(const QString& relative) const { return outside.filePath(relative); }
+
+    // Writes a small JPEG (or any bytes) to a path, making its directory.
+    static bool writeImage(const QString& path, QColor colour = Qt::darkBlue)
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        QImage image(120, 160, QImage::Format_RGB32);
+        image.fill(colour);
+        return image.save(path, "JPG");
+    }
+    static bool writeBytes(const QString& path, const QByteArray& bytes)
+    {
+        QDir().mkpath(QFileInfo(path).path());
+        QFile f(path);
+        return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
+    }
+    static QByteArray readBytes(const QString& path)
+    {
+        QFile f(path);
+        return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+    }
+
+    int count(const QString& table) { return db().scalar("SELECT COUNT(*) FROM " + table).toInt(); }
+    QVariant field(const QString& sql, const QVariantList& binds = {})
+    {
+        return db().scalar(sql, binds);
+    }
+    // A page row with a stored file of its own: a picture saved elsewhere, or a shortcut.
+    qint32 storedPage(qint32 documentId, int number, const QString& filename, bool shortcut)
+    {
+        db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, Filetype, "
+                     "ScanDate, FileSize) VALUES (?, ?, ?, ?, ?, '2020-01-02 00:00:00', ?)",
+                     {documentId, number, filename, shortcut ? QVariant("Y") : QVariant(),
+                      shortcut ? "PDF" : "JPG", QFileInfo(filename).size()});
+        return db().lastInsertId();
+    }
+    // A cabinet of `documents` documents with `pages` pages each, in one drawer and folder.
+    qint32 filledCabinet(const QString& name, int documents, int pages)
+    {
+        const qint32 cabinet = store->cabinet(name);
+        const qint32 folder = store->folder(store->drawer(cabinet, "Drawer"), "Folder");
+        for (int d = 1; d <= documents; ++d) {
+            const qint32 doc = store->document(folder, QString("Document %1").arg(d));
+            for (int p = 1; p <= pages; ++p)
+                store->page(doc, p, QSize(160, 200));
+        }
+        return cabinet;
+    }
+    void setText(const QString& table, const QString& column, qint32 id, const QVariant& value)
+    {
+        db().execute(QString("UPDATE %1 SET %2 = ? WHERE %1Id = ?").arg(table, column),
+                     {value, id});
+    }
+};
+
+} // namespace qmr::test

@@ -1,0 +1,254 @@
+#include <QTest>
+
+#include "exchange/consoleprogress.h"
+#include "exchange/exchangebatch.h"
+#include "exchangefixture.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::ExchangeFixture;
+using test::TestFileSystem;
+
+namespace {
+
+struct Run
+{
+    int status = -1;
+    QString out;
+    QString err;
+};
+
+Run exportCabinet(ExchangeFixture& f, const QString& cabinet, const QString& dir,
+                  ExchangeFileSystem* fs = nullptr)
+{
+    Run run;
+    QTextStream out(&run.out), err(&run.err);
+    ExchangeBatch batch(*f.session, out, err, false, fs);
+    run.status = batch.exportCabinet(cabinet, dir);
+    return run;
+}
+
+Run importCabinet(ExchangeFixture& f, const QString& dir, const QString& cabinet,
+                  ExchangeFileSystem* fs = nullptr)
+{
+    Run run;
+    QTextStream out(&run.out), err(&run.err);
+    ExchangeBatch batch(*f.session, out, err, false, fs);
+    run.status = batch.importCabinet(dir, cabinet);
+    return run;
+}
+
+} // namespace
+
+// The window-less export and import: refusals, reports and exit statuses. Nothing is ever
+// asked: the scripted prompter fails the test if anything is.
+class TestExchangeBatch : public QObject
+{
+    Q_OBJECT
+private slots:
+    void exportRefusals_data()
+    {
+        QTest::addColumn<QString>("cabinet");
+        QTest::addColumn<QString>("dir"); // "@home", "@out"
+        QTest::addColumn<QString>("error");
+        QTest::newRow("no such cabinet") << "Nope"
+                                         << "@out"
+                                         << "There is no file cabinet named 'Nope'.";
+        QTest::newRow("locked") << "Locked"
+                                << "@out"
+                                << "The file cabinet 'Locked' has a password; it can be "
+                                   "exported only in the program's window.";
+        QTest::newRow("inside the home")
+            << "Papers"
+            << "@home/x"
+            << "You cannot export a cabinet to a path within the Quillmere system.";
+        QTest::newRow("no path") << "Papers"
+                                 << "  "
+                                 << "No output path was given.";
+    }
+    void exportRefusals()
+    {
+        QFETCH(QString, cabinet);
+        QFETCH(QString, dir);
+        QFETCH(QString, error);
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 1, 1);
+        f.store->cabinet("Locked", "pw");
+        const Run run = exportCabinet(
+            f, cabinet,
+            QString(dir).replace("@home", f.home.path()).replace("@out", f.outside.path()));
+        QCOMPARE(run.status, 1);
+        QVERIFY2(run.err.startsWith("quillmere: " + error), qPrintable(run.err));
+        QVERIFY(run.out.isEmpty());
+        QCOMPARE(QDir(f.outside.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
+                 QStringList());
+        QVERIFY(f.prompter.verify());
+    }
+
+    void exportAndImport()
+    {
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 2, 2);
+        const qint32 empty = f.store->cabinet("Empty");
+        f.store->drawer(empty, "Only a drawer");
+        f.store->cabinet("Target");
+        // An empty cabinet exports its tree without asking; a missing directory is made.
+        Run run = exportCabinet(f, "empty", f.outsidePath("new/dir"));
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, "Export complete. 0 pages copied.\n");
+        QVERIFY(QFileInfo(f.outsidePath("new/dir/Empty/Only a drawer")).isDir());
+
+        run = exportCabinet(f, "Papers", f.outside.path());
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, "Export complete. 4 pages copied.\n");
+        // The progress lines go to the error stream: a line at each tenth of the way (the
+        // bar of an export has one step more than pages, so it never quite fills).
+        QVERIFY2(run.err.contains("[ 80%] 4/5 Copy file 4.jpg\n"), qPrintable(run.err));
+
+        run = importCabinet(f, f.outsidePath("Papers"), "TARGET");
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, "4 files imported.\r\n0 shortcuts created.\n");
+        QCOMPARE(f.count("Page"), 8);
+        // Again: nothing new, and that is no failure.
+        run = importCabinet(f, f.outsidePath("Papers"), "Target");
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, "0 files imported.\r\n0 shortcuts created.\n");
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+    }
+
+    void importRefusals_data()
+    {
+        QTest::addColumn<QString>("dir"); // "@ex" an exchange directory, "@out" none
+        QTest::addColumn<QString>("cabinet");
+        QTest::addColumn<QString>("error");
+        QTest::newRow("missing") << "@out/none"
+                                 << "Target"
+                                 << "'@out/none' does not exist.";
+        QTest::newRow("no marker") << "@out"
+                                   << "Target"
+                                   << "Missing QMR.TXT. This file designates the starting "
+                                      "point of a previously exported file cabinet.";
+        QTest::newRow("no cabinet") << "@ex"
+                                    << "Nope"
+                                    << "There is no file cabinet named 'Nope'.";
+        QTest::newRow("locked") << "@ex"
+                                << "Locked"
+                                << "The file cabinet 'Locked' has a password; it can be "
+                                   "imported into only in the program's window.";
+    }
+    void importRefusals()
+    {
+        QFETCH(QString, dir);
+        QFETCH(QString, cabinet);
+        QFETCH(QString, error);
+        ExchangeFixture f;
+        f.store->cabinet("Target");
+        f.store->cabinet("Locked", "pw");
+        const QString ex = f.outsidePath("ex");
+        ExchangeFixture::writeBytes(ex + "/QMR.txt", "");
+        ExchangeFixture::writeImage(ex + "/D/F/Doc/Page 1.jpg");
+        const auto place = [&](QString t) {
+            return t.replace("@ex", ex).replace("@out", f.outside.path());
+        };
+        const Run run = importCabinet(f, place(dir), cabinet);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.err, "quillmere: " + place(error) + "\n");
+        QCOMPARE(f.count("Drawer"), 0);
+    }
+
+    void failuresAreNamed()
+    {
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 1, 3);
+        f.store->cabinet("Target");
+        // A full target stops the export: no disk can be asked for.
+        TestFileSystem full;
+        full.failCopy.insert(2, FileOutcome::Kind::DiskFull);
+        Run run = exportCabinet(f, "Papers", f.outsidePath("a"), &full);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.out, "Export complete. 1 pages copied.\n");
+        QVERIFY2(run.err.contains("No space left on device"), qPrintable(run.err));
+        QVERIFY(run.err.contains("The output path is full."));
+
+        // An unreadable file is named and left out; the rest comes in.
+        run = exportCabinet(f, "Papers", f.outsidePath("b"));
+        QCOMPARE(run.status, 0);
+        const QString doc = f.outsidePath("b/Papers/Drawer/Folder/Document 1");
+        TestFileSystem unreadable;
+        unreadable.unreadable.insert(doc + "/Page 2.jpg");
+        run = importCabinet(f, f.outsidePath("b/Papers"), "Target", &unreadable);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.out, "2 files imported.\r\n0 shortcuts created.\n");
+        QVERIFY2(run.err.contains("quillmere: Cannot read " + doc + "/Page 2.jpg"),
+                 qPrintable(run.err));
+        QVERIFY(f.prompter.verify());
+    }
+
+    void progressLines()
+    {
+        QString terminal, file;
+        {
+            QTextStream out(&terminal);
+            ConsoleProgress progress(out, true);
+            progress.start("Count", 1, 3);
+            for (int i = 0; i < 3; ++i)
+                progress.step(QString("Copy file Page %1.jpg").arg(i + 1));
+            progress.end();
+        }
+        // Rewritten in place on a terminal, ending with a new line.
+        QVERIFY(terminal.startsWith("\r[  0%] 0/3 Count"));
+        QVERIFY(terminal.contains("\r[100%] 3/3 Copy file Page 3.jpg"));
+        QVERIFY(terminal.endsWith("\n"));
+        QCOMPARE(terminal.count('\n'), 1);
+        {
+            QTextStream out(&file);
+            ConsoleProgress progress(out, false);
+            progress.start("Preparing", 1, 100);
+            for (int i = 0; i < 100; ++i)
+                progress.step("Copy");
+        }
+        // Into a file: one line at the start and one at each tenth of the way.
+        const QStringList lines = file.split('\n', Qt::SkipEmptyParts);
+        QCOMPARE(lines.size(), 11);
+        QCOMPARE(lines.first(), "[  0%] 0/100 Preparing");
+        QCOMPARE(lines.last(), "[100%] 100/100 Copy");
+    }
+
+    void copiesAreWholeOrNothing()
+    {
+        QTemporaryDir dir;
+        DiskFileSystem fs;
+        const QString source = dir.filePath("source.bin");
+        QByteArray big(3 * 1024 * 1024 + 17, 'x');
+        for (int i = 0; i < big.size(); i += 4096)
+            big[i] = char(i / 4096);
+        QVERIFY(ExchangeFixture::writeBytes(source, big));
+        const QString target = dir.filePath("target.bin");
+        QVERIFY(ExchangeFixture::writeBytes(target, "an older file"));
+        // Over what stands there, byte for byte.
+        QVERIFY(fs.copyFile(source, target).ok());
+        QCOMPARE(ExchangeFixture::readBytes(target), big);
+        // A source that cannot be read leaves the target as it was and nothing else.
+        const FileOutcome gone = fs.copyFile(dir.filePath("gone.bin"), target);
+        QCOMPARE(gone.kind, FileOutcome::Kind::ReadFailed);
+        QVERIFY(gone.message.contains("gone.bin"));
+        QCOMPARE(ExchangeFixture::readBytes(target), big);
+        // A target directory that is not there is a write failure, not a crash.
+        const FileOutcome nowhere = fs.copyFile(source, dir.filePath("no/such/dir/t.bin"));
+        QCOMPARE(nowhere.kind, FileOutcome::Kind::WriteFailed);
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files),
+                 QStringList({"source.bin", "target.bin"}));
+        // Names come sorted without regard to case; hidden files and copies left unfinished
+        // by a crash are no files of the directory.
+        ExchangeFixture::writeBytes(dir.filePath("B.txt"), "");
+        ExchangeFixture::writeBytes(dir.filePath(".hidden"), "");
+        ExchangeFixture::writeBytes(dir.filePath("c.jpg.qmrpart"), "half");
+        QDir().mkpath(dir.filePath(".config"));
+        QDir().mkpath(dir.filePath("a"));
+        QCOMPARE(fs.fileNames(dir.path()), QStringList({"B.txt", "source.bin", "target.bin"}));
+        QCOMPARE(fs.directoryNames(dir.path()), QStringList({"a"}));
+    }
+};
+
+QMR_TEST(TestExchangeBatch)
+#include "testexchangebatch.moc"

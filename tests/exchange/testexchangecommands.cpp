@@ -1,0 +1,266 @@
+#include <QApplication>
+#include <QComboBox>
+#include <QListWidget>
+#include <QPushButton>
+#include <QTest>
+#include <QTimer>
+
+#include "exchange/exchangecommands.h"
+#include "exchangefixture.h"
+#include "tests/navigator/navharness.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::NavHarness;
+
+namespace {
+
+// Runs `act` on the next modal dialog once it is up; one still open after five seconds is
+// closed, so that a failing test cannot hang.
+void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 100)
+{
+    QTimer::singleShot(20, context, [context, act, tries] {
+        if (QWidget* w = QApplication::activeModalWidget()) {
+            act(w);
+            QTimer::singleShot(5000, w, [w] {
+                if (w->isVisible())
+                    w->close();
+            });
+        } else if (tries > 0) {
+            whenModal(context, act, tries - 1);
+        }
+    });
+}
+
+// Picks these types in the file-types dialog, then presses the button.
+void chooseTypes(QObject* context, const QStringList& types, const char* button,
+                 QStringList* offered = nullptr)
+{
+    whenModal(context, [=](QWidget* dialog) {
+        auto* list = dialog->findChild<QListWidget*>("lstFileTypes");
+        for (int i = 0; list && i < list->count(); ++i) {
+            if (offered)
+                *offered << list->item(i)->text();
+            list->item(i)->setSelected(types.contains(list->item(i)->text()));
+        }
+        if (auto* b = dialog->findChild<QPushButton*>(button))
+            b->click();
+    });
+}
+
+void writeFiles(const QString& dir, const QStringList& names)
+{
+    for (const QString& name : names) {
+        if (name.toLower().endsWith("jpg"))
+            test::ExchangeFixture::writeImage(dir + "/" + name);
+        else
+            test::ExchangeFixture::writeBytes(dir + "/" + name, "some text");
+    }
+}
+
+QStringList documentNames(Session& session, qint32 folderId)
+{
+    QStringList names;
+    for (const ItemRow& row : session.items().children(Level::Document, folderId))
+        names << row.name;
+    return names;
+}
+
+} // namespace
+
+class TestExchangeCommands : public QObject
+{
+    Q_OBJECT
+private slots:
+    void entriesAreWired()
+    {
+        NavHarness h;
+        h.loadSample(false);
+        for (const char* name :
+             {"mnuToolsExportCabinet", "mnuToolsImportFiles", "mnuPopupCabinetExport",
+              "mnuPopupCabinetImport", "mnuPopupFolderImportFiles", "mnuPopupDocumentImportFiles"})
+            QVERIFY2(h.window->menus().action(QLatin1String(name))->isEnabled(), name);
+    }
+
+    void cabinetPopupTarget_data()
+    {
+        QTest::addColumn<QString>("click");
+        QTest::addColumn<QString>("listItem"); // "@CAB1": the tree's pop-up on it
+        QTest::addColumn<int>("source");
+        QTest::addColumn<int>("cabinet");
+        const int tree = int(ContextSource::Tree), list = int(ContextSource::List),
+                  pages = int(ContextSource::PageList);
+        QTest::newRow("the tree's pop-up fills the record") << "CAB1"
+                                                            << "@CAB1" << tree << 1;
+        // A left click leaves the record empty, and the tree is not asked.
+        QTest::newRow("a left click in the tree: nothing") << "CAB1"
+                                                           << "" << tree << -1;
+        QTest::newRow("the list, when it spoke last") << "ROOT"
+                                                      << "CAB3" << list << 3;
+        QTest::newRow("the list's item, the tree speaking: nothing") << "ROOT"
+                                                                     << "CAB3" << tree << -1;
+        QTest::newRow("the page list: nothing") << "ROOT"
+                                                << "CAB3" << pages << -1;
+    }
+    void cabinetPopupTarget()
+    {
+        QFETCH(QString, click);
+        QFETCH(QString, listItem);
+        QFETCH(int, source);
+        QFETCH(int, cabinet);
+        NavHarness h;
+        h.openStore();
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        store.cabinet("Other");
+        h.load();
+        h.click(click);
+        if (listItem.startsWith("@"))
+            h.session->selection().set(NodeKey::parse(listItem.mid(1)), "Home Papers", -1);
+        else if (!listItem.isEmpty())
+            h.window->list()->setCurrentItem(h.window->list()->itemOf(NodeKey::parse(listItem)));
+        h.setSource(ContextSource(source));
+        ExchangeCommands commands(h.navigator().context());
+        QCOMPARE(commands.popupCabinet(), cabinet);
+    }
+
+    void popupOpensTheDialogOnItsCabinet_data()
+    {
+        QTest::addColumn<QString>("action");
+        QTest::addColumn<QString>("dialog");
+        QTest::newRow("export") << "mnuPopupCabinetExport"
+                                << "frmExport";
+        QTest::newRow("import") << "mnuPopupCabinetImport"
+                                << "frmImport";
+    }
+    void popupOpensTheDialogOnItsCabinet()
+    {
+        QFETCH(QString, action);
+        QFETCH(QString, dialog);
+        NavHarness h;
+        h.openStore();
+        test::FixtureStore store(h.home.home());
+        store.fillSample();
+        store.cabinet("Other");
+        h.load();
+        h.click("ROOT");
+        h.window->list()->setCurrentItem(h.window->list()->itemOf(NodeKey::parse("CAB3")));
+        h.setSource(ContextSource::List);
+        QString shown, chosen;
+        whenModal(h.window.get(), [&](QWidget* w) {
+            shown = w->objectName();
+            chosen = w->findChild<QComboBox*>("cboCabinet")->currentText();
+            w->findChild<QPushButton*>("cmdCancel")->click();
+        });
+        h.window->menus().action(action)->trigger();
+        QCOMPARE(shown, dialog);
+        QCOMPARE(chosen, "Other");
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void importFilesIntoAFolder_data()
+    {
+        QTest::addColumn<QStringList>("types");
+        QTest::addColumn<QString>("button");
+        QTest::addColumn<QStringList>("documents");
+        QTest::newRow("chosen types") << QStringList{"JPG", "PDF"} << "cmdOK"
+                                      << QStringList{"a.jpg", "b.pdf", "Page 4.JPG", "README"};
+        QTest::newRow("all") << QStringList{} << "cmdAll"
+                             << QStringList{"a.jpg", "b.pdf", "c.txt", "Page 4.JPG", "README"};
+        QTest::newRow("none chosen: nothing") << QStringList{} << "cmdOK" << QStringList{};
+        QTest::newRow("cancel: nothing") << QStringList{"JPG"} << "cmdCancel" << QStringList{};
+    }
+    void importFilesIntoAFolder()
+    {
+        QFETCH(QStringList, types);
+        QFETCH(QString, button);
+        QFETCH(QStringList, documents);
+        NavHarness h;
+        h.loadSample();
+        QTemporaryDir dir;
+        writeFiles(dir.path(), {"a.jpg", "b.pdf", "c.txt", "README", "Page 4.JPG"});
+        h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
+        h.choosers.queueDirectory(dir.path());
+        QStringList offered;
+        chooseTypes(h.window.get(), types, button.toLatin1().constData(), &offered);
+        h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // Every type of the directory, in the order the files were read.
+        QCOMPARE(offered, QStringList({"JPG", "PDF", "TXT", "README"}));
+        QCOMPARE(documentNames(*h.session, 2), documents);
+        for (const QString& name : documents) {
+            const qint32 doc = h.session->items().childNamed(Level::Document, 2, name);
+            const QVector<PageRow> pages = h.session->pages().pages(doc);
+            QCOMPARE(pages.size(), 1);
+            // A non-picture stays where it is, as a shortcut; a picture is stored.
+            const bool picture = name.toLower().endsWith("jpg");
+            QCOMPARE(pages.first().shortcut, !picture);
+            QCOMPARE(pages.first().filename.isEmpty(), picture);
+            QCOMPARE(pages.first().pageNumber, name == "Page 4.JPG" ? 4 : 1);
+        }
+        // The list shows what came in.
+        if (!documents.isEmpty()) {
+            QStringList shown = h.listTexts();
+            shown.sort(Qt::CaseInsensitive);
+            QCOMPARE(shown, documents);
+        }
+        QCOMPARE(h.choosers.directoryStarts().size(), 1);
+    }
+
+    void importFilesIntoADocument()
+    {
+        NavHarness h;
+        h.loadSample();
+        QTemporaryDir dir;
+        writeFiles(dir.path(), {"Page 5.jpg", "x.jpg"});
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"}); // "March statement": pages 1, 2
+        for (int run = 0; run < 2; ++run) {
+            h.choosers.queueDirectory(dir.path());
+            chooseTypes(h.window.get(), {}, "cmdAll");
+            h.window->menus().action("mnuPopupDocumentImportFiles")->trigger();
+        }
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        // The second run finds both names and adds nothing.
+        QList<int> numbers;
+        for (const PageRow& row : h.session->pages().pages(1))
+            numbers << row.pageNumber;
+        QCOMPARE(numbers, QList<int>({1, 2, 5, 6}));
+        // The chooser opens where the last import came from.
+        QCOMPARE(h.choosers.directoryStarts().value(1), dir.path());
+        // The page pane shows the document's four pages.
+        QCOMPARE(int(h.window->pageList()->entries().size()), 4);
+    }
+
+    void sameFileTwiceIntoAFolder()
+    {
+        NavHarness h;
+        h.loadSample();
+        QTemporaryDir dir;
+        writeFiles(dir.path(), {"scan.jpg"});
+        h.clickPath({"CAB1", "DRW1", "FLD2"});
+        for (int run = 0; run < 2; ++run) {
+            h.choosers.queueDirectory(dir.path());
+            chooseTypes(h.window.get(), {}, "cmdAll");
+            h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
+        }
+        QCOMPARE(documentNames(*h.session, 2), QStringList({"scan.jpg"}));
+        QCOMPARE(
+            h.session->pages().count(h.session->items().childNamed(Level::Document, 2, "scan.jpg")),
+            1);
+    }
+
+    void chooserCancelledDoesNothing()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1", "FLD2"});
+        h.choosers.queueDirectory(std::nullopt);
+        const int before = h.session->items().count(Level::Document);
+        h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
+        QCOMPARE(h.session->items().count(Level::Document), before);
+        QVERIFY(QApplication::activeModalWidget() == nullptr);
+    }
+};
+
+QMR_TEST(TestExchangeCommands)
+#include "testexchangecommands.moc"

@@ -1,0 +1,256 @@
+#include <QComboBox>
+#include <QDirIterator>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include "exchange/dialogprogress.h"
+#include "exchange/exportdialog.h"
+#include "exchangefixture.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::ExchangeFixture;
+using test::TestFileSystem;
+
+namespace {
+
+int filesBelow(const QString& dir, const QString& pattern = "*")
+{
+    int n = 0;
+    for (QDirIterator it(dir, {pattern}, QDir::Files, QDirIterator::Subdirectories); it.hasNext();
+         it.next())
+        ++n;
+    return n;
+}
+
+} // namespace
+
+class TestExportDialog : public QObject
+{
+    Q_OBJECT
+private slots:
+    void refusalsAndQuestions_data()
+    {
+        QTest::addColumn<QString>("path"); // "@home" stands for the home, "@out" outside
+        QTest::addColumn<QStringList>("texts");
+        QTest::addColumn<QList<int>>("answers");
+        QTest::addColumn<bool>("exported");
+        const QString within = "You cannot export a cabinet to a path within the Quillmere "
+                               "system.\nPlease select another location that is not within "
+                               "the application path of:\n'@home'.";
+        const QString missing = "'@out/new/dir' does not exist.  Do you want to create it?";
+        const int yes = int(Prompter::Answer::Yes), no = int(Prompter::Answer::No),
+                  cancel = int(Prompter::Answer::Cancel), ok = int(Prompter::Answer::Ok);
+        QTest::newRow("below the home")
+            << "@home/backup" << QStringList{within} << QList<int>{ok} << false;
+        QTest::newRow("the home inside, other case")
+            << "@out/x@HOME/y" << QStringList{within} << QList<int>{ok} << false;
+        QTest::newRow("missing, no")
+            << "@out/new/dir" << QStringList{missing} << QList<int>{no} << false;
+        QTest::newRow("missing, cancel")
+            << "@out/new/dir" << QStringList{missing} << QList<int>{cancel} << false;
+        QTest::newRow("missing, yes")
+            << "@out/new/dir" << QStringList{missing, "Export complete. 2 pages copied."}
+            << QList<int>{yes, ok} << true;
+        QTest::newRow("there, with blanks around")
+            << "  @out  " << QStringList{"Export complete. 2 pages copied."} << QList<int>{ok}
+            << true;
+    }
+    void refusalsAndQuestions()
+    {
+        QFETCH(QString, path);
+        QFETCH(QStringList, texts);
+        QFETCH(QList<int>, answers);
+        QFETCH(bool, exported);
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 1, 2);
+        const QString home = f.home.path();
+        const auto place = [&](QString text) {
+            return text.replace("@home", home)
+                .replace("@HOME", home.toUpper())
+                .replace("@out", f.outside.path());
+        };
+        for (int i = 0; i < texts.size(); ++i)
+            f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
+        ExportDialog dialog(f.context());
+        auto* box = dialog.findChild<QLineEdit*>("txtOutputPath");
+        box->setText(place(path));
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(dialog.result() == QDialog::Accepted, exported);
+        const QString target = place(path).trimmed();
+        QCOMPARE(QFileInfo(target + "/Papers/QMR.txt").exists(), exported);
+        QCOMPARE(f.home.settings().get(keys::LastOutputPath), exported ? target : QString());
+        QCOMPARE(filesBelow(home, "QMR.txt"), 0);
+    }
+
+    void cabinetList()
+    {
+        ExchangeFixture f;
+        f.store->cabinet("Zebra");
+        f.store->cabinet("Locked", "secret");
+        f.store->cabinet("apple");
+        {
+            ExportDialog dialog(f.context());
+            auto* list = dialog.findChild<QComboBox*>("cboCabinet");
+            // Only open cabinets, by name; the first is chosen.
+            QCOMPARE(list->count(), 2);
+            QCOMPARE(list->itemText(0), "apple");
+            QCOMPARE(list->itemText(1), "Zebra");
+            QCOMPARE(list->currentText(), "apple");
+            dialog.selectCabinet(1);
+            QCOMPARE(list->currentText(), "Zebra");
+            // A locked one cannot be chosen from outside either.
+            dialog.selectCabinet(2);
+            QCOMPARE(list->currentText(), "Zebra");
+        }
+        // Once its password has been given it is offered.
+        f.session->locks().recordOpen(2);
+        ExportDialog dialog(f.context());
+        QCOMPARE(dialog.findChild<QComboBox*>("cboCabinet")->count(), 3);
+    }
+
+    void noCabinets()
+    {
+        ExchangeFixture f;
+        ExportDialog dialog(f.context());
+        auto* list = dialog.findChild<QComboBox*>("cboCabinet");
+        QCOMPARE(list->count(), 1);
+        QCOMPARE(list->currentText(), "No file cabinets to export");
+        QVERIFY(!list->isEnabled());
+        QVERIFY(!dialog.findChild<QPushButton*>("cmdOK")->isEnabled());
+    }
+
+    void emptyCabinet_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<bool>("written");
+        QTest::newRow("yes") << int(Prompter::Answer::Yes) << true;
+        QTest::newRow("no") << int(Prompter::Answer::No) << false;
+        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << false;
+    }
+    void emptyCabinet()
+    {
+        QFETCH(int, answer);
+        QFETCH(bool, written);
+        ExchangeFixture f;
+        const qint32 cab = f.store->cabinet("Empty");
+        f.store->folder(f.store->drawer(cab, "Drawer"), "Folder");
+        f.prompter.expect("There are no images in this cabinet.  Export an empty cabinet?",
+                          Prompter::Answer(answer));
+        f.prompter.expect("Export complete. 0 pages copied.");
+        ExportDialog dialog(f.context());
+        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(QFileInfo(f.outsidePath("Empty/Drawer/Folder")).isDir(), written);
+        QCOMPARE(QFileInfo(f.outsidePath("Empty")).exists(), written);
+    }
+
+    void cancelAsksThenStops_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("copied");
+        QTest::newRow("yes stops") << int(Prompter::Answer::Yes) << 2;
+        QTest::newRow("no goes on") << int(Prompter::Answer::No) << 6;
+    }
+    void cancelAsksThenStops()
+    {
+        QFETCH(int, answer);
+        QFETCH(int, copied);
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 3, 2);
+        TestFileSystem fs;
+        ExportDialog dialog(f.context(), nullptr, &fs);
+        fs.afterCopy = [&](int n) {
+            if (n == 2) {
+                QVERIFY(dialog.isExporting());
+                dialog.findChild<QPushButton*>("cmdCancel")->click();
+            }
+        };
+        f.prompter.expect("Stop the export?", Prompter::Answer(answer));
+        f.prompter.expect(QString("Export complete. %1 pages copied.").arg(copied));
+        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(filesBelow(f.outside.path(), "Page*"), copied);
+        QVERIFY(!dialog.isExporting());
+    }
+
+    void escapeWhileIdleCloses()
+    {
+        ExchangeFixture f;
+        ExportDialog dialog(f.context());
+        dialog.show();
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QVERIFY(f.prompter.verify());
+    }
+
+    void fullDisk_data()
+    {
+        QTest::addColumn<QList<int>>("failing"); // copies that fail with a full disk
+        QTest::addColumn<int>("answer");         // to "Please insert disk #2"
+        QTest::addColumn<int>("reported");
+        QTest::addColumn<int>("onDisk");
+        const int ok = int(Prompter::Answer::Ok), cancel = int(Prompter::Answer::Cancel);
+        QTest::newRow("cancel ends it") << QList<int>{3} << cancel << 2 << 2;
+        QTest::newRow("ok copies the same page again") << QList<int>{3} << ok << 6 << 6;
+        // Asked once only: a second full disk is passed over and the page counted.
+        QTest::newRow("later failures are not asked about") << QList<int>{3, 6} << ok << 6 << 5;
+    }
+    void fullDisk()
+    {
+        QFETCH(QList<int>, failing);
+        QFETCH(int, answer);
+        QFETCH(int, reported);
+        QFETCH(int, onDisk);
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 3, 2);
+        TestFileSystem fs;
+        for (const int n : failing)
+            fs.failCopy.insert(n, FileOutcome::Kind::DiskFull);
+        f.prompter.expect("Please insert disk #2", Prompter::Answer(answer));
+        f.prompter.expect(QString("Export complete. %1 pages copied.").arg(reported));
+        ExportDialog dialog(f.context(), nullptr, &fs);
+        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(filesBelow(f.outside.path(), "Page*"), onDisk);
+        // Nothing half-written stays behind.
+        QCOMPARE(filesBelow(f.outside.path(), "*.qmrpart"), 0);
+    }
+
+    void otherFailureEndsWithTheReport()
+    {
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 3, 2);
+        TestFileSystem fs;
+        fs.failCopy.insert(4, FileOutcome::Kind::WriteFailed);
+        f.prompter.expect("Export complete. 3 pages copied.");
+        ExportDialog dialog(f.context(), nullptr, &fs);
+        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(filesBelow(f.outside.path(), "Page*"), 3);
+    }
+
+    void statusLineKeepsTheEnd()
+    {
+        QLabel label;
+        const QFontMetrics metrics = label.fontMetrics();
+        const QString path = "/a/very/long/path/that/goes/on/and/on/to/the/file/Page 12.jpg";
+        const int width = metrics.horizontalAdvance("Copy file ...on/to/the/file/Page 12.jpg");
+        const QString fitted = DialogProgress::fitStatus("Copy file", path, metrics, width);
+        QVERIFY(fitted.startsWith("Copy file ..."));
+        QVERIFY(fitted.endsWith("Page 12.jpg"));
+        QVERIFY(metrics.horizontalAdvance(fitted) <= width);
+        QCOMPARE(DialogProgress::fitStatus("Copy file", "short", metrics, 1000), "Copy file short");
+    }
+};
+
+QMR_TEST(TestExportDialog)
+#include "testexportdialog.moc"

@@ -1,0 +1,239 @@
+#include <QComboBox>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+
+#include "exchange/importdialog.h"
+#include "exchangefixture.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::ExchangeFixture;
+using test::TestFileSystem;
+
+namespace {
+
+// An exchange directory of one drawer, folder and document with `pages` pages.
+QString writeExchange(ExchangeFixture& f, const QString& name, int pages, bool marker = true)
+{
+    const QString root = f.outsidePath(name);
+    if (marker)
+        ExchangeFixture::writeBytes(root + "/QMR.txt", "*** DO NOT DELETE THIS FILE ***\r\n");
+    for (int p = 1; p <= pages; ++p)
+        ExchangeFixture::writeImage(root + QString("/Bank/Checking/March/Page %1.jpg").arg(p));
+    return root;
+}
+
+} // namespace
+
+class TestImportDialog : public QObject
+{
+    Q_OBJECT
+private slots:
+    void checksInOrder_data()
+    {
+        QTest::addColumn<QString>("path"); // "@ex": an exchange directory, "@plain": none
+        QTest::addColumn<QString>("disks");
+        QTest::addColumn<QStringList>("texts");
+        QTest::addColumn<QList<int>>("answers");
+        QTest::addColumn<QString>("disksAfter");
+        QTest::addColumn<bool>("imported");
+        const int ok = int(Prompter::Answer::Ok), yes = int(Prompter::Answer::Yes),
+                  no = int(Prompter::Answer::No), cancel = int(Prompter::Answer::Cancel);
+        const QString over = "You have designated over 10 disks to import.  Continue?";
+        const QString below = "You have entered a disk count less than 1.";
+        const QString marker = "Missing QMR.TXT. This file designates the starting point of a "
+                               "previously exported file cabinet.";
+        const QString report = "2 files imported.\r\n0 shortcuts created.";
+        QTest::newRow("path first")
+            << "@out/none"
+            << "0" << QStringList{"'@out/none' does not exist."} << QList<int>{ok} << "0" << false;
+        QTest::newRow("then the marker")
+            << "@plain"
+            << "0" << QStringList{marker} << QList<int>{ok} << "0" << false;
+        QTest::newRow("one disk") << "@ex"
+                                  << "1" << QStringList{report} << QList<int>{ok} << "1" << true;
+        QTest::newRow("1.9 is one")
+            << "@ex"
+            << "1.9" << QStringList{report} << QList<int>{ok} << "1" << true;
+        QTest::newRow("9 asks nothing") << "@ex"
+                                        << "9" << QStringList{"Please insert disk # 2", report}
+                                        << QList<int>{cancel, ok} << "9" << true;
+        QTest::newRow("10 asks, no")
+            << "@ex"
+            << "10" << QStringList{over} << QList<int>{no} << "10" << false;
+        QTest::newRow("10 asks, yes") << "@ex"
+                                      << "10" << QStringList{over, "Please insert disk # 2", report}
+                                      << QList<int>{yes, cancel, ok} << "10" << true;
+        QTest::newRow("11.5 asks first, then nothing below one")
+            << "@ex"
+            << "11.5" << QStringList{over} << QList<int>{no} << "11" << false;
+        QTest::newRow("0") << "@ex"
+                           << "0" << QStringList{below} << QList<int>{ok} << "0" << false;
+        QTest::newRow("not a number")
+            << "@ex"
+            << "two" << QStringList{below} << QList<int>{ok} << "0" << false;
+        QTest::newRow("negative") << "@ex"
+                                  << "-3" << QStringList{below} << QList<int>{ok} << "-3" << false;
+    }
+    void checksInOrder()
+    {
+        QFETCH(QString, path);
+        QFETCH(QString, disks);
+        QFETCH(QStringList, texts);
+        QFETCH(QList<int>, answers);
+        QFETCH(QString, disksAfter);
+        QFETCH(bool, imported);
+        ExchangeFixture f;
+        f.store->cabinet("Target");
+        const QString ex = writeExchange(f, "ex", 2);
+        const QString plain = writeExchange(f, "plain", 1, false);
+        const auto place = [&](QString text) {
+            return text.replace("@ex", ex)
+                .replace("@plain", plain)
+                .replace("@out", f.outside.path());
+        };
+        for (int i = 0; i < texts.size(); ++i)
+            f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
+        ImportDialog dialog(f.context());
+        dialog.findChild<QLineEdit*>("txtImportPath")->setText(place(path));
+        dialog.findChild<QLineEdit*>("txtDiskCount")->setText(disks);
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), disksAfter);
+        QCOMPARE(f.count("Page"), imported ? 2 : 0);
+        QCOMPARE(dialog.result() == QDialog::Accepted, imported);
+        QCOMPARE(f.home.settings().get(keys::LastImportPath), imported ? ex : QString());
+    }
+
+    void stopKeepsWhatCameIn()
+    {
+        ExchangeFixture f;
+        f.store->cabinet("Target");
+        const QString ex = writeExchange(f, "ex", 5);
+        TestFileSystem fs;
+        ImportDialog dialog(f.context(), nullptr, &fs);
+        fs.afterCopy = [&](int n) {
+            if (n == 2)
+                dialog.findChild<QPushButton*>("cmdCancel")->click();
+        };
+        f.prompter.expect("Stop the import?", Prompter::Answer::Yes);
+        f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\nImport stopped by user.");
+        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(f.count("Page"), 2);
+        const Recordset rs = f.db().openRecordset("SELECT PageId FROM Page");
+        for (int i = 0; i < rs.recordCount(); ++i) {
+            const qint32 id = rs.integer(i, "PageId");
+            QVERIFY(QFile::exists(f.session->paths().computedPagePath(id)));
+            QVERIFY(QFile::exists(f.session->paths().computedThumbPath(id)));
+        }
+    }
+
+    void furtherDisksMerge_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("pages");
+        QTest::newRow("second disk put in") << int(Prompter::Answer::Ok) << 3;
+        QTest::newRow("cancelled") << int(Prompter::Answer::Cancel) << 2;
+    }
+    void furtherDisksMerge()
+    {
+        QFETCH(int, answer);
+        QFETCH(int, pages);
+        ExchangeFixture f;
+        f.store->cabinet("Target");
+        const QString ex = writeExchange(f, "ex", 2);
+        // The second disk holds the rest of the same tree, without a marker.
+        f.prompter.onAsk = [&](const QString& text) {
+            if (!text.startsWith("Please insert disk"))
+                return;
+            QDir(ex).removeRecursively();
+            ExchangeFixture::writeImage(ex + "/Bank/Checking/March/Page 3.jpg");
+        };
+        f.prompter.expect("Please insert disk # 2", Prompter::Answer(answer));
+        f.prompter.expect(QString("%1 files imported.\r\n0 shortcuts created.").arg(pages));
+        ImportDialog dialog(f.context());
+        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
+        dialog.findChild<QLineEdit*>("txtDiskCount")->setText("2");
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        // One drawer, folder and document however many disks brought them.
+        QCOMPARE(f.count("Drawer"), 1);
+        QCOMPARE(f.count("Document"), 1);
+        QCOMPARE(f.count("Page"), pages);
+    }
+
+    void storeDiskFullEndsTheImport()
+    {
+        ExchangeFixture f;
+        f.store->cabinet("Target");
+        const QString ex = writeExchange(f, "ex", 3);
+        TestFileSystem fs;
+        fs.failCopy.insert(2, FileOutcome::Kind::DiskFull);
+        ImportDialog dialog(f.context(), nullptr, &fs);
+        const QString error =
+            "Cannot write " + f.session->paths().computedPagePath(2) + ": No space left on device";
+        f.prompter.expect(error);
+        f.prompter.expect("1 files imported.\r\n0 shortcuts created.");
+        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        // The page whose file could not be stored leaves no row; the one before it stays.
+        QCOMPARE(f.count("Page"), 1);
+        QCOMPARE(f.field("SELECT Name FROM Page"), "Page 1.jpg");
+    }
+
+    void unreadableFileIsPassedOver()
+    {
+        ExchangeFixture f;
+        const qint32 target = f.store->cabinet("Target");
+        const QString ex = writeExchange(f, "ex", 3);
+        TestFileSystem fs;
+        fs.unreadable.insert(ex + "/Bank/Checking/March/Page 2.jpg");
+        fs.unreadable.insert(ex + "/Bank/Checking/March/Document.txt");
+        ExchangeFixture::writeBytes(ex + "/Bank/Checking/March/Document.txt", "[Amount]\r\n1\r\n");
+        f.prompter.expect("2 files imported.\r\n0 shortcuts created.");
+        ImportDialog dialog(f.context(), nullptr, &fs);
+        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
+        dialog.selectCabinet(target);
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(f.count("Page"), 2);
+        QVERIFY(f.field("SELECT Amount FROM Document").isNull());
+    }
+
+    void lookupTakesTheMarkersDirectory()
+    {
+        ExchangeFixture f;
+        const QString ex = writeExchange(f, "ex", 1);
+        f.choosers.queueFileToOpen(ex + "/QMR.txt");
+        ImportDialog dialog(f.context());
+        auto* box = dialog.findChild<QLineEdit*>("txtImportPath");
+        box->setText(f.outside.path());
+        dialog.cmdLookup();
+        QCOMPARE(box->text(), ex);
+        QCOMPARE(f.choosers.fileStarts(),
+                 QStringList({f.outside.path() + "/QMR.txt | File cabinets (qmr.txt QMR.txt "
+                                                 "QMR.TXT)"}));
+        // Cancel keeps the text.
+        dialog.cmdLookup();
+        QCOMPARE(box->text(), ex);
+    }
+
+    void noCabinetsSaysSo()
+    {
+        ExchangeFixture f;
+        f.store->cabinet("Locked", "pw");
+        ImportDialog dialog(f.context());
+        auto* list = dialog.findChild<QComboBox*>("cboCabinet");
+        QCOMPARE(list->currentText(), "No file cabinets to export");
+        QVERIFY(!dialog.findChild<QPushButton*>("cmdOK")->isEnabled());
+        QCOMPARE(dialog.windowTitle(), "Import Files");
+        QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), "1");
+    }
+};
+
+QMR_TEST(TestImportDialog)
+#include "testimportdialog.moc"
