@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/apphome.h"
+#include "core/clippages.h"
 #include "core/findrecord.h"
 #include "core/selectionrecord.h"
 #include "core/settings.h"
@@ -29,6 +30,8 @@ public:
     const PagePaths& paths() const { return m_paths; }
     SelectionRecord& selection() { return m_selection; }
     FindRecord& findRecord() { return m_find; }
+    // The pages cut and waiting for a paste.
+    ClipPages& clipPages() { return m_clipPages; }
 
 private:
     AppHome m_home;
@@ -40,6 +43,7 @@ private:
     PagePaths m_paths;
     SelectionRecord m_selection;
     FindRecord m_find;
+    ClipPages m_clipPages;
 };
 
 } // namespace qmr
