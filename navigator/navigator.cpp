@@ -40,6 +40,7 @@ Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& l
           std::make_unique<DefaultPageOpener>(base.session, base.prompter, base.choosers))
 {
     m_context.pageOpener = base.pageOpener ? base.pageOpener : m_defaultOpener.get();
+    m_context.pageNotifier = base.pageNotifier;
     connect(&m_tree, &NavTree::expanding, this, [this](const QString& key) {
         guarded(m_context.prompter, [&] { m_filler.onExpand(NodeKey::parse(key)); });
     });

@@ -16,8 +16,10 @@
 
 #include "core/prompter.h"
 #include "help/helpcommands.h"
+#include "navigator/clipboardcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/itemcommands.h"
+#include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
@@ -120,6 +122,9 @@ void NavWindow::buildMenus()
     m_printCommands->addTo(commands);
     m_helpCommands = std::make_unique<HelpCommands>(m_navigator->context());
     m_helpCommands->addTo(commands);
+    m_clipboardCommands = std::make_unique<ClipboardCommands>(m_navigator->context());
+    m_clipboardCommands->addTo(commands);
+    m_dragDrop = std::make_unique<NavDragDrop>(m_navigator->context(), *m_tree, *m_list, *m_pages);
     m_menus.build(menuBar(), commands);
     m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
 

@@ -13,10 +13,12 @@ class QSplitter;
 
 namespace qmr {
 
+class ClipboardCommands;
 class ContainerList;
 class DrawerTemplates;
 class HelpCommands;
 class ItemCommands;
+class NavDragDrop;
 class NavTree;
 class Navigator;
 class PagePane;
@@ -45,6 +47,8 @@ public:
     ItemCommands& itemCommands() { return *m_itemCommands; }
     PrintCommands& printCommands() { return *m_printCommands; }
     HelpCommands& helpCommands() { return *m_helpCommands; }
+    ClipboardCommands& clipboardCommands() { return *m_clipboardCommands; }
+    NavDragDrop& dragDrop() { return *m_dragDrop; }
     NavTree* tree() const { return m_tree; }
     ContainerList* list() const { return m_list; }
     PagePane* pageList() const { return m_pages; }
@@ -80,6 +84,8 @@ private:
     std::unique_ptr<ItemCommands> m_itemCommands;
     std::unique_ptr<PrintCommands> m_printCommands;
     std::unique_ptr<HelpCommands> m_helpCommands;
+    std::unique_ptr<ClipboardCommands> m_clipboardCommands;
+    std::unique_ptr<NavDragDrop> m_dragDrop;
     bool m_firstShow = false;
     bool m_finished = false;
 };
