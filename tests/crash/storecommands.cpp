@@ -284,8 +284,8 @@ void CommandStore::addFile(QRandomGenerator& rng)
     const CommandContext adding = context();
     PageFileAdder files(adding);
     files.setToday(QDate(2026, 5, 1));
-    const QString file = m_home.file(QStringLiteral("Outside/") +
-                                     kOutsideFiles.at(int(rng.bounded(int(kOutsideFiles.size())))));
+    const QString file =
+        outsideFile(m_home, kOutsideFiles.at(int(rng.bounded(int(kOutsideFiles.size())))));
     const int how = int(rng.bounded(3));
     if (how == 0) {
         // A drop on a folder: its new document and the page are one write.
