@@ -11,6 +11,7 @@
 #include "core/settings.h"
 #include "core/viewsettings.h"
 #include "help/helplocator.h"
+#include "mail/mailpagenotifier.h"
 #include "navigator/navwindow.h"
 #include "navigator/pagepane.h"
 #include "store/commandcontext.h"
@@ -80,8 +81,10 @@ bool Startup::start(bool showWindow)
 
     m_splash->splashStep(QStringLiteral("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
-    m_window = std::make_unique<NavWindow>(
-        CommandContext{*m_session, m_prompter, m_choosers, *m_progress, *m_view}, *m_templates);
+    CommandContext base{*m_session, m_prompter, m_choosers, *m_progress, *m_view};
+    m_notifier = std::make_unique<MailPageNotifier>(base);
+    base.pageNotifier = m_notifier.get();
+    m_window = std::make_unique<NavWindow>(base, *m_templates);
     m_window->load([this](const QString& text) { m_splash->splashStep(text); });
     m_progress->setWindowIcon(m_window->windowIcon());
 

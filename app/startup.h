@@ -9,6 +9,7 @@ namespace qmr {
 class Choosers;
 class DrawerTemplates;
 class HomeLock;
+class MailPageNotifier;
 class NavWindow;
 class ProgressWindow;
 class Prompter;
@@ -53,6 +54,7 @@ private:
     std::unique_ptr<DrawerTemplates> m_templates;
     std::unique_ptr<SplashWindow> m_splash;
     std::unique_ptr<ProgressWindow> m_progress;
+    std::unique_ptr<MailPageNotifier> m_notifier;
     std::unique_ptr<NavWindow> m_window;
 };
 

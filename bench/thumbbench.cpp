@@ -24,6 +24,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "benchsupport.h"
 #include "core/progress.h"
 #include "core/viewsettings.h"
 #include "navigator/navigator.h"
@@ -39,39 +40,9 @@
 #include "viewer/thumbnailmaker.h"
 
 using namespace qmr;
+using namespace qmr::bench;
 
 namespace {
-
-// A scan of a letter page: paper with grain, a letterhead, lines of print, a stamp. The
-// grain matters: it is what makes a scan's JPEG big and slow to decode.
-QImage scan(const QSize& size, int seed)
-{
-    QImage image(size, QImage::Format_RGB32);
-    QRandomGenerator random(seed);
-    for (int y = 0; y < size.height(); ++y) {
-        auto* line = reinterpret_cast<QRgb*>(image.scanLine(y));
-        for (int x = 0; x < size.width(); ++x) {
-            const int grain = int(random.bounded(12)) - 6;
-            line[x] = qRgb(246 + grain / 2, 243 + grain / 2, 232 + grain);
-        }
-    }
-    QPainter p(&image);
-    p.setRenderHint(QPainter::Antialiasing);
-    const int w = size.width();
-    const int h = size.height();
-    p.fillRect(QRect(w / 12, h / 20, w * 5 / 6, h / 14), QColor(30 + seed * 20 % 200, 70, 140));
-    QFont font = p.font();
-    font.setPixelSize(h / 90);
-    p.setFont(font);
-    p.setPen(QColor(40, 40, 40));
-    const QString words = QStringLiteral("Statement of account for the period ending %1 - "
-                                         "balance brought forward, payments received, charges");
-    for (int y = h / 6; y < h * 9 / 10; y += h / 60)
-        p.drawText(w / 12, y, words.arg(seed + y));
-    p.setPen(QPen(QColor(160, 30, 30), w / 300));
-    p.drawEllipse(QPoint(w * 3 / 4, h * 4 / 5), w / 10, w / 10);
-    return image;
-}
 
 double rssMegabytes(const char* field)
 {
@@ -82,47 +53,6 @@ double rssMegabytes(const char* field)
         if (line.startsWith(field))
             return line.mid(int(qstrlen(field))).trimmed().split(' ').value(0).toDouble() / 1024.0;
     return -1;
-}
-
-double median(QVector<double> values)
-{
-    if (values.isEmpty())
-        return 0;
-    std::sort(values.begin(), values.end());
-    return values.at(values.size() / 2);
-}
-
-// Runs the event loop until `done`, and tells the longest time it went without answering.
-struct Watch
-{
-    double elapsedMs = 0;
-    double longestStallMs = 0;
-};
-
-template <typename Start, typename Done> Watch watch(Start start, Done done)
-{
-    Watch result;
-    QElapsedTimer clock;
-    QElapsedTimer since;
-    QTimer ticker;
-    ticker.setTimerType(Qt::PreciseTimer);
-    ticker.setInterval(1);
-    QObject::connect(&ticker, &QTimer::timeout, [&] {
-        result.longestStallMs = qMax(result.longestStallMs, since.nsecsElapsed() / 1e6);
-        since.restart();
-    });
-    clock.start();
-    since.start();
-    ticker.start();
-    start();
-    // The work done inside start() counts as a stall too.
-    result.longestStallMs = qMax(result.longestStallMs, since.nsecsElapsed() / 1e6);
-    since.restart();
-    while (!done())
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
-    result.elapsedMs = clock.nsecsElapsed() / 1e6;
-    ticker.stop();
-    return result;
 }
 
 } // namespace

@@ -52,6 +52,11 @@ void ContainerList::mouseDoubleClickEvent(QMouseEvent* event)
             emit openRequested(key);
 }
 
+void ContainerList::startDrag(Qt::DropActions)
+{
+    emit dragRequested();
+}
+
 QListWidgetItem* ContainerList::addItem(const NodeKey& key, const QString& text, const QIcon& icon)
 {
     auto* item = new QListWidgetItem(icon, text);

@@ -34,10 +34,13 @@ signals:
     // A double click or Enter: the selected item is to be opened in the tree. Nothing is
     // sent when no item is selected.
     void openRequested(const NodeKey& key);
+    // A drag of the selected item is beginning; whoever runs drags takes it from here.
+    void dragRequested();
 
 protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void startDrag(Qt::DropActions supportedActions) override;
 };
 
 } // namespace qmr

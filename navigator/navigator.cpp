@@ -51,6 +51,7 @@ Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& l
       m_popups(menus), m_rename(new RenameController(m_context, tree, list, this))
 {
     m_context.pageOpener = base.pageOpener ? base.pageOpener : m_defaultOpener.get();
+    m_context.pageNotifier = base.pageNotifier;
     connect(&m_tree, &NavTree::expanding, this, [this](const QString& key) {
         guarded(m_context.prompter, [&] { m_filler.onExpand(NodeKey::parse(key)); });
     });

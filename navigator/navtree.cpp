@@ -143,6 +143,48 @@ void NavTree::removeNode(const QString& key)
     delete item;
 }
 
+namespace {
+
+void collectExpanded(QTreeWidgetItem* item, QList<QTreeWidgetItem*>& open)
+{
+    if (item->isExpanded())
+        open << item;
+    for (int i = 0; i < item->childCount(); ++i)
+        collectExpanded(item->child(i), open);
+}
+
+} // namespace
+
+bool NavTree::moveNode(const QString& key, const QString& newParentKey)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    QTreeWidgetItem* parent = m_nodes.value(newParentKey);
+    if (!item || !parent)
+        return false;
+    for (const QTreeWidgetItem* p = parent; p; p = p->parent())
+        if (p == item)
+            return false;
+    // Taking a node out forgets which of its nodes were open; they open again below the new
+    // parent, without a second fill (the expansion signal is held back).
+    QList<QTreeWidgetItem*> open;
+    collectExpanded(item, open);
+    const bool wasCurrent = currentItem() == item;
+    QTreeWidgetItem* oldParent = item->parent();
+    if (oldParent)
+        oldParent->removeChild(item);
+    else
+        takeTopLevelItem(indexOfTopLevelItem(item));
+    parent->addChild(item);
+    {
+        const QSignalBlocker quiet(this);
+        for (QTreeWidgetItem* node : std::as_const(open))
+            node->setExpanded(true);
+    }
+    if (wasCurrent)
+        setCurrentItem(item);
+    return true;
+}
+
 void NavTree::clearNodes()
 {
     m_nodes.clear();
@@ -218,6 +260,11 @@ void NavTree::mouseReleaseEvent(QMouseEvent* event)
             emit nodeClicked(keyOf(item));
     }
     emit contextRequested(button);
+}
+
+void NavTree::startDrag(Qt::DropActions)
+{
+    emit dragRequested();
 }
 
 void NavTree::keyPressEvent(QKeyEvent* event)

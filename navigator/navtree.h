@@ -35,6 +35,9 @@ public:
     // was there before, instead of one step each. Returns how many were added.
     int addNodes(const QVector<NewNode>& nodes);
     void removeNode(const QString& key);
+    // Puts a node below another with its children, each as open or closed as it was. False,
+    // and nothing changed, when either is missing or the node would go below itself.
+    bool moveNode(const QString& key, const QString& newParentKey);
     void clearNodes();
     bool setNodeText(const QString& key, const QString& text);
 
@@ -54,11 +57,14 @@ signals:
     void nodeClicked(const QString& key);
     void contextRequested(Qt::MouseButton button);
     void enterPressed(const QString& key);
+    // A drag of the selected node is beginning; whoever runs drags takes it from here.
+    void dragRequested();
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
+    void startDrag(Qt::DropActions supportedActions) override;
 
 private:
     void forget(QTreeWidgetItem* item);

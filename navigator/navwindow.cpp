@@ -19,10 +19,12 @@
 #include "find/findcommands.h"
 #include "help/helpcommands.h"
 #include "mail/mailcommands.h"
+#include "navigator/clipboardcommands.h"
 #include "navigator/containerlist.h"
 #include "navigator/deletecommand.h"
 #include "navigator/foundbranch.h"
 #include "navigator/itemcommands.h"
+#include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
@@ -141,6 +143,9 @@ void NavWindow::buildMenus()
     m_findCommands->addTo(commands);
     m_exchangeCommands = std::make_unique<ExchangeCommands>(m_navigator->context());
     m_exchangeCommands->addTo(commands);
+    m_clipboardCommands = std::make_unique<ClipboardCommands>(m_navigator->context());
+    m_clipboardCommands->addTo(commands);
+    m_dragDrop = std::make_unique<NavDragDrop>(m_navigator->context(), *m_tree, *m_list, *m_pages);
     m_menus.build(menuBar(), commands);
     m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
     // A button works once a command stands behind its name.

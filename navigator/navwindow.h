@@ -13,6 +13,7 @@ class QSplitter;
 
 namespace qmr {
 
+class ClipboardCommands;
 class ContainerList;
 class DeleteCommand;
 class DrawerTemplates;
@@ -21,6 +22,7 @@ class FoundBranch;
 class HelpCommands;
 class ExchangeCommands;
 class ItemCommands;
+class NavDragDrop;
 class NavTree;
 class Navigator;
 class PagePane;
@@ -50,6 +52,8 @@ public:
     ItemCommands& itemCommands() { return *m_itemCommands; }
     PrintCommands& printCommands() { return *m_printCommands; }
     HelpCommands& helpCommands() { return *m_helpCommands; }
+    ClipboardCommands& clipboardCommands() { return *m_clipboardCommands; }
+    NavDragDrop& dragDrop() { return *m_dragDrop; }
     NavTree* tree() const { return m_tree; }
     ContainerList* list() const { return m_list; }
     PagePane* pageList() const { return m_pages; }
@@ -90,6 +94,8 @@ private:
     std::unique_ptr<FoundBranch> m_foundBranch;
     std::unique_ptr<FindCommands> m_findCommands;
     std::unique_ptr<ExchangeCommands> m_exchangeCommands;
+    std::unique_ptr<ClipboardCommands> m_clipboardCommands;
+    std::unique_ptr<NavDragDrop> m_dragDrop;
     bool m_firstShow = false;
     bool m_finished = false;
 };

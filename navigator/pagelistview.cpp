@@ -21,11 +21,25 @@ constexpr int kColumns = 6;
 constexpr double kShares[kColumns] = {0.08, 0.6, 0.12, 0.12, 0.08, 0.0};
 constexpr int kSortColumn = 5;
 
+// The two views hand the start of a drag to the page list, which hands it on.
+template <class View> class DragHandingView : public View
+{
+public:
+    explicit DragHandingView(PageListView* owner) : View(owner), m_owner(owner) {}
+
+protected:
+    void startDrag(Qt::DropActions) override { emit m_owner->dragRequested(); }
+
+private:
+    PageListView* m_owner;
+};
+
 } // namespace
 
 PageListView::PageListView(QWidget* parent)
     : QStackedWidget(parent), m_model(new QStandardItemModel(0, kColumns, this)),
-      m_thumbs(new QListView(this)), m_details(new QTreeView(this))
+      m_thumbs(new DragHandingView<QListView>(this)),
+      m_details(new DragHandingView<QTreeView>(this))
 {
     setObjectName(QStringLiteral("lvwThumb"));
     m_model->setHorizontalHeaderLabels({QStringLiteral("Page #"), QStringLiteral("Filename"),

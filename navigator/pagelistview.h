@@ -65,6 +65,8 @@ public:
 signals:
     // A double click on a page.
     void pageActivated(qint32 pageId);
+    // A drag of the selected pages is beginning; whoever runs drags takes it from here.
+    void dragRequested();
 
 protected:
     void resizeEvent(QResizeEvent* event) override;

@@ -393,6 +393,21 @@ void PagePane::updatePage(const PageRow& row)
     m_list->setPageText(row.id, thumbnailView() ? entry.thumbnailText() : entry.listText());
 }
 
+void PagePane::removePages(const QVector<qint32>& pageIds)
+{
+    const auto gone = std::remove_if(m_entries.begin(), m_entries.end(), [&](const PageEntry& e) {
+        return pageIds.contains(e.pageId);
+    });
+    if (gone == m_entries.end())
+        return;
+    m_entries.erase(gone, m_entries.end());
+    const int first = m_paging.viewFirst();
+    m_paging.load(int(m_entries.size()));
+    if (first > 1 && !m_entries.isEmpty())
+        m_paging.showEntry(qMin(first, int(m_entries.size())));
+    showPageBlock();
+}
+
 // ---- input --------------------------------------------------------------------------------
 
 QList<QObject*> PagePane::inputObjects() const

@@ -71,6 +71,9 @@ public:
     // A page row changed (its number): its entry and its item follow; the order stays until
     // the pane is shown again.
     void updatePage(const PageRow& row);
+    // Pages that left the document: their entries and items go, and the block in view is
+    // filled again from where it stood.
+    void removePages(const QVector<qint32>& pageIds);
 
     // What a filter watching the page list must watch, and what it sees.
     QList<QObject*> inputObjects() const;

@@ -168,6 +168,16 @@ void ItemStore::updateItem(Level level, qint32 id, const ItemFields& fields)
                  values);
 }
 
+void ItemStore::moveItem(Level level, qint32 id, qint32 newParentId)
+{
+    const ItemTable& t = ItemTable::of(level);
+    if (!*t.parentColumn)
+        return;
+    m_db.execute(
+        QStringLiteral("UPDATE %1 SET %2 = ? WHERE %3 = ?").arg(t.name(), t.parent(), t.id()),
+        {newParentId, id});
+}
+
 bool ItemStore::nameTaken(Level level, qint32 parentId, const QString& name, qint32 exceptId) const
 {
     const ItemTable& t = ItemTable::of(level);

@@ -57,6 +57,9 @@ public:
     // Inserts an item with its fields below `parentId`; returns the new id.
     qint32 insertItem(Level level, qint32 parentId, const ItemFields& fields);
     void updateItem(Level level, qint32 id, const ItemFields& fields);
+    // Puts a drawer, folder or document below another parent of the level above; its own
+    // children go with it. Names are not tested: a move may make two of one name.
+    void moveItem(Level level, qint32 id, qint32 newParentId);
     // Whether another item of the same parent (any cabinet, for cabinets) has this name,
     // without regard to case whatever the column declares (a store made elsewhere may
     // compare with case); `exceptId` is the item being edited, or -1.

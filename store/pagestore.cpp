@@ -187,6 +187,23 @@ void PageStore::setPageNumber(qint32 pageId, qint32 number)
                  {number, pageId});
 }
 
+void PageStore::movePage(qint32 pageId, qint32 documentId, qint32 number)
+{
+    m_db.execute(QStringLiteral("UPDATE Page SET DocumentId = ?, PageNumber = ? WHERE PageId = ?"),
+                 {documentId, number, pageId});
+}
+
+void PageStore::moveToDocument(qint32 pageId, qint32 documentId)
+{
+    m_db.execute(QStringLiteral("UPDATE Page SET DocumentId = ? WHERE PageId = ?"),
+                 {documentId, pageId});
+}
+
+void PageStore::removeRow(qint32 pageId)
+{
+    m_db.execute(QStringLiteral("DELETE FROM Page WHERE PageId = ?"), {pageId});
+}
+
 void PageStore::setFile(qint32 pageId, const QString& filename, qint64 fileSize)
 {
     StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), filename);

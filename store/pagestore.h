@@ -74,6 +74,12 @@ public:
     int countCabinetPages(qint32 cabinetId) const;
     qint64 sumCabinetBytes(qint32 cabinetId) const;
     void setPageNumber(qint32 pageId, qint32 number);
+    // Puts a page into another document under a new number; its file stays where it is.
+    void movePage(qint32 pageId, qint32 documentId, qint32 number);
+    // Puts a page into another document keeping its number, which may then be shared.
+    void moveToDocument(qint32 pageId, qint32 documentId);
+    // Takes back a row whose file never arrived; its files are the caller's.
+    void removeRow(qint32 pageId);
     // Writes where the page's image lies ("" for its computed path) and its size.
     void setFile(qint32 pageId, const QString& filename, qint64 fileSize);
 

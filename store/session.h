@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/apphome.h"
+#include "core/clippages.h"
 #include "core/findrecord.h"
 #include "core/foundset.h"
 #include "core/selectionrecord.h"
@@ -32,6 +33,8 @@ public:
     FindRecord& findRecord() { return m_find; }
     // The page conditions of the last search, for its found documents.
     FoundSet& foundSet() { return m_foundSet; }
+    // The pages cut and waiting for a paste.
+    ClipPages& clipPages() { return m_clipPages; }
 
 private:
     AppHome m_home;
@@ -44,6 +47,7 @@ private:
     SelectionRecord m_selection;
     FindRecord m_find;
     FoundSet m_foundSet;
+    ClipPages m_clipPages;
 };
 
 } // namespace qmr

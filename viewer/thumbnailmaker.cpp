@@ -4,6 +4,8 @@
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
+#include <QThread>
+#include <cstdio>
 #include <QtMath>
 
 #include "store/pagepaths.h"
@@ -64,9 +66,25 @@ bool ThumbnailMaker::makeThumbnail(const QString& pagePath, const QString& thumb
     const QImage reduced = reducedImage(pagePath);
     if (reduced.isNull())
         return false;
-    QImageWriter writer(thumbPath, "jpeg");
+    // Written aside, under a name of this thread's own, and renamed into place: the page
+    // pane and a paste may make one thumbnail at once, and a reader must never find half a
+    // file. Not synced: a thumbnail lost to a power cut is made again when it is missed.
+    const QString aside =
+        thumbPath + QStringLiteral(".%1.part").arg(quintptr(QThread::currentThreadId()), 0, 16);
+    QFile file(aside);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+        return false;
+    QImageWriter writer(&file, "jpeg");
     writer.setQuality(qtJpegQuality(10));
-    return writer.write(tile(reduced));
+    const bool written = writer.write(tile(reduced)) && file.flush();
+    file.close();
+    // rename(2) replaces the old file in one step, which QFile::rename refuses to do.
+    if (!written || std::rename(QFile::encodeName(aside).constData(),
+                                QFile::encodeName(thumbPath).constData()) != 0) {
+        QFile::remove(aside);
+        return false;
+    }
+    return true;
 }
 
 } // namespace qmr

@@ -3,8 +3,18 @@
 #include <QPlainTextEdit>
 #include <QRadioButton>
 
+#include <QDir>
+#include <QFileInfo>
+#include <QImage>
+
+#include "core/commandtarget.h"
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
+#include "navigator/filedrop.h"
+#include "navigator/itemmover.h"
+#include "navigator/pageclipboard.h"
+#include "navigator/pagefileadder.h"
+#include "store/cipher.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/itemtable.h"
@@ -44,6 +54,35 @@ QString text(QRandomGenerator& rng, int length)
     return out;
 }
 
+// Files on the desk, to be dropped and pasted: names that must reach the store as they are.
+const QStringList kOutsideFiles = {
+    QStringLiteral("Bob's scan.jpg"),
+    QStringLiteral("the \"best\" 100%.bmp"),
+    QStringLiteral("notes; 50% 'draft'.tif"),
+};
+
+// Beside the homes, so that every home's shortcut pages name the same files.
+QString outsideFile(const AppHome& home, const QString& name)
+{
+    return QFileInfo(home.path()).absoluteDir().filePath(QStringLiteral("Outside/") + name);
+}
+
+// The page list and the tree as a paste sees them: chosen pages, a chosen document.
+class ChosenView : public TargetView
+{
+public:
+    NodeKey treeSelectedKey() const override { return document; }
+    NodeKey treeParentKey(const NodeKey&) const override { return NodeKey(); }
+    NodeKey listSelectedKey() const override { return NodeKey(); }
+    QVector<qint32> selectedPageIds() const override { return pages; }
+    qint32 currentPageId() const override { return pages.value(0, -1); }
+    qint32 shownDocumentId() const override { return -1; }
+    void restoreFocus(ContextSource) override {}
+
+    NodeKey document;
+    QVector<qint32> pages;
+};
+
 template <class T> T* control(QWidget& dialog, const char* name)
 {
     return dialog.findChild<T*>(QLatin1String(name));
@@ -57,6 +96,14 @@ void prepareHome(const AppHome& home)
     TextFile::writeLines(home.file(QStringLiteral("Drawer.txt")), kDrawerTemplates);
     TextFile::writeLines(home.file(QStringLiteral("Sample.txt")),
                          SampleCabinets::defaultText() + kSmallOffice);
+    QDir().mkpath(QFileInfo(outsideFile(home, kOutsideFiles.at(0))).path());
+    QImage picture(320, 240, QImage::Format_RGB32);
+    picture.fill(QColor(90, 140, 60));
+    picture.save(outsideFile(home, kOutsideFiles.at(0)), "JPG");
+    picture.save(outsideFile(home, kOutsideFiles.at(1)), "BMP");
+    QFile tif(outsideFile(home, kOutsideFiles.at(2)));
+    if (tif.open(QIODevice::WriteOnly))
+        tif.write("II* a drawing kept where it is");
 }
 
 CommandStore::CommandStore(const AppHome& home, quint32 seed)
@@ -183,11 +230,86 @@ void CommandStore::sampleCabinet(QRandomGenerator& rng)
     samples.createSampleCabinet(names.at(int(rng.bounded(int(names.size())))));
 }
 
+void CommandStore::move(QRandomGenerator& rng)
+{
+    // Its own choosers, given the right password each time: which cabinets an earlier command
+    // opened is not in the store, and a restarted run does not know it.
+    test::ScriptedChoosers choosers;
+    const CommandContext moving{m_session, m_prompter, choosers, m_progress, m_view};
+    PageFileAdder files(moving);
+    ItemMover mover(moving, files, nullptr);
+    const Level level = Level(rng.bounded(1, 5));
+    const qint32 id = pick(level, rng);
+    const qint32 target = pick(*parentLevel(level), rng);
+    if (id < 0 || target < 0)
+        return;
+    switch (level) {
+    case Level::Drawer:
+        choosers.queuePassword(
+            decryptText(ItemStore(db()).item(Level::Cabinet, target).password, Cipher::key()));
+        mover.moveDrawer(id, target);
+        break;
+    case Level::Folder:
+        mover.moveFolder(id, target);
+        break;
+    case Level::Document:
+        mover.moveDocument(id, target);
+        break;
+    default:
+        mover.movePage(id, target, DropSource::PageList);
+        break;
+    }
+}
+
+void CommandStore::pasteCutPages(QRandomGenerator& rng)
+{
+    ChosenView view;
+    CommandTarget target(m_session.selection(), view);
+    CommandContext pasting = context();
+    pasting.target = &target;
+    PageClipboard clipboard(pasting);
+    for (int i = int(rng.bounded(1, 5)); i > 0; --i)
+        if (const qint32 page = pick(Level::Page, rng); page >= 0 && !view.pages.contains(page))
+            view.pages << page;
+    const qint32 document = pick(Level::Document, rng);
+    if (view.pages.isEmpty() || document < 0)
+        return;
+    clipboard.cut();
+    view.document = NodeKey::of(Level::Document, document);
+    clipboard.pasteIntoDocument();
+}
+
+void CommandStore::addFile(QRandomGenerator& rng)
+{
+    const CommandContext adding = context();
+    PageFileAdder files(adding);
+    files.setToday(QDate(2026, 5, 1));
+    const QString file =
+        outsideFile(m_home, kOutsideFiles.at(int(rng.bounded(int(kOutsideFiles.size())))));
+    const int how = int(rng.bounded(3));
+    if (how == 0) {
+        // A drop on a folder: its new document and the page are one write.
+        ItemMover mover(adding, files, nullptr);
+        const qint32 folder = pick(Level::Folder, rng);
+        NodeKey target = NodeKey::of(Level::Folder, folder);
+        if (folder >= 0)
+            mover.processDrop(DropSource::Outside, QStringLiteral("PAG"), target, file);
+    } else if (const qint32 document = pick(Level::Document, rng); document >= 0) {
+        if (how == 1) {
+            files.begin();
+            files.addPageFromFile(file, document);
+        } else {
+            FileDrop(adding, files).pasteFiles({file}, document);
+        }
+    }
+    files.finish();
+}
+
 QString CommandStore::run(int step)
 {
     QRandomGenerator rng(m_seed * 2654435761u + quint32(step));
     m_prompter.reset();
-    const int kind = int(rng.bounded(100));
+    const int kind = int(rng.bounded(120));
     QString problem;
     if (kind < 8) {
         problem = newItem(Level::Cabinet, -1, step, rng);
@@ -212,8 +334,14 @@ QString CommandStore::run(int step)
             PageStore(db()).setPageNumber(page, int(rng.bounded(1, 60)));
     } else if (kind < 95) {
         repaginate(rng);
-    } else {
+    } else if (kind < 100) {
         sampleCabinet(rng);
+    } else if (kind < 108) {
+        move(rng);
+    } else if (kind < 112) {
+        pasteCutPages(rng);
+    } else {
+        addFile(rng);
     }
     if (!m_prompter.seen().isEmpty())
         return QStringLiteral("the command said: ") + m_prompter.seen().join(QStringLiteral(" | "));

@@ -41,6 +41,10 @@ private:
     void addPages(qint32 documentId, QRandomGenerator& rng);
     void repaginate(QRandomGenerator& rng);
     void sampleCabinet(QRandomGenerator& rng);
+    // The moves of the drag and the clipboard, and files from outside becoming pages.
+    void move(QRandomGenerator& rng);
+    void pasteCutPages(QRandomGenerator& rng);
+    void addFile(QRandomGenerator& rng);
 
     AppHome m_home;
     quint32 m_seed;

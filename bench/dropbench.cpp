@@ -1,0 +1,192 @@
+// Times a drop of scans from a file manager onto a document of the tree, as a person makes
+// it: the drop event into tvwMain, the progress window, the copies and the thumbnails.
+//  - `cp` of the same files into a directory of the same disk, with and without `sync`;
+//  - one thumbnail made on one core, times the files, divided by the threads;
+//  - the drop, from the event until the last page is in place, and the longest time the
+//    window's event loop went without answering meanwhile.
+// The goal: the drop takes at most 1.3 times the `cp` plus the thumbnails' share of the
+// cores, and the window never stops answering for more than 50 ms.
+//
+//   build/bench/bench_drop [files [threads [width height]]]
+//
+// Defaults: 200 JPEG scans of 2550 x 3300, as many threads as cores. The files are made in
+// a directory below the working directory, so that they lie on the disk of the work.
+
+#include <QApplication>
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFile>
+#include <QFileInfo>
+#include <QImageWriter>
+#include <QMimeData>
+#include <QProcess>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QUrl>
+#include <cstdio>
+
+#include "app/progresswindow.h"
+#include "benchsupport.h"
+#include "core/viewsettings.h"
+#include "navigator/navdragdrop.h"
+#include "navigator/navigator.h"
+#include "navigator/navtree.h"
+#include "navigator/navwindow.h"
+#include "store/database.h"
+#include "store/pagestore.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "templates/drawertemplates.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+#include "viewer/thumbnailmaker.h"
+
+using namespace qmr;
+using namespace qmr::bench;
+
+namespace {
+
+double timed(const QString& program, const QStringList& arguments)
+{
+    QElapsedTimer clock;
+    clock.start();
+    QProcess process;
+    process.start(program, arguments);
+    process.waitForFinished(-1);
+    return clock.nsecsElapsed() / 1e6;
+}
+
+} // namespace
+
+int main(int argc, char** argv)
+{
+    if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    QApplication app(argc, argv);
+    const int count = argc > 1 ? QString::fromLocal8Bit(argv[1]).toInt() : 200;
+    const int threads =
+        argc > 2 ? QString::fromLocal8Bit(argv[2]).toInt() : QThread::idealThreadCount();
+    const QSize size(argc > 4 ? QString::fromLocal8Bit(argv[3]).toInt() : 2550,
+                     argc > 4 ? QString::fromLocal8Bit(argv[4]).toInt() : 3300);
+
+    QTemporaryDir work(QDir::current().filePath(QStringLiteral("dropbench-XXXXXX")));
+    QDir dir(work.path());
+    dir.mkpath(QStringLiteral("desk"));
+    dir.mkpath(QStringLiteral("cp"));
+    dir.mkpath(QStringLiteral("home"));
+
+    // The files on the desk: a few distinct scans, each copied under several names.
+    QElapsedTimer made;
+    made.start();
+    const int distinct = 8;
+    QStringList scans;
+    for (int i = 0; i < distinct; ++i) {
+        const QString file = dir.filePath(QStringLiteral("scan%1.jpg").arg(i));
+        QImageWriter writer(file, "jpeg");
+        writer.setQuality(qtJpegQuality(50));
+        writer.write(scan(size, i + 1));
+        scans << file;
+    }
+    QStringList files;
+    qint64 bytes = 0;
+    for (int i = 0; i < count; ++i) {
+        const QString file =
+            dir.filePath(QStringLiteral("desk/Bob's scan %1.jpg").arg(i + 1, 3, 10, QChar('0')));
+        QFile::copy(scans.at(i % distinct), file);
+        files << file;
+        bytes += QFileInfo(file).size();
+    }
+    timed(QStringLiteral("sync"), {});
+    std::printf("desk: %d JPEG scans of %dx%d (%.0f KB each, %.0f MB in all), made in %.1f s\n",
+                count, size.width(), size.height(), bytes / 1024.0 / count, bytes / 1048576.0,
+                made.elapsed() / 1000.0);
+
+    // cp of the same files, from the page cache as the drop reads them.
+    const double cpMs = timed(QStringLiteral("cp"), QStringList(files) << dir.filePath("cp"));
+    const double syncMs = timed(QStringLiteral("sync"), {});
+    std::printf("cp: %.0f ms; its sync afterwards %.0f ms\n", cpMs, syncMs);
+
+    // One thumbnail on one core.
+    QVector<double> one;
+    for (int i = 0; i < 16; ++i) {
+        QElapsedTimer clock;
+        clock.start();
+        ThumbnailMaker::makeThumbnail(files.at(i), dir.filePath(QStringLiteral("t%1.jpg").arg(i)),
+                                      work.path());
+        one << clock.nsecsElapsed() / 1e6;
+    }
+    const double thumbMs = median(one);
+    const double thumbShare = thumbMs * count / threads;
+    std::printf("one thumbnail, one core: %.1f ms; %d of them over %d threads: %.0f ms\n", thumbMs,
+                count, threads, thumbShare);
+
+    // The window on a store with one document, the document's node in view.
+    test::TestHome home;
+    Session session(home.home(), home.settings());
+    StoreSchema::openDatabase(session.db(), home.home());
+    Database& db = session.db();
+    db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Bench', '')");
+    db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (?, 'Drawer')", {db.lastInsertId()});
+    db.execute("INSERT INTO Folder (DrawerId, Name) VALUES (?, 'Folder')", {db.lastInsertId()});
+    db.execute("INSERT INTO Document (FolderId, Name) VALUES (?, 'Scans')", {db.lastInsertId()});
+    const qint32 documentId = db.lastInsertId();
+    test::ScriptedPrompter prompter;
+    test::ScriptedChoosers choosers;
+    ViewSettings view(home.settings());
+    view.read();
+    DrawerTemplates templates(home.home());
+    ProgressWindow progress;
+    NavWindow window(CommandContext{session, prompter, choosers, progress, view}, templates);
+    window.resize(1400, 1000);
+    window.load();
+    window.show();
+    window.navigator().nodeClick(QStringLiteral("CAB1"));
+    window.navigator().nodeClick(QStringLiteral("DRW1"));
+    NavTree* tree = window.tree();
+    const QString key = QStringLiteral("DOC%1").arg(documentId);
+    tree->node(QStringLiteral("FLD1"))->setExpanded(true);
+    tree->scrollToItem(tree->node(key));
+    const QPoint at = tree->visualItemRect(tree->node(key)).center();
+    progress.setParent(&window, progress.windowFlags());
+    QCoreApplication::processEvents();
+
+    QMimeData data;
+    QList<QUrl> urls;
+    for (const QString& f : files)
+        urls << QUrl::fromLocalFile(f);
+    data.setUrls(urls);
+    QSignalSpy done(&window.dragDrop(), &NavDragDrop::dropDone);
+    window.dragDrop().files().setThreadCount(threads);
+    const Watch drop = watch(
+        [&] {
+            QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(tree->viewport(), &enter);
+            QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(tree->viewport(), &move);
+            QDropEvent dropped(QPointF(at), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+            QCoreApplication::sendEvent(tree->viewport(), &dropped);
+        },
+        [&] { return done.size() > 0; });
+
+    // Every page in place, whole, with its thumbnail.
+    const QVector<PageRow> rows = session.pages().pages(documentId);
+    int whole = 0;
+    int thumbs = 0;
+    for (int i = 0; i < rows.size(); ++i) {
+        const QString page = session.paths().computedPagePath(rows.at(i).id);
+        whole += QFileInfo(page).size() == QFileInfo(files.value(i)).size() ? 1 : 0;
+        thumbs += QFile::exists(session.paths().computedThumbPath(rows.at(i).id)) ? 1 : 0;
+    }
+    std::printf("drop of %d files on a document: %d pages, %d files whole, %d thumbnails; "
+                "%.0f ms, window unanswered at most %.1f ms (goal <= 50)%s\n",
+                count, int(rows.size()), whole, thumbs, drop.elapsedMs, drop.longestStallMs,
+                prompter.seen().isEmpty() ? "" : " -- the drop said something");
+    const double goal = 1.3 * cpMs + thumbShare;
+    std::printf("goal: 1.3 x cp + thumbnails / threads = %.0f ms (with cp's sync: %.0f ms); "
+                "the drop took %.2f of it; %s\n",
+                goal, goal + 1.3 * syncMs, drop.elapsedMs / goal,
+                drop.elapsedMs <= goal && drop.longestStallMs <= 50 ? "met" : "NOT met");
+    return 0;
+}

@@ -1,0 +1,241 @@
+#include "navigator/pagefileadder.h"
+
+#include <QCoreApplication>
+#include <QFile>
+#include <QFileInfo>
+#include <QRunnable>
+#include <QSaveFile>
+
+#include "core/pagenotifier.h"
+#include "store/commandcontext.h"
+#include "store/itemrules.h"
+#include "store/session.h"
+#include "store/storeerror.h"
+#include "viewer/thumbnailmaker.h"
+
+namespace qmr {
+
+namespace {
+
+// Names listed in one report; the rest are counted.
+constexpr int kReportedNames = 15;
+
+// Copies a file through a file aside that is renamed into place once it is whole and on the
+// disk. "" when done, else the system's reason.
+QString copyIntoPlace(const QString& source, const QString& target)
+{
+    QFile in(source);
+    if (!in.open(QIODevice::ReadOnly))
+        return in.errorString();
+    QSaveFile out(target);
+    if (!out.open(QIODevice::WriteOnly))
+        return out.errorString();
+    QByteArray buffer(1 << 20, Qt::Uninitialized);
+    for (;;) {
+        const qint64 n = in.read(buffer.data(), buffer.size());
+        if (n < 0) {
+            out.cancelWriting();
+            return in.errorString();
+        }
+        if (n == 0)
+            break;
+        if (out.write(buffer.constData(), n) != n) {
+            const QString reason = out.errorString();
+            out.cancelWriting();
+            return reason;
+        }
+    }
+    if (!out.commit())
+        return out.errorString();
+    return QString();
+}
+
+} // namespace
+
+PageFileAdder::PageFileAdder(const CommandContext& context, QObject* parent)
+    : QObject(parent), m_context(context), m_noThumbnails(std::make_shared<std::atomic_bool>(false))
+{
+    m_pool.setMaxThreadCount(QThread::idealThreadCount());
+}
+
+PageFileAdder::~PageFileAdder()
+{
+    m_noThumbnails->store(true);
+    m_pool.waitForDone();
+}
+
+bool PageFileAdder::isShortcutFile(const QString& fileName)
+{
+    return !ItemRules::isPictureFile(fileName);
+}
+
+bool PageFileAdder::isImportableFile(const QString& fileName)
+{
+    return ItemRules::isPictureFile(fileName) || isShortcutFile(fileName);
+}
+
+QString PageFileAdder::fileType(const QString& fileName)
+{
+    const QString name = fileName.toLower();
+    if (name.endsWith(QLatin1String(".jpg")) || name.endsWith(QLatin1String(".jpeg")))
+        return QStringLiteral("jpg");
+    return name.right(3);
+}
+
+void PageFileAdder::setThreadCount(int count)
+{
+    m_pool.setMaxThreadCount(qMax(1, count));
+}
+
+void PageFileAdder::begin()
+{
+    m_noThumbnails->store(false);
+    m_added = 0;
+    m_problems.clear();
+}
+
+void PageFileAdder::skipThumbnails()
+{
+    m_noThumbnails->store(true);
+}
+
+void PageFileAdder::skip(const QString& fileName, const QString& reason)
+{
+    m_problems << fileName + QStringLiteral(": ") + reason;
+}
+
+qint32 PageFileAdder::addPageFromFile(const QString& fileName, qint32 documentId)
+{
+    const std::optional<NewRow> row = insertRow(fileName, documentId);
+    if (!row)
+        return -1;
+    deliver(*row);
+    return row->pageId;
+}
+
+std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fileName,
+                                                              qint32 documentId)
+{
+    const QFileInfo info(fileName);
+    const QString path = info.absoluteFilePath();
+    NewRow row;
+    row.documentId = documentId;
+    row.fileName = path;
+    row.shortcut = isShortcutFile(path);
+    try {
+        PageStore& pages = m_context.session.pages();
+        NewPage page;
+        page.pageNumber = row.shortcut ? 0 : pages.highestNumber(documentId) + 1;
+        // What cannot be read now is named at the end, not filed as a page without a file.
+        if (!info.exists()) {
+            skip(path, QStringLiteral("No such file"));
+            return std::nullopt;
+        }
+        if (info.isDir()) {
+            skip(path, QStringLiteral("A folder, not a file"));
+            return std::nullopt;
+        }
+        QFile file(path);
+        if (!file.open(QIODevice::ReadOnly)) {
+            skip(path, file.errorString());
+            return std::nullopt;
+        }
+        page.fileSize = file.size();
+        file.close();
+        page.scanDate = m_today.isValid() ? m_today : QDate::currentDate();
+        page.fileType = fileType(path);
+        if (row.shortcut) {
+            page.shortcut = true;
+            page.filename = path;
+        }
+        row.pageId = pages.insertPage(documentId, page);
+    } catch (const StoreError& e) {
+        skip(path, e.message());
+        return std::nullopt;
+    }
+    return row;
+}
+
+void PageFileAdder::deliver(const NewRow& row)
+{
+    if (m_context.pageNotifier)
+        m_context.pageNotifier->pageAdded(row.pageId);
+    if (row.shortcut) {
+        ++m_added;
+        return;
+    }
+    const PagePaths& paths = m_context.session.paths();
+    const QString pagePath = paths.computedPagePath(row.pageId);
+    const QString thumbPath = paths.computedThumbPath(row.pageId);
+    const QString home = paths.home().path();
+    // A few copies ahead of the ones running, no more: a cancel takes effect at once and the
+    // progress shows the work really done.
+    waitForRoom(2 * m_pool.maxThreadCount());
+    ++m_outstanding;
+    if (!paths.ensurePathInHome(pagePath)) {
+        copyDone(row, QStringLiteral("The directory %1 could not be made")
+                          .arg(PagePaths::directoryPart(pagePath)));
+        return;
+    }
+    const std::shared_ptr<std::atomic_bool> noThumbnails = m_noThumbnails;
+    m_pool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
+        const QString error = copyIntoPlace(row.fileName, pagePath);
+        if (error.isEmpty()) {
+            // A thumbnail left by an earlier page of this id must not stand for this one.
+            QFile::remove(thumbPath);
+            if (!noThumbnails->load())
+                ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home);
+        }
+        QMetaObject::invokeMethod(
+            this, [this, row, error] { copyDone(row, error); }, Qt::QueuedConnection);
+    }));
+}
+
+void PageFileAdder::copyDone(const NewRow& row, const QString& error)
+{
+    --m_outstanding;
+    if (error.isEmpty()) {
+        ++m_added;
+        emit pageStored(row.pageId);
+        return;
+    }
+    // A row whose file never arrived would be a page that cannot open: it goes again.
+    skip(row.fileName, error);
+    try {
+        m_context.session.pages().removeRow(row.pageId);
+    } catch (const StoreError& e) {
+        m_problems.last() += QStringLiteral(" (its page %1 stays without a file: %2)")
+                                 .arg(row.pageId)
+                                 .arg(e.message());
+    }
+}
+
+void PageFileAdder::waitForRoom(int limit)
+{
+    while (m_outstanding >= limit)
+        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+}
+
+void PageFileAdder::finish()
+{
+    waitForRoom(1);
+}
+
+QString PageFileAdder::report() const
+{
+    if (m_problems.isEmpty())
+        return QString();
+    const int total = m_added + int(m_problems.size());
+    QString text = total == 1 ? QStringLiteral("The file could not be added:\n")
+                              : QStringLiteral("%1 of %2 files were added. These could not be "
+                                               "added:\n")
+                                    .arg(m_added)
+                                    .arg(total);
+    for (int i = 0; i < m_problems.size() && i < kReportedNames; ++i)
+        text += QLatin1Char('\n') + m_problems.at(i);
+    if (m_problems.size() > kReportedNames)
+        text += QStringLiteral("\n... and %1 more.").arg(m_problems.size() - kReportedNames);
+    return text;
+}
+
+} // namespace qmr

@@ -1,0 +1,92 @@
+#pragma once
+
+#include <QDate>
+#include <QObject>
+#include <QStringList>
+#include <QThreadPool>
+#include <atomic>
+#include <memory>
+#include <optional>
+
+namespace qmr {
+
+struct CommandContext;
+
+// Files from outside becoming pages of a document, for a drop and a paste. A JPEG or BMP file
+// is copied into the page store and gets its thumbnail; any other file stays where it is and
+// becomes a shortcut page numbered 0. The row is written and the notice sent first; the copy
+// and the thumbnail follow on every core, so that a batch of scans keeps the window
+// answering. A copy is written aside and renamed into place, so nothing half-copied ever
+// stands as a page file. A file that cannot be read, or whose copy fails, becomes no page
+// and is named in the batch's report.
+class PageFileAdder : public QObject
+{
+    Q_OBJECT
+public:
+    // A page row written, its file still to come.
+    struct NewRow
+    {
+        qint32 pageId = -1;
+        qint32 documentId = -1;
+        QString fileName;
+        bool shortcut = false;
+    };
+
+    // `context` is the navigator's, which outlives this.
+    explicit PageFileAdder(const CommandContext& context, QObject* parent = nullptr);
+    ~PageFileAdder() override;
+
+    static bool isShortcutFile(const QString& fileName);
+    // True for every name: kept as the one gate of the loops over dropped and pasted files.
+    static bool isImportableFile(const QString& fileName);
+    // "jpg" for .jpg and .jpeg, else the last three characters of the lower-cased name.
+    static QString fileType(const QString& fileName);
+
+    // The row, the notice, then the copy and the thumbnail under way. The new page's id, or
+    // -1 when the file was skipped.
+    qint32 addPageFromFile(const QString& fileName, qint32 documentId);
+    // The row alone, for a caller that writes it together with rows of its own; nothing when
+    // the file is skipped. deliver() follows once the caller has committed.
+    std::optional<NewRow> insertRow(const QString& fileName, qint32 documentId);
+    // The notice, then for an image the copy into the page store and the thumbnail.
+    void deliver(const NewRow& row);
+
+    // A batch: begin() forgets the last one's outcome; finish() waits, with events running,
+    // until every copy has ended.
+    void begin();
+    void finish();
+    // The batch was cancelled: copies under way end, thumbnails not made yet are left to the
+    // page pane, which makes a missing one when it shows the page.
+    void skipThumbnails();
+    // Records a file that did not become a page, and why.
+    void skip(const QString& fileName, const QString& reason);
+    int added() const { return m_added; }
+    // "path: reason" for each file that did not become a page.
+    const QStringList& problems() const { return m_problems; }
+    // The one message that ends a batch with problems; "" when there were none.
+    QString report() const;
+
+    // The scan date of new rows; today when not set.
+    void setToday(const QDate& date) { m_today = date; }
+    void setThreadCount(int count);
+    // Copies started and not ended yet.
+    int outstanding() const { return m_outstanding; }
+
+signals:
+    // A copied page's file is in place, with its thumbnail unless thumbnails were skipped.
+    void pageStored(qint32 pageId);
+
+private:
+    void copyDone(const NewRow& row, const QString& error);
+    void waitForRoom(int limit);
+
+    const CommandContext& m_context;
+    QThreadPool m_pool;
+    std::shared_ptr<std::atomic_bool> m_noThumbnails;
+    QDate m_today;
+    int m_outstanding = 0;
+    int m_added = 0;
+    QStringList m_problems;
+};
+
+} // namespace qmr

@@ -1,0 +1,311 @@
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+#include "navharness.h"
+#include "navigator/navdragdrop.h"
+#include "store/itemstore.h"
+#include "store/pagestore.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::NavHarness;
+
+namespace {
+
+// The outcome of a drag over a point of a control, then maybe its drop.
+struct DragOutcome
+{
+    bool overAccepted = false;
+    Qt::DropAction overAction = Qt::IgnoreAction;
+    bool dropAccepted = false;
+};
+
+DragOutcome dragAndDrop(QWidget* viewport, const QPoint& at, const QMimeData* data,
+                        bool drop = true, Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction)
+{
+    DragOutcome outcome;
+    QDragEnterEvent enter(at, actions, data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &enter);
+    if (!enter.isAccepted())
+        return outcome;
+    QDragMoveEvent move(at, actions, data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &move);
+    outcome.overAccepted = move.isAccepted();
+    outcome.overAction = move.dropAction();
+    if (drop) {
+        QDropEvent dropped(QPointF(at), actions, data, Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(viewport, &dropped);
+        outcome.dropAccepted = dropped.isAccepted();
+    }
+    return outcome;
+}
+
+// Where a node stands in the tree's viewport, its parents opened.
+QPoint nodePoint(NavHarness& h, const QString& key)
+{
+    QTreeWidgetItem* item = h.tree()->node(key);
+    if (!item)
+        return QPoint(-1, -1);
+    for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
+        p->setExpanded(true);
+    h.tree()->scrollToItem(item);
+    const QRect r = h.tree()->visualItemRect(item);
+    return QPoint(qMin(r.left() + 12, h.tree()->viewport()->width() - 2), r.center().y());
+}
+
+QMimeData* filesData(const QStringList& files)
+{
+    auto* data = new QMimeData;
+    QList<QUrl> urls;
+    for (const QString& f : files)
+        urls << QUrl::fromLocalFile(f);
+    data->setUrls(urls);
+    return data;
+}
+
+QString writeImage(const QTemporaryDir& dir, const QString& name, const char* format = nullptr)
+{
+    QImage image(400, 300, QImage::Format_RGB32);
+    image.fill(QColor(200, 120, 40));
+    const QString path = dir.filePath(name);
+    image.save(path, format);
+    return path;
+}
+
+NavDragDrop& dragDrop(NavHarness& h)
+{
+    return h.window->dragDrop();
+}
+
+} // namespace
+
+class TestDragDrop : public QObject
+{
+    Q_OBJECT
+private slots:
+    void filesDroppedOnATreeDocument()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        QTemporaryDir outside;
+        const QString jpeg = writeImage(outside, QStringLiteral("Bob's \"first\" 100%.jpg"));
+        const QString tif = outside.filePath(QStringLiteral("drawing.tif"));
+        QFile(tif).open(QIODevice::WriteOnly);
+        std::unique_ptr<QMimeData> data(filesData({jpeg, tif}));
+        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+
+        const DragOutcome o = dragAndDrop(h.tree()->viewport(), nodePoint(h, "DOC2"), data.get());
+
+        QVERIFY(o.overAccepted);
+        QCOMPARE(o.overAction, Qt::CopyAction);
+        QVERIFY(o.dropAccepted);
+        // The selection followed the pointer onto the target.
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DOC2"));
+        QTRY_COMPARE(done.size(), 1);
+        const QVector<PageRow> rows = h.session->pages().pages(2);
+        QCOMPARE(rows.size(), 2);
+        QCOMPARE(rows.at(0).filename, tif);
+        QCOMPARE(rows.at(0).pageNumber, 0);
+        QCOMPARE(rows.at(1).pageNumber, 1);
+        const QString copied = h.session->paths().computedPagePath(rows.at(1).id);
+        QCOMPARE(QFileInfo(copied).size(), QFileInfo(jpeg).size());
+        QCOMPARE(QImageReader(h.session->paths().computedThumbPath(rows.at(1).id)).size(),
+                 QSize(100, 100));
+        // The document's pages are on show.
+        QVERIFY(h.window->pageList()->isVisible());
+        QCOMPARE(h.window->pageList()->documentId(), 2);
+        QCOMPARE(h.pageTexts(), (QStringList{"drawing.tif", "Page 1"}));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void filesDroppedOnAFolderMakeOneDocument()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1"});
+        QTemporaryDir outside;
+        std::unique_ptr<QMimeData> data(
+            filesData({writeImage(outside, "a.jpg"), writeImage(outside, "b.bmp", "BMP"),
+                       writeImage(outside, "c.jpeg", "JPG")}));
+        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+        QVERIFY(dragAndDrop(h.tree()->viewport(), nodePoint(h, "FLD2"), data.get()).dropAccepted);
+        QTRY_COMPARE(done.size(), 1);
+        const QVector<ItemRow> made = h.session->items().children(Level::Document, 2);
+        QCOMPARE(made.size(), 1);
+        const QString key = QStringLiteral("DOC%1").arg(made.first().id);
+        QCOMPARE(h.tree()->parentKey(key), QStringLiteral("FLD2"));
+        QCOMPARE(h.tree()->selectedKey(), key);
+        QCOMPARE(h.pageTexts(), (QStringList{"Page 1", "Page 2", "Page 3"}));
+    }
+
+    void refusedFileDrops_data()
+    {
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<int>("actions");
+        QTest::newRow("on a drawer") << "DRW1" << int(Qt::CopyAction);
+        QTest::newRow("on a cabinet") << "CAB1" << int(Qt::CopyAction);
+        QTest::newRow("on the root") << "ROOT" << int(Qt::CopyAction);
+        QTest::newRow("a file manager that only moves") << "DOC1" << int(Qt::MoveAction);
+    }
+    void refusedFileDrops()
+    {
+        QFETCH(QString, target);
+        QFETCH(int, actions);
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        QTemporaryDir outside;
+        std::unique_ptr<QMimeData> data(filesData({writeImage(outside, "a.jpg")}));
+        const qint64 pages = h.session->pages().countAll();
+        const DragOutcome o = dragAndDrop(h.tree()->viewport(), nodePoint(h, target), data.get(),
+                                          true, Qt::DropActions(actions));
+        QVERIFY(!o.overAccepted);
+        QVERIFY(!o.dropAccepted);
+        QTest::qWait(50);
+        QCOMPARE(h.session->pages().countAll(), pages);
+    }
+
+    void dataWithoutFilesIsNoDrop()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        QMimeData text;
+        text.setText(QStringLiteral("/tmp/a.jpg"));
+        QDragEnterEvent enter(nodePoint(h, "DOC1"), Qt::CopyAction, &text, Qt::LeftButton,
+                              Qt::NoModifier);
+        QCoreApplication::sendEvent(h.tree()->viewport(), &enter);
+        QVERIFY(!enter.isAccepted());
+    }
+
+    void aDrawerMovedKeepsItsNodes()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        h.tree()->node("DRW1")->setExpanded(true);
+        h.tree()->node("FLD1")->setExpanded(true);
+        QVERIFY(h.tree()->node("DRW1")->isExpanded());
+        const QStringList folders = h.childKeys("DRW1");
+        h.tree()->setCurrentItem(h.tree()->node("DRW1"));
+        QVERIFY(dragDrop(h).beginDrag(DropSource::Tree));
+        QCOMPARE(dragDrop(h).dragKeys(), QStringList{"DRW1"});
+        std::unique_ptr<QMimeData> data(dragDrop(h).dragData());
+        QCOMPARE(data->data(NavDragDrop::mimeType()), QByteArray("T\nDRW1"));
+        h.choosers.queuePassword(QStringLiteral("secret"));
+        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+
+        const DragOutcome o = dragAndDrop(h.tree()->viewport(), nodePoint(h, "CAB2"), data.get());
+
+        QVERIFY(o.overAccepted);
+        QCOMPARE(o.overAction, Qt::MoveAction);
+        QVERIFY(o.dropAccepted);
+        QVERIFY(!dragDrop(h).isDragging());
+        QTRY_COMPARE(done.size(), 1);
+        QCOMPARE(h.choosers.passwordAsks(), 1);
+        QCOMPARE(h.session->items().cabinetOfDrawer(1), 2);
+        QCOMPARE(h.tree()->parentKey("DRW1"), QStringLiteral("CAB2"));
+        // Moved, not rebuilt: its folders, documents and open nodes are as they were.
+        QCOMPARE(h.childKeys("DRW1"), folders);
+        QVERIFY(h.tree()->node("DRW1")->isExpanded());
+        QVERIFY(h.tree()->node("FLD1")->isExpanded());
+        QCOMPARE(h.tree()->parentKey("DOC1"), QStringLiteral("FLD1"));
+        QVERIFY(!h.childKeys("CAB1").contains("DRW1"));
+        // The cabinet's own drawer is there beside it, sorted by name.
+        QCOMPARE(h.childTexts("CAB2"), (QStringList{"Bank", "Health"}));
+    }
+
+    void overTheListTheSelectionFollowsValidTargets()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1", "DRW2"});
+        // The list shows Taxes' folders; a document of the tree is dragged over them.
+        h.tree()->setCurrentItem(h.tree()->node("DOC1"));
+        QVERIFY(dragDrop(h).beginDrag(DropSource::Tree));
+        std::unique_ptr<QMimeData> data(dragDrop(h).dragData());
+        ContainerList* list = h.window->list();
+        QListWidgetItem* item = list->itemOf(NodeKey::parse("FLD3"));
+        QVERIFY(item);
+        list->setCurrentItem(nullptr);
+        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+        const QPoint at = list->visualItemRect(item).center();
+        QVERIFY(dragAndDrop(list->viewport(), at, data.get()).dropAccepted);
+        QCOMPARE(list->selectedKey().text(), QStringLiteral("FLD3"));
+        QTRY_COMPARE(done.size(), 1);
+        QCOMPARE(h.session->items().folderOfDocument(1), 3);
+        QCOMPARE(h.tree()->parentKey("DOC1"), QStringLiteral("FLD3"));
+        // The list is not redrawn by a move.
+        QCOMPARE(h.listTexts(), QStringList{"2025"});
+    }
+
+    void whatNeverDrags_data()
+    {
+        QTest::addColumn<QString>("key");
+        QTest::newRow("root") << "ROOT";
+        QTest::newRow("cabinet") << "CAB1";
+        QTest::newRow("found drawer") << "FDW1";
+        QTest::newRow("found document") << "FDC1";
+    }
+    void whatNeverDrags()
+    {
+        QFETCH(QString, key);
+        NavHarness h;
+        h.loadSample();
+        h.tree()->addNode(QString(), "ROOTFOUND", "Found", QIcon());
+        h.tree()->addNode("ROOTFOUND", "FCB1", "Home Papers", QIcon());
+        h.tree()->addNode("FCB1", "FDW1", "Bank", QIcon());
+        h.tree()->addNode("FDW1", "FFD1", "Checking", QIcon());
+        h.tree()->addNode("FFD1", "FDC1", "March statement", QIcon());
+        h.tree()->setCurrentItem(h.tree()->node(key));
+        QVERIFY(!dragDrop(h).beginDrag(DropSource::Tree));
+        QVERIFY(!dragDrop(h).isDragging());
+    }
+
+    void aPageDraggedOutOfThePageList()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW2", "DRW1", "DOC1"});
+        QCOMPARE(h.pageTexts(), (QStringList{"Page 1", "Page 2"}));
+        PageListView* pages = h.window->pageList()->list();
+        pages->selectPage(2);
+        QVERIFY(dragDrop(h).beginDrag(DropSource::PageList));
+        QCOMPARE(dragDrop(h).dragKeys(), QStringList{"PAG2"});
+        std::unique_ptr<QMimeData> data(dragDrop(h).dragData());
+        // Not onto the page list itself.
+        QWidget* pageViewport = pages->currentView()->viewport();
+        QVERIFY(!dragAndDrop(pageViewport, QPoint(10, 10), data.get(), false).overAccepted);
+        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+
+        QVERIFY(dragAndDrop(h.tree()->viewport(), nodePoint(h, "DOC3"), data.get()).dropAccepted);
+
+        QTRY_COMPARE(done.size(), 1);
+        QCOMPARE(h.session->pages().documentOf(2), 3);
+        QCOMPARE(h.session->pages().page(2)->pageNumber, 2);
+        QCOMPARE(h.pageTexts(), QStringList{"Page 1"});
+        // The tree is back on the document on show.
+        QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DOC1"));
+    }
+
+    void pagesOfAFoundDocumentStay()
+    {
+        NavHarness h;
+        h.loadSample();
+        h.clickPath({"CAB1", "DRW1"});
+        h.navigator().showPagesInListView(1, true);
+        h.window->pageList()->list()->selectPage(1);
+        QVERIFY(!dragDrop(h).beginDrag(DropSource::PageList));
+    }
+};
+
+QMR_TEST(TestDragDrop)
+#include "testdragdrop.moc"

@@ -1,0 +1,206 @@
+#include <QTest>
+
+#include "movefixture.h"
+#include "store/itemstore.h"
+#include "store/pagestore.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::MoveBench;
+
+Q_DECLARE_METATYPE(qmr::DropSource)
+
+namespace {
+
+// Where an item of the sample store stands: its parent's key ("DOC1" for a page).
+QString parentKeyOf(Session& session, const NodeKey& key)
+{
+    const Level level = *key.level();
+    const qint32 parent = session.items().parentOf(level, key.id());
+    return parent < 0 ? QString() : NodeKey::of(*parentLevel(level), parent).text();
+}
+
+} // namespace
+
+class TestItemMover : public QObject
+{
+    Q_OBJECT
+private slots:
+    // The sample store: cabinet 1 (drawers 1 Bank and 2 Taxes; folders 1 Checking and
+    // 2 Savings in Bank, 3 "2025" in Taxes; documents 1 and 2 in Checking, 3 in 2025;
+    // pages 1 and 2 in document 1, page 3 in document 3), cabinet 2 locked with "secret"
+    // (drawer 3, folder 4).
+    void eachMove_data()
+    {
+        QTest::addColumn<DropSource>("source");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("target");
+        QTest::addColumn<QString>("parentAfter");
+        QTest::addColumn<QStringList>("view");
+        QTest::addColumn<QStringList>("navigator");
+        const auto tree = DropSource::Tree;
+        QTest::newRow("drawer into the other cabinet, with its password")
+            << tree << "DRW2"
+            << "CAB2"
+            << "CAB2" << QStringList{"EXPAND CAB2", "MOVE DRW2 CAB2"} << QStringList{"OPEN2"};
+        QTest::newRow("drawer onto its own cabinet")
+            << tree << "DRW2"
+            << "CAB1"
+            << "CAB1" << QStringList{"EXPAND CAB1"} << QStringList{"OPEN1"};
+        QTest::newRow("folder into another drawer")
+            << DropSource::List << "FLD3"
+            << "DRW1"
+            << "DRW1" << QStringList{"EXPAND DRW1", "MOVE FLD3 DRW1"} << QStringList();
+        QTest::newRow("folder onto its own drawer")
+            << tree << "FLD1"
+            << "DRW1"
+            << "DRW1" << QStringList{"EXPAND DRW1"} << QStringList();
+        QTest::newRow("document into another folder")
+            << tree << "DOC3"
+            << "FLD2"
+            << "FLD2" << QStringList{"EXPAND FLD2", "MOVE DOC3 FLD2"} << QStringList();
+        QTest::newRow("document onto its own folder")
+            << tree << "DOC1"
+            << "FLD1"
+            << "FLD1" << QStringList{"EXPAND FLD1"} << QStringList();
+        QTest::newRow("page from the tree's drag into another document")
+            << tree << "PAG3"
+            << "DOC1"
+            << "DOC1" << QStringList{"EXPAND DOC1"} << QStringList();
+        QTest::newRow("page out of the page list")
+            << DropSource::PageList << "PAG3"
+            << "DOC1"
+            << "DOC1" << QStringList{"EXPAND DOC1", "REMOVE 3", "SELECT DOC3"} << QStringList();
+        QTest::newRow("page onto its own document")
+            << DropSource::PageList << "PAG1"
+            << "DOC1"
+            << "DOC1" << QStringList{"EXPAND DOC1"} << QStringList();
+        QTest::newRow("page of the window onto a folder does nothing")
+            << DropSource::PageList << "PAG3"
+            << "FLD1"
+            << "DOC3" << QStringList{"EXPAND FLD1"} << QStringList();
+        QTest::newRow("drawer onto a folder is refused")
+            << tree << "DRW2"
+            << "FLD1"
+            << "CAB1" << QStringList() << QStringList();
+    }
+    void eachMove()
+    {
+        QFETCH(DropSource, source);
+        QFETCH(QString, key);
+        QFETCH(QString, target);
+        QFETCH(QString, parentAfter);
+        QFETCH(QStringList, view);
+        QFETCH(QStringList, navigator);
+        MoveBench b;
+        b.session->selection().lastNodeKey = QStringLiteral("DOC3");
+        b.choosers.queuePassword(QStringLiteral("secret"));
+        const NodeKey moved = NodeKey::parse(key);
+        const QString before = parentKeyOf(*b.session, moved);
+        const int pagesBefore = b.session->pages().count(1);
+
+        NodeKey into = NodeKey::parse(target);
+        b.mover->processDrop(source, key, into);
+
+        QCOMPARE(parentKeyOf(*b.session, moved), parentAfter);
+        QCOMPARE(b.moves.calls, view);
+        QCOMPARE(b.navigator.calls, navigator);
+        QCOMPARE(into.text(), target);
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
+        const bool pageMoved = moved.level() == Level::Page && before != parentAfter;
+        // A page that arrives is announced; nothing else is.
+        QCOMPARE(b.notices.pages, pageMoved ? QVector<qint32>{moved.id()} : QVector<qint32>());
+        if (pageMoved) {
+            // At the end of its new document; the file stays where it was.
+            QCOMPARE(b.page(moved.id()).pageNumber, 3);
+            QCOMPARE(b.session->pages().count(1), pagesBefore + 1);
+            QVERIFY(QFile::exists(b.pagePath(moved.id())));
+        }
+    }
+
+    void movedPageGoesAfterTheHighestNumber_data()
+    {
+        QTest::addColumn<QVariantList>("numbers"); // the target document's pages
+        QTest::addColumn<int>("expected");
+        QTest::newRow("empty document") << QVariantList() << 1;
+        QTest::newRow("numbers with a gap") << QVariantList{1, 7, 3} << 8;
+        QTest::newRow("only shortcuts numbered 0") << QVariantList{0, 0} << 1;
+        QTest::newRow("a page without a number") << QVariantList{QVariant(), 2} << 3;
+    }
+    void movedPageGoesAfterTheHighestNumber()
+    {
+        QFETCH(QVariantList, numbers);
+        QFETCH(int, expected);
+        MoveBench b;
+        test::FixtureStore fixture(b.home.home());
+        // Document 2, "O'Brien's letter", has no pages in the sample.
+        for (const QVariant& n : numbers)
+            fixture.pageRow(2, n);
+        fixture.close();
+        QVERIFY(b.mover->movePage(3, 2, DropSource::Tree));
+        QCOMPARE(b.page(3).documentId, 2);
+        QCOMPARE(b.page(3).pageNumber, expected);
+        // The document it left keeps its numbers as they were.
+        QCOMPARE(b.page(1).pageNumber, 1);
+    }
+
+    void drawerMoveAsksThePasswordFirst_data()
+    {
+        QTest::addColumn<QVariant>("typed"); // null: Cancel
+        QTest::addColumn<QStringList>("messages");
+        QTest::newRow("cancelled") << QVariant() << QStringList();
+        QTest::newRow("wrong") << QVariant("Secret") << QStringList{"Access Denied"};
+        QTest::newRow("right") << QVariant("secret") << QStringList();
+    }
+    void drawerMoveAsksThePasswordFirst()
+    {
+        QFETCH(QVariant, typed);
+        QFETCH(QStringList, messages);
+        MoveBench b;
+        b.choosers.queuePassword(typed.isNull() ? std::nullopt
+                                                : std::optional<QString>(typed.toString()));
+        for (const QString& m : messages)
+            b.prompter.expect(m);
+        // Drawer 3 is in the locked cabinet already: the password comes before that test.
+        QVERIFY(!b.mover->moveDrawer(3, 2));
+        QCOMPARE(b.choosers.passwordAsks(), 1);
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
+        QCOMPARE(b.session->items().cabinetOfDrawer(3), 2);
+        // Only the right password opens the cabinet, for the rest of the run.
+        QCOMPARE(b.session->locks().inOpenList(2), typed == QVariant("secret"));
+        // Without it nothing moves into the cabinet either.
+        if (typed != QVariant("secret")) {
+            QVERIFY(!b.mover->moveDrawer(1, 2));
+            QCOMPARE(b.session->items().cabinetOfDrawer(1), 1);
+        }
+    }
+
+    void aMoveKeepsWhatIsBelowAndTestsNoName()
+    {
+        MoveBench b;
+        // A second "Bank" in cabinet 2, then the first one moved beside it.
+        const qint32 other =
+            b.session->items().insertItem(Level::Drawer, 2, QStringLiteral("Bank"));
+        b.choosers.queuePassword(QStringLiteral("secret"));
+        QVERIFY(b.mover->moveDrawer(1, 2));
+        QCOMPARE(b.session->items().cabinetOfDrawer(1), 2);
+        QCOMPARE(b.session->items().cabinetOfDrawer(other), 2);
+        // Its folders, documents and pages went with it.
+        QCOMPARE(b.session->items().drawerOfFolder(1), 1);
+        QCOMPARE(b.session->items().folderOfDocument(1), 1);
+        QCOMPARE(b.session->pages().documentOf(2), 1);
+    }
+
+    void goneItemsDoNotMove()
+    {
+        MoveBench b;
+        QVERIFY(!b.mover->moveFolder(99, 1));
+        QVERIFY(!b.mover->moveDocument(99, 1));
+        QVERIFY(!b.mover->movePage(99, 1, DropSource::PageList));
+        QVERIFY(b.moves.calls.isEmpty());
+        QVERIFY(b.notices.pages.isEmpty());
+    }
+};
+
+QMR_TEST(TestItemMover)
+#include "testitemmover.moc"

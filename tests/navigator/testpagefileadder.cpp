@@ -1,0 +1,251 @@
+#include <QCryptographicHash>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QTest>
+
+#include "movefixture.h"
+#include "navigator/filedrop.h"
+#include "store/itemstore.h"
+#include "store/pagestore.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::MoveBench;
+
+namespace {
+
+QByteArray digest(const QString& path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return QByteArray();
+    return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
+}
+
+qint32 nextPageId(Session& session)
+{
+    return session.db()
+               .scalar(QStringLiteral("SELECT seq FROM sqlite_sequence WHERE name = 'Page'"))
+               .toInt() +
+           1;
+}
+
+} // namespace
+
+class TestPageFileAdder : public QObject
+{
+    Q_OBJECT
+private slots:
+    void fileKinds_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<bool>("shortcut");
+        QTest::addColumn<QString>("type");
+        QTest::newRow("jpg") << "/scans/a.jpg" << false << "jpg";
+        QTest::newRow("JPEG in capitals") << "/scans/A.JPEG" << false << "jpg";
+        QTest::newRow("bmp") << "/scans/a.Bmp" << false << "bmp";
+        QTest::newRow("tif") << "/scans/a.tif" << true << "tif";
+        QTest::newRow("tiff keeps its last three") << "/scans/a.tiff" << true << "iff";
+        QTest::newRow("pdf") << "/docs/contract.pdf" << true << "pdf";
+        QTest::newRow("no extension") << "/docs/README" << true << "dme";
+        QTest::newRow("a jpg that lost its dot") << "/scans/scanjpg" << false << "jpg";
+    }
+    void fileKinds()
+    {
+        QFETCH(QString, name);
+        QFETCH(bool, shortcut);
+        QFETCH(QString, type);
+        QCOMPARE(PageFileAdder::isShortcutFile(name), shortcut);
+        QCOMPARE(PageFileAdder::fileType(name), type);
+        // Every name passes the loops' gate.
+        QVERIFY(PageFileAdder::isImportableFile(name));
+    }
+
+    void aFileBecomesAPage_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::addColumn<QByteArray>("format"); // "" for bytes that are no picture
+        QTest::addColumn<bool>("shortcut");
+        QTest::addColumn<QString>("type");
+        QTest::newRow("JPEG with an apostrophe")
+            << "Bob's scan.jpg" << QByteArray("JPG") << false << "jpg";
+        QTest::newRow("JPEG with quotes and percent")
+            << "the \"best\" 100% scan.jpeg" << QByteArray("JPG") << false << "jpg";
+        QTest::newRow("BMP, copied byte for byte")
+            << "plain.bmp" << QByteArray("BMP") << false << "bmp";
+        QTest::newRow("TIFF stays where it is as a shortcut")
+            << "drawing.tif" << QByteArray() << true << "tif";
+        QTest::newRow("shortcut with hostile name")
+            << "50% off; 'it''s' \"ok\".pdf" << QByteArray() << true << "pdf";
+    }
+    void aFileBecomesAPage()
+    {
+        QFETCH(QString, name);
+        QFETCH(QByteArray, format);
+        QFETCH(bool, shortcut);
+        QFETCH(QString, type);
+        MoveBench b;
+        const QString source = format.isEmpty()
+                                   ? b.write(name, QByteArray("%PDF-1.4 not a picture\n"))
+                                   : b.image(name, QSize(300, 400), format.constData());
+        const QByteArray sourceDigest = digest(source);
+
+        b.files->begin();
+        const qint32 id = b.files->addPageFromFile(source, 1);
+        b.files->finish();
+
+        QVERIFY(id > 0);
+        const PageRow row = b.page(id);
+        QCOMPARE(row.documentId, 1);
+        // After the document's two pages; a shortcut is numbered 0.
+        QCOMPARE(row.pageNumber, shortcut ? 0 : 3);
+        QCOMPARE(row.shortcut, shortcut);
+        QCOMPARE(row.filename, shortcut ? source : QString());
+        QCOMPARE(row.fileType, type);
+        QCOMPARE(row.fileSize, QFileInfo(source).size());
+        QCOMPARE(row.scanDate, QDate::currentDate());
+        QCOMPARE(b.notices.pages, QVector<qint32>{id});
+        QCOMPARE(b.files->added(), 1);
+        QVERIFY(b.files->problems().isEmpty());
+        if (shortcut) {
+            // Not copied, no thumbnail: the page pane shows the file's icon.
+            QVERIFY(!QFile::exists(b.pagePath(id)));
+            QVERIFY(!QFile::exists(b.thumbPath(id)));
+        } else {
+            QCOMPARE(digest(b.pagePath(id)), sourceDigest);
+            QCOMPARE(QImageReader(b.thumbPath(id)).size(), QSize(100, 100));
+            // Nothing but the page and its thumbnail in their directories.
+            QCOMPARE(QDir(QFileInfo(b.pagePath(id)).path())
+                         .entryList({QStringLiteral("*.part*"), QStringLiteral("*.jpg.*")},
+                                    QDir::Files | QDir::Hidden),
+                     QStringList());
+        }
+    }
+
+    void filesThatCannotBeReadAreNamed()
+    {
+        MoveBench b;
+        const QString first = b.image(QStringLiteral("first.jpg"));
+        const QString missing = QDir(b.outside.path()).filePath(QStringLiteral("gone.jpg"));
+        const QString folder = QDir(b.outside.path()).filePath(QStringLiteral("a folder.jpg"));
+        QDir().mkpath(folder);
+        const QString last = b.image(QStringLiteral("last.bmp"), QSize(50, 50), "BMP");
+        b.prompter.expect(QStringLiteral("2 of 4 files were added. These could not be added:\n\n") +
+                          missing + QStringLiteral(": No such file\n") + folder +
+                          QStringLiteral(": A folder, not a file"));
+        const int before = b.session->pages().count(1);
+
+        FileDrop(*b.context, *b.files).pasteFiles({first, missing, folder, last}, 1);
+
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
+        const QVector<PageRow> rows = b.session->pages().pages(1);
+        QCOMPARE(rows.size(), before + 2);
+        QCOMPARE(rows.at(before).pageNumber, 3);
+        QCOMPARE(rows.at(before + 1).pageNumber, 4);
+        QCOMPARE(b.navigator.calls, QStringList{"SHOWDOC1"});
+    }
+
+    void aFileGoneBeforeItsCopyLeavesNoPage()
+    {
+        MoveBench b;
+        const QString source = b.image(QStringLiteral("soon gone.jpg"));
+        b.files->begin();
+        const std::optional<PageFileAdder::NewRow> row = b.files->insertRow(source, 3);
+        QVERIFY(row);
+        QVERIFY(b.session->pages().page(row->pageId));
+        QFile::remove(source);
+        b.files->deliver(*row);
+        b.files->finish();
+        QVERIFY(!b.session->pages().page(row->pageId));
+        QVERIFY(!QFile::exists(b.pagePath(row->pageId)));
+        QCOMPARE(b.files->added(), 0);
+        QCOMPARE(b.files->problems().size(), 1);
+        QVERIFY(b.files->problems().first().startsWith(source + QStringLiteral(": ")));
+        QCOMPARE(b.files->report().left(29), QStringLiteral("The file could not be added:\n"));
+    }
+
+    void aCopyThatFailsLeavesNoPage()
+    {
+        MoveBench b;
+        const QString source = b.image(QStringLiteral("blocked.jpg"));
+        // A directory stands where the page file would go.
+        const qint32 id = nextPageId(*b.session);
+        QVERIFY(QDir().mkpath(b.pagePath(id)));
+        b.files->begin();
+        QCOMPARE(b.files->addPageFromFile(source, 1), id);
+        b.files->finish();
+        QVERIFY(!b.session->pages().page(id));
+        QCOMPARE(b.files->problems().size(), 1);
+        QVERIFY(QFileInfo(b.pagePath(id)).isDir());
+    }
+
+    void threeFilesOnAFolderMakeOneDocument()
+    {
+        MoveBench b;
+        const QStringList files{b.image(QStringLiteral("one.jpg")),
+                                b.write(QStringLiteral("two's.tif"), "II*\0 not really"),
+                                b.image(QStringLiteral("three.bmp"), QSize(80, 60), "BMP")};
+        const int documents = b.session->items().count(Level::Document);
+
+        FileDrop(*b.context, *b.files).dropFiles(files, NodeKey::parse("FLD2"), *b.mover);
+
+        QCOMPARE(b.session->items().count(Level::Document), documents + 1);
+        const QVector<ItemRow> made = b.session->items().children(Level::Document, 2);
+        QCOMPARE(made.size(), 1);
+        QCOMPARE(made.first().name, QStringLiteral("New document"));
+        const qint32 doc = made.first().id;
+        const QVector<PageRow> rows = b.session->pages().pages(doc);
+        QCOMPARE(rows.size(), 3);
+        // In page order: the shortcut (0), then the two images as they came.
+        QCOMPARE(rows.at(0).filename, files.at(1));
+        QCOMPARE(rows.at(1).pageNumber, 1);
+        QCOMPARE(rows.at(2).pageNumber, 2);
+        QCOMPARE(rows.at(2).fileType, QStringLiteral("bmp"));
+        // The document is announced once, then its pages are shown.
+        QCOMPARE(b.navigator.calls.first(), QStringLiteral("DOC%1 New document<2").arg(doc));
+        QCOMPARE(b.navigator.calls.filter(QStringLiteral("New document")).size(), 1);
+        QCOMPARE(b.navigator.calls.last(), QStringLiteral("SHOWDOC%1").arg(doc));
+        QCOMPARE(b.notices.pages.size(), 3);
+        // The window's expansion is not what a file drop does.
+        QVERIFY(b.moves.calls.isEmpty());
+    }
+
+    void aDropOnADrawerIsRefused()
+    {
+        MoveBench b;
+        const QString file = b.image(QStringLiteral("x.jpg"));
+        const qint64 pages = b.session->pages().countAll();
+        const int documents = b.session->items().count(Level::Document);
+        for (const char* target : {"DRW1", "CAB1", "ROOT", "FDC1"})
+            FileDrop(*b.context, *b.files).dropFiles({file}, NodeKey::parse(target), *b.mover);
+        QCOMPARE(b.session->pages().countAll(), pages);
+        QCOMPARE(b.session->items().count(Level::Document), documents);
+        QVERIFY(b.prompter.seen().isEmpty());
+    }
+
+    void cancelKeepsWhatWasAdded()
+    {
+        test::CancellingProgress progress(2);
+        MoveBench b(&progress);
+        QStringList files;
+        for (int i = 0; i < 5; ++i)
+            files << b.image(QStringLiteral("scan %1.jpg").arg(i), QSize(600, 800));
+        const int before = b.session->pages().count(3);
+
+        FileDrop(*b.context, *b.files).dropFiles(files, NodeKey::parse("DOC3"), *b.mover);
+
+        QCOMPARE(progress.titles, QStringList{"Pasting files"});
+        QCOMPARE(progress.maximum, 5);
+        QVERIFY(progress.cancelShown);
+        QCOMPARE(progress.ends, 1);
+        const QVector<PageRow> rows = b.session->pages().pages(3);
+        QCOMPARE(rows.size(), before + 2);
+        // What was added is whole: both files are in place.
+        for (int i = 0; i < 2; ++i)
+            QCOMPARE(digest(b.pagePath(rows.at(before + i).id)), digest(files.at(i)));
+        QVERIFY(b.prompter.seen().isEmpty());
+    }
+};
+
+QMR_TEST(TestPageFileAdder)
+#include "testpagefileadder.moc"
