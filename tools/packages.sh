@@ -9,6 +9,7 @@ packages=(
   qt6-image-formats-plugins            # more image formats for loose files
   libsqlite3-dev                       # the store
   libcurl4-openssl-dev                 # mail to an SMTP server
+  libsane-dev sane-utils               # scanners and cameras; sane-utils brings the test device
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
 )
 
