@@ -395,6 +395,7 @@ PageSaver::Result PageViewWindow::save()
         // A scan into a folder goes on in the document made for its first page.
         if (m_resolver.newDocument())
             m_key = NodeKey::of(Level::Document, m_location.documentId);
+        emit pageSaved(m_location.pageId);
     }
     return result;
 }
@@ -417,6 +418,14 @@ bool PageViewWindow::mayClose()
     bool removed = false;
     guarded(m_context.prompter, [&] { removed = PageSaver(m_context).cancelNewPage(m_location); });
     return removed;
+}
+
+void PageViewWindow::discardNewPage()
+{
+    if (m_mode == ViewerMode::Add && !m_newPageSaved && m_location.pageId >= 0)
+        guarded(m_context.prompter, [this] { PageSaver(m_context).removeNewPage(m_location); });
+    m_newPageSaved = true; // nothing is left to ask about
+    close();
 }
 
 void PageViewWindow::cmdCancel()
