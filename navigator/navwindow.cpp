@@ -21,6 +21,7 @@
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/pagepane.h"
+#include "scan/scancommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 #include "viewer/viewercommands.h"
@@ -114,7 +115,19 @@ void NavWindow::buildMenus()
                     [this] { m_navigator->refreshNavTree(); });
     m_itemCommands = std::make_unique<ItemCommands>(m_navigator->context(), m_templates);
     m_itemCommands->addTo(commands);
+    m_scanCommands = std::make_unique<ScanCommands>(m_navigator->context());
+    m_scanCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
+    // A button of the window runs the command of its name once a feature brings one.
+    for (const char* name : {"cmdScanDoc", "cmdScanPic", "cmdFind"}) {
+        auto* button = findChild<QPushButton*>(QLatin1String(name));
+        if (const std::function<void()> command = commands.value(QLatin1String(name));
+            button && command) {
+            button->setEnabled(true);
+            button->setToolTip(QString());
+            connect(button, &QPushButton::clicked, this, command);
+        }
+    }
 
     connect(m_navigator.get(), &Navigator::documentActivated, this,
             [this](qint32 id) { m_itemCommands->properties(Level::Document, id); });

@@ -19,6 +19,7 @@ class ItemCommands;
 class NavTree;
 class Navigator;
 class PagePane;
+class ScanCommands;
 class ViewerCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
@@ -76,6 +77,7 @@ private:
     std::unique_ptr<Navigator> m_navigator;
     std::unique_ptr<ItemCommands> m_itemCommands;
     std::unique_ptr<ViewerCommands> m_viewerCommands;
+    std::unique_ptr<ScanCommands> m_scanCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };
