@@ -210,6 +210,12 @@ void ScanFlow::showSheet(int sheet, int percent)
 {
     emit sheetProgress(sheet, percent);
     Progress& progress = m_context.progress;
+    // A Cancel pressed just before the next sheet began must not be lost to the restart of
+    // the progress window.
+    if (m_progressShown && !m_cancelRequested && progress.stopped())
+        cancel();
+    if (m_cancelRequested)
+        return;
     if (!m_progressShown || sheet != m_shownSheet) {
         progress.start(QStringLiteral("Reading page %1 from %2").arg(sheet).arg(m_deviceLabel), 0,
                        100);

@@ -130,6 +130,10 @@ void PageViewWindow::startNextPage()
 {
     m_resolver.startNextPage();
     m_newPageSaved = false;
+    // The new page has no file yet: the last page's name must not make its save a rename.
+    m_currentFile.clear();
+    m_ui->txtFilename->clear();
+    m_imageChanged = false;
     if (m_resolver.newDocument())
         m_key = NodeKey::of(Level::Document, m_location.documentId);
 }
