@@ -245,6 +245,58 @@ private slots:
         QVERIFY(h.documentsOf(h.letters).isEmpty());
     }
 
+    // A device that fails in the middle of a feeder run: its own status text names the
+    // trouble, the pages before stay whole, and the page being read leaves no row behind.
+    void deviceFailsMidRun_data()
+    {
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<int>("failAfter");
+        QTest::addColumn<QString>("message");
+        QTest::newRow("jammed on the third sheet")
+            << "SANE_STATUS_JAMMED" << 2
+            << "The scanner 'test:0' stopped: Document feeder jammed.\n"
+               "The 2 pages scanned before are kept.";
+        QTest::newRow("cover open after one")
+            << "SANE_STATUS_COVER_OPEN" << 1
+            << "The scanner 'test:0' stopped: Scanner cover is open.\n"
+               "The page scanned before is kept.";
+        QTest::newRow("no paper at all") << "SANE_STATUS_NO_DOCS" << 0
+                                         << "The scanner 'test:0' stopped: Document feeder out "
+                                            "of documents.";
+    }
+    void deviceFailsMidRun()
+    {
+        QFETCH(QString, status);
+        QFETCH(int, failAfter);
+        QFETCH(QString, message);
+        SaneTestBackend backend({kPicture});
+        ScanHarness h;
+        h.settings().set(keys::ScanFeeder, QStringLiteral("Y"));
+        h.settings().set(keys::DocDpi, QStringLiteral("50"));
+        SaneSource source;
+        ScanFlow flow(h.context(), source);
+        QObject guard;
+        // The device is told to fail before it reads the next sheet.
+        const auto fail = [&] { source.setOption(QStringLiteral("read-return-value"), status); };
+        QObject::connect(&source, &ScanSource::opened, &guard, [&] {
+            if (failAfter == 0)
+                fail();
+        });
+        QObject::connect(&flow, &ScanFlow::pageSaved, &guard, [&] {
+            if (flow.pagesSaved() + 1 == failAfter)
+                fail();
+        });
+        h.prompter.expect(message);
+        flow.scanToViewer(NodeKey::of(Level::Document, h.five));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(flow.pagesSaved(), failAfter);
+        QVERIFY(!flow.viewer());
+        const QVector<PageRow> rows = h.pages(h.five);
+        QCOMPARE(rows.size(), 5 + failAfter);
+        for (const PageRow& row : rows)
+            QVERIFY2(!h.pageImage(row).isNull(), qPrintable(h.pagePath(row)));
+    }
+
     // Before the first scan the settings dialog comes up; Cancel starts nothing, OK goes on
     // with what it chose (the first device found, for someone who never chose).
     void settingsBeforeTheFirstScan_data()
