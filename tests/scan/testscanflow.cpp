@@ -1,4 +1,5 @@
 #include <QComboBox>
+#include <QLabel>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
@@ -7,6 +8,7 @@
 #include "sanetestbackend.h"
 #include "scan/sanesource.h"
 #include "scan/scanflow.h"
+#include "scan/scanoptionsdialog.h"
 #include "scan/scansettingsdialog.h"
 #include "scanharness.h"
 #include "tests/support/testrunner.h"
@@ -295,6 +297,63 @@ private slots:
         QCOMPARE(rows.size(), 5 + failAfter);
         for (const PageRow& row : rows)
             QVERIFY2(!h.pageImage(row).isNull(), qPrintable(h.pagePath(row)));
+    }
+
+    // "TWAINShowUI": the device's own options come up before the scan; what is changed there
+    // is what the device reads with; Cancel there reads nothing and leaves no row.
+    void deviceOptionsBeforeTheScan_data()
+    {
+        QTest::addColumn<bool>("scan");
+        QTest::newRow("mode changed to grey, then Scan") << true;
+        QTest::newRow("cancelled") << false;
+    }
+    void deviceOptionsBeforeTheScan()
+    {
+        QFETCH(bool, scan);
+        SaneTestBackend backend({kPicture});
+        ScanHarness h;
+        h.settings().set(keys::ScanShowUi, QStringLiteral("Y"));
+        SaneSource source;
+        ScanFlow flow(h.context(), source);
+        QStringList modes;
+        QString device;
+        DialogAnswerer answerer([&](QDialog* dialog) {
+            auto* options = qobject_cast<ScanOptionsDialog*>(dialog);
+            if (!options)
+                return false;
+            device = dialog->findChild<QLabel*>(QStringLiteral("lblDevice"))->text();
+            auto* mode = qobject_cast<QComboBox*>(options->control(QStringLiteral("mode")));
+            if (!mode)
+                return DialogAnswerer::press(dialog, "cmdCancel");
+            for (int i = 0; i < mode->count(); ++i)
+                modes << mode->itemText(i);
+            modes << mode->currentText();
+            if (!scan)
+                return DialogAnswerer::press(dialog, "cmdCancel");
+            QSignalSpy updated(options, &ScanOptionsDialog::optionsUpdated);
+            emit mode->activated(mode->findText(QStringLiteral("Gray")));
+            if (!waitFor(updated))
+                return DialogAnswerer::press(dialog, "cmdCancel");
+            modes << mode->currentText();
+            return DialogAnswerer::press(dialog, "cmdScan");
+        });
+        flow.scanToViewer(NodeKey::of(Level::Document, h.five));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(answerer.seen, QStringList{"qmr::ScanOptionsDialog"});
+        QCOMPARE(device, QStringLiteral("Options of test:0"));
+        // The list of the device, set to colour by the settings, then grey by the person.
+        const QStringList expectedModes = scan ? QStringList{"Gray", "Color", "Color", "Gray"}
+                                               : QStringList{"Gray", "Color", "Color"};
+        QCOMPARE(modes, expectedModes);
+        QCOMPARE(flow.pagesSaved(), scan ? 1 : 0);
+        const QVector<PageRow> rows = h.pages(h.five);
+        QCOMPARE(rows.size(), scan ? 6 : 5);
+        if (scan) {
+            const QImage image = h.pageImage(rows.last());
+            QVERIFY(!image.isNull());
+            QVERIFY(image.allGray());
+        }
+        QVERIFY(!flow.viewer());
     }
 
     // Before the first scan the settings dialog comes up; Cancel starts nothing, OK goes on
