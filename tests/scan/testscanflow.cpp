@@ -1,5 +1,6 @@
 #include <QComboBox>
 #include <QLabel>
+#include <QLineEdit>
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QTest>
@@ -297,6 +298,48 @@ private slots:
         QCOMPARE(rows.size(), 5 + failAfter);
         for (const PageRow& row : rows)
             QVERIFY2(!h.pageImage(row).isNull(), qPrintable(h.pagePath(row)));
+    }
+
+    // "beforescan": the details of the new document are asked before the device reads; the
+    // document is in the tree at once; Cancel there reads nothing.
+    void detailsBeforeTheScan_data()
+    {
+        QTest::addColumn<bool>("confirm");
+        QTest::newRow("named Invoice") << true;
+        QTest::newRow("cancelled") << false;
+    }
+    void detailsBeforeTheScan()
+    {
+        QFETCH(bool, confirm);
+        SaneTestBackend backend({kPicture});
+        ScanHarness h;
+        h.settings().set(keys::GetDocInfo, QStringLiteral("beforescan"));
+        h.settings().set(keys::DocDpi, QStringLiteral("50"));
+        SaneSource source;
+        ScanFlow flow(h.context(), source);
+        QSignalSpy progress(&flow, &ScanFlow::sheetProgress);
+        int readBeforeDialog = -1;
+        DialogAnswerer answerer([&](QDialog* dialog) {
+            if (!qobject_cast<ItemDialog*>(dialog))
+                return false;
+            readBeforeDialog = progress.count();
+            dialog->findChild<QLineEdit*>(QStringLiteral("txtName"))->setText("Invoice");
+            return DialogAnswerer::press(dialog, confirm ? "cmdOK" : "cmdCancel");
+        });
+        flow.scanToViewer(NodeKey::of(Level::Folder, h.letters));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(answerer.seen, QStringList{"qmr::ItemDialog"});
+        QCOMPARE(readBeforeDialog, 0);
+        const QVector<qint32> documents = h.documentsOf(h.letters);
+        QCOMPARE(documents.size(), 1);
+        const qint32 id = documents.first();
+        QCOMPARE(h.session->items().item(Level::Document, id).name,
+                 confirm ? QStringLiteral("Invoice") : QStringLiteral("New document"));
+        const QString added = QStringLiteral("DOC%1 New document<%2").arg(id).arg(h.letters);
+        QCOMPARE(h.nav.calls.value(0), added);
+        QCOMPARE(h.pages(id).size(), confirm ? 1 : 0);
+        QCOMPARE(flow.pagesSaved(), confirm ? 1 : 0);
+        QVERIFY(!flow.viewer());
     }
 
     // "TWAINShowUI": the device's own options come up before the scan; what is changed there
