@@ -8,6 +8,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QScrollBar>
 #include <QSpinBox>
 #include <QVBoxLayout>
 #include <cmath>
@@ -132,6 +133,11 @@ void ScanOptionsDialog::build()
         }
     }
     groups->addStretch(1);
+    // Wide enough for the widest row, so that only the length scrolls.
+    const int frame = 2 * m_ui->scrOptions->frameWidth();
+    const int wanted = m_ui->wgtOptions->sizeHint().width() +
+                       m_ui->scrOptions->verticalScrollBar()->sizeHint().width() + frame;
+    m_ui->scrOptions->setMinimumWidth(qBound(440, wanted, 900));
     if (QWidget* again = m_controls.value(focused))
         again->setFocus();
 }
