@@ -118,15 +118,14 @@ void NavWindow::buildMenus()
     m_scanCommands = std::make_unique<ScanCommands>(m_navigator->context());
     m_scanCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
-    // A button of the window runs the command of its name once a feature brings one.
-    for (const char* name : {"cmdScanDoc", "cmdScanPic", "cmdFind"}) {
-        auto* button = findChild<QPushButton*>(QLatin1String(name));
-        if (const std::function<void()> command = commands.value(QLatin1String(name));
-            button && command) {
-            button->setEnabled(true);
-            button->setToolTip(QString());
-            connect(button, &QPushButton::clicked, this, command);
-        }
+    // A button works once a command stands behind its name.
+    for (QPushButton* button : centralWidget()->findChildren<QPushButton*>()) {
+        const auto command = commands.constFind(button->objectName());
+        if (command == commands.constEnd())
+            continue;
+        button->setEnabled(true);
+        button->setToolTip(QString());
+        connect(button, &QPushButton::clicked, this, [run = command.value()] { run(); });
     }
 
     connect(m_navigator.get(), &Navigator::documentActivated, this,
@@ -183,6 +182,8 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     m_tree->expandNode(QStringLiteral("ROOT"));
     m_menus.showOnly(QString());
     m_navigator->restoreLastNode();
+    // The tree has the keys at start, not the first button that works.
+    m_tree->setFocus();
     step(QStringLiteral("Loading main menu"));
 }
 
