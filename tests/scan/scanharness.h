@@ -4,6 +4,7 @@
 #include <QApplication>
 #include <QDialog>
 #include <QImageReader>
+#include <QPointer>
 #include <QTimer>
 #include <functional>
 #include <memory>
@@ -77,7 +78,7 @@ public:
 private:
     std::function<bool(QDialog*)> m_answer;
     QTimer m_timer;
-    QDialog* m_last = nullptr;
+    QPointer<QDialog> m_last; // a later dialog may be born where this one was
 };
 
 // A store for scans: cabinet "Home", drawer "Papers", folder "Letters" (empty) and folder

@@ -158,6 +158,77 @@ private slots:
         viewer->close();
     }
 
+    // "IMAGEEDIT" with the feeder: each sheet waits in the viewer for the person's save; a
+    // viewer closed without saving ends the run, keeping the pages saved before.
+    void editingEachSheet_data()
+    {
+        QTest::addColumn<int>("closeAt"); // the sheet whose viewer is closed; 0 for none
+        QTest::addColumn<int>("saved");
+        QTest::newRow("every sheet saved") << 0 << 10;
+        QTest::newRow("closed at the third") << 3 << 2;
+    }
+    void editingEachSheet()
+    {
+        QFETCH(int, closeAt);
+        QFETCH(int, saved);
+        SaneTestBackend backend({kPicture});
+        ScanHarness h;
+        h.settings().set(keys::AfterScan, QStringLiteral("IMAGEEDIT"));
+        h.settings().set(keys::ScanFeeder, QStringLiteral("Y"));
+        h.settings().set(keys::DocDpi, QStringLiteral("50"));
+        if (closeAt)
+            h.prompter.expect(QStringLiteral("Cancel saving this new page?"),
+                              Prompter::Answer::Yes);
+        SaneSource source;
+        ScanFlow flow(h.context(), source);
+        int shown = 0;
+        QTimer person;
+        person.setInterval(5);
+        QObject::connect(&person, &QTimer::timeout, [&] {
+            PageViewWindow* viewer = flow.viewer();
+            if (!viewer || !viewer->isVisible() || viewer->newPageSaved() ||
+                viewer->pageImage().isNull())
+                return;
+            ++shown;
+            if (shown == closeAt)
+                viewer->close();
+            else
+                viewer->save();
+        });
+        person.start();
+        flow.scanToViewer(NodeKey::of(Level::Document, h.five));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(shown, closeAt ? closeAt : 10);
+        QCOMPARE(flow.pagesSaved(), saved);
+        QVERIFY(!flow.viewer());
+        const QVector<PageRow> rows = h.pages(h.five);
+        QCOMPARE(rows.size(), 5 + saved);
+        for (const PageRow& row : rows)
+            QVERIFY2(!h.pageImage(row).isNull(), qPrintable(h.pagePath(row)));
+    }
+
+    // With "afterscan", each scan into a folder makes a document of its own.
+    void eachFolderScanMakesItsDocument()
+    {
+        SaneTestBackend backend({kPicture});
+        ScanHarness h;
+        h.settings().set(keys::DocDpi, QStringLiteral("50"));
+        SaneSource source;
+        DialogAnswerer answerer(acceptDetails);
+        for (int i = 0; i < 2; ++i) {
+            ScanFlow flow(h.context(), source);
+            flow.scanToViewer(NodeKey::of(Level::Folder, h.letters));
+            QCOMPARE(flow.pagesSaved(), 1);
+        }
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        const QVector<qint32> documents = h.documentsOf(h.letters);
+        QCOMPARE(documents.size(), 2);
+        for (qint32 id : documents) {
+            QCOMPARE(h.pages(id).size(), 1);
+            QCOMPARE(h.pages(id).first().pageNumber, 1);
+        }
+    }
+
     // Cancel in the middle of a feeder run stops the device; the pages saved stay whole and
     // no row is left without its file.
     void cancelKeepsSavedPages_data()
