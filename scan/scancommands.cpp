@@ -77,6 +77,9 @@ void ScanCommands::run(const NodeKey& key)
 
 void ScanCommands::scanSettings()
 {
+    // The settings of a scan under way stay as they were when it began.
+    if (m_flow && m_flow->isRunning())
+        return;
     ScanSettingsDialog dialog(m_context.session.settings(), source(), m_context.parent);
     dialog.exec();
 }

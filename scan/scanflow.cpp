@@ -291,6 +291,11 @@ void ScanFlow::acquire()
         break;
     }
     endProgress();
+    if (!m_end) {
+        // The program is ending (its event loops were told to stop): the device stops too.
+        m_source.cancel();
+        return;
+    }
     if (m_end->reason == ScanEnd::Reason::Failed)
         tellFailure(*m_end);
 }
