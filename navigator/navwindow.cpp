@@ -30,6 +30,7 @@
 #include "navigator/pagepane.h"
 #include "navigator/renamecontroller.h"
 #include "print/printcommands.h"
+#include "scan/scancommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 #include "viewer/viewercommands.h"
@@ -146,6 +147,8 @@ void NavWindow::buildMenus()
     m_clipboardCommands = std::make_unique<ClipboardCommands>(m_navigator->context());
     m_clipboardCommands->addTo(commands);
     m_dragDrop = std::make_unique<NavDragDrop>(m_navigator->context(), *m_tree, *m_list, *m_pages);
+    m_scanCommands = std::make_unique<ScanCommands>(m_navigator->context());
+    m_scanCommands->addTo(commands);
     m_menus.build(menuBar(), commands);
     m_menus.action(QStringLiteral("mnuHelpHelpTopics"))->setShortcut(QKeySequence::HelpContents);
     // A button works once a command stands behind its name.

@@ -27,6 +27,7 @@ class NavTree;
 class Navigator;
 class PagePane;
 class PrintCommands;
+class ScanCommands;
 class ViewerCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
@@ -96,6 +97,7 @@ private:
     std::unique_ptr<ExchangeCommands> m_exchangeCommands;
     std::unique_ptr<ClipboardCommands> m_clipboardCommands;
     std::unique_ptr<NavDragDrop> m_dragDrop;
+    std::unique_ptr<ScanCommands> m_scanCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };

@@ -10,6 +10,7 @@ packages=(
   libqt6svg6                           # draws the program's SVG icons at any size
   libsqlite3-dev                       # the store
   libcurl4-openssl-dev                 # mail to an SMTP server
+  libsane-dev sane-utils               # scanners and cameras; sane-utils brings the test device
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
   clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers
   poppler-utils                        # tests: pdfinfo and pdfimages read printed PDF files

@@ -251,6 +251,12 @@ bool PageSaver::cancelNewPage(const PageLocation& location)
 {
     if (!m_context.prompter.confirm(QStringLiteral("Cancel saving this new page?")))
         return false;
+    removeNewPage(location);
+    return true;
+}
+
+void PageSaver::removeNewPage(const PageLocation& location)
+{
     Session& session = m_context.session;
     const std::optional<PageRow> row = session.pages().page(location.pageId);
     const QString stored = row ? row->filename : QString();
@@ -259,7 +265,6 @@ bool PageSaver::cancelNewPage(const PageLocation& location)
     removeIfThere(session.paths().thumbPath(location.pageId, stored));
     if (m_context.navigator)
         m_context.navigator->refreshPages(location.documentId);
-    return true;
 }
 
 } // namespace qmr

@@ -39,6 +39,8 @@ public:
                 const std::function<void(SaveTarget&)>& reresolve);
     // cmdCancel of a new page: asks, then removes its row and files. True when removed.
     bool cancelNewPage(const PageLocation& location);
+    // Removes a new page's row and files without asking.
+    void removeNewPage(const PageLocation& location);
 
     // The quality factor of a save: the picture's or the document's by the last scan's kind;
     // a re-saved page (`resave`: mode "Edit") always takes the picture's.

@@ -130,6 +130,10 @@ void PageViewWindow::startNextPage()
 {
     m_resolver.startNextPage();
     m_newPageSaved = false;
+    // The new page has no file yet: the last page's name must not make its save a rename.
+    m_currentFile.clear();
+    m_ui->txtFilename->clear();
+    m_imageChanged = false;
     if (m_resolver.newDocument())
         m_key = NodeKey::of(Level::Document, m_location.documentId);
 }
@@ -393,6 +397,7 @@ PageSaver::Result PageViewWindow::save()
         // A scan into a folder goes on in the document made for its first page.
         if (m_resolver.newDocument())
             m_key = NodeKey::of(Level::Document, m_location.documentId);
+        emit pageSaved(m_location.pageId);
     }
     return result;
 }
@@ -415,6 +420,14 @@ bool PageViewWindow::mayClose()
     bool removed = false;
     guarded(m_context.prompter, [&] { removed = PageSaver(m_context).cancelNewPage(m_location); });
     return removed;
+}
+
+void PageViewWindow::discardNewPage()
+{
+    if (m_mode == ViewerMode::Add && !m_newPageSaved && m_location.pageId >= 0)
+        guarded(m_context.prompter, [this] { PageSaver(m_context).removeNewPage(m_location); });
+    m_newPageSaved = true; // nothing is left to ask about
+    close();
 }
 
 void PageViewWindow::cmdCancel()

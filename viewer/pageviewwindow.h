@@ -47,6 +47,9 @@ public:
     void loadImage();
     // cmdSave_Click.
     PageSaver::Result save();
+    // A new page that never got an image (a scan that brought none): its rows and files go
+    // without a question, and the window closes.
+    void discardNewPage();
 
     // View Settings changed the default zoom: it applies at once.
     void applyZoomDefault();
@@ -80,6 +83,10 @@ public:
     void mnuEditCopy();
     void mnuEditPaste();
     void mnuEditUndo();
+
+signals:
+    // A save wrote the page's image and its row.
+    void pageSaved(qint32 pageId);
 
 protected:
     void closeEvent(QCloseEvent* event) override;

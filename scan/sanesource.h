@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QThread>
+
+#include "scan/scansource.h"
+
+namespace qmr {
+
+class SaneWorker;
+
+// The scan source of the system's scanners and cameras, through SANE. The library is used on
+// a thread of its own, so that looking for devices and reading pages never stop the window.
+class SaneSource : public ScanSource
+{
+    Q_OBJECT
+public:
+    explicit SaneSource(QObject* parent = nullptr);
+    ~SaneSource() override;
+
+    void findDevices() override;
+    void open(const ScanRequest& request) override;
+    void setOption(const QString& name, const QVariant& value) override;
+    void readPages() override;
+    void nextPage() override;
+    void cancel() override;
+    void close() override;
+
+private:
+    QThread m_thread;
+    SaneWorker* m_worker = nullptr;
+};
+
+} // namespace qmr

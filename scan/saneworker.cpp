@@ -1,0 +1,602 @@
+#include "scan/saneworker.h"
+
+#include <QMutexLocker>
+#include <cstring>
+#include <sane/sane.h>
+#include <sane/saneopts.h>
+
+#include "scan/frameassembler.h"
+#include "scan/optionmatch.h"
+
+namespace qmr {
+
+namespace {
+
+constexpr qsizetype kReadChunk = 256 * 1024;
+// A whole JPEG file as one frame: announced for a later version of the standard, and sent by
+// a few backends already.
+constexpr int kFrameJpeg = 0x0B;
+
+QString statusText(SANE_Status status)
+{
+    return QString::fromUtf8(sane_strstatus(status));
+}
+
+QString text(SANE_String_Const s)
+{
+    return s ? QString::fromUtf8(s) : QString();
+}
+
+QString unitText(SANE_Unit unit)
+{
+    switch (unit) {
+    case SANE_UNIT_PIXEL:
+        return QStringLiteral("px");
+    case SANE_UNIT_BIT:
+        return QStringLiteral("bit");
+    case SANE_UNIT_MM:
+        return QStringLiteral("mm");
+    case SANE_UNIT_DPI:
+        return QStringLiteral("dpi");
+    case SANE_UNIT_PERCENT:
+        return QStringLiteral("%");
+    case SANE_UNIT_MICROSECOND:
+        return QStringLiteral("µs");
+    default:
+        return QString();
+    }
+}
+
+FrameFormat::Kind kindOf(SANE_Frame frame)
+{
+    switch (int(frame)) {
+    case SANE_FRAME_GRAY:
+        return FrameFormat::Kind::Grey;
+    case SANE_FRAME_RGB:
+        return FrameFormat::Kind::Rgb;
+    case SANE_FRAME_RED:
+        return FrameFormat::Kind::Red;
+    case SANE_FRAME_GREEN:
+        return FrameFormat::Kind::Green;
+    case SANE_FRAME_BLUE:
+        return FrameFormat::Kind::Blue;
+    case kFrameJpeg:
+        return FrameFormat::Kind::Jpeg;
+    default:
+        return FrameFormat::Kind::Other;
+    }
+}
+
+} // namespace
+
+SaneWorker::SaneWorker() = default;
+
+SaneWorker::~SaneWorker()
+{
+    shutdown();
+}
+
+void SaneWorker::requestCancel()
+{
+    m_cancelled = true;
+    QMutexLocker lock(&m_handleLock);
+    if (m_handle && m_reading)
+        sane_cancel(static_cast<SANE_Handle>(m_handle));
+}
+
+void SaneWorker::requestStop()
+{
+    m_stopping = true;
+    requestCancel();
+}
+
+bool SaneWorker::ensureLibrary(QString* failure)
+{
+    if (m_library)
+        return true;
+    SANE_Int version = 0;
+    const SANE_Status status = sane_init(&version, nullptr);
+    if (status != SANE_STATUS_GOOD) {
+        if (failure)
+            *failure = statusText(status);
+        return false;
+    }
+    m_library = true;
+    return true;
+}
+
+void SaneWorker::shutdown()
+{
+    closeHandle();
+    if (m_library) {
+        sane_exit();
+        m_library = false;
+    }
+}
+
+void SaneWorker::closeHandle()
+{
+    QMutexLocker lock(&m_handleLock);
+    if (!m_handle)
+        return;
+    auto* handle = static_cast<SANE_Handle>(m_handle);
+    sane_cancel(handle);
+    sane_close(handle);
+    m_handle = nullptr;
+    m_reading = false;
+    m_index.clear();
+}
+
+void SaneWorker::findDevices()
+{
+    if (m_stopping)
+        return;
+    QString failure;
+    QVector<ScanDevice> devices;
+    if (ensureLibrary(&failure)) {
+        const SANE_Device** list = nullptr;
+        const SANE_Status status = sane_get_devices(&list, SANE_FALSE);
+        if (status != SANE_STATUS_GOOD)
+            failure = statusText(status);
+        for (int i = 0; list && list[i]; ++i)
+            devices.append(ScanDevice{text(list[i]->name), text(list[i]->vendor),
+                                      text(list[i]->model), text(list[i]->type)});
+        m_known.clear();
+        for (const ScanDevice& device : devices)
+            m_known.insert(device.name, device);
+    }
+    emit devicesFound(devices, failure);
+}
+
+// ---- options ------------------------------------------------------------------------------
+
+QVector<ScanOption> SaneWorker::readOptions()
+{
+    QVector<ScanOption> options;
+    m_index.clear();
+    auto* handle = static_cast<SANE_Handle>(m_handle);
+    if (!handle)
+        return options;
+    SANE_Int count = 0;
+    if (sane_control_option(handle, 0, SANE_ACTION_GET_VALUE, &count, nullptr) != SANE_STATUS_GOOD)
+        return options;
+    QString group;
+    for (SANE_Int i = 1; i < count; ++i) {
+        const SANE_Option_Descriptor* d = sane_get_option_descriptor(handle, i);
+        if (!d)
+            continue;
+        ScanOption o;
+        o.title = text(d->title);
+        o.description = text(d->desc);
+        if (d->type == SANE_TYPE_GROUP) {
+            group = o.title;
+            o.type = ScanOption::Type::Group;
+            options.append(o);
+            continue;
+        }
+        o.name = text(d->name);
+        o.group = group;
+        o.unit = unitText(d->unit);
+        switch (d->type) {
+        case SANE_TYPE_BOOL:
+            o.type = ScanOption::Type::Bool;
+            break;
+        case SANE_TYPE_INT:
+            o.type = ScanOption::Type::Int;
+            break;
+        case SANE_TYPE_FIXED:
+            o.type = ScanOption::Type::Fixed;
+            break;
+        case SANE_TYPE_STRING:
+            o.type = ScanOption::Type::String;
+            break;
+        default:
+            o.type = ScanOption::Type::Button;
+            break;
+        }
+        const bool words = o.type == ScanOption::Type::Bool || o.type == ScanOption::Type::Int ||
+                           o.type == ScanOption::Type::Fixed;
+        o.count = words ? qMax(1, int(d->size / SANE_Int(sizeof(SANE_Word)))) : 1;
+        o.active = SANE_OPTION_IS_ACTIVE(d->cap);
+        o.settable = SANE_OPTION_IS_SETTABLE(d->cap);
+        o.advanced = (d->cap & SANE_CAP_ADVANCED) != 0;
+        const bool fixed = o.type == ScanOption::Type::Fixed;
+        auto number = [fixed](SANE_Word w) { return fixed ? SANE_UNFIX(w) : double(w); };
+        switch (d->constraint_type) {
+        case SANE_CONSTRAINT_RANGE:
+            if (d->constraint.range) {
+                o.constraint = ScanOption::Constraint::Range;
+                o.minimum = number(d->constraint.range->min);
+                o.maximum = number(d->constraint.range->max);
+                o.quant = number(d->constraint.range->quant);
+            }
+            break;
+        case SANE_CONSTRAINT_WORD_LIST:
+            if (d->constraint.word_list) {
+                o.constraint = ScanOption::Constraint::WordList;
+                for (SANE_Int k = 1; k <= d->constraint.word_list[0]; ++k)
+                    o.words.append(number(d->constraint.word_list[k]));
+            }
+            break;
+        case SANE_CONSTRAINT_STRING_LIST:
+            if (d->constraint.string_list) {
+                o.constraint = ScanOption::Constraint::StringList;
+                for (int k = 0; d->constraint.string_list[k]; ++k)
+                    o.strings.append(text(d->constraint.string_list[k]));
+            }
+            break;
+        default:
+            break;
+        }
+        const bool readable = o.active && (d->cap & SANE_CAP_SOFT_DETECT) && o.count == 1 &&
+                              o.type != ScanOption::Type::Button;
+        if (readable) {
+            if (o.type == ScanOption::Type::String) {
+                QByteArray buffer(qMax<SANE_Int>(d->size, 1) + 1, '\0');
+                if (sane_control_option(handle, i, SANE_ACTION_GET_VALUE, buffer.data(), nullptr) ==
+                    SANE_STATUS_GOOD)
+                    o.value = QString::fromUtf8(buffer.constData());
+            } else {
+                SANE_Word w = 0;
+                if (sane_control_option(handle, i, SANE_ACTION_GET_VALUE, &w, nullptr) ==
+                    SANE_STATUS_GOOD) {
+                    if (o.type == ScanOption::Type::Bool)
+                        o.value = bool(w);
+                    else if (fixed)
+                        o.value = SANE_UNFIX(w);
+                    else
+                        o.value = int(w);
+                }
+            }
+        }
+        if (!o.name.isEmpty() && !m_index.contains(o.name))
+            m_index.insert(o.name, i);
+        options.append(o);
+    }
+    return options;
+}
+
+int SaneWorker::indexOf(const QString& name) const
+{
+    return m_index.value(name, -1);
+}
+
+QString SaneWorker::setValue(int index, const QVariant& value)
+{
+    auto* handle = static_cast<SANE_Handle>(m_handle);
+    const SANE_Option_Descriptor* d =
+        handle && index > 0 ? sane_get_option_descriptor(handle, index) : nullptr;
+    if (!d)
+        return statusText(SANE_STATUS_INVAL);
+    SANE_Int info = 0;
+    SANE_Status status = SANE_STATUS_UNSUPPORTED;
+    switch (d->type) {
+    case SANE_TYPE_BOOL: {
+        SANE_Word w = value.toBool() ? SANE_TRUE : SANE_FALSE;
+        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+        break;
+    }
+    case SANE_TYPE_INT: {
+        SANE_Word w = SANE_Word(qRound(value.toDouble()));
+        if (d->size == SANE_Int(sizeof(SANE_Word)))
+            status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+        break;
+    }
+    case SANE_TYPE_FIXED: {
+        SANE_Word w = SANE_FIX(value.toDouble());
+        if (d->size == SANE_Int(sizeof(SANE_Word)))
+            status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+        break;
+    }
+    case SANE_TYPE_STRING: {
+        const QByteArray utf8 = value.toString().toUtf8();
+        QByteArray buffer(qMax<SANE_Int>(d->size, 1), '\0');
+        std::memcpy(buffer.data(), utf8.constData(), size_t(qMin(utf8.size(), buffer.size() - 1)));
+        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, buffer.data(), &info);
+        break;
+    }
+    case SANE_TYPE_BUTTON:
+        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, nullptr, &info);
+        break;
+    default:
+        break;
+    }
+    return status == SANE_STATUS_GOOD ? QString() : statusText(status);
+}
+
+double SaneWorker::currentResolution() const
+{
+    auto* handle = static_cast<SANE_Handle>(m_handle);
+    for (const char* name : {SANE_NAME_SCAN_RESOLUTION, SANE_NAME_SCAN_X_RESOLUTION}) {
+        const int index = indexOf(QLatin1String(name));
+        const SANE_Option_Descriptor* d =
+            handle && index > 0 ? sane_get_option_descriptor(handle, index) : nullptr;
+        if (!d || !SANE_OPTION_IS_ACTIVE(d->cap) || d->size != SANE_Int(sizeof(SANE_Word)))
+            continue;
+        SANE_Word w = 0;
+        if (sane_control_option(handle, index, SANE_ACTION_GET_VALUE, &w, nullptr) !=
+            SANE_STATUS_GOOD)
+            continue;
+        return d->type == SANE_TYPE_FIXED ? SANE_UNFIX(w) : double(w);
+    }
+    return m_request.dpi;
+}
+
+QString SaneWorker::deviceLabel() const
+{
+    const auto known = m_known.constFind(m_request.device);
+    return known != m_known.cend() ? known->label() : m_request.device;
+}
+
+void SaneWorker::applyRequest()
+{
+    m_setup = ScanSetup();
+    m_setup.device = deviceLabel();
+    auto find = [](const QVector<ScanOption>& options, const char* name) -> const ScanOption* {
+        for (const ScanOption& o : options)
+            if (o.name == QLatin1String(name))
+                return &o;
+        return nullptr;
+    };
+    auto usable = [](const ScanOption* o) { return o && o->active && o->settable; };
+
+    // The source first: it can change which modes and resolutions the device offers.
+    QVector<ScanOption> options = readOptions();
+    if (const ScanOption* source = find(options, SANE_NAME_SCAN_SOURCE);
+        usable(source) && source->constraint == ScanOption::Constraint::StringList) {
+        const OptionMatch::SourceChoice choice =
+            OptionMatch::chooseSource(source->strings, m_request.feeder, m_request.duplex);
+        if (!choice.value.isEmpty() && setValue(indexOf(source->name), choice.value).isEmpty()) {
+            m_setup.feeder = choice.feeder;
+            m_setup.duplex = choice.duplex;
+        }
+        options = readOptions();
+    }
+    if (const ScanOption* source = find(options, SANE_NAME_SCAN_SOURCE))
+        m_setup.source = source->value.toString();
+    // Some devices turn both sides over with a switch of its own.
+    if (m_setup.feeder && m_request.duplex && !m_setup.duplex) {
+        const ScanOption* duplex = find(options, "duplex");
+        if (usable(duplex) && duplex->type == ScanOption::Type::Bool &&
+            setValue(indexOf(duplex->name), true).isEmpty()) {
+            m_setup.duplex = true;
+            options = readOptions();
+        }
+    }
+
+    std::optional<ScanColour> gives;
+    if (const ScanOption* mode = find(options, SANE_NAME_SCAN_MODE);
+        usable(mode) && mode->constraint == ScanOption::Constraint::StringList) {
+        const OptionMatch::ModeChoice choice =
+            OptionMatch::chooseMode(mode->strings, m_request.colour);
+        if (!choice.value.isEmpty() && setValue(indexOf(mode->name), choice.value).isEmpty())
+            gives = choice.colour;
+        options = readOptions();
+    }
+    if (const ScanOption* mode = find(options, SANE_NAME_SCAN_MODE))
+        m_setup.mode = mode->value.toString();
+    // Line art from a device that has none of its own: its grey at one bit a pixel where it
+    // offers that; otherwise eight bits, which the page is reduced from afterwards.
+    if (const ScanOption* depth = find(options, SANE_NAME_BIT_DEPTH); usable(depth)) {
+        const bool oneBit = m_request.colour == ScanColour::LineArt && gives == ScanColour::Grey;
+        const double wanted = oneBit ? 1 : 8;
+        const bool offered = depth->constraint == ScanOption::Constraint::WordList
+                                 ? depth->words.contains(wanted)
+                                 : OptionMatch::nearestValue(*depth, wanted) == wanted;
+        if (gives != ScanColour::LineArt && offered && depth->value.toDouble() != wanted) {
+            setValue(indexOf(depth->name), wanted);
+            options = readOptions();
+        }
+    }
+
+    bool resolutionSet = false;
+    for (const char* name :
+         {SANE_NAME_SCAN_RESOLUTION, SANE_NAME_SCAN_X_RESOLUTION, SANE_NAME_SCAN_Y_RESOLUTION}) {
+        if (resolutionSet && qstrcmp(name, SANE_NAME_SCAN_X_RESOLUTION) == 0)
+            break;
+        const ScanOption* resolution = find(options, name);
+        if (!usable(resolution))
+            continue;
+        setValue(indexOf(resolution->name), OptionMatch::nearestValue(*resolution, m_request.dpi));
+        resolutionSet = true;
+        options = readOptions();
+    }
+    m_setup.dpi = currentResolution();
+}
+
+void SaneWorker::setOption(const QString& name, const QVariant& value)
+{
+    if (m_stopping)
+        return;
+    if (!m_handle) {
+        emit optionsChanged({}, statusText(SANE_STATUS_INVAL));
+        return;
+    }
+    const QString failure = setValue(indexOf(name), value);
+    emit optionsChanged(readOptions(), failure);
+}
+
+// ---- the scan -----------------------------------------------------------------------------
+
+void SaneWorker::open(const ScanRequest& request)
+{
+    if (m_stopping)
+        return;
+    m_cancelled = false;
+    closeHandle();
+    m_request = request;
+    m_sheet = 0;
+    QString failure;
+    if (!ensureLibrary(&failure)) {
+        finish(ScanEnd::Reason::Failed, failure, true);
+        return;
+    }
+    SANE_Handle handle = nullptr;
+    const SANE_Status status = sane_open(request.device.toUtf8().constData(), &handle);
+    if (status != SANE_STATUS_GOOD || !handle) {
+        finish(ScanEnd::Reason::Failed, statusText(status), true);
+        return;
+    }
+    {
+        QMutexLocker lock(&m_handleLock);
+        m_handle = handle;
+    }
+    applyRequest();
+    emit opened(readOptions(), m_setup);
+}
+
+void SaneWorker::readPages()
+{
+    if (m_stopping)
+        return;
+    if (!m_handle) {
+        finish(ScanEnd::Reason::Failed, statusText(SANE_STATUS_INVAL), true);
+        return;
+    }
+    // The device's options dialog may have changed the resolution.
+    m_setup.dpi = currentResolution();
+    m_sheet = 0;
+    readSheet();
+}
+
+void SaneWorker::nextPage()
+{
+    if (!m_handle)
+        return;
+    if (m_cancelled || m_stopping)
+        finish(ScanEnd::Reason::Cancelled);
+    else if (!m_setup.feeder)
+        finish(ScanEnd::Reason::Done);
+    else
+        readSheet();
+}
+
+void SaneWorker::close()
+{
+    if (m_handle)
+        finish(ScanEnd::Reason::Cancelled);
+}
+
+void SaneWorker::finish(ScanEnd::Reason reason, const QString& status, bool atOpen)
+{
+    closeHandle();
+    m_cancelled = false;
+    ScanEnd end;
+    end.reason = reason;
+    end.device = deviceLabel();
+    end.status = status;
+    end.atOpen = atOpen;
+    emit finished(end);
+}
+
+QImage SaneWorker::inWantedColour(QImage image) const
+{
+    if (image.isNull())
+        return image;
+    const int dpmX = image.dotsPerMeterX();
+    const int dpmY = image.dotsPerMeterY();
+    if (m_request.colour == ScanColour::Grey && image.format() == QImage::Format_RGB32)
+        image = image.convertToFormat(QImage::Format_Grayscale8);
+    else if (m_request.colour == ScanColour::LineArt && image.format() != QImage::Format_Mono)
+        image = image.convertToFormat(QImage::Format_Mono, Qt::MonoOnly | Qt::ThresholdDither);
+    image.setDotsPerMeterX(dpmX);
+    image.setDotsPerMeterY(dpmY);
+    return image;
+}
+
+void SaneWorker::readSheet()
+{
+    auto* handle = static_cast<SANE_Handle>(m_handle);
+    ++m_sheet;
+    FrameAssembler assembler;
+    QByteArray buffer(kReadChunk, Qt::Uninitialized);
+    int frame = 0;
+    auto stop = [&](SANE_Status status) {
+        m_reading = false;
+        if (m_cancelled || m_stopping || status == SANE_STATUS_CANCELLED)
+            finish(ScanEnd::Reason::Cancelled);
+        // An empty feeder after the first sheet is the end of the stack, not a failure.
+        else if (status == SANE_STATUS_NO_DOCS && m_sheet > 1 && frame == 0 &&
+                 assembler.receivedBytes() == 0)
+            finish(ScanEnd::Reason::Done);
+        else
+            finish(ScanEnd::Reason::Failed, statusText(status));
+    };
+
+    for (;;) {
+        if (m_cancelled || m_stopping) {
+            stop(SANE_STATUS_CANCELLED);
+            return;
+        }
+        m_reading = true;
+        SANE_Status status = sane_start(handle);
+        if (status != SANE_STATUS_GOOD) {
+            stop(status);
+            return;
+        }
+        SANE_Parameters p;
+        status = sane_get_parameters(handle, &p);
+        if (status != SANE_STATUS_GOOD) {
+            stop(status);
+            return;
+        }
+        FrameFormat format;
+        format.kind = kindOf(p.format);
+        format.depth = p.depth;
+        format.bytesPerLine = p.bytes_per_line;
+        format.pixelsPerLine = p.pixels_per_line;
+        format.lines = p.lines;
+        QString why;
+        if (!assembler.beginFrame(format, &why)) {
+            m_reading = false;
+            finish(ScanEnd::Reason::Failed, why);
+            return;
+        }
+        const bool bands = format.kind == FrameFormat::Kind::Red ||
+                           format.kind == FrameFormat::Kind::Green ||
+                           format.kind == FrameFormat::Kind::Blue;
+        const int frames = bands ? 3 : 1;
+        const qint64 expected = assembler.expectedBytes();
+        int shown = -2;
+        auto report = [&] {
+            const int percent =
+                expected > 0
+                    ? int(qMin<qint64>(
+                          100, (frame * 100 + assembler.receivedBytes() * 100 / expected) / frames))
+                    : -1;
+            if (percent != shown) {
+                shown = percent;
+                emit sheetProgress(m_sheet, percent);
+            }
+        };
+        report();
+        for (;;) {
+            if (m_cancelled || m_stopping) {
+                stop(SANE_STATUS_CANCELLED);
+                return;
+            }
+            SANE_Int length = 0;
+            status = sane_read(handle, reinterpret_cast<SANE_Byte*>(buffer.data()),
+                               SANE_Int(buffer.size()), &length);
+            // A cancel from outside may end the data early as if the frame were whole.
+            if (status == SANE_STATUS_EOF && (m_cancelled || m_stopping))
+                status = SANE_STATUS_CANCELLED;
+            if (status == SANE_STATUS_EOF)
+                break;
+            if (status != SANE_STATUS_GOOD) {
+                stop(status);
+                return;
+            }
+            assembler.append(buffer.constData(), length);
+            report();
+        }
+        assembler.endFrame();
+        ++frame;
+        if (p.last_frame)
+            break;
+    }
+    m_reading = false;
+    emit pageAcquired(inWantedColour(assembler.image(m_setup.dpi)), m_sheet);
+}
+
+} // namespace qmr

@@ -1,0 +1,150 @@
+#pragma once
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDialog>
+#include <QImageReader>
+#include <QPointer>
+#include <QTimer>
+#include <functional>
+#include <memory>
+
+#include "core/progress.h"
+#include "core/settings.h"
+#include "core/viewsettings.h"
+#include "scan/scanflow.h"
+#include "store/schema.h"
+#include "store/session.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/navrecorder.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+
+namespace qmr::test {
+
+// A progress whose Cancel can be pressed from the test: once pressed it stays stopped until
+// the work starts again, as the program's progress window does.
+class PressableProgress : public Progress
+{
+public:
+    void start(const QString& title, int, int) override
+    {
+        m_stopped = false;
+        titles << title;
+    }
+    void step(const QString&) override {}
+    void end() override { m_stopped = true; }
+    void showCancel() override { cancelOffered = true; }
+    bool stopped() const override { return m_stopped; }
+    void pressCancel() { m_stopped = true; }
+
+    QStringList titles;
+    bool cancelOffered = false;
+
+private:
+    bool m_stopped = false;
+};
+
+// Answers the modal dialogs that come up while a scan runs: `answer` gets each one once and
+// closes it (or leaves it for a later look, returning false).
+class DialogAnswerer
+{
+public:
+    explicit DialogAnswerer(std::function<bool(QDialog*)> answer) : m_answer(std::move(answer))
+    {
+        m_timer.setInterval(10);
+        QObject::connect(&m_timer, &QTimer::timeout, [this] {
+            auto* dialog = qobject_cast<QDialog*>(QApplication::activeModalWidget());
+            if (dialog && dialog != m_last && m_answer(dialog)) {
+                m_last = dialog;
+                seen << dialog->metaObject()->className();
+            }
+        });
+        m_timer.start();
+    }
+    // Presses the button of that objectName in the dialog.
+    static bool press(QDialog* dialog, const char* name)
+    {
+        auto* button = dialog->findChild<QAbstractButton*>(QLatin1String(name));
+        if (!button)
+            return false;
+        button->click();
+        return true;
+    }
+
+    QStringList seen;
+
+private:
+    std::function<bool(QDialog*)> m_answer;
+    QTimer m_timer;
+    QPointer<QDialog> m_last; // a later dialog may be born where this one was
+};
+
+// A store for scans: cabinet "Home", drawer "Papers", folder "Letters" (empty) and folder
+// "Kept" holding document "Five" with pages numbered 1 to 5 (real small JPEGs). Pages are
+// saved at once; unless told otherwise the scan settings were seen and the scanner is the
+// test device.
+struct ScanHarness
+{
+    TestHome home;
+    ScriptedPrompter prompter;
+    ScriptedChoosers choosers;
+    PressableProgress progress;
+    NavRecorder nav;
+    std::unique_ptr<Session> session;
+    std::unique_ptr<ViewSettings> view;
+    qint32 cabinet = -1, drawer = -1, letters = -1, kept = -1, five = -1;
+
+    explicit ScanHarness(bool settingsSeen = true)
+    {
+        {
+            FixtureStore store(home.home());
+            cabinet = store.cabinet("Home");
+            drawer = store.drawer(cabinet, "Papers");
+            letters = store.folder(drawer, "Letters");
+            kept = store.folder(drawer, "Kept");
+            five = store.document(kept, "Five");
+            for (int n = 1; n <= 5; ++n)
+                store.page(five, n, QSize(60, 80));
+        }
+        session = std::make_unique<Session>(home.home(), home.settings());
+        StoreSchema::openDatabase(session->db(), home.home());
+        view = std::make_unique<ViewSettings>(home.settings());
+        view->read();
+        Settings& s = settings();
+        s.set(keys::AfterScan, QStringLiteral("RETURN"));
+        if (settingsSeen) {
+            s.set(keys::SetupScanSettings, QStringLiteral("True"));
+            s.set(keys::ScanSource, QStringLiteral("test:0"));
+        }
+    }
+
+    Settings& settings() { return home.settings(); }
+    CommandContext context()
+    {
+        return CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav};
+    }
+    QVector<PageRow> pages(qint32 documentId) const { return session->pages().pages(documentId); }
+    QVector<qint32> documentsOf(qint32 folderId) const
+    {
+        QVector<qint32> ids;
+        for (const auto& child : session->items().children(Level::Document, folderId))
+            ids << child.id;
+        return ids;
+    }
+    QString pagePath(const PageRow& row) const
+    {
+        return session->paths().pagePath(row.id, row.filename);
+    }
+    // The page's file as a JPEG reader sees it; null when it is missing or no JPEG.
+    QImage pageImage(const PageRow& row) const
+    {
+        QImageReader reader(pagePath(row));
+        if (reader.format() != "jpeg")
+            return QImage();
+        return reader.read();
+    }
+};
+
+} // namespace qmr::test

@@ -1,0 +1,188 @@
+#include <QTest>
+
+#include "scan/optionmatch.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+Q_DECLARE_METATYPE(qmr::ScanColour)
+
+namespace {
+
+ScanOption range(double min, double max, double quant)
+{
+    ScanOption o;
+    o.constraint = ScanOption::Constraint::Range;
+    o.minimum = min;
+    o.maximum = max;
+    o.quant = quant;
+    return o;
+}
+
+ScanOption list(QList<double> words)
+{
+    ScanOption o;
+    o.constraint = ScanOption::Constraint::WordList;
+    o.words = words;
+    return o;
+}
+
+QString colourName(std::optional<ScanColour> c)
+{
+    if (!c)
+        return QStringLiteral("none");
+    return *c == ScanColour::LineArt ? QStringLiteral("line art")
+           : *c == ScanColour::Grey  ? QStringLiteral("grey")
+                                     : QStringLiteral("colour");
+}
+
+} // namespace
+
+class TestOptionMatch : public QObject
+{
+    Q_OBJECT
+private slots:
+    void nearestValue_data()
+    {
+        QTest::addColumn<ScanOption>("option");
+        QTest::addColumn<double>("wanted");
+        QTest::addColumn<double>("chosen");
+        QTest::newRow("range, inside") << range(1, 1200, 1) << 150.0 << 150.0;
+        QTest::newRow("range, between steps") << range(50, 600, 25) << 160.0 << 150.0;
+        QTest::newRow("range, rounds up") << range(50, 600, 25) << 165.0 << 175.0;
+        QTest::newRow("range, below") << range(75, 600, 1) << 10.0 << 75.0;
+        QTest::newRow("range, above") << range(75, 600, 1) << 9600.0 << 600.0;
+        QTest::newRow("range, top off the steps") << range(50, 610, 25) << 610.0 << 600.0;
+        QTest::newRow("range, no step") << range(10.5, 99.5, 0) << 33.3 << 33.3;
+        QTest::newRow("list, exact") << list({75, 150, 300, 600}) << 300.0 << 300.0;
+        QTest::newRow("list, nearest") << list({75, 150, 300, 600}) << 200.0 << 150.0;
+        QTest::newRow("list, tie goes up") << list({100, 200, 300}) << 150.0 << 200.0;
+        QTest::newRow("list, unsorted") << list({1200, 300, 600, 75}) << 500.0 << 600.0;
+        QTest::newRow("list, below all") << list({150, 300}) << 1.0 << 150.0;
+        QTest::newRow("no constraint") << ScanOption() << 123.0 << 123.0;
+    }
+    void nearestValue()
+    {
+        QFETCH(ScanOption, option);
+        QFETCH(double, wanted);
+        QFETCH(double, chosen);
+        QCOMPARE(OptionMatch::nearestValue(option, wanted), chosen);
+    }
+
+    void meaningOfMode_data()
+    {
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("meaning");
+        for (const char* v : {"Lineart", "LineArt", "Line Art", "line-art", "Binary",
+                              "Black & White", "Black and White", "BW", "B&W"})
+            QTest::newRow(v) << QString::fromUtf8(v) << "line art";
+        for (const char* v :
+             {"Gray", "Grey", "Grayscale", "Greyscale", "True Gray", "Gray16", "8bit Gray"})
+            QTest::newRow(v) << QString::fromUtf8(v) << "grey";
+        for (const char* v : {"Color", "Colour", "24bit Color", "24bit Color[Fast]", "Color48",
+                              "RGB", "True Color"})
+            QTest::newRow(v) << QString::fromUtf8(v) << "colour";
+        for (const char* v :
+             {"Halftone", "Gray[Error Diffusion]", "Dithered", "Infrared", "Negative film", ""})
+            QTest::newRow(v) << QString::fromUtf8(v) << "none";
+    }
+    void meaningOfMode()
+    {
+        QFETCH(QString, value);
+        QFETCH(QString, meaning);
+        QCOMPARE(colourName(OptionMatch::meaningOfMode(value)), meaning);
+    }
+
+    void chooseMode_data()
+    {
+        QTest::addColumn<QStringList>("values");
+        QTest::addColumn<ScanColour>("wanted");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<QString>("gives");
+        const QStringList three{"Lineart", "Gray", "Color"};
+        QTest::newRow("line art") << three << ScanColour::LineArt << "Lineart"
+                                  << "line art";
+        QTest::newRow("grey") << three << ScanColour::Grey << "Gray"
+                              << "grey";
+        QTest::newRow("colour") << three << ScanColour::Colour << "Color"
+                                << "colour";
+        const QStringList brother{"Black & White", "Gray[Error Diffusion]", "True Gray",
+                                  "24bit Color[Fast]", "24bit Color"};
+        QTest::newRow("their line art") << brother << ScanColour::LineArt << "Black & White"
+                                        << "line art";
+        QTest::newRow("true grey, not dithered") << brother << ScanColour::Grey << "True Gray"
+                                                 << "grey";
+        QTest::newRow("plain colour first") << brother << ScanColour::Colour << "24bit Color"
+                                            << "colour";
+        const QStringList two{"Gray", "Color"};
+        QTest::newRow("no line art: grey") << two << ScanColour::LineArt << "Gray"
+                                           << "grey";
+        QTest::newRow("colour only: colour for grey")
+            << QStringList{"Color"} << ScanColour::Grey << "Color"
+            << "colour";
+        QTest::newRow("grey only: grey for colour")
+            << QStringList{"Halftone", "Gray"} << ScanColour::Colour << "Gray"
+            << "grey";
+        QTest::newRow("deep colour after plain")
+            << QStringList{"Color48", "Color", "Gray"} << ScanColour::Colour << "Color"
+            << "colour";
+        QTest::newRow("nothing known")
+            << QStringList{"Halftone", "Infrared"} << ScanColour::Colour << ""
+            << "none";
+    }
+    void chooseMode()
+    {
+        QFETCH(QStringList, values);
+        QFETCH(ScanColour, wanted);
+        QFETCH(QString, value);
+        QFETCH(QString, gives);
+        const OptionMatch::ModeChoice choice = OptionMatch::chooseMode(values, wanted);
+        QCOMPARE(choice.value, value);
+        QCOMPARE(colourName(choice.colour), gives);
+    }
+
+    void chooseSource_data()
+    {
+        QTest::addColumn<QStringList>("values");
+        QTest::addColumn<bool>("feeder");
+        QTest::addColumn<bool>("duplex");
+        QTest::addColumn<QString>("value");
+        QTest::addColumn<bool>("fed");
+        QTest::addColumn<bool>("bothSides");
+        const QStringList test{"Flatbed", "Automatic Document Feeder"};
+        QTest::newRow("feeder") << test << true << true << "Automatic Document Feeder" << true
+                                << false;
+        QTest::newRow("flatbed") << test << false << false << "Flatbed" << false << false;
+        const QStringList fujitsu{"ADF Front", "ADF Back", "ADF Duplex"};
+        QTest::newRow("duplex") << fujitsu << true << true << "ADF Duplex" << true << true;
+        QTest::newRow("one side") << fujitsu << true << false << "ADF Front" << true << false;
+        QTest::newRow("no flatbed, no feeder: as it is")
+            << fujitsu << false << false << "" << false << false;
+        const QStringList epson{"Flatbed", "Transparency Unit", "ADF - Front", "ADF - Duplex"};
+        QTest::newRow("their duplex") << epson << true << true << "ADF - Duplex" << true << true;
+        QTest::newRow("their feeder") << epson << true << false << "ADF - Front" << true << false;
+        QTest::newRow("no feeder: one page") << QStringList{"Flatbed", "Transparency Adapter"}
+                                             << true << true << "Flatbed" << false << false;
+        QTest::newRow("only a duplex feeder")
+            << QStringList{"Flatbed", "Duplex"} << true << false << "Duplex" << true << true;
+        QTest::newRow("platen") << QStringList{"Platen", "ADF"} << false << false << "Platen"
+                                << false << false;
+        QTest::newRow("no values") << QStringList() << true << true << "" << false << false;
+    }
+    void chooseSource()
+    {
+        QFETCH(QStringList, values);
+        QFETCH(bool, feeder);
+        QFETCH(bool, duplex);
+        QFETCH(QString, value);
+        QFETCH(bool, fed);
+        QFETCH(bool, bothSides);
+        const OptionMatch::SourceChoice choice = OptionMatch::chooseSource(values, feeder, duplex);
+        QCOMPARE(choice.value, value);
+        QCOMPARE(choice.feeder, fed);
+        QCOMPARE(choice.duplex, bothSides);
+    }
+};
+
+QMR_TEST(TestOptionMatch)
+#include "testoptionmatch.moc"

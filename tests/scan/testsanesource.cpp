@@ -1,0 +1,452 @@
+#include <QElapsedTimer>
+#include <QSignalSpy>
+#include <QTest>
+
+#include "sanetestbackend.h"
+#include "scan/sanesource.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+Q_DECLARE_METATYPE(qmr::ScanColour)
+
+namespace {
+
+const QString kPicture = QStringLiteral("test-picture \"Color pattern\"");
+
+// One scan from open to end, with options set between open and reading. `cancelAt` cancels
+// once that sheet is a tenth read.
+struct Scan
+{
+    bool opened = false;
+    ScanSetup setup;
+    QVector<ScanOption> options;
+    QVector<QImage> pages;
+    QList<int> percents;
+    ScanEnd end;
+    bool ended = false;
+    qint64 cancelledAt = -1; // ms since the start
+    qint64 endedAt = -1;
+};
+
+Scan runScan(ScanSource& source, const ScanRequest& request,
+             const QList<QPair<QString, QVariant>>& options = {}, int cancelAt = 0,
+             const std::function<void(int)>& afterPage = {})
+{
+    Scan scan;
+    QSignalSpy opened(&source, &ScanSource::opened);
+    QSignalSpy changed(&source, &ScanSource::optionsChanged);
+    QSignalSpy pages(&source, &ScanSource::pageAcquired);
+    QSignalSpy finished(&source, &ScanSource::finished);
+    QElapsedTimer t;
+    t.start();
+    QObject guard;
+    QObject::connect(&source, &ScanSource::sheetProgress, &guard, [&](int sheet, int percent) {
+        if (sheet == 1)
+            scan.percents << percent;
+        if (cancelAt > 0 && sheet == cancelAt && percent >= 10 && scan.cancelledAt < 0) {
+            scan.cancelledAt = t.elapsed();
+            source.cancel();
+        }
+    });
+    QObject::connect(&source, &ScanSource::finished, &guard, [&] { scan.endedAt = t.elapsed(); });
+    source.open(request);
+    while (opened.isEmpty() && finished.isEmpty() && t.elapsed() < 20000)
+        QTest::qWait(5);
+    if (!finished.isEmpty()) {
+        scan.end = finished.first().first().value<ScanEnd>();
+        scan.ended = true;
+        return scan;
+    }
+    if (opened.isEmpty())
+        return scan;
+    scan.opened = true;
+    scan.options = opened.first().at(0).value<QVector<ScanOption>>();
+    scan.setup = opened.first().at(1).value<ScanSetup>();
+    for (const auto& [name, value] : options) {
+        const int before = changed.count();
+        source.setOption(name, value);
+        test::waitFor(changed, before + 1);
+        scan.options = changed.last().at(0).value<QVector<ScanOption>>();
+    }
+    source.readPages();
+    while (finished.isEmpty() && t.elapsed() < 60000) {
+        QTest::qWait(2);
+        if (pages.count() > scan.pages.size()) {
+            scan.pages << pages.at(scan.pages.size()).at(0).value<QImage>();
+            if (afterPage)
+                afterPage(scan.pages.size());
+            source.nextPage();
+        }
+    }
+    if (!finished.isEmpty()) {
+        scan.end = finished.first().first().value<ScanEnd>();
+        scan.ended = true;
+    }
+    return scan;
+}
+
+ScanRequest request(ScanColour colour, int dpi = 50, bool feeder = false)
+{
+    ScanRequest r;
+    r.device = QStringLiteral("test:0");
+    r.colour = colour;
+    r.dpi = dpi;
+    r.feeder = feeder;
+    r.duplex = feeder;
+    return r;
+}
+
+const ScanOption* optionNamed(const QVector<ScanOption>& options, const QString& name)
+{
+    for (const ScanOption& o : options)
+        if (o.name == name)
+            return &o;
+    return nullptr;
+}
+
+int pixelDistance(QRgb a, QRgb b)
+{
+    return qMax(qAbs(qRed(a) - qRed(b)),
+                qMax(qAbs(qGreen(a) - qGreen(b)), qAbs(qBlue(a) - qBlue(b))));
+}
+
+} // namespace
+
+class TestSaneSource : public QObject
+{
+    Q_OBJECT
+private slots:
+    void deviceList_data()
+    {
+        QTest::addColumn<QStringList>("conf");
+        QTest::addColumn<QStringList>("names");
+        QTest::newRow("as installed") << QStringList() << QStringList{"test:0", "test:1"};
+        QTest::newRow("three") << QStringList{"number_of_devices 3"}
+                               << QStringList{"test:0", "test:1", "test:2"};
+    }
+    void deviceList()
+    {
+        QFETCH(QStringList, conf);
+        QFETCH(QStringList, names);
+        test::SaneTestBackend backend(conf);
+        SaneSource source;
+        QSignalSpy found(&source, &ScanSource::devicesFound);
+        source.findDevices();
+        QVERIFY(test::waitFor(found));
+        const auto devices = found.first().at(0).value<QVector<ScanDevice>>();
+        QCOMPARE(found.first().at(1).toString(), QString());
+        QStringList seen;
+        for (const ScanDevice& d : devices) {
+            seen << d.name;
+            QCOMPARE(d.vendor, QStringLiteral("Noname"));
+            QCOMPARE(d.model, QStringLiteral("frontend-tester"));
+            QCOMPARE(d.label(), QStringLiteral("Noname frontend-tester (%1)").arg(d.name));
+        }
+        QCOMPARE(seen, names);
+    }
+
+    // The pages as the system's own command-line frontend reads them with the same settings.
+    void sameAsScanimage_data()
+    {
+        QTest::addColumn<ScanColour>("colour");
+        QTest::addColumn<int>("depth"); // 0: as the request sets it
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<int>("format");
+        QTest::newRow("colour") << ScanColour::Colour << 0
+                                << QStringList{"--mode", "Color", "--depth", "8"}
+                                << int(QImage::Format_RGB32);
+        QTest::newRow("grey") << ScanColour::Grey << 0
+                              << QStringList{"--mode", "Gray", "--depth", "8"}
+                              << int(QImage::Format_Grayscale8);
+        QTest::newRow("line art") << ScanColour::LineArt << 0
+                                  << QStringList{"--mode", "Gray", "--depth", "1"}
+                                  << int(QImage::Format_Mono);
+        QTest::newRow("grey, 16 bits")
+            << ScanColour::Grey << 16 << QStringList{"--mode", "Gray", "--depth", "16"}
+            << int(QImage::Format_Grayscale8);
+        QTest::newRow("colour, 16 bits")
+            << ScanColour::Colour << 16 << QStringList{"--mode", "Color", "--depth", "16"}
+            << int(QImage::Format_RGB32);
+    }
+    void sameAsScanimage()
+    {
+        QFETCH(ScanColour, colour);
+        QFETCH(int, depth);
+        QFETCH(QStringList, arguments);
+        QFETCH(int, format);
+        test::SaneTestBackend backend({kPicture});
+        const QImage expected =
+            backend.scanimage(QStringList{"-d", "test:0", "--resolution", "50"} + arguments);
+        QVERIFY(!expected.isNull());
+        SaneSource source;
+        QList<QPair<QString, QVariant>> options;
+        if (depth)
+            options << qMakePair(QStringLiteral("depth"), QVariant(depth));
+        const Scan scan = runScan(source, request(colour), options);
+        QVERIFY(scan.ended);
+        QCOMPARE(int(scan.end.reason), int(ScanEnd::Reason::Done));
+        QCOMPARE(scan.pages.size(), 1);
+        const QImage& image = scan.pages.first();
+        QCOMPARE(int(image.format()), format);
+        QCOMPARE(image.size(), expected.size());
+        QCOMPARE(image.dotsPerMeterX(), qRound(50 / 0.0254));
+        // 16-bit samples are cut to their high byte here and rounded by the file reader.
+        const int tolerance = depth == 16 ? 1 : 0;
+        for (int y = 0; y < image.height(); ++y)
+            for (int x = 0; x < image.width(); ++x)
+                if (pixelDistance(image.pixel(x, y), expected.pixel(x, y)) > tolerance)
+                    QFAIL(qPrintable(QStringLiteral("pixel %1,%2 differs").arg(x).arg(y)));
+    }
+
+    // Three passes of one band each, lines with wasted pixels at their ends, and a device
+    // that does not know the page's length give the page a single pass gives.
+    void unusualFrames_data()
+    {
+        QTest::addColumn<ScanColour>("colour");
+        QTest::addColumn<QString>("option");
+        QTest::addColumn<QVariant>("value");
+        QTest::newRow("three passes") << ScanColour::Colour << "three-pass" << QVariant(true);
+        QTest::newRow("wasted pixels, grey") << ScanColour::Grey << "ppl-loss" << QVariant(7);
+        QTest::newRow("wasted pixels, colour") << ScanColour::Colour << "ppl-loss" << QVariant(3);
+        QTest::newRow("small reads") << ScanColour::Colour << "read-limit" << QVariant(true);
+    }
+    void unusualFrames()
+    {
+        QFETCH(ScanColour, colour);
+        QFETCH(QString, option);
+        QFETCH(QVariant, value);
+        test::SaneTestBackend backend({kPicture});
+        SaneSource source;
+        const Scan plain = runScan(source, request(colour));
+        QCOMPARE(plain.pages.size(), 1);
+        const Scan odd = runScan(source, request(colour), {qMakePair(option, value)});
+        QVERIFY(odd.ended);
+        QCOMPARE(int(odd.end.reason), int(ScanEnd::Reason::Done));
+        QCOMPARE(odd.pages.size(), 1);
+        const QImage& a = plain.pages.first();
+        const QImage& b = odd.pages.first();
+        if (option == QLatin1String("ppl-loss")) {
+            // The lines are shorter by the wasted pixels; the rest of the page is the same.
+            QCOMPARE(b.width(), a.width() - value.toInt());
+            QCOMPARE(b.height(), a.height());
+        } else {
+            QCOMPARE(b.size(), a.size());
+        }
+        QCOMPARE(b.format(), a.format());
+        if (option != QLatin1String("ppl-loss"))
+            QCOMPARE(b, a);
+    }
+
+    void handScanner()
+    {
+        test::SaneTestBackend backend({kPicture});
+        SaneSource source;
+        const Scan scan =
+            runScan(source, request(ScanColour::Grey, 100), {{"hand-scanner", QVariant(true)}});
+        QCOMPARE(int(scan.end.reason), int(ScanEnd::Reason::Done));
+        QCOMPARE(scan.pages.size(), 1);
+        // 11 cm wide at 100 dpi; the length is only known at the end.
+        QCOMPARE(scan.pages.first().width(), qRound(110 / 25.4 * 100));
+        QVERIFY(scan.pages.first().height() > 0);
+        QVERIFY(scan.percents.contains(-1));
+    }
+
+    void resolutionNearest_data()
+    {
+        QTest::addColumn<int>("asked");
+        QTest::addColumn<double>("taken");
+        QTest::newRow("as asked") << 150 << 150.0;
+        QTest::newRow("above the device") << 4800 << 1200.0;
+        QTest::newRow("below the device") << 0 << 1.0;
+    }
+    void resolutionNearest()
+    {
+        QFETCH(int, asked);
+        QFETCH(double, taken);
+        test::SaneTestBackend backend;
+        SaneSource source;
+        QSignalSpy opened(&source, &ScanSource::opened);
+        QSignalSpy finished(&source, &ScanSource::finished);
+        source.open(request(ScanColour::Colour, asked));
+        QVERIFY(test::waitFor(opened));
+        const auto setup = opened.first().at(1).value<ScanSetup>();
+        QCOMPARE(setup.dpi, taken);
+        QCOMPARE(setup.mode, QStringLiteral("Color"));
+        QCOMPARE(setup.device, QStringLiteral("test:0")); // no search was made
+        const auto options = opened.first().at(0).value<QVector<ScanOption>>();
+        const ScanOption* resolution = optionNamed(options, "resolution");
+        QVERIFY(resolution);
+        QCOMPARE(resolution->value.toDouble(), taken);
+        QCOMPARE(resolution->unit, QStringLiteral("dpi"));
+        QCOMPARE(int(resolution->constraint), int(ScanOption::Constraint::Range));
+        source.close();
+        QVERIFY(test::waitFor(finished));
+    }
+
+    // The feeder reads every sheet until it is empty (the test device holds ten); without it,
+    // one page.
+    void feeder_data()
+    {
+        QTest::addColumn<bool>("feeder");
+        QTest::addColumn<QString>("sourceValue");
+        QTest::addColumn<int>("pages");
+        QTest::newRow("feeder") << true << "Automatic Document Feeder" << 10;
+        QTest::newRow("flatbed") << false << "Flatbed" << 1;
+    }
+    void feeder()
+    {
+        QFETCH(bool, feeder);
+        QFETCH(QString, sourceValue);
+        QFETCH(int, pages);
+        test::SaneTestBackend backend({kPicture});
+        SaneSource source;
+        const Scan scan = runScan(source, request(ScanColour::Colour, 30, feeder));
+        QVERIFY(scan.ended);
+        QCOMPARE(int(scan.end.reason), int(ScanEnd::Reason::Done));
+        QCOMPARE(scan.setup.source, sourceValue);
+        QCOMPARE(scan.setup.feeder, feeder);
+        QCOMPARE(scan.setup.duplex, false); // the test device cannot turn sheets over
+        QCOMPARE(scan.pages.size(), pages);
+        for (const QImage& page : scan.pages)
+            QVERIFY(!page.isNull());
+    }
+
+    void failures_data()
+    {
+        QTest::addColumn<QString>("device");
+        QTest::addColumn<QString>("status");
+        QTest::addColumn<bool>("atOpen");
+        QTest::addColumn<int>("failAfter"); // pages read before the failure is set
+        QTest::addColumn<int>("pages");
+        QTest::newRow("no such device") << "test:9"
+                                        << "Invalid argument" << true << 0 << 0;
+        QTest::newRow("jammed at once") << "test:0"
+                                        << "Document feeder jammed" << false << 0 << 0;
+        QTest::newRow("jammed on the third sheet") << "test:0"
+                                                   << "Document feeder jammed" << false << 2 << 2;
+        QTest::newRow("cover open") << "test:0"
+                                    << "Scanner cover is open" << false << 1 << 1;
+        QTest::newRow("input and output") << "test:0"
+                                          << "Error during device I/O" << false << 0 << 0;
+    }
+    void failures()
+    {
+        QFETCH(QString, device);
+        QFETCH(QString, status);
+        QFETCH(bool, atOpen);
+        QFETCH(int, failAfter);
+        QFETCH(int, pages);
+        test::SaneTestBackend backend;
+        SaneSource source;
+        ScanRequest r = request(ScanColour::Grey, 30, true);
+        r.device = device;
+        const QString code = status == "Document feeder jammed"  ? "SANE_STATUS_JAMMED"
+                             : status == "Scanner cover is open" ? "SANE_STATUS_COVER_OPEN"
+                                                                 : "SANE_STATUS_IO_ERROR";
+        QList<QPair<QString, QVariant>> options;
+        if (failAfter == 0 && !atOpen)
+            options << qMakePair(QStringLiteral("read-return-value"), QVariant(code));
+        const Scan scan = runScan(source, r, options, 0, [&](int read) {
+            if (read == failAfter)
+                source.setOption(QStringLiteral("read-return-value"), code);
+        });
+        QVERIFY(scan.ended);
+        QCOMPARE(int(scan.end.reason), int(ScanEnd::Reason::Failed));
+        QCOMPARE(scan.end.status, status);
+        QCOMPARE(scan.end.atOpen, atOpen);
+        QCOMPARE(scan.pages.size(), pages);
+        QCOMPARE(scan.end.device, device);
+    }
+
+    // Cancel stops the device in the middle of a sheet, at once.
+    void cancelWhileReading()
+    {
+        // A sheet takes half a second to come.
+        test::SaneTestBackend backend({kPicture, "read-delay true", "read-delay-duration 50000"});
+        SaneSource source;
+        const Scan scan = runScan(source, request(ScanColour::Colour, 75, true), {}, 3);
+        QVERIFY(scan.ended);
+        QCOMPARE(int(scan.end.reason), int(ScanEnd::Reason::Cancelled));
+        QCOMPARE(scan.pages.size(), 2);
+        QVERIFY(scan.cancelledAt > 0);
+        QVERIFY2(scan.endedAt - scan.cancelledAt < 300,
+                 qPrintable(QStringLiteral("%1 ms").arg(scan.endedAt - scan.cancelledAt)));
+        // The progress of the first sheet climbed to its end.
+        QVERIFY(scan.percents.size() > 5);
+        QCOMPARE(scan.percents.last(), 100);
+    }
+
+    // Cancel between two sheets: the next one is not read.
+    void cancelBetweenSheets()
+    {
+        test::SaneTestBackend backend;
+        SaneSource source;
+        const Scan scan =
+            runScan(source, request(ScanColour::Grey, 20, true), {}, 0, [&](int read) {
+                if (read == 4)
+                    source.cancel();
+            });
+        QCOMPARE(int(scan.end.reason), int(ScanEnd::Reason::Cancelled));
+        QCOMPARE(scan.pages.size(), 4);
+        // The device is free again for the next scan.
+        const Scan next = runScan(source, request(ScanColour::Grey, 20, false));
+        QCOMPARE(int(next.end.reason), int(ScanEnd::Reason::Done));
+        QCOMPARE(next.pages.size(), 1);
+    }
+
+    // The options as the device describes them, and a change that brings others to life.
+    void options()
+    {
+        test::SaneTestBackend backend;
+        SaneSource source;
+        QSignalSpy opened(&source, &ScanSource::opened);
+        QSignalSpy changed(&source, &ScanSource::optionsChanged);
+        QSignalSpy finished(&source, &ScanSource::finished);
+        source.open(request(ScanColour::Grey));
+        QVERIFY(test::waitFor(opened));
+        auto options = opened.first().at(0).value<QVector<ScanOption>>();
+        const ScanOption* mode = optionNamed(options, "mode");
+        QVERIFY(mode);
+        QCOMPARE(mode->strings, (QStringList{"Gray", "Color"}));
+        QCOMPARE(mode->value.toString(), QStringLiteral("Gray"));
+        QCOMPARE(mode->group, QStringLiteral("Scan Mode"));
+        const ScanOption* threePass = optionNamed(options, "three-pass");
+        QVERIFY(threePass);
+        QVERIFY(!threePass->active); // only in colour
+        QVERIFY(!optionNamed(options, "int-constraint-range") ||
+                !optionNamed(options, "int-constraint-range")->active);
+
+        source.setOption("mode", "Color");
+        QVERIFY(test::waitFor(changed));
+        QCOMPARE(changed.first().at(1).toString(), QString());
+        options = changed.first().at(0).value<QVector<ScanOption>>();
+        QCOMPARE(optionNamed(options, "mode")->value.toString(), QStringLiteral("Color"));
+        QVERIFY(optionNamed(options, "three-pass")->active);
+
+        source.setOption("enable-test-options", true);
+        QVERIFY(test::waitFor(changed, 2));
+        options = changed.last().at(0).value<QVector<ScanOption>>();
+        const ScanOption* ranged = optionNamed(options, "int-constraint-range");
+        QVERIFY(ranged && ranged->active);
+        QCOMPARE(ranged->minimum, 4.0);
+        QCOMPARE(ranged->maximum, 192.0);
+        QCOMPARE(ranged->quant, 2.0);
+        const ScanOption* list = optionNamed(options, "int-constraint-word-list");
+        QVERIFY(list && list->words.contains(42));
+        const ScanOption* array = optionNamed(options, "int-constraint-array");
+        QVERIFY(array && array->count > 1 && !array->editable());
+
+        // A value the device refuses comes back with its reason.
+        source.setOption("mode", "Sepia");
+        QVERIFY(test::waitFor(changed, 3));
+        QCOMPARE(changed.last().at(1).toString(), QStringLiteral("Invalid argument"));
+        source.close();
+        QVERIFY(test::waitFor(finished));
+        QCOMPARE(int(finished.first().first().value<ScanEnd>().reason),
+                 int(ScanEnd::Reason::Cancelled));
+    }
+};
+
+QMR_TEST(TestSaneSource)
+#include "testsanesource.moc"
