@@ -1,10 +1,12 @@
 #include "navigator/pagefileadder.h"
 
 #include <QCoreApplication>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QRunnable>
 #include <QSaveFile>
+#include <QTimer>
 
 #include "core/pagenotifier.h"
 #include "store/commandcontext.h"
@@ -194,6 +196,8 @@ void PageFileAdder::deliver(const NewRow& row)
 void PageFileAdder::copyDone(const NewRow& row, const QString& error)
 {
     --m_outstanding;
+    if (m_waiting)
+        m_waiting->quit();
     if (error.isEmpty()) {
         ++m_added;
         emit pageStored(row.pageId);
@@ -212,8 +216,15 @@ void PageFileAdder::copyDone(const NewRow& row, const QString& error)
 
 void PageFileAdder::waitForRoom(int limit)
 {
-    while (m_outstanding >= limit)
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    // A loop of its own, woken by each finished copy and at least every few milliseconds:
+    // a wait that relies on one wake-up alone can miss it and never return.
+    while (m_outstanding >= limit) {
+        QEventLoop loop;
+        m_waiting = &loop;
+        QTimer::singleShot(std::chrono::milliseconds(10), &loop, &QEventLoop::quit);
+        loop.exec();
+        m_waiting = nullptr;
+    }
 }
 
 void PageFileAdder::finish()

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDate>
+#include <QEventLoop>
 #include <QObject>
 #include <QStringList>
 #include <QThreadPool>
@@ -85,6 +86,7 @@ private:
     std::shared_ptr<std::atomic_bool> m_noThumbnails;
     QDate m_today;
     int m_outstanding = 0;
+    QEventLoop* m_waiting = nullptr;
     int m_added = 0;
     QStringList m_problems;
 };

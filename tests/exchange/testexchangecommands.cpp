@@ -33,7 +33,7 @@ void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 
 }
 
 // Picks these types in the file-types dialog, then presses the button.
-void chooseTypes(QObject* context, const QStringList& types, const char* button,
+void chooseTypes(QObject* context, const QStringList& types, const QString& button,
                  QStringList* offered = nullptr)
 {
     whenModal(context, [=](QWidget* dialog) {
@@ -182,7 +182,7 @@ private slots:
         h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
         h.choosers.queueDirectory(dir.path());
         QStringList offered;
-        chooseTypes(h.window.get(), types, button.toLatin1().constData(), &offered);
+        chooseTypes(h.window.get(), types, button, &offered);
         h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         // Every type of the directory, in the order the files were read.
