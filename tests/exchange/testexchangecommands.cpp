@@ -8,29 +8,15 @@
 #include "exchange/exchangecommands.h"
 #include "exchangefixture.h"
 #include "tests/navigator/navharness.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::NavHarness;
 
-namespace {
+using qmr::test::whenModal;
 
-// Runs `act` on the next modal dialog once it is up; one still open after five seconds is
-// closed, so that a failing test cannot hang.
-void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 100)
-{
-    QTimer::singleShot(20, context, [context, act, tries] {
-        if (QWidget* w = QApplication::activeModalWidget()) {
-            act(w);
-            QTimer::singleShot(5000, w, [w] {
-                if (w->isVisible())
-                    w->close();
-            });
-        } else if (tries > 0) {
-            whenModal(context, act, tries - 1);
-        }
-    });
-}
+namespace {
 
 // Picks these types in the file-types dialog, then presses the button.
 void chooseTypes(QObject* context, const QStringList& types, const QString& button,

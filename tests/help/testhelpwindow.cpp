@@ -20,12 +20,15 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+
+using qmr::test::whenModal;
 
 namespace {
 
@@ -70,21 +73,6 @@ void enter(QWidget* w)
 {
     QEnterEvent event(QPointF(2, 2), QPointF(2, 2), w->mapToGlobal(QPointF(2, 2)));
     QApplication::sendEvent(w, &event);
-}
-
-void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 200)
-{
-    QTimer::singleShot(20, context, [context, act, tries] {
-        if (QWidget* w = QApplication::activeModalWidget()) {
-            act(w);
-            QTimer::singleShot(5000, w, [w] {
-                if (w->isVisible())
-                    w->close();
-            });
-        } else if (tries > 0) {
-            whenModal(context, act, tries - 1);
-        }
-    });
 }
 
 struct HelpFixture

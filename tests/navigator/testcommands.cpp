@@ -13,29 +13,15 @@
 #include "navharness.h"
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::NavHarness;
 
-namespace {
+using qmr::test::whenModal;
 
-// Runs `act` on the next modal dialog once it is up, for as long as `context` lives; a
-// dialog that is still open after five seconds is closed, so that a failing test cannot hang.
-void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 100)
-{
-    QTimer::singleShot(20, context, [context, act, tries] {
-        if (QWidget* w = QApplication::activeModalWidget()) {
-            act(w);
-            QTimer::singleShot(5000, w, [w] {
-                if (w->isVisible())
-                    w->close();
-            });
-        } else if (tries > 0) {
-            whenModal(context, act, tries - 1);
-        }
-    });
-}
+namespace {
 
 void typeNameAndOk(QWidget* dialog, const QString& name, QString* caption)
 {

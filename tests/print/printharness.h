@@ -19,6 +19,7 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -224,23 +225,6 @@ inline PdfFacts readPdf(const QString& path)
             facts.imagePpi.push_back({f.at(12).toInt(), f.at(13).toInt()});
     }
     return facts;
-}
-
-// Runs `act` on the next modal window once it is up; one still open after five seconds is
-// closed, so that a failing test cannot hang.
-inline void whenModal(QObject* context, std::function<void(QWidget*)> act, int tries = 200)
-{
-    QTimer::singleShot(20, context, [context, act, tries] {
-        if (QWidget* w = QApplication::activeModalWidget()) {
-            act(w);
-            QTimer::singleShot(5000, w, [w] {
-                if (w->isVisible())
-                    w->close();
-            });
-        } else if (tries > 0) {
-            whenModal(context, act, tries - 1);
-        }
-    });
 }
 
 } // namespace qmr::test
