@@ -1,5 +1,7 @@
 #include "benchsupport.h"
 
+#include <QDir>
+#include <QFile>
 #include <QPainter>
 #include <QRandomGenerator>
 #include <algorithm>
@@ -41,6 +43,25 @@ double median(QVector<double> values)
         return 0;
     std::sort(values.begin(), values.end());
     return values.at(values.size() / 2);
+}
+
+QMap<QString, ThreadTime> threadTimes()
+{
+    QMap<QString, ThreadTime> threads;
+    const QDir tasks(QStringLiteral("/proc/self/task"));
+    for (const QString& id : tasks.entryList(QDir::Dirs | QDir::NoDotAndDotDot)) {
+        QFile comm(tasks.filePath(id + QStringLiteral("/comm")));
+        QFile stat(tasks.filePath(id + QStringLiteral("/schedstat")));
+        if (!comm.open(QIODevice::ReadOnly) || !stat.open(QIODevice::ReadOnly))
+            continue;
+        // Nanoseconds on a core, nanoseconds waiting for one, time slices.
+        const QList<QByteArray> fields = stat.readAll().split(' ');
+        ThreadTime& t = threads[id];
+        t.name = QString::fromUtf8(comm.readAll()).trimmed();
+        t.runMs = fields.value(0).toDouble() / 1e6;
+        t.waitMs = fields.value(1).toDouble() / 1e6;
+    }
+    return threads;
 }
 
 } // namespace qmr::bench

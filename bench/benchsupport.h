@@ -3,8 +3,11 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QMap>
+#include <QString>
 #include <QTimer>
 #include <QVector>
+#include <sys/resource.h>
 
 namespace qmr::bench {
 
@@ -19,7 +22,30 @@ struct Watch
 {
     double elapsedMs = 0;
     double longestStallMs = 0;
+    // Processor time of the whole program and of the window's thread meanwhile.
+    double cpuMs = 0;
+    double windowCpuMs = 0;
 };
+
+// Processor time, user and system, of the program or of the calling thread.
+inline double cpuTimeMs(int who)
+{
+    rusage usage{};
+    getrusage(who, &usage);
+    return (usage.ru_utime.tv_sec + usage.ru_stime.tv_sec) * 1e3 +
+           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e3;
+}
+
+// A thread of this program as the scheduler counts it.
+struct ThreadTime
+{
+    QString name;
+    double runMs = 0;
+    double waitMs = 0;
+};
+
+// Every thread of this program by its id.
+QMap<QString, ThreadTime> threadTimes();
 
 // Runs the event loop until `done`, after `start`.
 template <typename Start, typename Done> Watch watch(Start start, Done done)
@@ -34,6 +60,8 @@ template <typename Start, typename Done> Watch watch(Start start, Done done)
         result.longestStallMs = qMax(result.longestStallMs, since.nsecsElapsed() / 1e6);
         since.restart();
     });
+    const double cpuBefore = cpuTimeMs(RUSAGE_SELF);
+    const double windowBefore = cpuTimeMs(RUSAGE_THREAD);
     clock.start();
     since.start();
     ticker.start();
@@ -44,6 +72,8 @@ template <typename Start, typename Done> Watch watch(Start start, Done done)
     while (!done())
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 5);
     result.elapsedMs = clock.nsecsElapsed() / 1e6;
+    result.cpuMs = cpuTimeMs(RUSAGE_SELF) - cpuBefore;
+    result.windowCpuMs = cpuTimeMs(RUSAGE_THREAD) - windowBefore;
     ticker.stop();
     return result;
 }

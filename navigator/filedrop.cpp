@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QScopeGuard>
+#include <optional>
 
 #include "core/navigatorcallbacks.h"
 #include "core/progress.h"
@@ -14,6 +15,8 @@
 #include "navigator/pagefileadder.h"
 #include "store/commandcontext.h"
 #include "store/commandguard.h"
+#include "store/database.h"
+#include "store/session.h"
 #include "store/storeerror.h"
 
 namespace qmr {
@@ -46,7 +49,10 @@ void FileDrop::dropFiles(const QStringList& files, NodeKey target, ItemMover& mo
             if (target.level() == Level::Document && m_context.navigator)
                 m_context.navigator->showChildren(Level::Document, target.id());
         },
-        true);
+        true,
+        // A folder's first file makes the document, which the tree shows at once: that file
+        // commits alone, so no node stands for a document rolled back later.
+        [&] { return target.level() == Level::Document; });
 }
 
 void FileDrop::pasteFiles(const QStringList& files, qint32 documentId)
@@ -59,11 +65,12 @@ void FileDrop::pasteFiles(const QStringList& files, qint32 documentId)
             if (m_context.navigator)
                 m_context.navigator->showChildren(Level::Document, documentId);
         },
-        false);
+        false, [] { return true; });
 }
 
 void FileDrop::runBatch(const QStringList& files, const std::function<void(const QString&)>& addOne,
-                        const std::function<void()>& showPages, bool showAsTheyCome)
+                        const std::function<void()>& showPages, bool showAsTheyCome,
+                        const std::function<bool()>& canGroup)
 {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
@@ -73,17 +80,45 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
     progress.showCancel();
     QElapsedTimer sinceShown;
     sinceShown.start();
+    // The rows of several files share one commit: each commit waits for the disk, and a
+    // commit for every file kept the window's thread busy for much of a large drop. A group
+    // that cannot commit names its files, and the next group tries again.
+    std::optional<Database::Transaction> group;
+    QElapsedTimer groupAge;
+    const auto endGroup = [&] {
+        if (!group)
+            return;
+        try {
+            group->commit();
+            group.reset();
+            m_files.releaseDeliveries();
+        } catch (const StoreError& e) {
+            group.reset();
+            m_files.dropDeliveries(e.message());
+        }
+    };
     for (const QString& file : files) {
         if (progress.stopped())
             break;
+        if (!group && canGroup()) {
+            try {
+                group.emplace(m_context.session.db());
+                m_files.holdDeliveries();
+                groupAge.start();
+            } catch (const StoreError&) {
+                // Each row then commits on its own.
+            }
+        }
         progress.step(QStringLiteral("Pasting ") + QFileInfo(file).fileName());
         try {
             addOne(file);
         } catch (const StoreError& e) {
             m_files.skip(file, e.message());
         }
+        if (m_files.held() >= kGroupRows || (group && groupAge.elapsed() >= kGroupMs))
+            endGroup();
         QCoreApplication::processEvents();
-        if (showAsTheyCome && sinceShown.elapsed() >= kShowEveryMs) {
+        if (showAsTheyCome && !group && sinceShown.elapsed() >= kShowEveryMs) {
             guarded(m_context.prompter, showPages);
             sinceShown.restart();
         }
@@ -92,6 +127,7 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
     // the page pane.
     if (progress.stopped())
         m_files.skipThumbnails();
+    endGroup();
     m_files.finish();
     progress.end();
     guarded(m_context.prompter, showPages);

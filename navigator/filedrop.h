@@ -30,10 +30,14 @@ public:
 
     // How often the pages on show are brought up to date while a drop runs.
     static constexpr int kShowEveryMs = 400;
+    // The most files whose rows share one commit, and the longest such a group stays open.
+    static constexpr int kGroupRows = 8;
+    static constexpr int kGroupMs = 50;
 
 private:
     void runBatch(const QStringList& files, const std::function<void(const QString&)>& addOne,
-                  const std::function<void()>& showPages, bool showAsTheyCome);
+                  const std::function<void()>& showPages, bool showAsTheyCome,
+                  const std::function<bool()>& canGroup);
 
     const CommandContext& m_context;
     PageFileAdder& m_files;

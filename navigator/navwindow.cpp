@@ -27,8 +27,10 @@
 #include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
+#include "navigator/pagefileadder.h"
 #include "navigator/pagepane.h"
 #include "navigator/renamecontroller.h"
+#include "navigator/thumbnailcache.h"
 #include "print/printcommands.h"
 #include "scan/scancommands.h"
 #include "store/commandguard.h"
@@ -147,6 +149,13 @@ void NavWindow::buildMenus()
     m_clipboardCommands = std::make_unique<ClipboardCommands>(m_navigator->context());
     m_clipboardCommands->addTo(commands);
     m_dragDrop = std::make_unique<NavDragDrop>(m_navigator->context(), *m_tree, *m_list, *m_pages);
+    // Pages coming in from files bring their thumbnails; the page pane waits for those.
+    for (PageFileAdder* files : {&m_dragDrop->files(), &m_clipboardCommands->clipboard().files()}) {
+        connect(files, &PageFileAdder::thumbnailComing, &m_pages->thumbnails(),
+                &ThumbnailCache::expect);
+        connect(files, &PageFileAdder::thumbnailDone, &m_pages->thumbnails(),
+                &ThumbnailCache::arrived);
+    }
     m_scanCommands = std::make_unique<ScanCommands>(m_navigator->context());
     m_scanCommands->addTo(commands);
     m_menus.build(menuBar(), commands);

@@ -7,6 +7,7 @@
 #include <QRunnable>
 #include <QSaveFile>
 #include <QTimer>
+#include <utility>
 
 #include "core/pagenotifier.h"
 #include "store/commandcontext.h"
@@ -18,6 +19,10 @@
 namespace qmr {
 
 namespace {
+
+// Pages under way for each thumbnail thread: enough to keep both the copies and the
+// thumbnails busy, few enough that a cancel takes effect at once.
+constexpr int kAhead = 4;
 
 // Names listed in one report; the rest are counted.
 constexpr int kReportedNames = 15;
@@ -57,13 +62,15 @@ QString copyIntoPlace(const QString& source, const QString& target)
 PageFileAdder::PageFileAdder(const CommandContext& context, QObject* parent)
     : QObject(parent), m_context(context), m_noThumbnails(std::make_shared<std::atomic_bool>(false))
 {
-    m_pool.setMaxThreadCount(QThread::idealThreadCount());
+    setThreadCount(QThread::idealThreadCount());
 }
 
 PageFileAdder::~PageFileAdder()
 {
     m_noThumbnails->store(true);
-    m_pool.waitForDone();
+    // Copies hand their pages on to the thumbnail pool, so they end first.
+    m_copyPool.waitForDone();
+    m_thumbPool.waitForDone();
 }
 
 bool PageFileAdder::isShortcutFile(const QString& fileName)
@@ -86,11 +93,14 @@ QString PageFileAdder::fileType(const QString& fileName)
 
 void PageFileAdder::setThreadCount(int count)
 {
-    m_pool.setMaxThreadCount(qMax(1, count));
+    m_copyPool.setMaxThreadCount(qMax(1, count));
+    m_thumbPool.setMaxThreadCount(qMax(1, count));
 }
 
 void PageFileAdder::begin()
 {
+    m_holding = false;
+    m_held.clear();
     m_noThumbnails->store(false);
     m_added = 0;
     m_problems.clear();
@@ -158,8 +168,32 @@ std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fil
     return row;
 }
 
+void PageFileAdder::holdDeliveries()
+{
+    m_holding = true;
+}
+
+void PageFileAdder::releaseDeliveries()
+{
+    m_holding = false;
+    const QVector<NewRow> rows = std::exchange(m_held, {});
+    for (const NewRow& row : rows)
+        deliver(row);
+}
+
+void PageFileAdder::dropDeliveries(const QString& reason)
+{
+    m_holding = false;
+    for (const NewRow& row : std::exchange(m_held, {}))
+        skip(row.fileName, reason);
+}
+
 void PageFileAdder::deliver(const NewRow& row)
 {
+    if (m_holding) {
+        m_held << row;
+        return;
+    }
     if (m_context.pageNotifier)
         m_context.pageNotifier->pageAdded(row.pageId);
     if (row.shortcut) {
@@ -172,35 +206,42 @@ void PageFileAdder::deliver(const NewRow& row)
     const QString home = paths.home().path();
     // A few copies ahead of the ones running, no more: a cancel takes effect at once and the
     // progress shows the work really done.
-    waitForRoom(2 * m_pool.maxThreadCount());
+    waitForRoom(kAhead * m_thumbPool.maxThreadCount());
     ++m_outstanding;
+    emit thumbnailComing(thumbPath);
     if (!paths.ensurePathInHome(pagePath)) {
         copyDone(row, QStringLiteral("The directory %1 could not be made")
                           .arg(PagePaths::directoryPart(pagePath)));
         return;
     }
     const std::shared_ptr<std::atomic_bool> noThumbnails = m_noThumbnails;
-    m_pool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
+    m_copyPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
         const QString error = copyIntoPlace(row.fileName, pagePath);
-        if (error.isEmpty()) {
+        if (!error.isEmpty()) {
+            QMetaObject::invokeMethod(
+                this, [this, row, error] { copyDone(row, error); }, Qt::QueuedConnection);
+            return;
+        }
+        m_thumbPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
             // A thumbnail left by an earlier page of this id must not stand for this one.
             QFile::remove(thumbPath);
+            QImage tile;
             if (!noThumbnails->load())
-                ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home);
-        }
-        QMetaObject::invokeMethod(
-            this, [this, row, error] { copyDone(row, error); }, Qt::QueuedConnection);
+                ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home, &tile);
+            QMetaObject::invokeMethod(
+                this, [this, row, tile] { copyDone(row, QString(), tile); }, Qt::QueuedConnection);
+        }));
     }));
 }
 
-void PageFileAdder::copyDone(const NewRow& row, const QString& error)
+void PageFileAdder::copyDone(const NewRow& row, const QString& error, const QImage& tile)
 {
     --m_outstanding;
     if (m_waiting)
         m_waiting->quit();
+    emit thumbnailDone(m_context.session.paths().computedThumbPath(row.pageId), tile);
     if (error.isEmpty()) {
         ++m_added;
-        emit pageStored(row.pageId);
         return;
     }
     // A row whose file never arrived would be a page that cannot open: it goes again.

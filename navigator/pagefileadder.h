@@ -2,9 +2,11 @@
 
 #include <QDate>
 #include <QEventLoop>
+#include <QImage>
 #include <QObject>
 #include <QStringList>
 #include <QThreadPool>
+#include <QVector>
 #include <atomic>
 #include <memory>
 #include <optional>
@@ -49,8 +51,19 @@ public:
     // The row alone, for a caller that writes it together with rows of its own; nothing when
     // the file is skipped. deliver() follows once the caller has committed.
     std::optional<NewRow> insertRow(const QString& fileName, qint32 documentId);
-    // The notice, then for an image the copy into the page store and the thumbnail.
+    // The notice, then for an image the copy into the page store and the thumbnail; held
+    // back while deliveries are held.
     void deliver(const NewRow& row);
+
+    // A caller writing rows inside a transaction of its own holds their deliveries until it
+    // has committed: no notice goes out and no file is copied for a row that could still be
+    // rolled back.
+    void holdDeliveries();
+    // Committed: the held rows are delivered.
+    void releaseDeliveries();
+    // Rolled back: the held rows are gone, and their files are named with the reason.
+    void dropDeliveries(const QString& reason);
+    int held() const { return int(m_held.size()); }
 
     // A batch: begin() forgets the last one's outcome; finish() waits, with events running,
     // until every copy has ended.
@@ -74,19 +87,27 @@ public:
     int outstanding() const { return m_outstanding; }
 
 signals:
-    // A copied page's file is in place, with its thumbnail unless thumbnails were skipped.
-    void pageStored(qint32 pageId);
+    // A page's file and thumbnail are on their way: whoever shows thumbnails waits for
+    // them rather than making a second one.
+    void thumbnailComing(const QString& thumbPath);
+    // The copy and the thumbnail have ended: `tile` is the thumbnail made, null when none was.
+    void thumbnailDone(const QString& thumbPath, const QImage& tile);
 
 private:
-    void copyDone(const NewRow& row, const QString& error);
+    void copyDone(const NewRow& row, const QString& error, const QImage& tile = QImage());
     void waitForRoom(int limit);
 
     const CommandContext& m_context;
-    QThreadPool m_pool;
+    // Copies wait for the disk and thumbnails for the processor: apart, neither holds up the
+    // other.
+    QThreadPool m_copyPool;
+    QThreadPool m_thumbPool;
     std::shared_ptr<std::atomic_bool> m_noThumbnails;
     QDate m_today;
     int m_outstanding = 0;
     QEventLoop* m_waiting = nullptr;
+    bool m_holding = false;
+    QVector<NewRow> m_held;
     int m_added = 0;
     QStringList m_problems;
 };

@@ -75,6 +75,10 @@ QHash<qint32, QImage> ThumbnailCache::request(const QVector<Request>& block)
     for (const Request& r : block) {
         if (r.thumbPath.isEmpty())
             continue;
+        if (m_elsewhere.contains(r.thumbPath)) {
+            want(r);
+            continue;
+        }
         const QFileInfo info(r.thumbPath);
         if (info.exists()) {
             const Cached* cached = m_memory.object(r.thumbPath);
@@ -127,8 +131,27 @@ void ThumbnailCache::want(const Request& request)
     }
     // Work already under way for the file delivers to whoever wants it when it ends; two
     // writers of one file would spoil it.
-    if (!m_inFlight.contains(request.thumbPath))
+    if (!m_inFlight.contains(request.thumbPath) && !m_elsewhere.contains(request.thumbPath))
         startJob(request);
+}
+
+void ThumbnailCache::expect(const QString& thumbPath)
+{
+    m_elsewhere.insert(thumbPath);
+    m_memory.remove(thumbPath);
+}
+
+void ThumbnailCache::arrived(const QString& thumbPath, const QImage& tile)
+{
+    if (!m_elsewhere.remove(thumbPath))
+        return;
+    if (!tile.isNull() && !m_inFlight.contains(thumbPath)) {
+        finished(thumbPath, tile, false);
+        return;
+    }
+    const auto waiting = m_wanted.constFind(thumbPath);
+    if (waiting != m_wanted.constEnd() && !m_inFlight.contains(thumbPath))
+        startJob(waiting->first());
 }
 
 void ThumbnailCache::startJob(const Request& request)

@@ -37,6 +37,12 @@ public:
     QHash<qint32, QImage> request(const QVector<Request>& block);
     // Nothing is wanted any more: work that has not started is skipped.
     void cancel();
+    // Someone else is making this thumbnail: a request for it waits for arrived() instead of
+    // making a second one from the same page.
+    void expect(const QString& thumbPath);
+    // That work has ended with `tile`, or with none (null): a request waiting for it gets the
+    // tile, or reads the file, or makes the thumbnail itself.
+    void arrived(const QString& thumbPath, const QImage& tile);
     // Pages asked for and not delivered yet.
     int outstanding() const;
 
@@ -78,6 +84,7 @@ private:
     // thumbnail path -> the requests waiting for it
     QHash<QString, QVector<Request>> m_wanted;
     QSet<QString> m_inFlight;
+    QSet<QString> m_elsewhere;
     QCache<QString, Cached> m_memory;
     int m_readBudget = 25;
 };

@@ -32,14 +32,16 @@ QImage ThumbnailMaker::reducedImage(const QString& pagePath)
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (size.isValid()) {
-        // The decoder does most of the reduction; a smooth pass makes the exact size.
+        // The JPEG decoder reduces by up to eight while it decodes and smooths the rest of the
+        // way itself: asked for the final size at once, it does the least work.
         const QSize target = reducedSize(size);
-        reader.setScaledSize(
-            size.scaled(target * 2, Qt::KeepAspectRatio).boundedTo(size).expandedTo(QSize(1, 1)));
-        const QImage rough = reader.read();
-        if (rough.isNull())
+        reader.setScaledSize(target);
+        const QImage reduced = reader.read();
+        if (reduced.isNull())
             return QImage();
-        return rough.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+        if (reduced.size() == target)
+            return reduced;
+        return reduced.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
     const QImage full = reader.read();
     if (full.isNull())
@@ -57,7 +59,7 @@ QImage ThumbnailMaker::tile(const QImage& reduced)
 }
 
 bool ThumbnailMaker::makeThumbnail(const QString& pagePath, const QString& thumbPath,
-                                   const QString& home)
+                                   const QString& home, QImage* made)
 {
     if (QFile::exists(thumbPath))
         QFile::remove(thumbPath);
@@ -76,7 +78,8 @@ bool ThumbnailMaker::makeThumbnail(const QString& pagePath, const QString& thumb
         return false;
     QImageWriter writer(&file, "jpeg");
     writer.setQuality(qtJpegQuality(10));
-    const bool written = writer.write(tile(reduced)) && file.flush();
+    const QImage tiled = tile(reduced);
+    const bool written = writer.write(tiled) && file.flush();
     file.close();
     // rename(2) replaces the old file in one step, which QFile::rename refuses to do.
     if (!written || std::rename(QFile::encodeName(aside).constData(),
@@ -84,6 +87,8 @@ bool ThumbnailMaker::makeThumbnail(const QString& pagePath, const QString& thumb
         QFile::remove(aside);
         return false;
     }
+    if (made)
+        *made = tiled;
     return true;
 }
 

@@ -15,8 +15,9 @@ public:
     // Rebuilds one thumbnail from its page file: any old one is removed first, and nothing is
     // written when the page cannot be read. `home` is the directory whose dots do not count
     // when the thumbnail's directories are made. True when the file was written.
+    // `made`, when given, receives the tile written, for a caller that shows it at once.
     static bool makeThumbnail(const QString& pagePath, const QString& thumbPath,
-                              const QString& home = QString());
+                              const QString& home = QString(), QImage* made = nullptr);
     // The page reduced to fit 100 pixels on its longer side (squares by their height), read
     // at reduced size where the decoder can, which is many times faster for JPEG.
     static QImage reducedImage(const QString& pagePath);

@@ -1,10 +1,12 @@
 #include <QCryptographicHash>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QSignalSpy>
 #include <QTest>
 
 #include "movefixture.h"
 #include "navigator/filedrop.h"
+#include "store/database.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
 #include "tests/support/testrunner.h"
@@ -177,6 +179,83 @@ private slots:
         QVERIFY(!b.session->pages().page(id));
         QCOMPARE(b.files->problems().size(), 1);
         QVERIFY(QFileInfo(b.pagePath(id)).isDir());
+    }
+
+    void heldDeliveriesWaitForTheCommit_data()
+    {
+        QTest::addColumn<bool>("committed");
+        QTest::newRow("committed") << true;
+        QTest::newRow("rolled back") << false;
+    }
+    void heldDeliveriesWaitForTheCommit()
+    {
+        QFETCH(bool, committed);
+        MoveBench b;
+        const QStringList files{b.image(QStringLiteral("one.jpg")),
+                                b.image(QStringLiteral("two.jpg"))};
+        b.files->begin();
+        QVector<qint32> ids;
+        {
+            Database::Transaction group(b.session->db());
+            b.files->holdDeliveries();
+            for (const QString& file : files)
+                ids << b.files->addPageFromFile(file, 3);
+            // Neither a notice nor a copy for rows that could still go.
+            QCOMPARE(b.files->held(), 2);
+            QVERIFY(b.notices.pages.isEmpty());
+            QCOMPARE(b.files->outstanding(), 0);
+            if (committed)
+                group.commit();
+        }
+        if (committed)
+            b.files->releaseDeliveries();
+        else
+            b.files->dropDeliveries(QStringLiteral("the disk is full"));
+        b.files->finish();
+        QCOMPARE(b.files->held(), 0);
+        for (int i = 0; i < ids.size(); ++i) {
+            QCOMPARE(bool(b.session->pages().page(ids.at(i))), committed);
+            QCOMPARE(digest(b.pagePath(ids.at(i))), committed ? digest(files.at(i)) : QByteArray());
+        }
+        if (committed) {
+            QCOMPARE(b.notices.pages, ids);
+            QCOMPARE(b.files->added(), 2);
+            QVERIFY(b.files->problems().isEmpty());
+        } else {
+            QVERIFY(b.notices.pages.isEmpty());
+            QCOMPARE(b.files->problems(),
+                     QStringList({files.at(0) + QStringLiteral(": the disk is full"),
+                                  files.at(1) + QStringLiteral(": the disk is full")}));
+        }
+    }
+
+    void aLargeDropCommitsInGroups()
+    {
+        MoveBench b;
+        QStringList files;
+        const int count = 2 * FileDrop::kGroupRows + 3;
+        for (int i = 0; i < count; ++i)
+            files << b.image(QStringLiteral("scan %1.jpg").arg(i), QSize(60, 80));
+        // Two whole groups and a part of one: nothing lost at their edges.
+        const int before = b.session->pages().count(3);
+        QSignalSpy coming(b.files.get(), &PageFileAdder::thumbnailComing);
+        QSignalSpy done(b.files.get(), &PageFileAdder::thumbnailDone);
+
+        FileDrop(*b.context, *b.files).dropFiles(files, NodeKey::parse("DOC3"), *b.mover);
+
+        const QVector<PageRow> rows = b.session->pages().pages(3);
+        QCOMPARE(rows.size(), before + count);
+        for (int i = 0; i < count; ++i) {
+            QCOMPARE(rows.at(before + i).pageNumber, rows.at(before).pageNumber + i);
+            QCOMPARE(digest(b.pagePath(rows.at(before + i).id)), digest(files.at(i)));
+        }
+        QCOMPARE(b.notices.pages.size(), count);
+        // Each thumbnail announced before it is made and handed over when it is.
+        QCOMPARE(coming.size(), count);
+        QCOMPARE(done.size(), count);
+        for (const QList<QVariant>& signal : done)
+            QCOMPARE(signal.at(1).value<QImage>().size(), QSize(100, 100));
+        QCOMPARE(b.session->db().transactionDepth(), 0);
     }
 
     void threeFilesOnAFolderMakeOneDocument()

@@ -215,6 +215,50 @@ private slots:
         QCOMPARE(QImage(page.thumbPath).size(), QSize(100, 100));
     }
 
+    void aThumbnailMadeElsewhereIsWaitedFor_data()
+    {
+        QTest::addColumn<bool>("tileCame");
+        QTest::newRow("its maker hands the tile over") << true;
+        QTest::newRow("its maker made none") << false;
+    }
+    void aThumbnailMadeElsewhereIsWaitedFor()
+    {
+        QFETCH(bool, tileCame);
+        QTemporaryDir dir;
+        ThumbnailCache cache(dir.path());
+        const auto page = pageFile(dir, 1, QSize(400, 600));
+        QSignalSpy ready(&cache, &ThumbnailCache::ready);
+        QSignalSpy done(&cache, &ThumbnailCache::blockDone);
+        // A file being added makes its own thumbnail: the pane's request waits for it.
+        cache.expect(page.thumbPath);
+        QVERIFY(cache.request({page}).isEmpty());
+        QTest::qWait(100);
+        QVERIFY(ready.isEmpty());
+        QVERIFY(!QFile::exists(page.thumbPath));
+        QCOMPARE(cache.outstanding(), 1);
+
+        QImage handed(100, 100, QImage::Format_RGB32);
+        handed.fill(Qt::red);
+        cache.arrived(page.thumbPath, tileCame ? handed : QImage());
+        QVERIFY(waitForBlock(cache));
+        QCOMPARE(ready.size(), 1);
+        QCOMPARE(done.size(), 1);
+        const QImage tile = ready.first().at(1).value<QImage>();
+        if (tileCame) {
+            // Taken as it came, not read nor made again.
+            QCOMPARE(tile, handed);
+            QVERIFY(!QFile::exists(page.thumbPath));
+        } else {
+            // Nothing came: the cache makes it as it would any missing one.
+            QVERIFY(!isWhite(tile.pixel(2, 2)));
+            QVERIFY(QFile::exists(page.thumbPath));
+        }
+        // Once arrived, the path is an ordinary one again.
+        cache.arrived(page.thumbPath, handed);
+        QTest::qWait(20);
+        QCOMPARE(ready.size(), 1);
+    }
+
     void shortcutsAskForNothing()
     {
         QTemporaryDir dir;
