@@ -36,6 +36,7 @@
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
+#include "navigator/pagefileadder.h"
 #include "store/database.h"
 #include "store/pagestore.h"
 #include "store/schema.h"
@@ -77,7 +78,6 @@ int main(int argc, char** argv)
     QTemporaryDir work(QDir::current().filePath(QStringLiteral("dropbench-XXXXXX")));
     QDir dir(work.path());
     dir.mkpath(QStringLiteral("desk"));
-    dir.mkpath(QStringLiteral("cp"));
     dir.mkpath(QStringLiteral("home"));
 
     // The files on the desk: a few distinct scans, each copied under several names.
@@ -106,14 +106,24 @@ int main(int argc, char** argv)
                 count, size.width(), size.height(), bytes / 1024.0 / count, bytes / 1048576.0,
                 made.elapsed() / 1000.0);
 
-    // cp of the same files, from the page cache as the drop reads them.
-    const double cpMs = timed(QStringLiteral("cp"), QStringList(files) << dir.filePath("cp"));
-    const double syncMs = timed(QStringLiteral("sync"), {});
-    std::printf("cp: %.0f ms; its sync afterwards %.0f ms\n", cpMs, syncMs);
+    // cp of the same files, from the page cache as the drop reads them; three times, into
+    // directories of their own, as one run on a shared disk varies by a third.
+    QVector<double> cps;
+    QVector<double> syncs;
+    for (int i = 0; i < 3; ++i) {
+        const QString into = dir.filePath(QStringLiteral("cp%1").arg(i));
+        dir.mkpath(into);
+        cps << timed(QStringLiteral("cp"), QStringList(files) << into);
+        syncs << timed(QStringLiteral("sync"), {});
+    }
+    const double cpMs = median(cps);
+    const double syncMs = median(syncs);
+    std::printf("cp: %.0f ms (median of %.0f, %.0f, %.0f); its sync afterwards %.0f ms\n", cpMs,
+                cps.at(0), cps.at(1), cps.at(2), syncMs);
 
     // One thumbnail on one core.
     QVector<double> one;
-    for (int i = 0; i < 16; ++i) {
+    for (int i = 0; i < 32; ++i) {
         QElapsedTimer clock;
         clock.start();
         ThumbnailMaker::makeThumbnail(files.at(i), dir.filePath(QStringLiteral("t%1.jpg").arg(i)),
@@ -190,9 +200,20 @@ int main(int argc, char** argv)
     data.setUrls(urls);
     QSignalSpy done(&window.dragDrop(), &NavDragDrop::dropDone);
     window.dragDrop().files().setThreadCount(threads);
+    // When the first page went under way and when the last thumbnail came back.
+    QElapsedTimer sinceDrop;
+    double firstComingMs = -1;
+    double lastDoneMs = -1;
+    QObject::connect(&window.dragDrop().files(), &PageFileAdder::thumbnailComing, [&] {
+        if (firstComingMs < 0)
+            firstComingMs = sinceDrop.nsecsElapsed() / 1e6;
+    });
+    QObject::connect(&window.dragDrop().files(), &PageFileAdder::thumbnailDone,
+                     [&] { lastDoneMs = sinceDrop.nsecsElapsed() / 1e6; });
     const QMap<QString, ThreadTime> before = threadTimes();
     const Watch drop = watch(
         [&] {
+            sinceDrop.start();
             QDragEnterEvent enter(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
             QCoreApplication::sendEvent(tree->viewport(), &enter);
             QDragMoveEvent move(at, Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
@@ -224,6 +245,8 @@ int main(int argc, char** argv)
                 "%.0f ms, window unanswered at most %.1f ms (goal <= 50)%s\n",
                 count, int(rows.size()), whole, thumbs, drop.elapsedMs, drop.longestStallMs,
                 prompter.seen().isEmpty() ? "" : " -- the drop said something");
+    std::printf("first page under way after %.0f ms, last thumbnail back at %.0f ms\n",
+                firstComingMs, lastDoneMs);
     std::printf("processor time meanwhile: %.0f ms in all, %.0f ms of it on the window's thread\n",
                 drop.cpuMs, drop.windowCpuMs);
     const double goal = 1.3 * cpMs + thumbShare;

@@ -28,8 +28,9 @@ constexpr int kAhead = 4;
 constexpr int kReportedNames = 15;
 
 // Copies a file through a file aside that is renamed into place once it is whole and on the
-// disk. "" when done, else the system's reason.
-QString copyIntoPlace(const QString& source, const QString& target)
+// disk. "" when done, else the system's reason. A file small enough to be read whole is
+// kept in `contents`, for its thumbnail.
+QString copyIntoPlace(const QString& source, const QString& target, QByteArray& contents)
 {
     QFile in(source);
     if (!in.open(QIODevice::ReadOnly))
@@ -37,19 +38,32 @@ QString copyIntoPlace(const QString& source, const QString& target)
     QSaveFile out(target);
     if (!out.open(QIODevice::WriteOnly))
         return out.errorString();
-    QByteArray buffer(1 << 20, Qt::Uninitialized);
-    for (;;) {
-        const qint64 n = in.read(buffer.data(), buffer.size());
-        if (n < 0) {
+    const auto copied = [&](const char* data, qint64 n) {
+        if (out.write(data, n) == n)
+            return true;
+        out.cancelWriting();
+        return false;
+    };
+    if (in.size() <= ThumbnailMaker::kReadWhole) {
+        contents = in.readAll();
+        if (in.error() != QFileDevice::NoError) {
             out.cancelWriting();
             return in.errorString();
         }
-        if (n == 0)
-            break;
-        if (out.write(buffer.constData(), n) != n) {
-            const QString reason = out.errorString();
-            out.cancelWriting();
-            return reason;
+        if (!copied(contents.constData(), contents.size()))
+            return out.errorString();
+    } else {
+        QByteArray buffer(1 << 20, Qt::Uninitialized);
+        for (;;) {
+            const qint64 n = in.read(buffer.data(), buffer.size());
+            if (n < 0) {
+                out.cancelWriting();
+                return in.errorString();
+            }
+            if (n == 0)
+                break;
+            if (!copied(buffer.constData(), n))
+                return out.errorString();
         }
     }
     if (!out.commit())
@@ -216,17 +230,22 @@ void PageFileAdder::deliver(const NewRow& row)
     }
     const std::shared_ptr<std::atomic_bool> noThumbnails = m_noThumbnails;
     m_copyPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
-        const QString error = copyIntoPlace(row.fileName, pagePath);
+        QByteArray contents;
+        const QString error = copyIntoPlace(row.fileName, pagePath, contents);
         if (!error.isEmpty()) {
             QMetaObject::invokeMethod(
                 this, [this, row, error] { copyDone(row, error); }, Qt::QueuedConnection);
             return;
         }
-        m_thumbPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
+        m_thumbPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails,
+                                             contents] {
             // A thumbnail left by an earlier page of this id must not stand for this one.
             QFile::remove(thumbPath);
             QImage tile;
-            if (!noThumbnails->load())
+            // The file's contents are at hand: decoding them spares reading the page again.
+            if (!noThumbnails->load() && !contents.isEmpty())
+                ThumbnailMaker::makeThumbnailFromData(contents, thumbPath, home, &tile);
+            else if (!noThumbnails->load())
                 ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home, &tile);
             QMetaObject::invokeMethod(
                 this, [this, row, tile] { copyDone(row, QString(), tile); }, Qt::QueuedConnection);

@@ -1,5 +1,6 @@
 #include "viewer/thumbnailmaker.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QImageReader>
 #include <QImageWriter>
@@ -28,7 +29,27 @@ QSize ThumbnailMaker::reducedSize(const QSize& size)
 
 QImage ThumbnailMaker::reducedImage(const QString& pagePath)
 {
+    QFile file(pagePath);
+    if (file.open(QIODevice::ReadOnly) && file.size() <= kReadWhole) {
+        const QByteArray page = file.readAll();
+        if (file.error() == QFileDevice::NoError)
+            return reducedImageFromData(page);
+    }
     QImageReader reader(pagePath);
+    return reduce(reader);
+}
+
+QImage ThumbnailMaker::reducedImageFromData(const QByteArray& page)
+{
+    QBuffer buffer;
+    buffer.setData(page);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    return reduce(reader);
+}
+
+QImage ThumbnailMaker::reduce(QImageReader& reader)
+{
     reader.setAutoTransform(true);
     const QSize size = reader.size();
     if (size.isValid()) {
@@ -65,7 +86,21 @@ bool ThumbnailMaker::makeThumbnail(const QString& pagePath, const QString& thumb
         QFile::remove(thumbPath);
     if (!QFile::exists(pagePath) || !PagePaths::ensurePathExists(thumbPath, home))
         return false;
-    const QImage reduced = reducedImage(pagePath);
+    return writeThumbnail(reducedImage(pagePath), thumbPath, made);
+}
+
+bool ThumbnailMaker::makeThumbnailFromData(const QByteArray& page, const QString& thumbPath,
+                                           const QString& home, QImage* made)
+{
+    if (QFile::exists(thumbPath))
+        QFile::remove(thumbPath);
+    if (!PagePaths::ensurePathExists(thumbPath, home))
+        return false;
+    return writeThumbnail(reducedImageFromData(page), thumbPath, made);
+}
+
+bool ThumbnailMaker::writeThumbnail(const QImage& reduced, const QString& thumbPath, QImage* made)
+{
     if (reduced.isNull())
         return false;
     // Written aside, under a name of this thread's own, and renamed into place: the page

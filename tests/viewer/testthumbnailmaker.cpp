@@ -1,3 +1,4 @@
+#include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
 #include <QTemporaryDir>
@@ -64,6 +65,51 @@ private slots:
         QImage(10, 10, QImage::Format_RGB32).save(dst, "JPG"); // a stale one
         QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
         QVERIFY(!QFile::exists(dst));
+    }
+
+    void everyWayToTheSameTile_data()
+    {
+        QTest::addColumn<QString>("format");
+        QTest::addColumn<QSize>("page");
+        QTest::newRow("JPEG scan") << "JPG" << QSize(1275, 1650);
+        QTest::newRow("BMP") << "BMP" << QSize(300, 200);
+        // Larger than is read whole: the decoder reads the file itself.
+        QTest::newRow("BMP beyond the whole read") << "BMP" << QSize(2400, 2400);
+    }
+    void everyWayToTheSameTile()
+    {
+        QFETCH(QString, format);
+        QFETCH(QSize, page);
+        QTemporaryDir dir;
+        // Left half dark, right half light: a reduction that loses its way shows.
+        QImage image(page, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        for (int y = 0; y < page.height(); ++y)
+            for (int x = 0; x < page.width() / 2; ++x)
+                image.setPixel(x, y, qRgb(20, 40, 90));
+        const QString src = dir.filePath("page." + format.toLower());
+        QVERIFY(image.save(src, qPrintable(format)));
+        QCOMPARE(QFileInfo(src).size() > ThumbnailMaker::kReadWhole,
+                 QByteArray(QTest::currentDataTag()).contains("beyond"));
+        QFile file(src);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray contents = file.readAll();
+
+        QImage fromFile;
+        QImage fromData;
+        QVERIFY(ThumbnailMaker::makeThumbnail(src, dir.filePath("a.jpg"), dir.path(), &fromFile));
+        QVERIFY(ThumbnailMaker::makeThumbnailFromData(contents, dir.filePath("b.jpg"), dir.path(),
+                                                      &fromData));
+        QCOMPARE(fromFile, fromData);
+        // The tile handed back is the one written.
+        QCOMPARE(QImage(dir.filePath("a.jpg")).size(), fromFile.size());
+        const QSize reduced = ThumbnailMaker::reducedSize(page);
+        QCOMPARE(ThumbnailMaker::reducedImage(src).size(), reduced);
+        QVERIFY(qGray(fromFile.pixel(reduced.width() / 4, reduced.height() / 2)) < 80);
+        QVERIFY(qGray(fromFile.pixel(reduced.width() * 3 / 4, reduced.height() / 2)) > 200);
+        // Contents that are no picture make nothing.
+        QVERIFY(!ThumbnailMaker::makeThumbnailFromData("not a picture", dir.filePath("c.jpg")));
+        QVERIFY(!QFile::exists(dir.filePath("c.jpg")));
     }
 
     void qualityScale()
