@@ -407,7 +407,8 @@ void ItemDialog::cmdOK()
         m_result.name = m_name->text();
         m_result.dateOnDocument = m_date->text();
         m_result.description = m_description->toPlainText();
-        m_result.amount = QString::number(fieldsFromControls().amount, 'g', 15);
+        m_result.amount =
+            QString::number(fieldsFromControls().amount, 'g', QLocale::FloatingPointShortest);
         accept();
         return;
     }

@@ -1,5 +1,7 @@
 #include "exchange/exchangewriter.h"
 
+#include <QLocale>
+
 #include "core/textfile.h"
 #include "store/itemrules.h"
 #include "store/pagepaths.h"
@@ -70,8 +72,9 @@ QString ExchangeWriter::dateText(const QDate& date)
 
 QString ExchangeWriter::amountText(double amount)
 {
-    // Full precision in the C locale, so that any reader gets the same number back.
-    return QString::number(amount, 'g', 15);
+    // The shortest digits that read back as the same number, in the C locale and never with
+    // an exponent, which the reader of amounts does not know ("1e-05" would read as 1).
+    return QString::number(amount, 'f', QLocale::FloatingPointShortest);
 }
 
 QStringList ExchangeWriter::markerLines(const QDateTime& when)

@@ -3,6 +3,7 @@
 #include "exchange/exchangereader.h"
 #include "exchange/exchangewriter.h"
 #include "exchange/filetypefilter.h"
+#include "store/itemrules.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -143,6 +144,26 @@ private slots:
         QCOMPARE(
             ExchangeWriter::documentLines(empty),
             QStringList({"[DateOnDocument]", "", "", "[Description]", "", "", "[Amount]", ""}));
+    }
+
+    void amountsReadBackAsWritten_data()
+    {
+        QTest::addColumn<double>("amount");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("cents") << 1234.5 << "1234.5";
+        QTest::newRow("negative") << -12.25 << "-12.25";
+        QTest::newRow("whole") << 99.0 << "99";
+        // Forms a shorter writing would give with an exponent, which the reader stops at.
+        QTest::newRow("a hundred-thousandth") << 0.00001 << "0.00001";
+        QTest::newRow("very large") << 1e20 << "100000000000000000000";
+        QTest::newRow("a sum that is not its digits") << 0.1 + 0.2 << "0.30000000000000004";
+    }
+    void amountsReadBackAsWritten()
+    {
+        QFETCH(double, amount);
+        QFETCH(QString, text);
+        QCOMPARE(ExchangeWriter::amountText(amount), text);
+        QCOMPARE(ItemRules::leadingNumber(ExchangeWriter::amountText(amount)), amount);
     }
 
     void readerIsForgiving_data()
