@@ -38,11 +38,13 @@ QString copyIntoPlace(const QString& source, const QString& target, QByteArray& 
     QSaveFile out(target);
     if (!out.open(QIODevice::WriteOnly))
         return out.errorString();
-    const auto copied = [&](const char* data, qint64 n) {
+    // "" when written, else the reason, taken before the cancel puts its own in its place.
+    const auto write = [&](const char* data, qint64 n) {
         if (out.write(data, n) == n)
-            return true;
+            return QString();
+        const QString reason = out.errorString();
         out.cancelWriting();
-        return false;
+        return reason;
     };
     if (in.size() <= ThumbnailMaker::kReadWhole) {
         contents = in.readAll();
@@ -50,8 +52,8 @@ QString copyIntoPlace(const QString& source, const QString& target, QByteArray& 
             out.cancelWriting();
             return in.errorString();
         }
-        if (!copied(contents.constData(), contents.size()))
-            return out.errorString();
+        if (const QString reason = write(contents.constData(), contents.size()); !reason.isEmpty())
+            return reason;
     } else {
         QByteArray buffer(1 << 20, Qt::Uninitialized);
         for (;;) {
@@ -62,8 +64,8 @@ QString copyIntoPlace(const QString& source, const QString& target, QByteArray& 
             }
             if (n == 0)
                 break;
-            if (!copied(buffer.constData(), n))
-                return out.errorString();
+            if (const QString reason = write(buffer.constData(), n); !reason.isEmpty())
+                return reason;
         }
     }
     if (!out.commit())
