@@ -21,6 +21,7 @@
 #include "store/pagestore.h"
 #include "store/schema.h"
 #include "storecommands.h"
+#include "tests/support/settargetview.h"
 #include "templates/samplecabinets.h"
 
 namespace qmr::crash {
@@ -66,22 +67,6 @@ QString outsideFile(const AppHome& home, const QString& name)
 {
     return QFileInfo(home.path()).absoluteDir().filePath(QStringLiteral("Outside/") + name);
 }
-
-// The page list and the tree as a paste sees them: chosen pages, a chosen document.
-class ChosenView : public TargetView
-{
-public:
-    NodeKey treeSelectedKey() const override { return document; }
-    NodeKey treeParentKey(const NodeKey&) const override { return NodeKey(); }
-    NodeKey listSelectedKey() const override { return NodeKey(); }
-    QVector<qint32> selectedPageIds() const override { return pages; }
-    qint32 currentPageId() const override { return pages.value(0, -1); }
-    qint32 shownDocumentId() const override { return -1; }
-    void restoreFocus(ContextSource) override {}
-
-    NodeKey document;
-    QVector<qint32> pages;
-};
 
 template <class T> T* control(QWidget& dialog, const char* name)
 {
@@ -263,7 +248,7 @@ void CommandStore::move(QRandomGenerator& rng)
 
 void CommandStore::pasteCutPages(QRandomGenerator& rng)
 {
-    ChosenView view;
+    test::SetTargetView view;
     CommandTarget target(m_session.selection(), view);
     CommandContext pasting = context();
     pasting.target = &target;
@@ -275,7 +260,7 @@ void CommandStore::pasteCutPages(QRandomGenerator& rng)
     if (view.pages.isEmpty() || document < 0)
         return;
     clipboard.cut();
-    view.document = NodeKey::of(Level::Document, document);
+    view.tree = NodeKey::of(Level::Document, document);
     clipboard.pasteIntoDocument();
 }
 

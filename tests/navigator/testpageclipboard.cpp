@@ -9,28 +9,13 @@
 #include "navigator/clipboardfiles.h"
 #include "navigator/pageclipboard.h"
 #include "store/pagestore.h"
+#include "tests/support/settargetview.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 using test::MoveBench;
 
 namespace {
-
-// What the page list and the tree show, as a test sets it.
-class StubView : public TargetView
-{
-public:
-    NodeKey treeSelectedKey() const override { return tree; }
-    NodeKey treeParentKey(const NodeKey&) const override { return NodeKey(); }
-    NodeKey listSelectedKey() const override { return NodeKey(); }
-    QVector<qint32> selectedPageIds() const override { return pages; }
-    qint32 currentPageId() const override { return pages.value(0, -1); }
-    qint32 shownDocumentId() const override { return -1; }
-    void restoreFocus(ContextSource) override {}
-
-    NodeKey tree;
-    QVector<qint32> pages;
-};
 
 // The sample store with a clipboard on it, whose page list and tree a test sets.
 struct ClipBench : MoveBench
@@ -42,7 +27,7 @@ struct ClipBench : MoveBench
         clipboard = std::make_unique<PageClipboard>(*context);
         QGuiApplication::clipboard()->clear();
     }
-    StubView stub;
+    test::SetTargetView stub;
     CommandTarget target;
     std::unique_ptr<PageClipboard> clipboard;
 };
