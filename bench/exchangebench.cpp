@@ -23,10 +23,10 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <cstdio>
-#include <ctime>
 #include <sys/resource.h>
 #include <unistd.h>
 
+#include "benchsupport.h"
 #include "core/progress.h"
 #include "core/settings.h"
 #include "exchange/cabinetexporter.h"
@@ -101,18 +101,13 @@ double elapsedSeconds(const QElapsedTimer& timer)
 // CPU time of every finished child (cp and the timed runs), user and system together.
 double childrenCpuSeconds()
 {
-    rusage usage{};
-    getrusage(RUSAGE_CHILDREN, &usage);
-    return usage.ru_utime.tv_sec + usage.ru_stime.tv_sec +
-           (usage.ru_utime.tv_usec + usage.ru_stime.tv_usec) / 1e6;
+    return bench::cpuTimeMs(RUSAGE_CHILDREN) / 1000;
 }
 
 // CPU time of this thread alone, for the thumbnails made here one at a time.
 double threadCpuSeconds()
 {
-    timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return t.tv_sec + t.tv_nsec / 1e9;
+    return bench::cpuTimeMs(RUSAGE_THREAD) / 1000;
 }
 
 double copyTree(const QString& from, const QString& to, double* cpu = nullptr)

@@ -16,9 +16,9 @@
 #include <QRandomGenerator>
 #include <algorithm>
 #include <cstdio>
-#include <ctime>
 #include <functional>
 
+#include "benchsupport.h"
 #include "core/findrecord.h"
 #include "core/progress.h"
 #include "core/viewsettings.h"
@@ -121,9 +121,7 @@ struct Figures
 // The thread's processor time: what the work costs when the machine is busy with others.
 qint64 cpuMicroseconds()
 {
-    timespec t{};
-    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &t);
-    return qint64(t.tv_sec) * 1000000 + t.tv_nsec / 1000;
+    return qint64(bench::cpuTimeMs(RUSAGE_THREAD) * 1000);
 }
 
 } // namespace
