@@ -41,11 +41,22 @@ ProgressWindow::ProgressWindow(QWidget* parent) : QDialog(parent)
     });
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
+    // The newest status comes to the line when it has not for a while, also when no further
+    // step follows.
+    m_statusLater.setSingleShot(true);
+    connect(&m_statusLater, &QTimer::timeout, this, &ProgressWindow::showStatus);
 }
 
 QString ProgressWindow::status() const
 {
-    return m_status->text();
+    return m_latest;
+}
+
+void ProgressWindow::showStatus()
+{
+    m_statusLater.stop();
+    m_status->setText(m_latest);
+    m_statusShown.start();
 }
 
 void ProgressWindow::start(const QString& title, int minimum, int maximum)
@@ -53,7 +64,8 @@ void ProgressWindow::start(const QString& title, int minimum, int maximum)
     m_stopped = false;
     m_closeAllowed = false;
     m_cancel->hide();
-    m_status->setText(title);
+    m_latest = title;
+    showStatus();
     m_bar->setRange(minimum, maximum);
     m_bar->draw(0);
     show();
@@ -62,7 +74,11 @@ void ProgressWindow::start(const QString& title, int minimum, int maximum)
 
 void ProgressWindow::step(const QString& status)
 {
-    m_status->setText(status);
+    m_latest = status;
+    if (!m_statusShown.isValid() || m_statusShown.elapsed() >= kStatusEveryMs)
+        showStatus();
+    else if (!m_statusLater.isActive())
+        m_statusLater.start(kStatusEveryMs - int(m_statusShown.elapsed()));
     if (m_bar->position() < m_bar->maximum()) {
         if (m_bar->draw(m_bar->position() + 1))
             QCoreApplication::processEvents();
@@ -72,6 +88,7 @@ void ProgressWindow::step(const QString& status)
 void ProgressWindow::stopProgress()
 {
     m_closeAllowed = true;
+    m_statusLater.stop();
     m_bar->draw(m_bar->maximum());
     hide();
 }

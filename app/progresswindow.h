@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
+#include <QTimer>
 
 #include "core/progress.h"
 
@@ -34,10 +36,18 @@ protected:
 
 private:
     void stopProgress();
+    void showStatus();
+
+    // A person reads a few names a second; setting the line for every file of a large batch
+    // costs the window a layout and a repaint each time.
+    static constexpr int kStatusEveryMs = 50;
 
     QLabel* m_status;
     BarWidget* m_bar;
     QPushButton* m_cancel;
+    QString m_latest;
+    QElapsedTimer m_statusShown;
+    QTimer m_statusLater;
     bool m_closeAllowed = true;
     bool m_stopped = true;
 };

@@ -1,5 +1,6 @@
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
 #include <QPushButton>
 #include <QTest>
 
@@ -137,8 +138,12 @@ private slots:
         for (int i = 0; i < steps; ++i)
             w.step(QString("step %1").arg(i));
         QCOMPARE(w.bar()->fraction(), fraction);
-        if (steps > 0)
+        if (steps > 0) {
             QCOMPARE(w.status(), QString("step %1").arg(steps - 1));
+            // Quick steps share a repaint; the line still comes to the last of them.
+            QTRY_COMPARE(w.findChild<QLabel*>("lblStatus")->text(),
+                         QString("step %1").arg(steps - 1));
+        }
         w.end();
         QVERIFY(w.stopped());
         QVERIFY(!w.isVisible());
