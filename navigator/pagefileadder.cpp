@@ -7,8 +7,10 @@
 #include <QRunnable>
 #include <QSaveFile>
 #include <QTimer>
+#include <functional>
 #include <utility>
 
+#include "core/directfile.h"
 #include "core/pagenotifier.h"
 #include "store/commandcontext.h"
 #include "store/itemrules.h"
@@ -27,50 +29,69 @@ constexpr int kAhead = 4;
 // Names listed in one report; the rest are counted.
 constexpr int kReportedNames = 15;
 
-// Copies a file through a file aside that is renamed into place once it is whole and on the
-// disk. "" when done, else the system's reason. A file small enough to be read whole is
-// kept in `contents`, for its thumbnail.
-QString copyIntoPlace(const QString& source, const QString& target, QByteArray& contents)
+// Writes `data` through a file aside that is renamed into place once it is whole and on the
+// disk. "" when done, else the system's reason.
+QString saveInPlace(const QString& target, const std::function<QString(QSaveFile&)>& fill)
 {
-    QFile in(source);
-    if (!in.open(QIODevice::ReadOnly))
-        return in.errorString();
     QSaveFile out(target);
     if (!out.open(QIODevice::WriteOnly))
         return out.errorString();
-    // "" when written, else the reason, taken before the cancel puts its own in its place.
-    const auto write = [&](const char* data, qint64 n) {
-        if (out.write(data, n) == n)
-            return QString();
-        const QString reason = out.errorString();
+    if (const QString reason = fill(out); !reason.isEmpty()) {
         out.cancelWriting();
         return reason;
-    };
-    if (in.size() <= ThumbnailMaker::kReadWhole) {
-        contents = in.readAll();
-        if (in.error() != QFileDevice::NoError) {
-            out.cancelWriting();
-            return in.errorString();
-        }
-        if (const QString reason = write(contents.constData(), contents.size()); !reason.isEmpty())
-            return reason;
-    } else {
-        QByteArray buffer(1 << 20, Qt::Uninitialized);
-        for (;;) {
-            const qint64 n = in.read(buffer.data(), buffer.size());
-            if (n < 0) {
-                out.cancelWriting();
-                return in.errorString();
-            }
-            if (n == 0)
-                break;
-            if (const QString reason = write(buffer.constData(), n); !reason.isEmpty())
-                return reason;
-        }
     }
     if (!out.commit())
         return out.errorString();
     return QString();
+}
+
+// "" when all of `n` bytes went out, else the reason, taken before a cancel puts its own
+// in its place.
+QString writeAll(QSaveFile& out, const char* data, qint64 n)
+{
+    return out.write(data, n) == n ? QString() : out.errorString();
+}
+
+// Copies a file into the page store; nothing half-copied ever stands under the page's name.
+// "" when done, else the system's reason. A file small enough to be read whole is kept in
+// `contents`, for its thumbnail.
+QString copyIntoPlace(const QString& source, const QString& target,
+                      std::optional<DirectFile>& contents)
+{
+    QFile in(source);
+    if (!in.open(QIODevice::ReadOnly))
+        return in.errorString();
+    if (in.size() <= ThumbnailMaker::kReadWhole) {
+        QString reason;
+        contents = DirectFile::read(in, &reason);
+        if (!contents)
+            return reason;
+        // Straight to the disk where the file system allows it: the copy then costs neither
+        // a pass through the page cache nor its writing back.
+        switch (contents->writeTo(target, &reason)) {
+        case DirectFile::Outcome::Written:
+            return QString();
+        case DirectFile::Outcome::Failed:
+            return reason;
+        case DirectFile::Outcome::Unsupported:
+            break;
+        }
+        const QByteArray bytes = contents->bytes();
+        return saveInPlace(
+            target, [&](QSaveFile& out) { return writeAll(out, bytes.constData(), bytes.size()); });
+    }
+    return saveInPlace(target, [&](QSaveFile& out) {
+        QByteArray buffer(1 << 20, Qt::Uninitialized);
+        for (;;) {
+            const qint64 n = in.read(buffer.data(), buffer.size());
+            if (n < 0)
+                return in.errorString();
+            if (n == 0)
+                return QString();
+            if (const QString reason = writeAll(out, buffer.constData(), n); !reason.isEmpty())
+                return reason;
+        }
+    });
 }
 
 } // namespace
@@ -115,6 +136,8 @@ void PageFileAdder::setThreadCount(int count)
 
 void PageFileAdder::begin()
 {
+    m_inBatch = true;
+    m_highest.clear();
     m_holding = false;
     m_held.clear();
     m_noThumbnails->store(false);
@@ -153,7 +176,7 @@ std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fil
     try {
         PageStore& pages = m_context.session.pages();
         NewPage page;
-        page.pageNumber = row.shortcut ? 0 : pages.highestNumber(documentId) + 1;
+        page.pageNumber = row.shortcut ? 0 : nextPageNumber(documentId);
         // What cannot be read now is named at the end, not filed as a page without a file.
         if (!info.exists()) {
             skip(path, QStringLiteral("No such file"));
@@ -177,11 +200,20 @@ std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fil
             page.filename = path;
         }
         row.pageId = pages.insertPage(documentId, page);
+        if (m_inBatch && !row.shortcut)
+            m_highest.insert(documentId, page.pageNumber);
     } catch (const StoreError& e) {
         skip(path, e.message());
         return std::nullopt;
     }
     return row;
+}
+
+qint32 PageFileAdder::nextPageNumber(qint32 documentId)
+{
+    if (const auto known = m_highest.constFind(documentId); known != m_highest.constEnd())
+        return *known + 1;
+    return m_context.session.pages().highestNumber(documentId) + 1;
 }
 
 void PageFileAdder::holdDeliveries()
@@ -200,6 +232,8 @@ void PageFileAdder::releaseDeliveries()
 void PageFileAdder::dropDeliveries(const QString& reason)
 {
     m_holding = false;
+    // The rolled-back rows took their numbers with them.
+    m_highest.clear();
     for (const NewRow& row : std::exchange(m_held, {}))
         skip(row.fileName, reason);
 }
@@ -232,7 +266,7 @@ void PageFileAdder::deliver(const NewRow& row)
     }
     const std::shared_ptr<std::atomic_bool> noThumbnails = m_noThumbnails;
     m_copyPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
-        QByteArray contents;
+        std::optional<DirectFile> contents;
         const QString error = copyIntoPlace(row.fileName, pagePath, contents);
         if (!error.isEmpty()) {
             QMetaObject::invokeMethod(
@@ -245,8 +279,8 @@ void PageFileAdder::deliver(const NewRow& row)
             QFile::remove(thumbPath);
             QImage tile;
             // The file's contents are at hand: decoding them spares reading the page again.
-            if (!noThumbnails->load() && !contents.isEmpty())
-                ThumbnailMaker::makeThumbnailFromData(contents, thumbPath, home, &tile);
+            if (!noThumbnails->load() && contents)
+                ThumbnailMaker::makeThumbnailFromData(contents->bytes(), thumbPath, home, &tile);
             else if (!noThumbnails->load())
                 ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home, &tile);
             QMetaObject::invokeMethod(
@@ -291,6 +325,8 @@ void PageFileAdder::waitForRoom(int limit)
 
 void PageFileAdder::finish()
 {
+    m_inBatch = false;
+    m_highest.clear();
     waitForRoom(1);
 }
 

@@ -2,6 +2,7 @@
 
 #include <QDate>
 #include <QEventLoop>
+#include <QHash>
 #include <QImage>
 #include <QObject>
 #include <QStringList>
@@ -96,6 +97,7 @@ signals:
 private:
     void copyDone(const NewRow& row, const QString& error, const QImage& tile = QImage());
     void waitForRoom(int limit);
+    qint32 nextPageNumber(qint32 documentId);
 
     const CommandContext& m_context;
     // Copies wait for the disk and thumbnails for the processor: apart, neither holds up the
@@ -108,6 +110,11 @@ private:
     QEventLoop* m_waiting = nullptr;
     bool m_holding = false;
     QVector<NewRow> m_held;
+    // Within a batch, the highest page number each document has reached: nothing else
+    // numbers its pages meanwhile, and asking the store for every file of a large drop reads
+    // the document's pages again and again.
+    bool m_inBatch = false;
+    QHash<qint32, qint32> m_highest;
     int m_added = 0;
     QStringList m_problems;
 };

@@ -1,0 +1,108 @@
+#include "core/directfile.h"
+
+#include <QFile>
+#include <QThread>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+#include <fcntl.h>
+#include <unistd.h>
+
+namespace qmr {
+
+namespace {
+
+qsizetype roundUp(qsizetype n)
+{
+    return (n + DirectFile::kBlock - 1) / DirectFile::kBlock * DirectFile::kBlock;
+}
+
+QString systemReason(int error)
+{
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+} // namespace
+
+std::optional<DirectFile> DirectFile::read(QFile& file, QString* error)
+{
+    const qint64 size = file.size();
+    DirectFile whole;
+    // Room for the padding to a whole block, and for the alignment of the start; one more
+    // byte tells a file that grew since its size was taken.
+    whole.m_owner = QByteArray(roundUp(size + 1) + kBlock, Qt::Uninitialized);
+    char* const start = whole.m_owner.data();
+    char* const at = start + (kBlock - qsizetype(quintptr(start) % kBlock)) % kBlock;
+    qint64 got = 0;
+    while (got <= size) {
+        const qint64 n = file.read(at + got, size + 1 - got);
+        if (n < 0) {
+            if (error)
+                *error = file.errorString();
+            return std::nullopt;
+        }
+        if (n == 0)
+            break;
+        got += n;
+    }
+    if (got > size) {
+        // It grew while being read: read the usual way.
+        if (error)
+            *error = QStringLiteral("The file changed while it was read");
+        return std::nullopt;
+    }
+    // The padding goes to the disk before the file is cut to its size: no leftovers of
+    // memory in it.
+    std::memset(at + got, 0, size_t(roundUp(got) - got));
+    whole.m_view = QByteArray::fromRawData(at, got);
+    return whole;
+}
+
+DirectFile::Outcome DirectFile::writeTo(const QString& target, QString* error) const
+{
+    const auto fail = [error](int code) {
+        if (error)
+            *error = systemReason(code);
+        return Outcome::Failed;
+    };
+    // A name of this thread's own: two copies of one page never share a file aside.
+    const QByteArray aside = QFile::encodeName(
+        target + QStringLiteral(".%1.part").arg(quintptr(QThread::currentThreadId()), 0, 16));
+    const int fd =
+        ::open(aside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_DIRECT, 0644);
+    if (fd < 0)
+        return errno == EINVAL ? Outcome::Unsupported : fail(errno);
+    const auto giveUp = [&](int code) {
+        ::close(fd);
+        ::unlink(aside.constData());
+        return code == EINVAL ? Outcome::Unsupported : fail(code);
+    };
+    const qsizetype padded = roundUp(m_view.size());
+    qsizetype written = 0;
+    while (written < padded) {
+        const ssize_t n = ::write(fd, m_view.constData() + written, size_t(padded - written));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n <= 0)
+            return giveUp(n < 0 ? errno : ENOSPC);
+        // A short direct write leaves the rest unaligned: the usual way takes over.
+        if (n % kBlock != 0 && written + n < padded)
+            return giveUp(EINVAL);
+        written += n;
+    }
+    if (::ftruncate(fd, m_view.size()) != 0 || ::fdatasync(fd) != 0)
+        return giveUp(errno);
+    if (::close(fd) != 0) {
+        const int code = errno;
+        ::unlink(aside.constData());
+        return fail(code);
+    }
+    if (std::rename(aside.constData(), QFile::encodeName(target).constData()) != 0) {
+        const int code = errno;
+        ::unlink(aside.constData());
+        return fail(code);
+    }
+    return Outcome::Written;
+}
+
+} // namespace qmr

@@ -1,0 +1,39 @@
+#pragma once
+
+#include <QByteArray>
+#include <QString>
+#include <optional>
+
+class QFile;
+
+namespace qmr {
+
+// The whole contents of a file, held in memory laid out so that a copy of it can go to the
+// disk straight from here: past the page cache, without copying it there first and writing
+// it back later. Used for page copies, where each file is read whole anyway (for its
+// thumbnail) and must be on the disk before it counts as added.
+class DirectFile
+{
+public:
+    // The disk takes writes in blocks of this size, from memory aligned to it.
+    static constexpr qsizetype kBlock = 4096;
+
+    enum class Outcome { Written, Unsupported, Failed };
+
+    // Reads the whole of an open file; nothing, with the reason in `error`, when it cannot.
+    static std::optional<DirectFile> read(QFile& file, QString* error);
+
+    // The contents; valid while this or a copy of it lives.
+    QByteArray bytes() const { return m_view; }
+
+    // Writes the contents under a name aside next to `target`, makes them durable, and renames
+    // them into place. Unsupported when the file system does not take direct writes (nothing
+    // is left behind, and the caller writes the usual way); Failed with the system's reason.
+    Outcome writeTo(const QString& target, QString* error) const;
+
+private:
+    QByteArray m_owner; // the allocation, a block larger than needed for the alignment
+    QByteArray m_view;  // the contents within it, starting on a block boundary
+};
+
+} // namespace qmr
