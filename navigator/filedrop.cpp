@@ -85,9 +85,11 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
     // that cannot commit names its files, and the next group tries again.
     std::optional<Database::Transaction> group;
     QElapsedTimer groupAge;
+    int groupRows = kFirstGroupRows;
     const auto endGroup = [&] {
         if (!group)
             return;
+        groupRows = qMin(2 * groupRows, kGroupRows);
         try {
             group->commit();
             group.reset();
@@ -115,7 +117,7 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
         } catch (const StoreError& e) {
             m_files.skip(file, e.message());
         }
-        if (m_files.held() >= kGroupRows || (group && groupAge.elapsed() >= kGroupMs))
+        if (m_files.held() >= groupRows || (group && groupAge.elapsed() >= kGroupMs))
             endGroup();
         QCoreApplication::processEvents();
         if (showAsTheyCome && !group && sinceShown.elapsed() >= kShowEveryMs) {

@@ -31,8 +31,11 @@ public:
     // How often the pages on show are brought up to date while a drop runs.
     static constexpr int kShowEveryMs = 400;
     // The most files whose rows share one commit, and the longest such a group stays open.
-    static constexpr int kGroupRows = 8;
-    static constexpr int kGroupMs = 50;
+    // The first group is small, so that the copies start at once; each next one may hold
+    // twice as many, up to the most, while the copies of the last one run.
+    static constexpr int kFirstGroupRows = 4;
+    static constexpr int kGroupRows = 32;
+    static constexpr int kGroupMs = 100;
 
 private:
     void runBatch(const QStringList& files, const std::function<void(const QString&)>& addOne,

@@ -240,10 +240,11 @@ private slots:
     {
         MoveBench b;
         QStringList files;
-        const int count = 2 * FileDrop::kGroupRows + 3;
+        // Groups of 4 and 8, then 3 of a group of 16.
+        const int count = 3 * FileDrop::kFirstGroupRows + 3;
         for (int i = 0; i < count; ++i)
             files << b.image(QStringLiteral("scan %1.jpg").arg(i), QSize(60, 80));
-        // Two whole groups and a part of one: nothing lost at their edges.
+        // Nothing lost at the groups' edges.
         const int before = b.session->pages().count(3);
         QSignalSpy coming(b.files.get(), &PageFileAdder::thumbnailComing);
         QSignalSpy done(b.files.get(), &PageFileAdder::thumbnailDone);
