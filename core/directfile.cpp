@@ -30,32 +30,61 @@ std::optional<DirectFile> DirectFile::read(QFile& file, QString* error)
     DirectFile whole;
     // Room for the padding to a whole block, and for the alignment of the start; one more
     // byte tells a file that grew since its size was taken.
-    whole.m_owner = QByteArray(roundUp(size + 1) + kBlock, Qt::Uninitialized);
+    const qsizetype room = roundUp(size + 1);
+    whole.m_owner = QByteArray(room + kBlock, Qt::Uninitialized);
     char* const start = whole.m_owner.data();
     char* const at = start + (kBlock - qsizetype(quintptr(start) % kBlock)) % kBlock;
-    qint64 got = 0;
-    while (got <= size) {
-        const qint64 n = file.read(at + got, size + 1 - got);
-        if (n < 0) {
-            if (error)
-                *error = file.errorString();
-            return std::nullopt;
+    std::optional<qint64> got = readDirect(file.fileName(), at, room);
+    if (!got) {
+        got = 0;
+        while (*got <= size) {
+            const qint64 n = file.read(at + *got, size + 1 - *got);
+            if (n < 0) {
+                if (error)
+                    *error = file.errorString();
+                return std::nullopt;
+            }
+            if (n == 0)
+                break;
+            *got += n;
         }
-        if (n == 0)
-            break;
-        got += n;
     }
-    if (got > size) {
-        // It grew while being read: read the usual way.
+    if (*got > size) {
         if (error)
             *error = QStringLiteral("The file changed while it was read");
         return std::nullopt;
     }
     // The padding goes to the disk before the file is cut to its size: no leftovers of
     // memory in it.
-    std::memset(at + got, 0, size_t(roundUp(got) - got));
-    whole.m_view = QByteArray::fromRawData(at, got);
+    std::memset(at + *got, 0, size_t(roundUp(*got) - *got));
+    whole.m_view = QByteArray::fromRawData(at, *got);
     return whole;
+}
+
+std::optional<qint64> DirectFile::readDirect(const QString& path, char* at, qsizetype room)
+{
+    // Past the page cache as well, where the file system allows it: the disk puts the file
+    // straight into place, and no copy is made out of the cache. Anything unexpected (a file
+    // system that refuses, a file gone by now) leaves the reading to the open file.
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_DIRECT | O_CLOEXEC);
+    if (fd < 0)
+        return std::nullopt;
+    qint64 got = 0;
+    while (got < room) {
+        const ssize_t n = ::read(fd, at + got, size_t(room - got));
+        if (n < 0 && errno == EINTR)
+            continue;
+        if (n < 0) {
+            ::close(fd);
+            return std::nullopt;
+        }
+        got += n;
+        // Direct reads come in whole blocks until the end of the file.
+        if (n == 0 || n % kBlock != 0)
+            break;
+    }
+    ::close(fd);
+    return got;
 }
 
 DirectFile::Outcome DirectFile::writeTo(const QString& target, QString* error) const

@@ -8,10 +8,11 @@ class QFile;
 
 namespace qmr {
 
-// The whole contents of a file, held in memory laid out so that a copy of it can go to the
-// disk straight from here: past the page cache, without copying it there first and writing
-// it back later. Used for page copies, where each file is read whole anyway (for its
-// thumbnail) and must be on the disk before it counts as added.
+// The whole contents of a file, read and held in memory laid out so that the disk can fill it
+// and a copy of it can go to the disk straight from here: past the page cache, without
+// copying it there first and writing it back later. Used for page copies, where each file
+// is read whole anyway (for its thumbnail) and must be on the disk before it counts as
+// added.
 class DirectFile
 {
 public:
@@ -32,6 +33,10 @@ public:
     Outcome writeTo(const QString& target, QString* error) const;
 
 private:
+    // Bytes read past the page cache into `at`, up to `room`; nothing when that is not
+    // possible.
+    static std::optional<qint64> readDirect(const QString& path, char* at, qsizetype room);
+
     QByteArray m_owner; // the allocation, a block larger than needed for the alignment
     QByteArray m_view;  // the contents within it, starting on a block boundary
 };

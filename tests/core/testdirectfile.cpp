@@ -93,6 +93,25 @@ private slots:
         QVERIFY(!QFile::exists(dir.filePath("gone")));
     }
 
+    // Read through its open handle when its name no longer leads to it.
+    void aFileGoneAfterItsOpeningIsReadAllTheSame()
+    {
+        QTemporaryDir dir;
+        const QByteArray bytes = noise(2 * DirectFile::kBlock + 9);
+        const QString source = dir.filePath("scan.jpg");
+        QVERIFY(writeFile(source, bytes));
+        QFile in(source);
+        QVERIFY(in.open(QIODevice::ReadOnly));
+        QVERIFY(QFile::remove(source));
+        QString error;
+        const std::optional<DirectFile> whole = DirectFile::read(in, &error);
+        QVERIFY2(whole, qPrintable(error));
+        QCOMPARE(whole->bytes(), bytes);
+        const QString target = dir.filePath("page.jpg");
+        QCOMPARE(whole->writeTo(target, &error), DirectFile::Outcome::Written);
+        QCOMPARE(readFile(target), bytes);
+    }
+
     void aFileThatCannotBeReadIsRefused()
     {
         QTemporaryDir dir;
