@@ -94,11 +94,12 @@ DirectFile::Outcome DirectFile::writeTo(const QString& target, QString* error) c
             *error = systemReason(code);
         return Outcome::Failed;
     };
-    // A name of this thread's own: two copies of one page never share a file aside.
+    // A name of this thread's own: two copies of one page never share a file aside. Made as
+    // any other file is, under the user's umask.
     const QByteArray aside = QFile::encodeName(
         target + QStringLiteral(".%1.part").arg(quintptr(QThread::currentThreadId()), 0, 16));
     const int fd =
-        ::open(aside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_DIRECT, 0644);
+        ::open(aside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_DIRECT, 0666);
     if (fd < 0)
         return errno == EINVAL ? Outcome::Unsupported : fail(errno);
     const auto giveUp = [&](int code) {

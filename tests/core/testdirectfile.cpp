@@ -3,6 +3,7 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
+#include <sys/stat.h>
 
 #include "core/directfile.h"
 #include "tests/support/testrunner.h"
@@ -70,8 +71,13 @@ private slots:
         // The contents start on a block, as the disk takes them.
         QCOMPARE(quintptr(whole->bytes().constData()) % DirectFile::kBlock, quintptr(0));
         const DirectFile copy = *whole; // shares the contents, which stay valid
-        QCOMPARE(copy.writeTo(target, &error), DirectFile::Outcome::Written);
+        // Made as any other file is, under the umask (one that lets the group write, here).
+        const mode_t umaskWas = ::umask(0002);
+        const DirectFile::Outcome outcome = copy.writeTo(target, &error);
+        ::umask(umaskWas);
+        QCOMPARE(outcome, DirectFile::Outcome::Written);
         QCOMPARE(readFile(target), bytes);
+        QCOMPARE(QFile::permissions(target) & QFile::WriteGroup, QFile::WriteGroup);
         QCOMPARE(copy.bytes(), bytes);
         // Nothing aside is left.
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 2);
