@@ -29,8 +29,8 @@ constexpr int kAhead = 4;
 // Names listed in one report; the rest are counted.
 constexpr int kReportedNames = 15;
 
-// Writes `data` through a file aside that is renamed into place once it is whole and on the
-// disk. "" when done, else the system's reason.
+// Writes a file through a file aside, which `fill` fills and which is renamed into place once
+// it is whole and on the disk. "" when done, else the system's reason.
 QString saveInPlace(const QString& target, const std::function<QString(QSaveFile&)>& fill)
 {
     QSaveFile out(target);
