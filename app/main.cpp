@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QCoreApplication>
+#include <csignal>
 #include <cstdio>
 #include <cstring>
 
@@ -40,6 +41,10 @@ void nameApplication()
 
 int main(int argc, char* argv[])
 {
+    // A write to a pipe or socket whose other end has gone (the scanner backend's reader, a
+    // mail server that hung up) fails with an error that the command reports; it must not
+    // end the program.
+    std::signal(SIGPIPE, SIG_IGN);
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help-file") == 0)
             return printHelpFile(argc, argv);

@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QTest>
+#include <csignal>
 #include <cstring>
 
 #include "tests/support/testrunner.h"
@@ -14,6 +15,10 @@ std::vector<TestEntry>& registry()
 
 int runAll(int argc, char** argv)
 {
+    // As in the program: a write to a pipe whose reader has gone (the scanner backend's, after
+    // a cancel) fails with an error. Left to the default, the test library takes the signal
+    // for a crash, and the backend, finding a handler there, no longer ignores it itself.
+    std::signal(SIGPIPE, SIG_IGN);
     QApplication app(argc, argv);
     QString only;
     QString skip;
