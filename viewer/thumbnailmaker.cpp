@@ -51,12 +51,15 @@ QImage ThumbnailMaker::reducedImageFromData(const QByteArray& page)
 QImage ThumbnailMaker::reduce(QImageReader& reader)
 {
     reader.setAutoTransform(true);
-    const QSize size = reader.size();
-    if (size.isValid()) {
+    const QSize stored = reader.size();
+    if (stored.isValid()) {
+        // The size is the stored one. A photo its camera notes as taken turned comes out
+        // turned, and its tile has the turned shape.
+        const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;
+        const QSize target = reducedSize(turned ? stored.transposed() : stored);
         // The JPEG decoder reduces by up to eight while it decodes and smooths the rest of the
         // way itself: asked for the final size at once, it does the least work.
-        const QSize target = reducedSize(size);
-        reader.setScaledSize(target);
+        reader.setScaledSize(turned ? target.transposed() : target);
         const QImage reduced = reader.read();
         if (reduced.isNull())
             return QImage();

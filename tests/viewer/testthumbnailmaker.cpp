@@ -1,3 +1,4 @@
+#include <QBuffer>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
@@ -110,6 +111,41 @@ private slots:
         // Contents that are no picture make nothing.
         QVERIFY(!ThumbnailMaker::makeThumbnailFromData("not a picture", dir.filePath("c.jpg")));
         QVERIFY(!QFile::exists(dir.filePath("c.jpg")));
+    }
+
+    // A photo whose camera notes that it was taken turned: its tile has the turned shape
+    // and the picture the right way up, not squeezed into the stored shape.
+    void turnedByItsCameraKeepsItsShape()
+    {
+        QTemporaryDir dir;
+        // Stored 400x200, left half dark; turned a quarter clockwise, the dark half is on top.
+        QImage image(400, 200, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        for (int y = 0; y < 200; ++y)
+            for (int x = 0; x < 200; ++x)
+                image.setPixel(x, y, qRgb(20, 40, 90));
+        QBuffer plain;
+        plain.open(QIODevice::WriteOnly);
+        QVERIFY(image.save(&plain, "JPG"));
+        // An APP1 segment with one orientation entry (6: turn a quarter clockwise) after SOI.
+        const QByteArray exif = QByteArray::fromHex("FFE10022"
+                                                    "457869660000"
+                                                    "4D4D002A00000008"
+                                                    "0001"
+                                                    "011200030000000100060000"
+                                                    "00000000");
+        const QByteArray turned = plain.data().left(2) + exif + plain.data().mid(2);
+        const QString src = dir.filePath("photo.jpg");
+        QFile file(src);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write(turned);
+        file.close();
+        QCOMPARE(QImageReader(src).transformation(), QImageIOHandler::TransformationRotate90);
+
+        const QImage reduced = ThumbnailMaker::reducedImage(src);
+        QCOMPARE(reduced.size(), QSize(50, 100));
+        QVERIFY(qGray(reduced.pixel(25, 20)) < 80);
+        QVERIFY(qGray(reduced.pixel(25, 80)) > 200);
     }
 
     void qualityScale()
