@@ -140,6 +140,8 @@ void PageFileAdder::begin()
     m_highest.clear();
     m_holding = false;
     m_held.clear();
+    // Anything the last batch left to remove goes before its problems are forgotten.
+    removeOrphans();
     m_noThumbnails->store(false);
     m_added = 0;
     m_problems.clear();
@@ -224,6 +226,7 @@ void PageFileAdder::holdDeliveries()
 void PageFileAdder::releaseDeliveries()
 {
     m_holding = false;
+    removeOrphans();
     const QVector<NewRow> rows = std::exchange(m_held, {});
     for (const NewRow& row : rows)
         deliver(row);
@@ -236,6 +239,7 @@ void PageFileAdder::dropDeliveries(const QString& reason)
     m_highest.clear();
     for (const NewRow& row : std::exchange(m_held, {}))
         skip(row.fileName, reason);
+    removeOrphans();
 }
 
 void PageFileAdder::deliver(const NewRow& row)
@@ -299,14 +303,26 @@ void PageFileAdder::copyDone(const NewRow& row, const QString& error, const QIma
         ++m_added;
         return;
     }
-    // A row whose file never arrived would be a page that cannot open: it goes again.
+    // A row whose file never arrived would be a page that cannot open: it goes again. Not
+    // inside a group of rows still open, though, whose rollback would bring it back.
     skip(row.fileName, error);
-    try {
-        m_context.session.pages().removeRow(row.pageId);
-    } catch (const StoreError& e) {
-        m_problems.last() += QStringLiteral(" (its page %1 stays without a file: %2)")
-                                 .arg(row.pageId)
-                                 .arg(e.message());
+    m_orphans << Orphan{row.pageId, int(m_problems.size()) - 1};
+    if (!m_holding)
+        removeOrphans();
+}
+
+void PageFileAdder::removeOrphans()
+{
+    for (const Orphan& orphan : std::exchange(m_orphans, {})) {
+        try {
+            m_context.session.pages().removeRow(orphan.pageId);
+        } catch (const StoreError& e) {
+            if (orphan.problem >= 0 && orphan.problem < m_problems.size())
+                m_problems[orphan.problem] +=
+                    QStringLiteral(" (its page %1 stays without a file: %2)")
+                        .arg(orphan.pageId)
+                        .arg(e.message());
+        }
     }
 }
 
@@ -328,6 +344,8 @@ void PageFileAdder::finish()
     m_inBatch = false;
     m_highest.clear();
     waitForRoom(1);
+    if (!m_holding)
+        removeOrphans();
 }
 
 QString PageFileAdder::report() const

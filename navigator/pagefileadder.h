@@ -98,6 +98,7 @@ private:
     void copyDone(const NewRow& row, const QString& error, const QImage& tile = QImage());
     void waitForRoom(int limit);
     qint32 nextPageNumber(qint32 documentId);
+    void removeOrphans();
 
     const CommandContext& m_context;
     // Copies wait for the disk and thumbnails for the processor: apart, neither holds up the
@@ -110,6 +111,14 @@ private:
     QEventLoop* m_waiting = nullptr;
     bool m_holding = false;
     QVector<NewRow> m_held;
+    // Rows whose copy failed, to be removed once no group of rows is open; with the entry of
+    // the problem that names them.
+    struct Orphan
+    {
+        qint32 pageId;
+        int problem;
+    };
+    QVector<Orphan> m_orphans;
     // Within a batch, the highest page number each document has reached: nothing else
     // numbers its pages meanwhile, and asking the store for every file of a large drop reads
     // the document's pages again and again.

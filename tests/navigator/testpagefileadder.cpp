@@ -181,6 +181,31 @@ private slots:
         QVERIFY(QFileInfo(b.pagePath(id)).isDir());
     }
 
+    // The failed copy reports while the next group of rows is open, and that group rolls
+    // back: the failed row goes all the same, and is not brought back with the group.
+    void aFailedCopyLeavesNoPageWhenTheNextGroupRollsBack()
+    {
+        MoveBench b;
+        const QString blocked = b.image(QStringLiteral("blocked.jpg"));
+        const qint32 id = nextPageId(*b.session);
+        QVERIFY(QDir().mkpath(b.pagePath(id)));
+        b.files->begin();
+        QCOMPARE(b.files->addPageFromFile(blocked, 3), id);
+        {
+            Database::Transaction group(b.session->db());
+            b.files->holdDeliveries();
+            QVERIFY(b.files->addPageFromFile(b.image(QStringLiteral("two.jpg")), 3) > 0);
+            QTRY_COMPARE(b.files->outstanding(), 0);
+            QCOMPARE(b.files->problems().size(), 1);
+        }
+        b.files->dropDeliveries(QStringLiteral("the disk is full"));
+        b.files->finish();
+        QVERIFY(!b.session->pages().page(id));
+        QCOMPARE(b.files->problems().size(), 2);
+        QVERIFY(b.files->problems().first().startsWith(blocked + QStringLiteral(": ")));
+        QCOMPARE(b.session->db().transactionDepth(), 0);
+    }
+
     void heldDeliveriesWaitForTheCommit_data()
     {
         QTest::addColumn<bool>("committed");
