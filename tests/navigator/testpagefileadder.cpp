@@ -24,12 +24,15 @@ QByteArray digest(const QString& path)
     return QCryptographicHash::hash(file.readAll(), QCryptographicHash::Sha256);
 }
 
-qint32 nextPageId(Session& session)
+// Puts a directory where the next page's file would go, so that page's copy fails; its id.
+qint32 blockNextPageFile(MoveBench& b)
 {
-    return session.db()
-               .scalar(QStringLiteral("SELECT seq FROM sqlite_sequence WHERE name = 'Page'"))
-               .toInt() +
-           1;
+    const qint32 id =
+        b.session->db()
+            .scalar(QStringLiteral("SELECT seq FROM sqlite_sequence WHERE name = 'Page'"))
+            .toInt() +
+        1;
+    return QDir().mkpath(b.pagePath(id)) ? id : 0;
 }
 
 } // namespace
@@ -170,9 +173,8 @@ private slots:
     {
         MoveBench b;
         const QString source = b.image(QStringLiteral("blocked.jpg"));
-        // A directory stands where the page file would go.
-        const qint32 id = nextPageId(*b.session);
-        QVERIFY(QDir().mkpath(b.pagePath(id)));
+        const qint32 id = blockNextPageFile(b);
+        QVERIFY(id > 0);
         b.files->begin();
         QCOMPARE(b.files->addPageFromFile(source, 1), id);
         b.files->finish();
@@ -187,8 +189,8 @@ private slots:
     {
         MoveBench b;
         const QString blocked = b.image(QStringLiteral("blocked.jpg"));
-        const qint32 id = nextPageId(*b.session);
-        QVERIFY(QDir().mkpath(b.pagePath(id)));
+        const qint32 id = blockNextPageFile(b);
+        QVERIFY(id > 0);
         b.files->begin();
         QCOMPARE(b.files->addPageFromFile(blocked, 3), id);
         {
