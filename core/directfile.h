@@ -33,6 +33,9 @@ public:
     Outcome writeTo(const QString& target, QString* error) const;
 
 private:
+    // Bytes read out of the page cache into `at`, up to `room`; nothing when any of them
+    // would have to come from the disk.
+    static std::optional<qint64> readCached(int fd, char* at, qsizetype room);
     // Bytes read past the page cache into `at`, up to `room`; nothing when that is not
     // possible.
     static std::optional<qint64> readDirect(const QString& path, char* at, qsizetype room);

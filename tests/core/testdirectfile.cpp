@@ -3,7 +3,9 @@
 #include <QRandomGenerator>
 #include <QTemporaryDir>
 #include <QTest>
+#include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include "core/directfile.h"
 #include "tests/support/testrunner.h"
@@ -33,31 +35,54 @@ QByteArray readFile(const QString& path)
     return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(unreadable)");
 }
 
+// Writes a file's pages to the disk and asks the cache to let them go, so that the next read
+// comes from the disk.
+bool evict(const QString& path)
+{
+    const int fd = ::open(QFile::encodeName(path).constData(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0)
+        return false;
+    const bool done = ::fdatasync(fd) == 0 && ::posix_fadvise(fd, 0, 0, POSIX_FADV_DONTNEED) == 0;
+    ::close(fd);
+    return done;
+}
+
 } // namespace
 
 class TestDirectFile : public QObject
 {
     Q_OBJECT
 private slots:
-    // Sizes at and around the disk's blocks, where the padding and the cut to size can go
-    // wrong by one.
+    // Sizes at and around the disk's blocks, where the split between the whole blocks and
+    // the rest can go wrong by one; read out of the page cache, and from the disk once the
+    // cache has let the file go.
     void copiedByteForByte_data()
     {
         QTest::addColumn<qsizetype>("size");
-        QTest::newRow("empty") << qsizetype(0);
-        QTest::newRow("one byte") << qsizetype(1);
-        QTest::newRow("a block less one") << DirectFile::kBlock - 1;
-        QTest::newRow("a block") << DirectFile::kBlock;
-        QTest::newRow("a block and one") << DirectFile::kBlock + 1;
-        QTest::newRow("a scan") << qsizetype(713 * 1024 + 17);
+        QTest::addColumn<bool>("fromDisk");
+        const QList<QPair<const char*, qsizetype>> sizes = {
+            {"empty", 0},
+            {"one byte", 1},
+            {"a block less one", DirectFile::kBlock - 1},
+            {"a block", DirectFile::kBlock},
+            {"a block and one", DirectFile::kBlock + 1},
+            {"two blocks less one", 2 * DirectFile::kBlock - 1},
+            {"a scan", 713 * 1024 + 17}};
+        for (const auto& [name, size] : sizes)
+            for (const bool fromDisk : {false, true})
+                QTest::addRow("%s, %s", name, fromDisk ? "from the disk" : "cached")
+                    << size << fromDisk;
     }
     void copiedByteForByte()
     {
         QFETCH(qsizetype, size);
+        QFETCH(bool, fromDisk);
         QTemporaryDir dir;
         const QByteArray bytes = noise(size);
         const QString source = dir.filePath("Bob's scan.jpg");
         QVERIFY(writeFile(source, bytes));
+        if (fromDisk)
+            QVERIFY(evict(source));
         const QString target = dir.filePath("page.jpg");
         // An older file under the page's name is replaced whole.
         QVERIFY(writeFile(target, noise(3 * DirectFile::kBlock + 5)));
