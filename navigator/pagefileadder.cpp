@@ -52,34 +52,38 @@ QString writeAll(QSaveFile& out, const char* data, qint64 n)
     return out.write(data, n) == n ? QString() : out.errorString();
 }
 
-// Copies a file into the page store; nothing half-copied ever stands under the page's name.
-// "" when done, else the system's reason. A file small enough to be read whole is kept in
-// `contents`, for its thumbnail.
-QString copyIntoPlace(const QString& source, const QString& target,
-                      std::optional<DirectFile>& contents)
+// Reads a file small enough to be held whole; nothing, with the system's reason, when it
+// cannot be read.
+std::optional<DirectFile> readWhole(QFile& in, QString* reason)
 {
-    QFile in(source);
-    if (!in.open(QIODevice::ReadOnly))
-        return in.errorString();
-    if (in.size() <= ThumbnailMaker::kReadWhole) {
-        QString reason;
-        contents = DirectFile::read(in, &reason);
-        if (!contents)
-            return reason;
-        // Straight to the disk where the file system allows it: the copy then costs neither
-        // a pass through the page cache nor its writing back.
-        switch (contents->writeTo(target, &reason)) {
-        case DirectFile::Outcome::Written:
-            return QString();
-        case DirectFile::Outcome::Failed:
-            return reason;
-        case DirectFile::Outcome::Unsupported:
-            break;
-        }
-        const QByteArray bytes = contents->bytes();
-        return saveInPlace(
-            target, [&](QSaveFile& out) { return writeAll(out, bytes.constData(), bytes.size()); });
+    if (in.size() > ThumbnailMaker::kReadWhole)
+        return std::nullopt;
+    return DirectFile::read(in, reason);
+}
+
+// Puts a file read whole into the page store; nothing half-copied ever stands under the
+// page's name. "" when done, else the system's reason.
+QString writeIntoPlace(const DirectFile& contents, const QString& target)
+{
+    QString reason;
+    // Straight to the disk where the file system allows it: the copy then costs neither a
+    // pass through the page cache nor its writing back.
+    switch (contents.writeTo(target, &reason)) {
+    case DirectFile::Outcome::Written:
+        return QString();
+    case DirectFile::Outcome::Failed:
+        return reason;
+    case DirectFile::Outcome::Unsupported:
+        break;
     }
+    const QByteArray bytes = contents.bytes();
+    return saveInPlace(
+        target, [&](QSaveFile& out) { return writeAll(out, bytes.constData(), bytes.size()); });
+}
+
+// Copies a file too large to be held whole, a piece at a time.
+QString copyIntoPlace(QFile& in, const QString& target)
+{
     return saveInPlace(target, [&](QSaveFile& out) {
         QByteArray buffer(1 << 20, Qt::Uninitialized);
         for (;;) {
@@ -269,27 +273,53 @@ void PageFileAdder::deliver(const NewRow& row)
         return;
     }
     const std::shared_ptr<std::atomic_bool> noThumbnails = m_noThumbnails;
-    m_copyPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails] {
-        std::optional<DirectFile> contents;
-        const QString error = copyIntoPlace(row.fileName, pagePath, contents);
-        if (!error.isEmpty()) {
+    // The copy and the thumbnail end in either order; the last to end reports both.
+    const auto joint = std::make_shared<Joint>();
+    const auto finishPart = [this, row, joint] {
+        if (joint->parts.fetch_sub(1, std::memory_order_acq_rel) == 1)
             QMetaObject::invokeMethod(
-                this, [this, row, error] { copyDone(row, error); }, Qt::QueuedConnection);
-            return;
+                this, [this, row, joint] { copyDone(row, joint->error, joint->tile); },
+                Qt::QueuedConnection);
+    };
+    const auto makeThumbnail = [thumbPath, home, noThumbnails, joint,
+                                finishPart](const std::optional<DirectFile>& contents,
+                                            const QString& pagePath) {
+        // A thumbnail left by an earlier page of this id must not stand for this one.
+        QFile::remove(thumbPath);
+        if (!noThumbnails->load()) {
+            if (contents)
+                ThumbnailMaker::makeThumbnailFromData(contents->bytes(), thumbPath, home,
+                                                      &joint->tile);
+            else
+                ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home, &joint->tile);
         }
-        m_thumbPool.start(QRunnable::create([this, row, pagePath, thumbPath, home, noThumbnails,
-                                             contents] {
-            // A thumbnail left by an earlier page of this id must not stand for this one.
-            QFile::remove(thumbPath);
-            QImage tile;
-            // The file's contents are at hand: decoding them spares reading the page again.
-            if (!noThumbnails->load() && contents)
-                ThumbnailMaker::makeThumbnailFromData(contents->bytes(), thumbPath, home, &tile);
-            else if (!noThumbnails->load())
-                ThumbnailMaker::makeThumbnail(pagePath, thumbPath, home, &tile);
-            QMetaObject::invokeMethod(
-                this, [this, row, tile] { copyDone(row, QString(), tile); }, Qt::QueuedConnection);
-        }));
+        finishPart();
+    };
+    m_copyPool.start(QRunnable::create([this, row, pagePath, joint, finishPart, makeThumbnail] {
+        QFile in(row.fileName);
+        QString error;
+        if (!in.open(QIODevice::ReadOnly)) {
+            error = in.errorString();
+        } else if (const std::optional<DirectFile> contents = readWhole(in, &error)) {
+            // The thumbnail needs the contents alone: it is made while they go to the disk.
+            m_thumbPool.start(
+                QRunnable::create([contents, makeThumbnail] { makeThumbnail(contents, {}); }));
+            joint->error = writeIntoPlace(*contents, pagePath);
+            finishPart();
+            return;
+        } else if (error.isEmpty()) {
+            error = copyIntoPlace(in, pagePath);
+            if (error.isEmpty()) {
+                m_thumbPool.start(QRunnable::create(
+                    [pagePath, makeThumbnail] { makeThumbnail(std::nullopt, pagePath); }));
+                finishPart();
+                return;
+            }
+        }
+        joint->error = error;
+        // No thumbnail comes for a file that never arrived.
+        joint->parts.fetch_sub(1, std::memory_order_relaxed);
+        finishPart();
     }));
 }
 
@@ -298,7 +328,11 @@ void PageFileAdder::copyDone(const NewRow& row, const QString& error, const QIma
     --m_outstanding;
     if (m_waiting)
         m_waiting->quit();
-    emit thumbnailDone(m_context.session.paths().computedThumbPath(row.pageId), tile);
+    const QString thumbPath = m_context.session.paths().computedThumbPath(row.pageId);
+    // The thumbnail was made while the copy failed: it stands for no page.
+    if (!error.isEmpty())
+        QFile::remove(thumbPath);
+    emit thumbnailDone(thumbPath, error.isEmpty() ? tile : QImage());
     if (error.isEmpty()) {
         ++m_added;
         return;

@@ -95,6 +95,14 @@ signals:
     void thumbnailDone(const QString& thumbPath, const QImage& tile);
 
 private:
+    // One page's copy and thumbnail, which run apart and end in either order.
+    struct Joint
+    {
+        std::atomic_int parts{2};
+        QString error; // the copy's, set before its part ends
+        QImage tile;   // the thumbnail's, likewise
+    };
+
     void copyDone(const NewRow& row, const QString& error, const QImage& tile = QImage());
     void waitForRoom(int limit);
     qint32 nextPageNumber(qint32 documentId);

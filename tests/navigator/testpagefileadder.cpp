@@ -175,12 +175,19 @@ private slots:
         const QString source = b.image(QStringLiteral("blocked.jpg"));
         const qint32 id = blockNextPageFile(b);
         QVERIFY(id > 0);
+        QSignalSpy done(b.files.get(), &PageFileAdder::thumbnailDone);
         b.files->begin();
         QCOMPARE(b.files->addPageFromFile(source, 1), id);
         b.files->finish();
         QVERIFY(!b.session->pages().page(id));
         QCOMPARE(b.files->problems().size(), 1);
         QVERIFY(QFileInfo(b.pagePath(id)).isDir());
+        // The thumbnail, made from the contents while the copy failed, went with the row.
+        const QString thumb = b.session->paths().computedThumbPath(id);
+        QVERIFY(!QFile::exists(thumb));
+        QCOMPARE(done.size(), 1);
+        QCOMPARE(done.first().at(0).toString(), thumb);
+        QVERIFY(done.first().at(1).value<QImage>().isNull());
     }
 
     // The failed copy reports while the next group of rows is open, and that group rolls
