@@ -47,15 +47,16 @@ struct ThreadTime
 // Every thread of this program by its id.
 QMap<QString, ThreadTime> threadTimes();
 
-// Runs the event loop until `done`, after `start`.
-template <typename Start, typename Done> Watch watch(Start start, Done done)
+// Runs the event loop until `done`, after `start`. The loop's answers are sampled every
+// `tickMs`: each sample wakes the window's thread, which a long run pays for.
+template <typename Start, typename Done> Watch watch(Start start, Done done, int tickMs = 1)
 {
     Watch result;
     QElapsedTimer clock;
     QElapsedTimer since;
     QTimer ticker;
     ticker.setTimerType(Qt::PreciseTimer);
-    ticker.setInterval(1);
+    ticker.setInterval(tickMs);
     QObject::connect(&ticker, &QTimer::timeout, [&] {
         result.longestStallMs = qMax(result.longestStallMs, since.nsecsElapsed() / 1e6);
         since.restart();
