@@ -10,8 +10,9 @@
 // cores, and the window never stops answering for more than 50 ms.
 //
 // A shared machine's speed drifts by a tenth within seconds, so one `cp`, one thumbnail and
-// one drop measured apart can be compared in error. Each round measures the three together
-// and is judged on its own; the verdict is that of the median round.
+// one drop measured apart can be compared in error. Each round measures the three together;
+// every round is judged against the fastest cp of them all, and the verdict is the median
+// round's.
 //
 //   build/bench/bench_drop [files [threads [width height [rounds]]]]
 //
