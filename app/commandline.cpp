@@ -11,7 +11,9 @@
 #include "exchange/exchangebatch.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "store/storecheck.h"
 #include "store/storeerror.h"
+#include "viewer/thumbnailmaker.h"
 
 namespace qmr {
 
@@ -19,7 +21,8 @@ namespace {
 
 const QString kUsage = QStringLiteral("Usage: quillmere [--home DIR]\n"
                                       "       quillmere [--home DIR] --export CABINET DIR\n"
-                                      "       quillmere [--home DIR] --import DIR CABINET\n");
+                                      "       quillmere [--home DIR] --import DIR CABINET\n"
+                                      "       quillmere [--home DIR] --check [--repair]\n");
 
 // Options that the toolkit reads for the window; they are accepted and left to it.
 void addToolkitOptions(QCommandLineParser& parser)
@@ -52,8 +55,11 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
         "  --export CABINET DIR  writes the cabinet to an exchange directory below DIR\n"
         "  --import DIR CABINET  merges the exchange directory DIR (the one that holds\n"
         "                        QMR.txt) into the cabinet\n"
+        "  --check               checks the store and the page files against each other\n"
+        "  --check --repair      also mends what can be mended, never removing a page\n"
         "They print a progress line and a report, and end with status 1 when something\n"
-        "could not be done; a wrong command line ends with status 2."));
+        "could not be done (or --check found a problem); a wrong command line ends with\n"
+        "status 2."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption home(QStringLiteral("home"),
@@ -70,9 +76,19 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
         QStringLiteral("Import the exchange directory DIR into the cabinet CABINET, without a "
                        "window."),
         QStringLiteral("DIR"));
+    const QCommandLineOption checkOption(
+        QStringLiteral("check"),
+        QStringLiteral("Check the store and its page files, without a window: one line per "
+                       "problem, and status 1 when there is any."));
+    const QCommandLineOption repairOption(
+        QStringLiteral("repair"),
+        QStringLiteral("With --check: remove files no page refers to and files left by "
+                       "copies that never ended, make thumbnails again, correct file sizes."));
     parser.addOption(home);
     parser.addOption(exportOption);
     parser.addOption(importOption);
+    parser.addOption(checkOption);
+    parser.addOption(repairOption);
     parser.addPositionalArgument(QStringLiteral("DIR|CABINET"),
                                  QStringLiteral("The second value of --export or --import."));
     addToolkitOptions(parser);
@@ -104,6 +120,17 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
     const bool exporting = parser.isSet(exportOption);
     const bool importing = parser.isSet(importOption);
     const QStringList rest = parser.positionalArguments();
+    if (parser.isSet(repairOption) && !parser.isSet(checkOption))
+        return error(QStringLiteral("--repair goes with --check."));
+    if (parser.isSet(checkOption)) {
+        if (exporting || importing)
+            return error(QStringLiteral("--check cannot be given with --export or --import."));
+        if (!rest.isEmpty())
+            return error(QStringLiteral("Unexpected argument '%1'.").arg(rest.first()));
+        request.action = CommandLineRequest::Action::Check;
+        request.repair = parser.isSet(repairOption);
+        return request;
+    }
     if (!exporting && !importing) {
         if (!rest.isEmpty())
             return error(QStringLiteral("Unexpected argument '%1'.").arg(rest.first()));
@@ -181,8 +208,23 @@ int CommandLine::runBatch(const CommandLineRequest& request)
     try {
         StoreSchema::openDatabase(session.db(), home);
     } catch (const StoreError& e) {
+        if (request.action == CommandLineRequest::Action::Check)
+            out << "The store cannot be opened: " << e.message() << '\n';
         err << "quillmere: " << e.message() << '\n';
         return 1;
+    }
+    if (request.action == CommandLineRequest::Action::Check) {
+        StoreCheck check(session.db(), session.paths());
+        check.setThumbnailMaker([&home](const QString& page, const QString& thumb) {
+            return ThumbnailMaker::makeThumbnail(page, thumb, home.path());
+        });
+        const StoreCheck::Summary summary =
+            check.run(request.repair, [&out](const QString& problem, bool repaired) {
+                out << problem << (repaired ? " (repaired)" : "") << '\n';
+                out.flush();
+            });
+        out << summary.text() << '\n';
+        return summary.clean() ? 0 : 1;
     }
     ExchangeBatch batch(session, out, err, ::isatty(STDERR_FILENO) != 0);
     return request.action == CommandLineRequest::Action::Export

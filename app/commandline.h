@@ -10,17 +10,18 @@ namespace qmr {
 // What the command line asks for.
 struct CommandLineRequest
 {
-    enum class Action { Window, Help, Version, Export, Import, Error };
+    enum class Action { Window, Help, Version, Export, Import, Check, Error };
     Action action = Action::Window;
-    QString home;      // --home, "" when not given
-    QString cabinet;   // --export, --import: the cabinet's name
-    QString directory; // --export: the output path; --import: the exchange directory
-    QString message;   // Help: the help text; Version: the version line; Error: what is wrong
+    QString home;        // --home, "" when not given
+    QString cabinet;     // --export, --import: the cabinet's name
+    QString directory;   // --export: the output path; --import: the exchange directory
+    QString message;     // Help: the help text; Version: the version line; Error: what is wrong
+    bool repair = false; // --check --repair
 };
 
 // The command line, read with QCommandLineParser: --help, --version, --home DIR, and the
-// window-less commands --export "CABINET" DIR and --import DIR "CABINET". The toolkit's own
-// options (-platform, -style ...) pass through to the window.
+// window-less commands --export "CABINET" DIR, --import DIR "CABINET" and --check [--repair]. The
+// toolkit's own options (-platform, -style ...) pass through to the window.
 class CommandLine
 {
 public:
@@ -29,8 +30,8 @@ public:
     static CommandLineRequest parse(const QStringList& arguments);
     // The home a request names: --home, else $QUILLMERE_HOME, else $XDG_DATA_HOME/Quillmere.
     static AppHome homeOf(const CommandLineRequest& request);
-    // Runs --export or --import without a window; needs a QCoreApplication. Returns the exit
-    // status.
+    // Runs --export, --import or --check without a window; needs a QCoreApplication.
+    // Returns the exit status.
     static int runBatch(const CommandLineRequest& request);
     // Prints help, the version or a usage error; returns the exit status.
     static int print(const CommandLineRequest& request);

@@ -58,7 +58,8 @@ int main(int argc, char* argv[])
         // Help, the version, a usage error and the batch commands need no window.
         QCoreApplication app(argc, argv);
         nameApplication();
-        if (request.action == Action::Export || request.action == Action::Import)
+        if (request.action == Action::Export || request.action == Action::Import ||
+            request.action == Action::Check)
             return qmr::CommandLine::runBatch(request);
         return qmr::CommandLine::print(request);
     }

@@ -1,6 +1,8 @@
 #include "app/startup.h"
 
 #include <QApplication>
+#include <QDateTime>
+#include <QTimer>
 #include <QTreeWidget>
 
 #include "app/appicon.h"
@@ -15,6 +17,7 @@
 #include "navigator/navwindow.h"
 #include "navigator/pagepane.h"
 #include "store/commandcontext.h"
+#include "store/homesweep.h"
 #include "store/schema.h"
 #include "store/session.h"
 #include "store/storeerror.h"
@@ -40,6 +43,7 @@ bool Startup::checkDataAccess(Prompter& prompter, int runtimeVersion)
 
 bool Startup::start(bool showWindow)
 {
+    const qint64 runStart = QDateTime::currentSecsSinceEpoch();
     m_session = std::make_unique<Session>(m_home, m_settings);
     if (!checkDataAccess(m_prompter, Database::runtimeVersion()))
         return false;
@@ -97,6 +101,10 @@ bool Startup::start(bool showWindow)
         if (m_window->pageList()->isVisible())
             m_window->pageList()->setFocus();
     }
+    // Once the window is up: what a run that ended early left in the page directories goes.
+    // Files aside from before this run's start are leftovers; later ones are this run's.
+    m_sweep = std::make_unique<HomeSweep>(m_session->db(), m_session->paths(), runStart);
+    QTimer::singleShot(0, m_sweep.get(), &HomeSweep::start);
     return true;
 }
 

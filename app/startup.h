@@ -9,6 +9,7 @@ namespace qmr {
 class Choosers;
 class DrawerTemplates;
 class HomeLock;
+class HomeSweep;
 class MailPageNotifier;
 class NavWindow;
 class ProgressWindow;
@@ -41,6 +42,8 @@ public:
     ProgressWindow* progress() { return m_progress.get(); }
     DrawerTemplates& templates() { return *m_templates; }
     ViewSettings& viewSettings() { return *m_view; }
+    // The tidying of the page files that starts once the window is up.
+    HomeSweep* sweep() { return m_sweep.get(); }
 
 private:
     AppHome m_home;
@@ -56,6 +59,7 @@ private:
     std::unique_ptr<ProgressWindow> m_progress;
     std::unique_ptr<MailPageNotifier> m_notifier;
     std::unique_ptr<NavWindow> m_window;
+    std::unique_ptr<HomeSweep> m_sweep;
 };
 
 } // namespace qmr

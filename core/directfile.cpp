@@ -1,7 +1,6 @@
 #include "core/directfile.h"
 
 #include <QFile>
-#include <QThread>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
@@ -16,11 +15,6 @@ namespace {
 qsizetype roundUp(qsizetype n)
 {
     return (n + DirectFile::kBlock - 1) / DirectFile::kBlock * DirectFile::kBlock;
-}
-
-QString systemReason(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
 }
 
 } // namespace
@@ -109,26 +103,19 @@ std::optional<qint64> DirectFile::readDirect(const QString& path, char* at, qsiz
     return got;
 }
 
-DirectFile::Outcome DirectFile::writeTo(const QString& target, QString* error) const
+DirectFile::Outcome DirectFile::writeTo(const QString& target, PartFile::Placing placing,
+                                        QString* error) const
 {
-    const auto fail = [error](int code) {
+    PartFile part(target);
+    const auto fail = [&] {
         if (error)
-            *error = systemReason(code);
-        return Outcome::Failed;
+            *error = part.errorString();
+        part.discard();
+        return part.error() == EINVAL ? Outcome::Unsupported : Outcome::Failed;
     };
-    // A name of this thread's own: two copies of one page never share a file aside. Made as
-    // any other file is, under the user's umask.
-    const QByteArray aside = QFile::encodeName(
-        target + QStringLiteral(".%1.part").arg(quintptr(QThread::currentThreadId()), 0, 16));
-    const int fd =
-        ::open(aside.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_DIRECT, 0666);
-    if (fd < 0)
-        return errno == EINVAL ? Outcome::Unsupported : fail(errno);
-    const auto giveUp = [&](int code) {
-        ::close(fd);
-        ::unlink(aside.constData());
-        return code == EINVAL ? Outcome::Unsupported : fail(code);
-    };
+    if (!part.open(O_DIRECT))
+        return fail();
+    const int fd = part.handle();
     // The whole blocks go straight to the disk; the last part of a block goes through the
     // page cache. Padding the last block and cutting the file back afterwards cost more: the
     // cut reads that block back from the disk to clear its end.
@@ -139,40 +126,48 @@ DirectFile::Outcome DirectFile::writeTo(const QString& target, QString* error) c
         const ssize_t n = ::write(fd, m_view.constData() + written, size_t(whole - written));
         if (n < 0 && errno == EINTR)
             continue;
-        if (n <= 0)
-            return giveUp(n < 0 ? errno : ENOSPC);
+        if (n <= 0) {
+            part.fail(n < 0 ? errno : ENOSPC);
+            return fail();
+        }
         // A short direct write leaves the rest unaligned: the usual way takes over.
-        if (n % kBlock != 0 && written + n < whole)
-            return giveUp(EINVAL);
+        if (n % kBlock != 0 && written + n < whole) {
+            part.fail(EINVAL);
+            return fail();
+        }
         written += n;
     }
     if (written < size) {
         const int flags = ::fcntl(fd, F_GETFL);
-        if (flags < 0 || ::fcntl(fd, F_SETFL, flags & ~O_DIRECT) != 0)
-            return giveUp(errno);
+        if (flags < 0 || ::fcntl(fd, F_SETFL, flags & ~O_DIRECT) != 0) {
+            part.fail(errno);
+            return fail();
+        }
         while (written < size) {
             const ssize_t n =
                 ::pwrite(fd, m_view.constData() + written, size_t(size - written), off_t(written));
             if (n < 0 && errno == EINTR)
                 continue;
-            if (n <= 0)
-                return giveUp(n < 0 ? errno : ENOSPC);
+            if (n <= 0) {
+                part.fail(n < 0 ? errno : ENOSPC);
+                return fail();
+            }
             written += n;
         }
     }
-    if (::fdatasync(fd) != 0)
-        return giveUp(errno);
-    if (::close(fd) != 0) {
-        const int code = errno;
-        ::unlink(aside.constData());
-        return fail(code);
+    switch (part.place(placing)) {
+    case PartFile::Placed::Done:
+        return Outcome::Written;
+    case PartFile::Placed::TargetExists:
+        if (error)
+            *error = part.errorString();
+        return Outcome::TargetExists;
+    case PartFile::Placed::Failed:
+        break;
     }
-    if (std::rename(aside.constData(), QFile::encodeName(target).constData()) != 0) {
-        const int code = errno;
-        ::unlink(aside.constData());
-        return fail(code);
-    }
-    return Outcome::Written;
+    if (error)
+        *error = part.errorString();
+    return Outcome::Failed;
 }
 
 } // namespace qmr

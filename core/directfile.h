@@ -4,6 +4,8 @@
 #include <QString>
 #include <optional>
 
+#include "core/partfile.h"
+
 class QFile;
 
 namespace qmr {
@@ -19,7 +21,7 @@ public:
     // The disk takes writes in blocks of this size, from memory aligned to it.
     static constexpr qsizetype kBlock = 4096;
 
-    enum class Outcome { Written, Unsupported, Failed };
+    enum class Outcome { Written, TargetExists, Unsupported, Failed };
 
     // Reads the whole of an open file; nothing, with the reason in `error`, when it cannot.
     static std::optional<DirectFile> read(QFile& file, QString* error);
@@ -27,10 +29,11 @@ public:
     // The contents; valid while this or a copy of it lives.
     QByteArray bytes() const { return m_view; }
 
-    // Writes the contents under a name aside next to `target`, makes them durable, and renames
-    // them into place. Unsupported when the file system does not take direct writes (nothing
-    // is left behind, and the caller writes the usual way); Failed with the system's reason.
-    Outcome writeTo(const QString& target, QString* error) const;
+    // Writes the contents under a name aside next to `target`, makes them durable, and puts
+    // them in place. Unsupported when the file system does not take direct writes (nothing
+    // is left behind, and the caller writes the usual way); TargetExists when `placing` keeps
+    // a file that stands there; Failed with the system's reason.
+    Outcome writeTo(const QString& target, PartFile::Placing placing, QString* error) const;
 
 private:
     // Bytes read out of the page cache into `at`, up to `room`; nothing when any of them

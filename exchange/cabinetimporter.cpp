@@ -1,6 +1,7 @@
 #include "exchange/cabinetimporter.h"
 
 #include <QDate>
+#include <QElapsedTimer>
 
 #include "core/progress.h"
 #include "exchange/exchangequestions.h"
@@ -9,6 +10,7 @@
 #include "store/itemrules.h"
 #include "store/itemtable.h"
 #include "store/pagepaths.h"
+#include "store/pageplace.h"
 #include "store/session.h"
 #include "store/storecolumns.h"
 #include "store/storeerror.h"
@@ -16,6 +18,12 @@
 namespace qmr {
 
 namespace {
+
+// The rows of this many page files, or of this many milliseconds, share one commit: each
+// commit waits for the disk, and a commit per file made a large import wait on it hundreds
+// of times.
+constexpr int kGroupFiles = 64;
+constexpr int kGroupMs = 500;
 
 const QString kUnfiledDrawer = QStringLiteral("Unfiled drawer");
 const QString kUnfiledFolder = QStringLiteral("Unfiled folder");
@@ -114,10 +122,40 @@ void CabinetImporter::begin(Progress& progress)
     m_pendingFiles.clear();
     m_touchedDocuments.clear();
     m_thumbs = std::make_unique<ThumbnailQueue>(m_session.home().path(), m_threads);
+    m_group.reset();
+    checkpoint();
+}
+
+void CabinetImporter::checkpoint()
+{
+    // Only between the walk's own groups of rows: one still open cannot be cut in two.
+    if (m_session.db().transactionDepth() > 1)
+        return;
+    if (m_group && m_groupFiles < kGroupFiles && m_groupAge.elapsed() < kGroupMs)
+        return;
+    if (m_group) {
+        const std::unique_ptr<Unit> group = std::move(m_group);
+        group->commit();
+    }
+    m_group = std::make_unique<Unit>(*this);
+    m_groupFiles = 0;
+    m_groupAge.start();
 }
 
 void CabinetImporter::finish()
 {
+    // What came in before a stop or a failure is kept. A failure to keep it takes back the
+    // group's rows and files together.
+    if (m_group && m_session.db().transactionDepth() == 1) {
+        const std::unique_ptr<Unit> group = std::move(m_group);
+        try {
+            group->commit();
+        } catch (const StoreError& e) {
+            if (m_report.error.isEmpty())
+                m_report.error = e.message();
+        }
+    }
+    m_group.reset();
     m_thumbs->waitForDone();
     m_thumbs.reset();
     if (m_navigator)
@@ -297,6 +335,7 @@ void CabinetImporter::importDocument(qint32 folderId, const QString& path)
         }
     }
     unit.commit();
+    checkpoint();
 }
 
 // ---- items and manifests ------------------------------------------------------------------
@@ -381,14 +420,15 @@ void CabinetImporter::importDirectoryFiles(qint32 parentId, const QString& dir, 
         m_progress->step(QStringLiteral("Import ") + name);
         if (level == Level::Document) {
             importFile(parentId, dir, name);
-            continue;
+        } else {
+            // Each file a document of its own, named as the file, extension and all.
+            Unit unit(*this);
+            const qint32 documentId = getOrCreate(Level::Document, parentId, name, false);
+            if (documentId >= 0)
+                importFile(documentId, dir, name);
+            unit.commit();
         }
-        // Each file a document of its own, named as the file, extension and all.
-        Unit unit(*this);
-        const qint32 documentId = getOrCreate(Level::Document, parentId, name, false);
-        if (documentId >= 0)
-            importFile(documentId, dir, name);
-        unit.commit();
+        checkpoint();
     }
 }
 
@@ -402,17 +442,20 @@ void CabinetImporter::importFile(qint32 documentId, const QString& dir, const QS
     }
     // A page whose file cannot be taken in leaves no row behind (nor a document made for it).
     Unit unit(*this);
-    const qint32 pageId = addImportedPage(documentId, name, length, path);
-    if (pageId < 0 || !copyImportedPageFile(path, pageId))
+    bool newRow = false;
+    const qint32 pageId = addImportedPage(documentId, name, length, path, newRow);
+    if (pageId < 0 || !copyImportedPageFile(path, pageId, newRow))
         return;
     unit.commit();
     m_touchedDocuments.insert(documentId);
+    ++m_groupFiles;
 }
 
 qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, qint64 length,
-                                        const QString& path)
+                                        const QString& path, bool& newRow)
 {
     PageStore& pages = m_session.pages();
+    newRow = false;
     const qint32 existing = pages.pageNamed(documentId, name);
     if (existing >= 0)
         return existing;
@@ -434,12 +477,13 @@ qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, 
         return -1;
     }
     const qint32 id = pages.insertPage(documentId, page);
+    newRow = true;
     if (page.shortcut)
         ++m_report.shortcutsCreated;
     return id;
 }
 
-bool CabinetImporter::copyImportedPageFile(const QString& source, qint32 pageId)
+bool CabinetImporter::copyImportedPageFile(const QString& source, qint32 pageId, bool newRow)
 {
     const std::optional<PageRow> row = m_session.pages().page(pageId);
     if (!row)
@@ -452,30 +496,45 @@ bool CabinetImporter::copyImportedPageFile(const QString& source, qint32 pageId)
         return true;
     }
     const QString thumb = paths.thumbPath(pageId, row->filename);
-    if (m_fs.isFile(target)) {
+    // A page that stood already keeps its file. A file at a new page's place is never its
+    // copy: it was left by a run that ended before its rows were kept.
+    if (!newRow && m_fs.isFile(target)) {
         ++m_report.filesSkipped;
         if (!m_fs.isFile(thumb))
             m_thumbs->add(target, thumb);
         return true;
     }
-    if (!m_fs.makePath(PagePaths::directoryPart(target))) {
-        m_report.error = QStringLiteral("Cannot make the directory of %1").arg(target);
+    const auto halt = [this](const QString& error) {
+        m_report.error = error;
         m_halt = true;
         return false;
-    }
-    const FileOutcome outcome = m_fs.copyFile(source, target);
-    if (!outcome.ok()) {
-        problem(outcome.message);
-        if (outcome.kind != FileOutcome::Kind::ReadFailed) {
-            // The store's own disk: nothing further can come in.
-            m_report.error = outcome.message;
-            m_halt = true;
+    };
+    if (!m_fs.makePath(PagePaths::directoryPart(target)))
+        return halt(QStringLiteral("Cannot make the directory of %1").arg(target));
+    if (newRow) {
+        if (const QString taken = PagePlace::clear(m_session.pages(), paths, pageId, target);
+            !taken.isEmpty()) {
+            problem(taken);
+            return halt(taken);
         }
+    }
+    QByteArray contents;
+    const FileOutcome outcome = m_fs.copyIntoStore(source, target, &contents);
+    if (!outcome.ok()) {
+        // The store's own disk, or a file that appeared at the page's place: nothing further
+        // can come in.
+        problem(outcome.message);
+        if (outcome.kind != FileOutcome::Kind::ReadFailed)
+            return halt(outcome.message);
         return false;
     }
     ++m_report.filesImported;
     m_pendingFiles << target << thumb;
-    m_thumbs->add(target, thumb);
+    // From the bytes just copied where they were small enough to hold: no second read.
+    if (contents.isEmpty())
+        m_thumbs->add(target, thumb);
+    else
+        m_thumbs->addFromData(contents, thumb);
     return true;
 }
 

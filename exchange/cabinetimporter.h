@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QSet>
 #include <QString>
 #include <QStringList>
@@ -91,12 +92,15 @@ private:
     void importDirectoryFiles(qint32 parentId, const QString& dir, Level level,
                               const QStringList& names);
     void importFile(qint32 documentId, const QString& dir, const QString& name);
+    // The page of this name, or a new row (`newRow` then true); -1 when none can be made.
     qint32 addImportedPage(qint32 documentId, const QString& name, qint64 length,
-                           const QString& path);
-    bool copyImportedPageFile(const QString& source, qint32 pageId);
+                           const QString& path, bool& newRow);
+    bool copyImportedPageFile(const QString& source, qint32 pageId, bool newRow);
 
     void dropPending(int items, int files);
     void flushPending();
+    // Commits the rows gathered so far once there are enough of them, and opens the next group.
+    void checkpoint();
 
     Session& m_session;
     ExchangeFileSystem& m_fs;
@@ -115,6 +119,10 @@ private:
     QVector<CreatedItem> m_pendingItems;
     QStringList m_pendingFiles;
     QSet<qint32> m_touchedDocuments;
+    // The open group of rows that several files share, and how much it holds.
+    std::unique_ptr<Unit> m_group;
+    QElapsedTimer m_groupAge;
+    int m_groupFiles = 0;
 };
 
 } // namespace qmr

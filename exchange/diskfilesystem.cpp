@@ -18,6 +18,10 @@ namespace {
 
 constexpr qint64 kChunk = 1 << 20;
 
+// A page file up to this size is held whole while it is copied, so that its thumbnail needs
+// no second read.
+constexpr qint64 kWholeFile = 16 << 20;
+
 QString systemText(int error)
 {
     return QString::fromLocal8Bit(std::strerror(error));
@@ -93,11 +97,6 @@ QStringList sortedNames(const QString& dir, QDir::Filters filters)
 
 } // namespace
 
-QString DiskFileSystem::partName(const QString& target)
-{
-    return target + QStringLiteral(".qmrpart");
-}
-
 bool DiskFileSystem::isDirectory(const QString& path) const
 {
     return QFileInfo(path).isDir();
@@ -112,7 +111,7 @@ QStringList DiskFileSystem::fileNames(const QString& dir) const
 {
     // A copy cut short by a crash is no file of anybody's.
     QStringList names = sortedNames(dir, QDir::Files);
-    names.removeIf([](const QString& name) { return name.endsWith(QLatin1String(".qmrpart")); });
+    names.removeIf(PartFile::isPartName);
     return names;
 }
 
@@ -134,54 +133,80 @@ bool DiskFileSystem::makePath(const QString& dir)
 
 FileOutcome DiskFileSystem::copyFile(const QString& source, const QString& target)
 {
+    // Written outside the store, where the next run of a backup rewrites it anyway.
+    return copy(source, target, PartFile::Placing::Replace, false);
+}
+
+FileOutcome DiskFileSystem::copyIntoStore(const QString& source, const QString& target,
+                                          QByteArray* contents)
+{
+    if (contents)
+        contents->clear();
+    QFile in(source);
+    if (!contents || !in.open(QIODevice::ReadOnly) || in.size() > kWholeFile)
+        return copy(source, target, PartFile::Placing::NoReplace, true);
+    const QByteArray bytes = in.readAll();
+    if (in.error() != QFileDevice::NoError)
+        return FileOutcome::failed(
+            FileOutcome::Kind::ReadFailed,
+            QStringLiteral("Cannot read %1: %2").arg(source, in.errorString()));
+    PartFile part(target);
+    if (!part.open() || !part.write(bytes.constData(), bytes.size()))
+        return writeError(part.error(), target);
+    const FileOutcome outcome = placed(part, PartFile::Placing::NoReplace, true);
+    if (outcome.ok())
+        *contents = bytes;
+    return outcome;
+}
+
+FileOutcome DiskFileSystem::copy(const QString& source, const QString& target,
+                                 PartFile::Placing placing, bool sync)
+{
     const QByteArray from = QFile::encodeName(source);
     const int in = ::open(from.constData(), O_RDONLY | O_CLOEXEC);
     if (in < 0)
         return FileOutcome::failed(
             FileOutcome::Kind::ReadFailed,
             QStringLiteral("Cannot read %1: %2").arg(source, systemText(errno)));
-    const QString part = partName(target);
-    const QByteArray partPath = QFile::encodeName(part);
-    const int out = ::open(partPath.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (out < 0) {
-        const int error = errno;
+    PartFile part(target);
+    if (!part.open()) {
         ::close(in);
-        return writeError(error, target);
+        return writeError(part.error(), target);
     }
     bool readSide = false;
-    int error = copyContents(in, out, readSide);
+    const int error = copyContents(in, part.handle(), readSide);
     ::close(in);
-    // A full disk can show only when the last blocks are handed over.
-    if (::close(out) != 0 && error == 0)
-        error = errno;
-    if (error == 0 && ::rename(partPath.constData(), QFile::encodeName(target).constData()) != 0)
-        error = errno;
-    if (error == 0)
-        return FileOutcome::done();
-    ::unlink(partPath.constData());
-    if (readSide)
-        return FileOutcome::failed(
-            FileOutcome::Kind::ReadFailed,
-            QStringLiteral("Cannot read %1: %2").arg(source, systemText(error)));
-    return writeError(error, target);
+    if (error != 0) {
+        if (readSide)
+            return FileOutcome::failed(
+                FileOutcome::Kind::ReadFailed,
+                QStringLiteral("Cannot read %1: %2").arg(source, systemText(error)));
+        return writeError(error, target);
+    }
+    return placed(part, placing, sync);
 }
 
 FileOutcome DiskFileSystem::writeFile(const QString& path, const QByteArray& bytes)
 {
-    const QString part = partName(path);
-    const QByteArray partPath = QFile::encodeName(part);
-    const int out = ::open(partPath.constData(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (out < 0)
-        return writeError(errno, path);
-    int error = writeAll(out, bytes.constData(), bytes.size());
-    if (::close(out) != 0 && error == 0)
-        error = errno;
-    if (error == 0 && ::rename(partPath.constData(), QFile::encodeName(path).constData()) != 0)
-        error = errno;
-    if (error == 0)
+    PartFile part(path);
+    if (!part.open() || !part.write(bytes.constData(), bytes.size()))
+        return writeError(part.error(), path);
+    return placed(part, PartFile::Placing::Replace, false);
+}
+
+FileOutcome DiskFileSystem::placed(PartFile& part, PartFile::Placing placing, bool sync)
+{
+    switch (part.place(placing, sync)) {
+    case PartFile::Placed::Done:
         return FileOutcome::done();
-    ::unlink(partPath.constData());
-    return writeError(error, path);
+    case PartFile::Placed::TargetExists:
+        return FileOutcome::failed(
+            FileOutcome::Kind::TargetExists,
+            QStringLiteral("Cannot write %1: another file stands there").arg(part.target()));
+    case PartFile::Placed::Failed:
+        break;
+    }
+    return writeError(part.error(), part.target());
 }
 
 std::optional<QStringList> DiskFileSystem::readLines(const QString& path) const

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "core/partfile.h"
 #include "exchange/exchangefilesystem.h"
 
 namespace qmr {
 
 // The real file system. Copies go through the kernel (copy_file_range, falling back to
-// read and write), one file at a time and never whole in memory.
+// read and write), one file at a time and never whole in memory, into a file aside that is
+// made anew (never through a link), synced, and then put in place.
 class DiskFileSystem : public ExchangeFileSystem
 {
 public:
@@ -16,12 +18,16 @@ public:
     qint64 fileSize(const QString& path) const override;
     bool makePath(const QString& dir) override;
     FileOutcome copyFile(const QString& source, const QString& target) override;
+    FileOutcome copyIntoStore(const QString& source, const QString& target,
+                              QByteArray* contents = nullptr) override;
     FileOutcome writeFile(const QString& path, const QByteArray& bytes) override;
     std::optional<QStringList> readLines(const QString& path) const override;
     bool remove(const QString& path) override;
 
-    // The temporary name a file is written under before it takes its own.
-    static QString partName(const QString& target);
+private:
+    static FileOutcome copy(const QString& source, const QString& target, PartFile::Placing placing,
+                            bool sync);
+    static FileOutcome placed(PartFile& part, PartFile::Placing placing, bool sync);
 };
 
 } // namespace qmr

@@ -15,7 +15,8 @@ struct FileOutcome
         NoDirectory, // the file's directory could not be made; nothing was written
         ReadFailed,  // the source could not be read
         WriteFailed, // the target could not be written
-        DiskFull     // the target's disk has no room left
+        DiskFull,    // the target's disk has no room left
+        TargetExists // a file stands at the target, which was to be left alone
     };
     Kind kind = Kind::Done;
     QString message; // the system's words, naming the file
@@ -46,6 +47,12 @@ public:
     // over whatever stands there, so that a failed or interrupted copy never leaves half a
     // file under the target's name.
     virtual FileOutcome copyFile(const QString& source, const QString& target) = 0;
+    // The same for a page file coming into the store: on the disk before it takes its name,
+    // and only where no file stands (TargetExists otherwise, the file there untouched). With
+    // `contents`, a file small enough to be held whole is copied through memory and its bytes
+    // handed back (for its thumbnail); a larger one leaves `contents` empty.
+    virtual FileOutcome copyIntoStore(const QString& source, const QString& target,
+                                      QByteArray* contents = nullptr) = 0;
     // Writes a whole file the same way.
     virtual FileOutcome writeFile(const QString& path, const QByteArray& bytes) = 0;
     // The lines of an outside text file (UTF-8, else Windows-1252); nothing when unreadable.

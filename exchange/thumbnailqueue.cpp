@@ -29,6 +29,16 @@ void ThumbnailQueue::add(const QString& pagePath, const QString& thumbPath)
     });
 }
 
+void ThumbnailQueue::addFromData(const QByteArray& page, const QString& thumbPath)
+{
+    m_room.acquire();
+    m_pool.start([this, page, thumbPath] {
+        if (ThumbnailMaker::makeThumbnailFromData(page, thumbPath, m_home))
+            ++m_made;
+        m_room.release();
+    });
+}
+
 void ThumbnailQueue::waitForDone()
 {
     m_pool.waitForDone();

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QSemaphore>
 #include <QString>
 #include <QThreadPool>
@@ -20,6 +21,8 @@ public:
 
     // Rebuilds one thumbnail from its page file; waits first while the queue is full.
     void add(const QString& pagePath, const QString& thumbPath);
+    // The same from the page's bytes at hand.
+    void addFromData(const QByteArray& page, const QString& thumbPath);
     // Returns once every thumbnail asked for is made (or has failed).
     void waitForDone();
     int made() const { return m_made.load(); }

@@ -100,7 +100,7 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
         }
     };
     for (const QString& file : files) {
-        if (progress.stopped())
+        if (progress.stopped() || m_files.halted())
             break;
         if (!group && canGroup()) {
             try {

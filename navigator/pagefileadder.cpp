@@ -5,15 +5,15 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QRunnable>
-#include <QSaveFile>
 #include <QTimer>
-#include <functional>
 #include <utility>
 
 #include "core/directfile.h"
+#include "core/partfile.h"
 #include "core/pagenotifier.h"
 #include "store/commandcontext.h"
 #include "store/itemrules.h"
+#include "store/pageplace.h"
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "viewer/thumbnailmaker.h"
@@ -29,29 +29,6 @@ constexpr int kAhead = 4;
 // Names listed in one report; the rest are counted.
 constexpr int kReportedNames = 15;
 
-// Writes a file through a file aside, which `fill` fills and which is renamed into place once
-// it is whole and on the disk. "" when done, else the system's reason.
-QString saveInPlace(const QString& target, const std::function<QString(QSaveFile&)>& fill)
-{
-    QSaveFile out(target);
-    if (!out.open(QIODevice::WriteOnly))
-        return out.errorString();
-    if (const QString reason = fill(out); !reason.isEmpty()) {
-        out.cancelWriting();
-        return reason;
-    }
-    if (!out.commit())
-        return out.errorString();
-    return QString();
-}
-
-// "" when all of `n` bytes went out, else the reason, taken before a cancel puts its own
-// in its place.
-QString writeAll(QSaveFile& out, const char* data, qint64 n)
-{
-    return out.write(data, n) == n ? QString() : out.errorString();
-}
-
 // Reads a file small enough to be held whole; nothing, with the system's reason, when it
 // cannot be read.
 std::optional<DirectFile> readWhole(QFile& in, QString* reason)
@@ -61,6 +38,13 @@ std::optional<DirectFile> readWhole(QFile& in, QString* reason)
     return DirectFile::read(in, reason);
 }
 
+// A new page's file is never put over one that stands at its place: the window's thread
+// cleared the place, so a file found there now came from elsewhere and stays.
+QString takenReason(const QString& target)
+{
+    return QStringLiteral("Another file appeared at %1 while the page was copied").arg(target);
+}
+
 // Puts a file read whole into the page store; nothing half-copied ever stands under the
 // page's name. "" when done, else the system's reason.
 QString writeIntoPlace(const DirectFile& contents, const QString& target)
@@ -68,34 +52,56 @@ QString writeIntoPlace(const DirectFile& contents, const QString& target)
     QString reason;
     // Straight to the disk where the file system allows it: the copy then costs neither a
     // pass through the page cache nor its writing back.
-    switch (contents.writeTo(target, &reason)) {
+    switch (contents.writeTo(target, PartFile::Placing::NoReplace, &reason)) {
     case DirectFile::Outcome::Written:
         return QString();
+    case DirectFile::Outcome::TargetExists:
+        return takenReason(target);
     case DirectFile::Outcome::Failed:
         return reason;
     case DirectFile::Outcome::Unsupported:
         break;
     }
+    PartFile part(target);
     const QByteArray bytes = contents.bytes();
-    return saveInPlace(
-        target, [&](QSaveFile& out) { return writeAll(out, bytes.constData(), bytes.size()); });
+    if (!part.open() || !part.write(bytes.constData(), bytes.size()))
+        return part.errorString();
+    switch (part.place(PartFile::Placing::NoReplace)) {
+    case PartFile::Placed::Done:
+        return QString();
+    case PartFile::Placed::TargetExists:
+        return takenReason(target);
+    case PartFile::Placed::Failed:
+        break;
+    }
+    return part.errorString();
 }
 
 // Copies a file too large to be held whole, a piece at a time.
 QString copyIntoPlace(QFile& in, const QString& target)
 {
-    return saveInPlace(target, [&](QSaveFile& out) {
-        QByteArray buffer(1 << 20, Qt::Uninitialized);
-        for (;;) {
-            const qint64 n = in.read(buffer.data(), buffer.size());
-            if (n < 0)
-                return in.errorString();
-            if (n == 0)
-                return QString();
-            if (const QString reason = writeAll(out, buffer.constData(), n); !reason.isEmpty())
-                return reason;
-        }
-    });
+    PartFile part(target);
+    if (!part.open())
+        return part.errorString();
+    QByteArray buffer(1 << 20, Qt::Uninitialized);
+    for (;;) {
+        const qint64 n = in.read(buffer.data(), buffer.size());
+        if (n < 0)
+            return in.errorString();
+        if (n == 0)
+            break;
+        if (!part.write(buffer.constData(), n))
+            return part.errorString();
+    }
+    switch (part.place(PartFile::Placing::NoReplace)) {
+    case PartFile::Placed::Done:
+        return QString();
+    case PartFile::Placed::TargetExists:
+        return takenReason(target);
+    case PartFile::Placed::Failed:
+        break;
+    }
+    return part.errorString();
 }
 
 } // namespace
@@ -147,6 +153,7 @@ void PageFileAdder::begin()
     // Anything the last batch left to remove goes before its problems are forgotten.
     removeOrphans();
     m_noThumbnails->store(false);
+    m_halted = false;
     m_added = 0;
     m_problems.clear();
 }
@@ -270,6 +277,14 @@ void PageFileAdder::deliver(const NewRow& row)
     if (!paths.ensurePathInHome(pagePath)) {
         copyDone(row, QStringLiteral("The directory %1 could not be made")
                           .arg(PagePaths::directoryPart(pagePath)));
+        return;
+    }
+    // A file left at this place by a run that ended early is no copy of this one.
+    if (const QString taken =
+            PagePlace::clear(m_context.session.pages(), paths, row.pageId, pagePath);
+        !taken.isEmpty()) {
+        m_halted = true;
+        copyDone(row, taken);
         return;
     }
     const std::shared_ptr<std::atomic_bool> noThumbnails = m_noThumbnails;

@@ -76,6 +76,8 @@ public:
     // Records a file that did not become a page, and why.
     void skip(const QString& fileName, const QString& reason);
     int added() const { return m_added; }
+    // A page's place held the file of another page: the batch goes no further.
+    bool halted() const { return m_halted; }
     // "path: reason" for each file that did not become a page.
     const QStringList& problems() const { return m_problems; }
     // The one message that ends a batch with problems; "" when there were none.
@@ -133,6 +135,7 @@ private:
     bool m_inBatch = false;
     QHash<qint32, qint32> m_highest;
     int m_added = 0;
+    bool m_halted = false;
     QStringList m_problems;
 };
 

@@ -32,6 +32,22 @@ QString PagePaths::computedThumbPath(qint32 pageId) const
            QLatin1String(".jpg");
 }
 
+qint32 PagePaths::computedIdOf(const QString& path, bool thumbs) const
+{
+    const QString dir = PagePaths::directoryPart(path);
+    const QString name = PagePaths::filePart(path);
+    if (!name.endsWith(QLatin1String(".jpg")))
+        return -1;
+    bool ok = false;
+    const qint32 id = name.chopped(4).toInt(&ok);
+    // Only the id's own spelling counts: "007.jpg" is nobody's page.
+    if (!ok || id < 0 || QString::number(id) + QLatin1String(".jpg") != name)
+        return -1;
+    const QString expected =
+        (thumbs ? computedThumbDirectory(id) : computedPageDirectory(id)) + QLatin1Char('/');
+    return dir == expected ? id : -1;
+}
+
 QString PagePaths::pageDirectory(qint32 pageId, const QString& stored) const
 {
     if (stored.isEmpty())

@@ -25,6 +25,9 @@ public:
     QString computedPageDirectory(qint32 pageId) const;
     QString computedThumbPath(qint32 pageId) const;
     QString computedThumbDirectory(qint32 pageId) const;
+    // The page whose computed image (or, with `thumbs`, thumbnail) path `path` is; -1 when
+    // it is no such path.
+    qint32 computedIdOf(const QString& path, bool thumbs = false) const;
 
     // Up to and including the last '/'; "" when there is none.
     static QString directoryPart(const QString& path);

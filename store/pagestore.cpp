@@ -204,6 +204,19 @@ void PageStore::removeRow(qint32 pageId)
     m_db.execute(QStringLiteral("DELETE FROM Page WHERE PageId = ?"), {pageId});
 }
 
+QVector<qint32> PageStore::pagesUsingFile(const QString& path, qint32 computedId,
+                                          qint32 exceptId) const
+{
+    const Recordset rs = m_db.openRecordset(
+        QStringLiteral("SELECT PageId FROM Page WHERE PageId <> ? AND (Filename = ? OR "
+                       "(PageId = ? AND (Filename IS NULL OR Filename = '')))"),
+        {exceptId, path, computedId});
+    QVector<qint32> ids;
+    for (int i = 0; i < rs.recordCount(); ++i)
+        ids << rs.integer(i, QStringLiteral("PageId"));
+    return ids;
+}
+
 void PageStore::setFile(qint32 pageId, const QString& filename, qint64 fileSize)
 {
     StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), filename);

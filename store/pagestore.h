@@ -80,6 +80,9 @@ public:
     void moveToDocument(qint32 pageId, qint32 documentId);
     // Takes back a row whose file never arrived; its files are the caller's.
     void removeRow(qint32 pageId);
+    // The pages other than `exceptId` whose image is the file at `path`: by their stored
+    // Filename, or the page `computedId` (whose computed path `path` is) when it has none.
+    QVector<qint32> pagesUsingFile(const QString& path, qint32 computedId, qint32 exceptId) const;
     // Writes where the page's image lies ("" for its computed path) and its size.
     void setFile(qint32 pageId, const QString& filename, qint64 fileSize);
 

@@ -3,7 +3,7 @@
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
-#include <QSaveFile>
+#include <QFile>
 
 #include "viewer/thumbnailmaker.h"
 
@@ -53,23 +53,33 @@ QImage ImageFile::load(const QString& path)
 }
 
 std::optional<QString> ImageFile::writeJpeg(const QImage& image, const QString& path,
-                                            int qualityFactor)
+                                            int qualityFactor, PartFile::Placing placing)
 {
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly))
-        return QStringLiteral("The image could not be written to '%1': %2")
-            .arg(path, file.errorString());
+    const auto failure = [&](const QString& reason) {
+        return QStringLiteral("The image could not be written to '%1': %2").arg(path, reason);
+    };
+    PartFile part(path);
+    if (!part.open())
+        return failure(part.errorString());
+    QFile file;
+    if (!file.open(part.handle(), QIODevice::WriteOnly, QFileDevice::DontCloseHandle))
+        return failure(file.errorString());
     QImageWriter writer(&file, "jpeg");
     writer.setQuality(qtJpegQuality(qualityFactor));
-    if (!writer.write(image)) {
-        file.cancelWriting();
-        return QStringLiteral("The image could not be written to '%1': %2")
-            .arg(path, writer.errorString());
+    if (!writer.write(image))
+        return failure(writer.errorString());
+    if (!file.flush())
+        return failure(file.errorString());
+    file.close();
+    switch (part.place(placing)) {
+    case PartFile::Placed::Done:
+        return std::nullopt;
+    case PartFile::Placed::TargetExists:
+        return failure(QStringLiteral("another file stands there"));
+    case PartFile::Placed::Failed:
+        break;
     }
-    if (!file.commit())
-        return QStringLiteral("The image could not be written to '%1': %2")
-            .arg(path, file.errorString());
-    return std::nullopt;
+    return failure(part.errorString());
 }
 
 } // namespace qmr

@@ -5,6 +5,8 @@
 #include <QString>
 #include <optional>
 
+#include "core/partfile.h"
+
 namespace qmr {
 
 // Reading and writing page images. The viewer keeps its decoders to the kinds a page is made
@@ -21,11 +23,13 @@ public:
     // lies on white.
     static QImage normalised(const QImage& image);
 
-    // Writes a JPEG at the quality factor of the settings (lower is better) to a temporary
-    // file beside `path` and renames it over `path`, so that a failed write leaves the old
-    // file whole. The failure's text, naming the path, or nothing.
+    // Writes a JPEG at the quality factor of the settings (lower is better) to a file aside
+    // (made anew, never through a link) and puts it at `path`, so that a failed write leaves
+    // the old file whole. With NoReplace a file standing at `path` stays and is a failure.
+    // The failure's text, naming the path, or nothing.
     static std::optional<QString> writeJpeg(const QImage& image, const QString& path,
-                                            int qualityFactor);
+                                            int qualityFactor,
+                                            PartFile::Placing placing = PartFile::Placing::Replace);
 };
 
 } // namespace qmr

@@ -9,6 +9,7 @@
 #include "core/progress.h"
 #include "core/prompter.h"
 #include "store/itemrules.h"
+#include "store/pageplace.h"
 #include "store/session.h"
 #include "store/storecolumns.h"
 #include "store/storeerror.h"
@@ -161,13 +162,23 @@ PageSaver::Result PageSaver::savePage(const QImage& image, SaveTarget& target, b
 
     progress.start(QStringLiteral("Saving page"), 1, 4);
     progress.step(QStringLiteral("Save image"));
+    // A new page's computed place may hold a file left by a run that ended early: never
+    // this page's, so it goes, and nothing else is written over.
+    const bool newFile = target.mode == ViewerMode::Add && stored.isEmpty();
     std::optional<QString> failure;
     if (!PagePaths::ensurePathExists(path, session.home().path()))
         failure = QStringLiteral("The image could not be written to '%1': its directory could "
                                  "not be made.")
                       .arg(path);
+    else if (const QString taken =
+                 newFile ? PagePlace::clear(session.pages(), session.paths(), pageId, path)
+                         : QString();
+             !taken.isEmpty())
+        failure = taken;
     else
-        failure = ImageFile::writeJpeg(image, path, quality);
+        failure = ImageFile::writeJpeg(image, path, quality,
+                                       newFile ? PartFile::Placing::NoReplace
+                                               : PartFile::Placing::Replace);
     if (failure) {
         progress.end();
         m_context.prompter.tell(*failure);

@@ -5,10 +5,9 @@
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
-#include <QThread>
-#include <cstdio>
 #include <QtMath>
 
+#include "core/partfile.h"
 #include "store/pagepaths.h"
 
 namespace qmr {
@@ -106,25 +105,24 @@ bool ThumbnailMaker::writeThumbnail(const QImage& reduced, const QString& thumbP
 {
     if (reduced.isNull())
         return false;
-    // Written aside, under a name of this thread's own, and renamed into place: the page
-    // pane and a paste may make one thumbnail at once, and a reader must never find half a
-    // file. Not synced: a thumbnail lost to a power cut is made again when it is missed.
-    const QString aside =
-        thumbPath + QStringLiteral(".%1.part").arg(quintptr(QThread::currentThreadId()), 0, 16);
-    QFile file(aside);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Truncate))
+    // Written aside and renamed into place: the page pane and a paste may make one thumbnail
+    // at once, and a reader must never find half a file. Not synced: a thumbnail lost to a
+    // power cut is made again when it is missed.
+    PartFile part(thumbPath);
+    if (!part.open())
+        return false;
+    QFile file;
+    if (!file.open(part.handle(), QIODevice::WriteOnly, QFileDevice::DontCloseHandle))
         return false;
     QImageWriter writer(&file, "jpeg");
     writer.setQuality(qtJpegQuality(10));
     const QImage tiled = tile(reduced);
     const bool written = writer.write(tiled) && file.flush();
     file.close();
-    // rename(2) replaces the old file in one step, which QFile::rename refuses to do.
-    if (!written || std::rename(QFile::encodeName(aside).constData(),
-                                QFile::encodeName(thumbPath).constData()) != 0) {
-        QFile::remove(aside);
+    if (!written)
         return false;
-    }
+    if (part.place(PartFile::Placing::Replace, false) != PartFile::Placed::Done)
+        return false;
     if (made)
         *made = tiled;
     return true;

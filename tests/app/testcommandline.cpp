@@ -148,6 +148,44 @@ private slots:
         QVERIFY2(r.message.contains(message), qPrintable(r.message));
     }
 
+    // The check names each damage and exits 1; the repair mends it without losing a page, and
+    // the next check exits 0.
+    void checkAndRepair()
+    {
+        test::TestHome home;
+        QTemporaryDir config;
+        qint32 page = -1;
+        {
+            test::FixtureStore store(home.home());
+            store.fillSample();
+            page = store.db().scalar("SELECT MIN(PageId) FROM Page").toInt();
+            store.db().execute("UPDATE Page SET FileSize = 1 WHERE PageId = ?", {page});
+        }
+        const QString orphan = home.file("Pages/0000000/777.jpg");
+        QVERIFY(home.writeFile("Pages/0000000/777.jpg", "left by a killed run"));
+        QVERIFY(home.writeFile("Pages/0000000/778.jpg.5eed1e55.qmrpart", "half"));
+        const QString h = home.path();
+        Result r = runProgram({"--home", h, "--check"}, config.path());
+        QCOMPARE(r.status, 1);
+        QVERIFY2(r.out.contains(QString("Page %1: its file is").arg(page)), qPrintable(r.out));
+        QVERIFY2(r.out.contains(orphan + " belongs to no page"), qPrintable(r.out));
+        QVERIFY2(r.out.contains("778.jpg.5eed1e55.qmrpart is left"), qPrintable(r.out));
+        QVERIFY2(r.out.endsWith("3 problems found.\n"), qPrintable(r.out));
+        QVERIFY(QFile::exists(orphan));
+
+        r = runProgram({"--home", h, "--check", "--repair"}, config.path());
+        QCOMPARE(r.status, 0);
+        QVERIFY2(r.out.endsWith("3 problems found, 3 repaired.\n"), qPrintable(r.out));
+        QVERIFY(!QFile::exists(orphan));
+        r = runProgram({"--home", h, "--check"}, config.path());
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, QString("No problems found.\n"));
+        QVERIFY(QFile::exists(home.file("Pages/0000000/%1.jpg").arg(page)));
+
+        r = runProgram({"--home", h, "--repair"}, config.path());
+        QCOMPARE(r.status, 2);
+    }
+
     void exitStatuses()
     {
         test::TestHome home;

@@ -127,7 +127,8 @@ private slots:
         const DirectFile copy = *whole; // shares the contents, which stay valid
         // Made as any other file is, under the umask (one that lets the group write, here).
         const mode_t umaskWas = ::umask(0002);
-        const DirectFile::Outcome outcome = copy.writeTo(target, &error);
+        const DirectFile::Outcome outcome =
+            copy.writeTo(target, PartFile::Placing::Replace, &error);
         ::umask(umaskWas);
         QCOMPARE(outcome, DirectFile::Outcome::Written);
         QCOMPARE(readFile(target), bytes);
@@ -147,7 +148,7 @@ private slots:
         const std::optional<DirectFile> whole = DirectFile::read(in, nullptr);
         QVERIFY(whole);
         QString error;
-        QCOMPARE(whole->writeTo(dir.filePath("gone/page.jpg"), &error),
+        QCOMPARE(whole->writeTo(dir.filePath("gone/page.jpg"), PartFile::Placing::Replace, &error),
                  DirectFile::Outcome::Failed);
         QCOMPARE(error, QString::fromLocal8Bit(std::strerror(ENOENT)));
         QVERIFY(!QFile::exists(dir.filePath("gone")));
@@ -168,8 +169,15 @@ private slots:
         QVERIFY2(whole, qPrintable(error));
         QCOMPARE(whole->bytes(), bytes);
         const QString target = dir.filePath("page.jpg");
-        QCOMPARE(whole->writeTo(target, &error), DirectFile::Outcome::Written);
+        QCOMPARE(whole->writeTo(target, PartFile::Placing::Replace, &error),
+                 DirectFile::Outcome::Written);
         QCOMPARE(readFile(target), bytes);
+        // A new page's copy never takes the place of a file that stands there.
+        QVERIFY(writeFile(target, "another page"));
+        QCOMPARE(whole->writeTo(target, PartFile::Placing::NoReplace, &error),
+                 DirectFile::Outcome::TargetExists);
+        QCOMPARE(readFile(target), QByteArray("another page"));
+        QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
     }
 
     void aFileThatCannotBeReadIsRefused()

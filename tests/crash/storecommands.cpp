@@ -10,6 +10,9 @@
 #include "core/commandtarget.h"
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
+#include "exchange/cabinetimporter.h"
+#include "exchange/diskfilesystem.h"
+#include "exchange/promptedquestions.h"
 #include "navigator/filedrop.h"
 #include "navigator/itemmover.h"
 #include "navigator/pageclipboard.h"
@@ -62,6 +65,10 @@ const QStringList kOutsideFiles = {
     QStringLiteral("notes; 50% 'draft'.tif"),
 };
 
+// A directory of scans to import, each of its own colour so no two files have the same bytes.
+const QString kImportDir = QStringLiteral("Import");
+constexpr int kImportFiles = 6;
+
 // Beside the homes, so that every home's shortcut pages name the same files.
 QString outsideFile(const AppHome& home, const QString& name)
 {
@@ -89,6 +96,13 @@ void prepareHome(const AppHome& home)
     QFile tif(outsideFile(home, kOutsideFiles.at(2)));
     if (tif.open(QIODevice::WriteOnly))
         tif.write("II* a drawing kept where it is");
+    const QString scans = outsideFile(home, kImportDir);
+    QDir().mkpath(scans);
+    for (int i = 0; i < kImportFiles; ++i) {
+        QImage scan(800, 600, QImage::Format_RGB32);
+        scan.fill(QColor::fromHsv(i * 60, 200, 220));
+        scan.save(scans + QStringLiteral("/scan %1.jpg").arg(i + 1), "JPG");
+    }
 }
 
 CommandStore::CommandStore(const AppHome& home, quint32 seed)
@@ -290,6 +304,20 @@ void CommandStore::addFile(QRandomGenerator& rng)
     files.finish();
 }
 
+void CommandStore::importFiles(QRandomGenerator& rng)
+{
+    const qint32 document = pick(Level::Document, rng);
+    if (document < 0)
+        return;
+    DiskFileSystem fs;
+    PromptedQuestions questions(m_prompter);
+    CabinetImporter importer(m_session, fs, questions);
+    const ImportReport report = importer.importFiles(
+        document, Level::Document, outsideFile(m_home, kImportDir), FileTypeFilter(), m_progress);
+    if (!report.error.isEmpty() || !report.problems.isEmpty())
+        m_prompter.tell(report.error + report.problems.join(QLatin1Char(' ')));
+}
+
 QString CommandStore::run(int step)
 {
     QRandomGenerator rng(m_seed * 2654435761u + quint32(step));
@@ -325,8 +353,10 @@ QString CommandStore::run(int step)
         move(rng);
     } else if (kind < 112) {
         pasteCutPages(rng);
-    } else {
+    } else if (kind < 116) {
         addFile(rng);
+    } else {
+        importFiles(rng);
     }
     if (!m_prompter.seen().isEmpty())
         return QStringLiteral("the command said: ") + m_prompter.seen().join(QStringLiteral(" | "));

@@ -45,6 +45,7 @@ private:
     void move(QRandomGenerator& rng);
     void pasteCutPages(QRandomGenerator& rng);
     void addFile(QRandomGenerator& rng);
+    void importFiles(QRandomGenerator& rng);
 
     AppHome m_home;
     quint32 m_seed;

@@ -23,6 +23,7 @@
 
 #include "core/homelock.h"
 #include "store/database.h"
+#include "store/pagepaths.h"
 #include "store/schema.h"
 #include "store/storeerror.h"
 #include "storecommands.h"
@@ -124,6 +125,31 @@ QString soundness(Database& db)
     return QString();
 }
 
+// Every page file that the killed run's store points at has the bytes that the same page got
+// in the run that was never killed: no file left by an earlier kill stands for a new page.
+// A page whose copy the kill cut short has no file, and is found by the sweep; that is no
+// failure here. "" when all is well.
+QString pageFiles(Database& db, const AppHome& home, const AppHome& reference)
+{
+    const PagePaths killed(home);
+    const PagePaths whole(reference);
+    const Recordset rs = db.openRecordset(QStringLiteral(
+        "SELECT PageId FROM Page WHERE ShortcutYN IS NOT 'Y' AND (Filename IS NULL OR "
+        "Filename = '')"));
+    for (int i = 0; i < rs.recordCount(); ++i) {
+        const qint32 id = rs.integer(i, QStringLiteral("PageId"));
+        QFile found(killed.computedPagePath(id));
+        if (!found.open(QIODevice::ReadOnly))
+            continue;
+        QFile expected(whole.computedPagePath(id));
+        if (!expected.open(QIODevice::ReadOnly))
+            return QStringLiteral("page %1 has a file, and never got one without the kill").arg(id);
+        if (found.readAll() != expected.readAll())
+            return QStringLiteral("page %1 shows a picture that is not its own").arg(id);
+    }
+    return QString();
+}
+
 // The same commands, never killed: the fingerprint after any number of them.
 class Reference
 {
@@ -145,6 +171,8 @@ public:
         m_known.insert(steps, fingerprint(m_store->db()));
         return m_known.value(steps);
     }
+    // The home as it stands after the last after().
+    const AppHome& home() const { return m_home; }
 
 private:
     void restart()
@@ -269,6 +297,11 @@ private:
                                  .arg(reported + 1);
             return result;
         }
+        // Page files are never rewritten, so the reference at or past this step has them.
+        reference.after(result.committed);
+        result.message = pageFiles(db, home, reference.home());
+        if (!result.message.isEmpty())
+            return result;
         if (!fresh)
             m_longSteps = result.committed;
         result.ok = true;

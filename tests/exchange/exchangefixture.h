@@ -34,6 +34,25 @@ public:
 
     FileOutcome copyFile(const QString& source, const QString& target) override
     {
+        return faulty(source, target, [&] { return DiskFileSystem::copyFile(source, target); });
+    }
+    FileOutcome copyIntoStore(const QString& source, const QString& target,
+                              QByteArray* contents = nullptr) override
+    {
+        return faulty(source, target,
+                      [&] { return DiskFileSystem::copyIntoStore(source, target, contents); });
+    }
+    std::optional<QStringList> readLines(const QString& path) const override
+    {
+        if (unreadable.contains(path))
+            return std::nullopt;
+        return DiskFileSystem::readLines(path);
+    }
+
+private:
+    FileOutcome faulty(const QString& source, const QString& target,
+                       const std::function<FileOutcome()>& copy)
+    {
         ++copies;
         if (unreadable.contains(source))
             return FileOutcome::failed(FileOutcome::Kind::ReadFailed,
@@ -41,16 +60,10 @@ public:
         if (failCopy.contains(copies))
             return FileOutcome::failed(failCopy.value(copies),
                                        "Cannot write " + target + ": No space left on device");
-        const FileOutcome outcome = DiskFileSystem::copyFile(source, target);
+        const FileOutcome outcome = copy();
         if (afterCopy)
             afterCopy(copies);
         return outcome;
-    }
-    std::optional<QStringList> readLines(const QString& path) const override
-    {
-        if (unreadable.contains(path))
-            return std::nullopt;
-        return DiskFileSystem::readLines(path);
     }
 };
 

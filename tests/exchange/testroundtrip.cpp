@@ -5,6 +5,7 @@
 
 #include "exchange/cabinetexporter.h"
 #include "exchange/cabinetimporter.h"
+#include "exchange/filetypefilter.h"
 #include "exchange/promptedquestions.h"
 #include "exchangefixture.h"
 #include "tests/support/testrunner.h"
@@ -282,6 +283,39 @@ private slots:
         QVERIFY(!QFile::exists(f.session->paths().computedThumbPath(pages.first().id)));
         QCOMPARE(items.childNamed(Level::Document, checking, "Deeper"), -1);
         QCOMPARE(f.count("Page"), 3);
+    }
+
+    // A file at a new page's place is never taken for its copy: one that no row refers to
+    // (left by an import that was killed) gives way, one that a row refers to ends the import.
+    void aFileAtANewPagesPlace()
+    {
+        ExchangeFixture f;
+        const qint32 doc = f.store->document(
+            f.store->folder(f.store->drawer(f.store->cabinet("C"), "D"), "F"), "Doc");
+        const PagePaths& paths = f.session->paths();
+        const qint32 owner = f.storedPage(doc, 1, QString(), false);
+        const QString taken = paths.computedPagePath(owner + 2);
+        QVERIFY(ExchangeFixture::writeBytes(taken, "the page's own"));
+        f.db().execute("UPDATE Page SET Filename = ? WHERE PageId = ?", {taken, owner});
+        const QString orphan = paths.computedPagePath(owner + 1);
+        QVERIFY(ExchangeFixture::writeImage(orphan, Qt::red));
+        const QString dir = f.outsidePath("scans");
+        QVERIFY(ExchangeFixture::writeImage(dir + "/a.jpg", Qt::green));
+        QVERIFY(ExchangeFixture::writeImage(dir + "/b.jpg", Qt::blue));
+
+        DiskFileSystem fs;
+        PromptedQuestions questions(f.prompter);
+        CabinetImporter importer(*f.session, fs, questions, &f.nav);
+        const ImportReport report =
+            importer.importFiles(doc, Level::Document, dir, FileTypeFilter(), f.progress);
+        QCOMPARE(ExchangeFixture::readBytes(orphan), ExchangeFixture::readBytes(dir + "/a.jpg"));
+        QCOMPARE(report.filesImported, 1);
+        QVERIFY2(report.error.contains(QString("is the file of page %1").arg(owner)),
+                 qPrintable(report.error));
+        QCOMPARE(ExchangeFixture::readBytes(taken), QByteArray("the page's own"));
+        QCOMPARE(f.count("Page"), 2);
+        QCOMPARE(f.field("SELECT Name FROM Page WHERE PageId = ?", {owner + 1}).toString(),
+                 QString("a.jpg"));
     }
 
     void upperCaseAndWindows1252()
