@@ -149,6 +149,12 @@ void PageListView::setPageText(qint32 pageId, const QString& text)
         item->setText(text);
 }
 
+void PageListView::setPageToolTip(qint32 pageId, const QString& text)
+{
+    if (QStandardItem* item = itemOf(pageId))
+        item->setToolTip(text);
+}
+
 void PageListView::shareColumns()
 {
     const int width =

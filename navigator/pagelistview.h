@@ -34,6 +34,7 @@ public:
     void addPage(const PageEntry& entry, const QString& text, const QIcon& icon);
     void setTile(qint32 pageId, const QIcon& tile);
     void setPageText(qint32 pageId, const QString& text);
+    void setPageToolTip(qint32 pageId, const QString& text);
     // The list's columns as shares of the width the view has now.
     void shareColumns();
 

@@ -4,6 +4,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QFileInfo>
 #include <QPainter>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -40,6 +41,22 @@ QIcon framedTile(const QImage& tile)
     painter.drawRect(0, 0, side - 1, side - 1);
     painter.end();
     return QIcon(QPixmap::fromImage(framed));
+}
+
+// The tile of a page whose file is gone: its place, crossed out, so that it is seen and not
+// mistaken for a picture still being made.
+QIcon missingTile()
+{
+    const int side = ThumbnailMaker::kThumbSide;
+    QImage tile(side, side, QImage::Format_RGB32);
+    tile.fill(QColor(0xf4, 0xf4, 0xf4));
+    QPainter painter(&tile);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(QPen(QColor(0xc6, 0x28, 0x28), 3));
+    painter.drawLine(QPointF(side * 0.3, side * 0.3), QPointF(side * 0.7, side * 0.7));
+    painter.drawLine(QPointF(side * 0.7, side * 0.3), QPointF(side * 0.3, side * 0.7));
+    painter.end();
+    return framedTile(tile);
 }
 
 QIcon drawnListIcon()
@@ -294,9 +311,21 @@ void PagePane::showPageBlock()
 
 void PagePane::tileReady(qint32 pageId, const QImage& tile)
 {
-    // A page whose picture cannot be made keeps its blank tile.
-    if (!tile.isNull() && thumbnailView())
+    if (!thumbnailView())
+        return;
+    if (!tile.isNull()) {
         m_list->setTile(pageId, framedTile(tile));
+        return;
+    }
+    // A page whose file is gone (a copy that a crash cut short) says so; one whose picture
+    // cannot be made keeps its blank tile.
+    const auto entry = std::find_if(m_entries.cbegin(), m_entries.cend(),
+                                    [pageId](const PageEntry& e) { return e.pageId == pageId; });
+    if (entry == m_entries.cend() || QFileInfo::exists(entry->pagePath))
+        return;
+    m_list->setTile(pageId, missingTile());
+    m_list->setPageToolTip(pageId,
+                           tr("The file of this page is missing: %1").arg(entry->pagePath));
 }
 
 // ---- the buttons --------------------------------------------------------------------------

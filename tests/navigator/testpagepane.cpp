@@ -1,3 +1,4 @@
+#include <QAbstractItemView>
 #include <QApplication>
 #include <QDir>
 #include <QFileInfo>
@@ -265,9 +266,12 @@ private slots:
         const QImage tallTile = iconImage(list, 2);
         QVERIFY(!isWhite(tallTile.pixel(30, 50)));
         QVERIFY(isWhite(tallTile.pixel(90, 50)));
-        // The page whose file has gone keeps a blank tile, and says nothing.
-        const QImage blank = iconImage(list, 1);
-        QVERIFY(isWhite(blank.pixel(50, 50)) && isWhite(blank.pixel(10, 10)));
+        // The page whose file has gone is shown as missing, without a message.
+        const QImage missing = iconImage(list, 1);
+        QVERIFY(!isWhite(missing.pixel(50, 50)));
+        const QString tip =
+            list->currentView()->model()->index(1, 0).data(Qt::ToolTipRole).toString();
+        QVERIFY2(tip.contains("missing: " + paths.computedPagePath(gone)), qPrintable(tip));
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         // A shortcut shows the icon of its file's type in the middle of its tile.
         const QImage icon = iconImage(list, 3);
