@@ -1,11 +1,20 @@
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QScopeGuard>
+#include <optional>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <linux/capability.h>
+#include <sys/resource.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "app/startup.h"
 #include "core/homelock.h"
@@ -58,6 +67,70 @@ qint64 holderPid(const QString& lockPath)
     QLockFile reader(lockPath);
     qint64 pid = 0;
     return reader.getLockInfo(&pid, nullptr, nullptr) ? pid : -1;
+}
+
+QString systemText(int error)
+{
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+// Root passes every permission check; without CAP_DAC_OVERRIDE in its effective set it meets
+// them as the owner of a file does. Capabilities are per thread: this one's are put back.
+class WithoutPermissionOverride
+{
+public:
+    WithoutPermissionOverride()
+    {
+        m_header.version = _LINUX_CAPABILITY_VERSION_3;
+        m_header.pid = 0;
+        if (::syscall(SYS_capget, &m_header, m_saved) != 0)
+            return;
+        __user_cap_data_struct less[2] = {m_saved[0], m_saved[1]};
+        less[CAP_TO_INDEX(CAP_DAC_OVERRIDE)].effective &= ~CAP_TO_MASK(CAP_DAC_OVERRIDE);
+        m_dropped = ::syscall(SYS_capset, &m_header, less) == 0;
+    }
+    ~WithoutPermissionOverride()
+    {
+        if (m_dropped)
+            ::syscall(SYS_capset, &m_header, m_saved);
+    }
+
+private:
+    __user_cap_header_struct m_header{};
+    __user_cap_data_struct m_saved[2]{};
+    bool m_dropped = false;
+};
+
+// No file of this process can grow past 0 bytes while it lives; a write fails with EFBIG
+// instead of raising SIGXFSZ.
+class NoFileGrows
+{
+public:
+    NoFileGrows()
+    {
+        m_previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_previous);
+        rlimit none = m_previous;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~NoFileGrows()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_previous);
+        std::signal(SIGXFSZ, m_previousHandler);
+    }
+
+private:
+    rlimit m_previous{};
+    void (*m_previousHandler)(int) = nullptr;
+};
+
+bool canMakeFileIn(const QString& dir)
+{
+    QFile probe(dir + "/probe");
+    const bool made = probe.open(QIODevice::WriteOnly);
+    probe.remove();
+    return made;
 }
 
 } // namespace
@@ -222,6 +295,69 @@ private slots:
         Startup again(home.home(), home.settings(), prompter, choosers);
         QVERIFY(again.start(false));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+
+    void homeThatCannotBeWritten_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("below a file") << "below a file";
+        QTest::newRow("a file in its place") << "file";
+        QTest::newRow("no permission to write") << "read-only";
+        QTest::newRow("no file may grow (as on a full disk)") << "no growth";
+    }
+    void homeThatCannotBeWritten()
+    {
+        QFETCH(QString, kind);
+        QTemporaryDir dir;
+        test::TestHome settingsOnly;
+        QString home = dir.filePath("home");
+        QString expected;
+        if (kind == "below a file" || kind == "file") {
+            const QString file = kind == "file" ? home : dir.filePath("file");
+            QFile f(file);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.close();
+            if (kind == "below a file")
+                home = file + "/home";
+            expected = QString("Cannot create the directory %1: %2.")
+                           .arg(home, systemText(ENOTDIR) +
+                                          (kind == "file" ? QString() : " (" + file + ")"));
+        } else {
+            QVERIFY(QDir().mkpath(home));
+            expected = QString("The home %1 cannot be locked for this run: the lock file %2 "
+                               "cannot be made: %3.")
+                           .arg(home, home + "/" + HomeLock::fileName(),
+                                systemText(kind == "read-only" ? EACCES : EFBIG));
+        }
+        const auto writable = qScopeGuard(
+            [&] { QFile::setPermissions(home, QFile::permissions(home) | QFile::WriteOwner); });
+        std::optional<WithoutPermissionOverride> asOwner;
+        std::optional<NoFileGrows> noGrowth;
+        if (kind == "read-only") {
+            QVERIFY(QFile::setPermissions(home, QFile::ReadOwner | QFile::ExeOwner |
+                                                    QFile::ReadGroup | QFile::ExeGroup |
+                                                    QFile::ReadOther | QFile::ExeOther));
+            if (canMakeFileIn(home))
+                asOwner.emplace();
+            if (canMakeFileIn(home))
+                QSKIP("This test runs with the right to write where permissions forbid it.");
+        }
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        prompter.expect(expected);
+        bool started = true;
+        {
+            if (kind == "no growth")
+                noGrowth.emplace();
+            Startup run{AppHome(home), settingsOnly.settings(), prompter, choosers};
+            started = run.start(false);
+            noGrowth.reset();
+        }
+        asOwner.reset();
+        QVERIFY(!started);
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY(!QFile::exists(home + "/" + HomeLock::fileName()));
+        QVERIFY(!QFile::exists(home + "/qmr.mdb"));
     }
 };
 
