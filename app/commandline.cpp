@@ -7,6 +7,7 @@
 #include <unistd.h>
 
 #include "core/homelock.h"
+#include "core/quitsignals.h"
 #include "core/settings.h"
 #include "exchange/exchangebatch.h"
 #include "store/schema.h"
@@ -197,6 +198,9 @@ int CommandLine::runBatch(const CommandLineRequest& request)
             << "; start the program once, or name its home with --home DIR.\n";
         return 1;
     }
+    // From here on a signal to quit stops the walk as Cancel would, and the lock goes with the
+    // run.
+    QuitSignals quit;
     // One run per home: the batch holds the lock the window takes, before the store is touched.
     HomeLock lock(home);
     if (!lock.acquire()) {
@@ -227,6 +231,7 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         return summary.clean() ? 0 : 1;
     }
     ExchangeBatch batch(session, out, err, ::isatty(STDERR_FILENO) != 0);
+    batch.setStopTest([&quit] { return quit.requested(); });
     return request.action == CommandLineRequest::Action::Export
                ? batch.exportCabinet(request.cabinet, request.directory)
                : batch.importCabinet(request.directory, request.cabinet);

@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "app/commandline.h"
+#include "app/exitonsignal.h"
 #include "app/startup.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
@@ -73,6 +74,8 @@ int main(int argc, char* argv[])
     QApplication app(argc, argv);
     nameApplication();
 
+    // Before the home is locked: a signal from here on ends the run as File > Exit does.
+    qmr::ExitOnSignal exitOnSignal;
     qmr::Settings settings;
     qmr::BoxPrompter prompter;
     qmr::DialogChoosers choosers(settings);
@@ -83,5 +86,6 @@ int main(int argc, char* argv[])
     choosers.setParent(startup.window());
     QObject::connect(startup.window(), &qmr::NavWindow::exitRequested, &app,
                      [] { QApplication::exit(0); });
+    exitOnSignal.attach(startup.window());
     return app.exec();
 }

@@ -48,8 +48,10 @@ bool Startup::start(bool showWindow)
     if (!checkDataAccess(m_prompter, Database::runtimeVersion()))
         return false;
 
-    if (!m_home.ensureExists()) {
-        m_prompter.tell(QStringLiteral("Cannot create the directory %1.").arg(m_home.path()));
+    QString why;
+    if (!m_home.ensureExists(&why)) {
+        m_prompter.tell(
+            QStringLiteral("Cannot create the directory %1: %2.").arg(m_home.path(), why));
         return false;
     }
     // Before the store is touched: a second run on this home would write the store under

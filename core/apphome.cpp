@@ -1,7 +1,11 @@
 #include "core/apphome.h"
 
 #include <QDir>
+#include <QFile>
 #include <QStandardPaths>
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
 
 namespace qmr {
 
@@ -32,9 +36,51 @@ QString AppHome::file(const QString& relative) const
     return m_path + QLatin1Char('/') + relative;
 }
 
-bool AppHome::ensureExists() const
+namespace {
+
+// Why `path` cannot be made: the first of its directories that is missing and cannot be made,
+// or the first that is in the way as something else, tells.
+QString whyNotMade(const QString& path)
 {
-    return !m_path.isEmpty() && QDir().mkpath(m_path);
+    const QByteArray bytes = QFile::encodeName(path);
+    for (qsizetype end = 1; end <= bytes.size(); ++end) {
+        if (end < bytes.size() && bytes.at(end) != '/')
+            continue;
+        const QByteArray part = bytes.left(end);
+        struct stat st;
+        int error = 0;
+        if (::stat(part.constData(), &st) == 0)
+            error = S_ISDIR(st.st_mode) ? 0 : ENOTDIR;
+        else if (errno != ENOENT)
+            error = errno;
+        else if (::mkdir(part.constData(), 0777) != 0 && errno != EEXIST)
+            error = errno;
+        if (error == 0)
+            continue;
+        const QString reason = QString::fromLocal8Bit(std::strerror(error));
+        const QString at = QFile::decodeName(part);
+        return at == path ? reason : QStringLiteral("%1 (%2)").arg(reason, at);
+    }
+    return QString();
+}
+
+} // namespace
+
+bool AppHome::ensureExists(QString* reason) const
+{
+    if (m_path.isEmpty()) {
+        if (reason)
+            *reason = QStringLiteral("No directory is named");
+        return false;
+    }
+    if (QDir().mkpath(m_path))
+        return true;
+    const QString why = whyNotMade(m_path);
+    if (why.isEmpty()) // made by now after all
+        return true;
+    if (reason)
+        *reason = why;
+    return false;
 }
 
 } // namespace qmr

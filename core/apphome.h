@@ -18,7 +18,9 @@ public:
     const QString& path() const { return m_path; }
     // A file or directory below the home; `relative` has no leading '/'.
     QString file(const QString& relative) const;
-    bool ensureExists() const;
+    // Makes the directory with its parents; false when it cannot be, with the system's reason
+    // (and the part of the path it concerns, where that is not the home itself) in `reason`.
+    bool ensureExists(QString* reason = nullptr) const;
 
 private:
     QString m_path;

@@ -1,8 +1,11 @@
 #include "core/homelock.h"
 
 #include <QFile>
+#include <cerrno>
+#include <cstring>
 #include <fcntl.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 namespace qmr {
 
@@ -46,10 +49,34 @@ bool HomeLock::acquire()
                         .arg(m_home, m_path);
         return false;
     }
+    const QString why = whyNotMade();
     m_refusal = QStringLiteral("The home %1 cannot be locked for this run: the lock file %2 "
-                               "cannot be made.")
-                    .arg(m_home, m_path);
+                               "cannot be made")
+                    .arg(m_home, m_path) +
+                (why.isEmpty() ? QStringLiteral(".") : QStringLiteral(": %1.").arg(why));
     return false;
+}
+
+QString HomeLock::whyNotMade() const
+{
+    // The lock file says only that it failed; making a file beside it the same way gives the
+    // system's own words (a read-only file system, a full disk, no permission). It has a name
+    // of its own, so that no other run takes it for a lock.
+    const QByteArray path = QFile::encodeName(m_path) + '.' + QByteArray::number(::getpid());
+    const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd < 0)
+        return errno == EEXIST ? QString() : QString::fromLocal8Bit(std::strerror(errno));
+    // As much as a holder writes into it: its pid, program, host and ids.
+    const QByteArray content(256, '\n');
+    int error = 0;
+    const ssize_t n = ::write(fd, content.constData(), size_t(content.size()));
+    if (n < 0)
+        error = errno;
+    else if (n < content.size())
+        error = ENOSPC;
+    ::close(fd);
+    ::unlink(path.constData());
+    return error == 0 ? QString() : QString::fromLocal8Bit(std::strerror(error));
 }
 
 void HomeLock::refresh()

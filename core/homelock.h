@@ -26,7 +26,7 @@ public:
     HomeLock& operator=(const HomeLock&) = delete;
 
     // Takes the home for this run; false when another run holds it or the lock cannot be
-    // made, and refusal() says so with the home and the holder.
+    // made, and refusal() says so with the home and the holder, or with the system's reason.
     bool acquire();
     bool isHeld() const { return m_lock.isLocked(); }
     const QString& refusal() const { return m_refusal; }
@@ -35,6 +35,8 @@ public:
 
 private:
     void refresh();
+    // The system's reason why the lock file cannot be made here, "" when making it works.
+    QString whyNotMade() const;
 
     QString m_home;
     QString m_path;

@@ -24,6 +24,13 @@ public:
     bool insertImportDisk(int) override { return false; }
 };
 
+QString stoppedMessage(const QString& command)
+{
+    return QStringLiteral("The %1 was stopped before its end, as the program was asked to quit; "
+                          "what it had done by then is kept.")
+        .arg(command);
+}
+
 QString absolute(const QString& path)
 {
     return QDir::cleanPath(QDir::current().absoluteFilePath(path.trimmed()));
@@ -91,10 +98,12 @@ int ExchangeBatch::exportCabinet(const QString& cabinetName, const QString& dir)
         CabinetExporter exporter(m_session, *m_fs, answers);
         ExportReport report;
         {
-            ConsoleProgress progress(m_err, m_terminal);
+            ConsoleProgress progress(m_err, m_terminal, m_stopWhen);
             report = exporter.exportCabinet(cabinetId, path, progress);
         }
         m_out << report.reportText() << '\n' << Qt::flush;
+        if (report.stopped)
+            report.problems << stoppedMessage(QStringLiteral("export"));
         if (report.diskRefused)
             report.problems << QStringLiteral("The output path is full. Another disk can be "
                                               "given only in the program's window.");
@@ -119,10 +128,12 @@ int ExchangeBatch::importCabinet(const QString& dir, const QString& cabinetName)
         CabinetImporter importer(m_session, *m_fs, answers);
         ImportReport report;
         {
-            ConsoleProgress progress(m_err, m_terminal);
+            ConsoleProgress progress(m_err, m_terminal, m_stopWhen);
             report = importer.importCabinet(cabinetId, path, 1, progress);
         }
         m_out << report.reportText() << '\n' << Qt::flush;
+        if (report.stopped)
+            report.problems << stoppedMessage(QStringLiteral("import"));
         return finish(report.problems, report.error);
     } catch (const StoreError& e) {
         return fail(e.message());

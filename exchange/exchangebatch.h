@@ -2,6 +2,7 @@
 
 #include <QString>
 #include <QTextStream>
+#include <functional>
 #include <memory>
 
 namespace qmr {
@@ -23,6 +24,10 @@ public:
                   ExchangeFileSystem* fs = nullptr);
     ~ExchangeBatch();
 
+    // Asked at the head of every loop of the walk; true stops it as Cancel would in the
+    // window, keeping what has been written, and the run ends with status 1.
+    void setStopTest(std::function<bool()> stopWhen) { m_stopWhen = std::move(stopWhen); }
+
     int exportCabinet(const QString& cabinetName, const QString& dir);
     int importCabinet(const QString& dir, const QString& cabinetName);
 
@@ -36,6 +41,7 @@ private:
     QTextStream& m_out;
     QTextStream& m_err;
     bool m_terminal;
+    std::function<bool()> m_stopWhen;
     ExchangeFileSystem* m_fs;
     std::unique_ptr<ExchangeFileSystem> m_ownFs;
 };

@@ -8,6 +8,7 @@
 #include <QMouseEvent>
 #include <QScopeGuard>
 
+#include "core/prompter.h"
 #include "navigator/cabinetopener.h"
 #include "navigator/commandkeys.h"
 #include "navigator/containerlist.h"
@@ -81,14 +82,16 @@ void Navigator::setPageOpener(PageOpener* opener)
 
 void Navigator::loadNavTree()
 {
-    m_filler.loadNavTree(this);
+    const QString unused = m_filler.loadNavTree(this);
+    if (!unused.isEmpty())
+        m_context.prompter.tell(unused);
 }
 
 void Navigator::refreshNavTree()
 {
     guarded(m_context.prompter, [this] {
         hidePagePane();
-        m_filler.loadNavTree(this);
+        loadNavTree();
         m_tree.expandNode(kRoot);
     });
 }

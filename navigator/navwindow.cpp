@@ -283,6 +283,11 @@ void NavWindow::mnuFileExit()
     if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?"),
                                  Prompter::Buttons::YesNoCancel, Prompter::Answer::No))
         return;
+    exitRun();
+}
+
+void NavWindow::exitRun()
+{
     finishRun();
     emit exitRequested();
 }

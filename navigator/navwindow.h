@@ -46,8 +46,11 @@ public:
     void showAsLoaded();
     bool isFirstShow() const { return m_firstShow; }
 
-    // Esc and File > Exit: asks, and on Yes saves and asks the program to end.
+    // Esc and File > Exit: asks, and on Yes ends the run as exitRun() does.
     void mnuFileExit();
+    // Saves what must outlive the run (placement, the place in the tree), closes the store and
+    // asks the program to end; File > Exit without its question.
+    void exitRun();
 
     Navigator& navigator() { return *m_navigator; }
     ItemCommands& itemCommands() { return *m_itemCommands; }
@@ -63,7 +66,7 @@ public:
     int treeWidthTwips() const;
 
 signals:
-    // Emitted once the window has saved its state after a confirmed exit.
+    // Emitted once the window has saved its state at the end of a run.
     void exitRequested();
 
 protected:

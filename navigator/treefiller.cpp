@@ -39,7 +39,7 @@ QString TreeFiller::nodeText(Level level, const QString& name, const QDate& date
     return name;
 }
 
-void TreeFiller::loadNavTree(NavigatorCallbacks* navigator)
+QString TreeFiller::loadNavTree(NavigatorCallbacks* navigator)
 {
     m_list.clear();
     m_tree.clearNodes();
@@ -50,8 +50,9 @@ void TreeFiller::loadNavTree(NavigatorCallbacks* navigator)
         // A store without cabinets always gets one, so that the root is never bare.
         SampleCabinets samples(m_session.home(), m_session.db(), navigator);
         samples.ensureFile();
-        samples.createSampleCabinet(QStringLiteral("Generic File Cabinet"));
-        return;
+        const QString name = QStringLiteral("Generic File Cabinet");
+        samples.createSampleCabinet(name);
+        return samples.unusedLinesMessage(name);
     }
     for (const ItemRow& cabinet : cabinets) {
         const NodeKey key = NodeKey::of(Level::Cabinet, cabinet.id);
@@ -62,6 +63,7 @@ void TreeFiller::loadNavTree(NavigatorCallbacks* navigator)
         if (decryptText(cabinet.password, Cipher::key()).isEmpty())
             addChildNodes(Level::Cabinet, cabinet.id);
     }
+    return QString();
 }
 
 void TreeFiller::addChildNodes(Level parentLevel, qint32 parentId)

@@ -27,8 +27,9 @@ public:
 
     // Builds everything from nothing: the root, every cabinet (in the list too), and the
     // drawers of the cabinets without a password. A store without cabinets gets the first
-    // sample cabinet, shown through `navigator`.
-    void loadNavTree(NavigatorCallbacks* navigator);
+    // sample cabinet, shown through `navigator`; returns the message naming the lines of the
+    // sample that could not be used, "" for none.
+    QString loadNavTree(NavigatorCallbacks* navigator);
     // What a click on a cabinet or drawer loads below it.
     void fillOnClick(Level level, qint32 id);
     // What an expansion loads: folders below a cabinet's drawers, documents below a drawer's

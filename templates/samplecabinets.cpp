@@ -1,6 +1,7 @@
 #include "templates/samplecabinets.h"
 
 #include <QFile>
+#include <QFileInfo>
 
 #include "core/level.h"
 #include "core/navigatorcallbacks.h"
@@ -66,11 +67,31 @@ QVector<CreatedItem> SampleCabinets::fillSampleCabinet(const QString& name, qint
 {
     ItemStore items(m_db);
     return OutlineFile::createItems(OutlineFile::section(filePath(), QStringLiteral("CAB"), name),
-                                    Level::Cabinet, cabinetId, items);
+                                    Level::Cabinet, cabinetId, items, &m_unused);
+}
+
+QString SampleCabinets::unusedLinesMessage(const QString& name) const
+{
+    if (m_unused.isEmpty())
+        return QString();
+    QStringList lines;
+    lines << QStringLiteral("Some lines of %1 could not be used; the sample cabinet '%2' was made "
+                            "without them.")
+                 .arg(filePath(), name);
+    const QString file = QFileInfo(filePath()).fileName();
+    for (const UnusedLine& line : m_unused.mid(0, kListedLines))
+        lines << QStringLiteral("%1, line %2: %3").arg(file).arg(line.number).arg(line.reason);
+    if (m_unused.size() > kListedLines)
+        lines
+            << (m_unused.size() == kListedLines + 1
+                    ? QStringLiteral("... and 1 more line.")
+                    : QStringLiteral("... and %1 more lines.").arg(m_unused.size() - kListedLines));
+    return lines.join(QLatin1Char('\n'));
 }
 
 qint32 SampleCabinets::createSampleCabinet(const QString& name)
 {
+    m_unused.clear();
     ItemStore items(m_db);
     Database::Transaction tx(m_db);
     const qint32 cabinetId = items.insertItem(Level::Cabinet, -1, name);

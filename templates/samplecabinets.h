@@ -4,6 +4,7 @@
 
 #include "core/apphome.h"
 #include "core/navigatorcallbacks.h"
+#include "templates/outlinefile.h"
 
 namespace qmr {
 
@@ -28,8 +29,16 @@ public:
     // The names of the samples, in file order.
     QStringList sampleNames() const;
     // Makes the cabinet and its outline in one transaction, then shows it in the navigator.
-    // Returns the new cabinet's id.
+    // Returns the new cabinet's id. A line that cannot be used is passed over; unusedLines()
+    // tells which.
     qint32 createSampleCabinet(const QString& name);
+    // The lines the last createSampleCabinet() passed over, and why.
+    const QVector<UnusedLine>& unusedLines() const { return m_unused; }
+    // The message that names them, "" when there were none.
+    QString unusedLinesMessage(const QString& name) const;
+
+    // Lines listed one by one in the message; more are counted.
+    static constexpr int kListedLines = 15;
 
 private:
     QVector<CreatedItem> fillSampleCabinet(const QString& name, qint32 cabinetId);
@@ -37,6 +46,7 @@ private:
     AppHome m_home;
     Database& m_db;
     NavigatorCallbacks* m_navigator;
+    QVector<UnusedLine> m_unused;
 };
 
 } // namespace qmr

@@ -54,6 +54,9 @@ void SampleDialog::cmdCreate()
         m_prompter.tell(e.message());
         return;
     }
+    const QString unused = m_samples.unusedLinesMessage(name);
+    if (!unused.isEmpty())
+        m_prompter.tell(unused);
     accept();
 }
 

@@ -1,15 +1,30 @@
 #include <QCoreApplication>
 #include <QDateTime>
+#include <QDeadlineTimer>
+#include <QDirIterator>
+#include <QScopeGuard>
+#include <optional>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
 #include <QSysInfo>
 #include <QTemporaryDir>
 #include <QTest>
+#include <cerrno>
+#include <csignal>
+#include <cstring>
+#include <fcntl.h>
+#include <linux/capability.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/syscall.h>
+#include <unistd.h>
 
 #include "app/startup.h"
 #include "core/homelock.h"
+#include "core/settings.h"
 #include "store/schema.h"
+#include "tests/support/fixturestore.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -58,6 +73,134 @@ qint64 holderPid(const QString& lockPath)
     QLockFile reader(lockPath);
     qint64 pid = 0;
     return reader.getLockInfo(&pid, nullptr, nullptr) ? pid : -1;
+}
+
+QString systemText(int error)
+{
+    return QString::fromLocal8Bit(std::strerror(error));
+}
+
+// Root passes every permission check; without CAP_DAC_OVERRIDE in its effective set it meets
+// them as the owner of a file does. Capabilities are per thread: this one's are put back.
+class WithoutPermissionOverride
+{
+public:
+    WithoutPermissionOverride()
+    {
+        m_header.version = _LINUX_CAPABILITY_VERSION_3;
+        m_header.pid = 0;
+        if (::syscall(SYS_capget, &m_header, m_saved) != 0)
+            return;
+        __user_cap_data_struct less[2] = {m_saved[0], m_saved[1]};
+        less[CAP_TO_INDEX(CAP_DAC_OVERRIDE)].effective &= ~CAP_TO_MASK(CAP_DAC_OVERRIDE);
+        m_dropped = ::syscall(SYS_capset, &m_header, less) == 0;
+    }
+    ~WithoutPermissionOverride()
+    {
+        if (m_dropped)
+            ::syscall(SYS_capset, &m_header, m_saved);
+    }
+
+private:
+    __user_cap_header_struct m_header{};
+    __user_cap_data_struct m_saved[2]{};
+    bool m_dropped = false;
+};
+
+// No file of this process can grow past 0 bytes while it lives; a write fails with EFBIG
+// instead of raising SIGXFSZ.
+class NoFileGrows
+{
+public:
+    NoFileGrows()
+    {
+        m_previousHandler = std::signal(SIGXFSZ, SIG_IGN);
+        ::getrlimit(RLIMIT_FSIZE, &m_previous);
+        rlimit none = m_previous;
+        none.rlim_cur = 0;
+        ::setrlimit(RLIMIT_FSIZE, &none);
+    }
+    ~NoFileGrows()
+    {
+        ::setrlimit(RLIMIT_FSIZE, &m_previous);
+        std::signal(SIGXFSZ, m_previousHandler);
+    }
+
+private:
+    rlimit m_previous{};
+    void (*m_previousHandler)(int) = nullptr;
+};
+
+bool canMakeFileIn(const QString& dir)
+{
+    QFile probe(dir + "/probe");
+    const bool made = probe.open(QIODevice::WriteOnly);
+    probe.remove();
+    return made;
+}
+
+QProcessEnvironment programEnvironment(const QString& configDir)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.insert("QT_QPA_PLATFORM", "offscreen");
+    env.insert("XDG_CONFIG_HOME", configDir);
+    env.remove("QUILLMERE_HOME");
+    return env;
+}
+
+// A pipe whose writer stalls at its first write: it is full before the writer starts, and
+// takes that write only once drained. What came after the filling is kept.
+class FullPipe
+{
+public:
+    explicit FullPipe(const QString& path) : m_path(path)
+    {
+        if (::mkfifo(QFile::encodeName(path).constData(), 0600) != 0)
+            return;
+        m_fd = ::open(QFile::encodeName(path).constData(), O_RDWR | O_NONBLOCK | O_CLOEXEC);
+        const QByteArray filler(4096, '.');
+        while (m_fd >= 0 && ::write(m_fd, filler.constData(), size_t(filler.size())) > 0)
+            m_filled += filler.size();
+        // A last part smaller than the block, until not one more byte goes in.
+        while (m_fd >= 0 && ::write(m_fd, ".", 1) == 1)
+            ++m_filled;
+    }
+    ~FullPipe()
+    {
+        if (m_fd >= 0)
+            ::close(m_fd);
+    }
+    bool isFull() const { return m_fd >= 0 && m_filled > 0; }
+    const QString& path() const { return m_path; }
+    // Reads what is there now.
+    void drain()
+    {
+        char buffer[4096];
+        ssize_t n;
+        while ((n = ::read(m_fd, buffer, sizeof buffer)) > 0)
+            m_read.append(buffer, n);
+    }
+    QString written() const { return QString::fromUtf8(m_read.mid(m_filled)); }
+
+private:
+    QString m_path;
+    int m_fd = -1;
+    qint64 m_filled = 0;
+    QByteArray m_read;
+};
+
+int pageCount(const AppHome& home)
+{
+    return test::FixtureStore(home).db().scalar("SELECT COUNT(*) FROM Page").toInt();
+}
+
+QStringList partFiles(const QString& dir)
+{
+    QStringList found;
+    QDirIterator it(dir, {"*.part"}, QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
+    while (it.hasNext())
+        found << it.next();
+    return found;
 }
 
 } // namespace
@@ -222,6 +365,171 @@ private slots:
         Startup again(home.home(), home.settings(), prompter, choosers);
         QVERIFY(again.start(false));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+
+    void homeThatCannotBeWritten_data()
+    {
+        QTest::addColumn<QString>("kind");
+        QTest::newRow("below a file") << "below a file";
+        QTest::newRow("a file in its place") << "file";
+        QTest::newRow("no permission to write") << "read-only";
+        QTest::newRow("no file may grow (as on a full disk)") << "no growth";
+    }
+    void homeThatCannotBeWritten()
+    {
+        QFETCH(QString, kind);
+        QTemporaryDir dir;
+        test::TestHome settingsOnly;
+        QString home = dir.filePath("home");
+        QString expected;
+        if (kind == "below a file" || kind == "file") {
+            const QString file = kind == "file" ? home : dir.filePath("file");
+            QFile f(file);
+            QVERIFY(f.open(QIODevice::WriteOnly));
+            f.close();
+            if (kind == "below a file")
+                home = file + "/home";
+            expected = QString("Cannot create the directory %1: %2.")
+                           .arg(home, systemText(ENOTDIR) +
+                                          (kind == "file" ? QString() : " (" + file + ")"));
+        } else {
+            QVERIFY(QDir().mkpath(home));
+            expected = QString("The home %1 cannot be locked for this run: the lock file %2 "
+                               "cannot be made: %3.")
+                           .arg(home, home + "/" + HomeLock::fileName(),
+                                systemText(kind == "read-only" ? EACCES : EFBIG));
+        }
+        const auto writable = qScopeGuard(
+            [&] { QFile::setPermissions(home, QFile::permissions(home) | QFile::WriteOwner); });
+        std::optional<WithoutPermissionOverride> asOwner;
+        std::optional<NoFileGrows> noGrowth;
+        if (kind == "read-only") {
+            QVERIFY(QFile::setPermissions(home, QFile::ReadOwner | QFile::ExeOwner |
+                                                    QFile::ReadGroup | QFile::ExeGroup |
+                                                    QFile::ReadOther | QFile::ExeOther));
+            if (canMakeFileIn(home))
+                asOwner.emplace();
+            if (canMakeFileIn(home))
+                QSKIP("This test runs with the right to write where permissions forbid it.");
+        }
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        prompter.expect(expected);
+        bool started = true;
+        {
+            if (kind == "no growth")
+                noGrowth.emplace();
+            Startup run{AppHome(home), settingsOnly.settings(), prompter, choosers};
+            started = run.start(false);
+            noGrowth.reset();
+        }
+        asOwner.reset();
+        QVERIFY(!started);
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY(!QFile::exists(home + "/" + HomeLock::fileName()));
+        QVERIFY(!QFile::exists(home + "/qmr.mdb"));
+    }
+
+    void signalEndsTheRunAsExitDoes_data()
+    {
+        QTest::addColumn<int>("signalNumber");
+        QTest::newRow("SIGTERM (a logout)") << SIGTERM;
+        QTest::newRow("SIGINT (Ctrl+C)") << SIGINT;
+        QTest::newRow("SIGHUP (its terminal closed)") << SIGHUP;
+    }
+    void signalEndsTheRunAsExitDoes()
+    {
+        QFETCH(int, signalNumber);
+        test::TestHome home;
+        QTemporaryDir config;
+        QProcess program;
+        program.setProcessEnvironment(programEnvironment(config.path()));
+        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
+        program.start(QStringLiteral(QMR_APP_PATH), {"--home", home.home().path()});
+        QVERIFY(program.waitForStarted());
+        // It listens for the signals before it takes the home.
+        const QString lock = home.file(HomeLock::fileName());
+        QTRY_VERIFY_WITH_TIMEOUT(holderPid(lock) == program.processId(), 30000);
+        QCOMPARE(::kill(pid_t(program.processId()), signalNumber), 0);
+        QVERIFY(program.waitForFinished(60000));
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 0);
+        // What File > Exit saves: the place in the tree (the first start's sample cabinet) and
+        // the window's placement (maximised on a first start).
+        Settings saved(config.filePath("QMR/Quillmere.conf"));
+        QCOMPARE(saved.getSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
+        QCOMPARE(saved.getSetting("frmNavTree.WindowState"), QStringLiteral("2"));
+        // The home is free again.
+        QVERIFY(!QFile::exists(lock));
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        Startup next(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(next.start(false));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+    }
+
+    void signalStopsABatchRun_data()
+    {
+        QTest::addColumn<QString>("command");
+        QTest::addColumn<int>("signalNumber");
+        QTest::newRow("export, SIGTERM") << "export" << SIGTERM;
+        QTest::newRow("import, SIGINT") << "import" << SIGINT;
+        QTest::newRow("export, SIGHUP") << "export" << SIGHUP;
+    }
+    void signalStopsABatchRun()
+    {
+        QFETCH(QString, command);
+        QFETCH(int, signalNumber);
+        test::TestHome home;
+        QTemporaryDir config, out;
+        {
+            test::FixtureStore store(home.home());
+            store.fillSample();
+            store.cabinet("Target");
+        }
+        const QString exchange = out.filePath("x");
+        const int pagesBefore = pageCount(home.home());
+        if (command == "import") {
+            QProcess exporting;
+            exporting.setProcessEnvironment(programEnvironment(config.path()));
+            exporting.start(QStringLiteral(QMR_APP_PATH),
+                            {"--home", home.path(), "--export", "Home Papers", exchange});
+            QVERIFY(exporting.waitForFinished(60000));
+            QCOMPARE(exporting.exitCode(), 0);
+        }
+        // The run stalls at its first line of progress, with the home taken, until the test
+        // reads what it writes; the signal comes while it waits there or before.
+        FullPipe progress(out.filePath("progress"));
+        QVERIFY(progress.isFull());
+        QProcess program;
+        program.setProcessEnvironment(programEnvironment(config.path()));
+        program.setStandardErrorFile(progress.path());
+        program.start(QStringLiteral(QMR_APP_PATH),
+                      command == "export" ? QStringList{"--home", home.path(), "--export",
+                                                        "Home Papers", out.filePath("y")}
+                                          : QStringList{"--home", home.path(), "--import",
+                                                        exchange + "/Home Papers", "Target"});
+        QVERIFY(program.waitForStarted());
+        const QString lock = home.file(HomeLock::fileName());
+        QTRY_VERIFY_WITH_TIMEOUT(holderPid(lock) == program.processId(), 30000);
+        QCOMPARE(::kill(pid_t(program.processId()), signalNumber), 0);
+        QDeadlineTimer deadline(60000);
+        while (program.state() != QProcess::NotRunning && !deadline.hasExpired()) {
+            progress.drain();
+            program.waitForFinished(20);
+        }
+        progress.drain();
+        QCOMPARE(program.state(), QProcess::NotRunning);
+        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(program.exitCode(), 1);
+        const QString err = progress.written();
+        QVERIFY2(err.contains("quillmere: The " + command +
+                              " was stopped before its end, as the program was asked to quit"),
+                 qPrintable(err));
+        QVERIFY(!QFile::exists(lock));
+        QCOMPARE(partFiles(out.path()), QStringList());
+        // Nothing came across: the walk stopped at its first step.
+        QCOMPARE(pageCount(home.home()), pagesBefore);
     }
 };
 

@@ -1,13 +1,19 @@
+#include <QDialog>
+#include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
+#include <QTimer>
+#include <csignal>
 
 #include "app/barwidget.h"
+#include "app/exitonsignal.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "app/startup.h"
+#include "dialogs/boxprompter.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
@@ -184,6 +190,66 @@ private slots:
         QCOMPARE(s.status(), QStringLiteral("e"));
         QCOMPARE(s.bar()->position(), 3);
         QCOMPARE(s.windowTitle(), QStringLiteral("Starting"));
+    }
+
+    void signalWhileBusy_data()
+    {
+        // What the program is doing when it is asked to quit.
+        QTest::addColumn<QString>("busy");
+        QTest::newRow("a question waits") << "question";
+        QTest::newRow("a dialog is open") << "dialog";
+        QTest::newRow("a walk that offers Cancel") << "walk";
+    }
+    void signalWhileBusy()
+    {
+        QFETCH(QString, busy);
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        ExitOnSignal exitOnSignal;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(run.start());
+        exitOnSignal.attach(run.window());
+        // Stands for the program's main loop.
+        QEventLoop mainLoop;
+        connect(run.window(), &NavWindow::exitRequested, &mainLoop, [&] { mainLoop.exit(0); });
+        QTimer::singleShot(30000, &mainLoop, [&] { mainLoop.exit(1); });
+        QString outcome;
+        bool ended = false; // the busy work had ended when the run ended
+        connect(run.window(), &NavWindow::exitRequested, this, [&] { ended = !outcome.isEmpty(); });
+        QTimer::singleShot(0, this, [&] {
+            if (busy == "walk") {
+                ProgressWindow& progress = *run.progress();
+                progress.start("Walking", 1, 1000);
+                progress.showCancel();
+                std::raise(SIGTERM);
+                int steps = 0;
+                for (; steps < 1000 && !progress.stopped(); ++steps) {
+                    progress.step("a step");
+                    QCoreApplication::processEvents();
+                }
+                progress.end();
+                outcome = steps < 1000 ? "cancelled" : "went to the end";
+                return;
+            }
+            QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+            if (busy == "question") {
+                BoxPrompter box;
+                outcome = box.ask("Delete it?", Prompter::Buttons::YesNoCancel) ==
+                                  Prompter::Answer::Cancel
+                              ? "cancelled"
+                              : "answered otherwise";
+            } else {
+                QDialog dialog(run.window());
+                outcome = dialog.exec() == QDialog::Rejected ? "cancelled" : "accepted";
+            }
+        });
+        QCOMPARE(mainLoop.exec(), 0);
+        QCOMPARE(outcome, QStringLiteral("cancelled"));
+        QVERIFY(ended);
+        // Saved as File > Exit saves.
+        QVERIFY(home.reopenSettings().contains("LastNavTreeNodeKey"));
+        QVERIFY(!run.session().db().isOpen());
     }
 };
 

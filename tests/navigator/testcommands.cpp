@@ -13,6 +13,7 @@
 #include "navharness.h"
 #include "store/itemstore.h"
 #include "templates/outlinefile.h"
+#include "templates/samplecabinets.h"
 #include "tests/support/modalwatch.h"
 #include "tests/support/testrunner.h"
 
@@ -290,7 +291,16 @@ private slots:
     void sampleCabinetFromTheMenu()
     {
         NavHarness h;
+        // A line of the file that cannot be used is named after the cabinet is made without it.
+        QVERIFY(TextFile::writeLines(h.home.file("Sample.txt"), SampleCabinets::defaultText()
+                                                                    << " DRW=" + QString(81, 'x')));
+        const QString unused = "Some lines of " + h.home.file("Sample.txt") +
+                               " could not be used; the sample cabinet 'Generic File Cabinet' was "
+                               "made without them.\nSample.txt, line 23: The name is too long: a "
+                               "drawer's name can have at most 80 characters.";
+        h.prompter.expect(unused);
         h.load(); // the first start made "Generic File Cabinet"
+        QCOMPARE(h.listTexts().size(), 6);
         h.prompter.expect("A cabinet named 'Generic File Cabinet' already exists.");
         whenModal(h.window.get(), [](QWidget* d) {
             d->findChild<QPushButton*>("cmdCreate")->click();
@@ -302,9 +312,11 @@ private slots:
 
         // Renamed, the cabinet no longer blocks a second copy of the sample.
         h.session->db().execute("UPDATE Cabinet SET Name = 'Mine'");
+        h.prompter.expect(unused);
         whenModal(h.window.get(),
                   [](QWidget* d) { d->findChild<QPushButton*>("cmdCreate")->click(); });
         trigger(h, "mnuToolsCreateSampleCabinet");
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(ItemStore(h.session->db()).count(Level::Cabinet), 2);
         QCOMPARE(h.tree()->node(h.tree()->selectedKey())->text(0),
                  QStringLiteral("Generic File Cabinet"));

@@ -4,7 +4,6 @@
 #include "core/navigatorcallbacks.h"
 #include "core/textfile.h"
 #include "store/itemstore.h"
-#include "store/storeerror.h"
 #include "templates/drawertemplates.h"
 #include "templates/outlinefile.h"
 #include "templates/samplecabinets.h"
@@ -101,16 +100,85 @@ private slots:
         QCOMPARE(items.count(Level::Drawer), 3);
     }
 
-    void overLongNameInTheFileLeavesNothingBehind()
+    void unusableLinesAreReported_data()
     {
+        QTest::addColumn<QStringList>("file");
+        QTest::addColumn<QList<int>>("made"); // drawers, folders, documents
+        QTest::addColumn<QStringList>("unused");
+        const QString tooLong(81, 'x');
+        QTest::newRow("name too long") << QStringList{"CAB=Big",    " DRW=Fine", "  FLD=" + tooLong,
+                                                      "  FLD=Kept", "CAB=Other", " DRW=" + tooLong}
+                                       << QList<int>{1, 1, 0}
+                                       << QStringList{"3: The name is too long: a folder's name "
+                                                      "can have at most 80 characters."};
+        QTest::newRow("what stands below a line not used")
+            << QStringList{"CAB=Big",   " DRW=" + tooLong, "  FLD=Lost",     "   DOC=Lost too",
+                           " DRW=Next", "  FLD=Kept",      "   DOC=Kept too"}
+            << QList<int>{1, 1, 1}
+            << QStringList{"2: The name is too long: a drawer's name can have at most 80 "
+                           "characters.",
+                           "3: Its drawer on line 2 was not made.",
+                           "4: Its folder on line 3 was not made."};
+        QTest::newRow("no item above")
+            << QStringList{"CAB=Big", "  FLD=No drawer yet", "   DOC=Nor a folder", " DRW=D",
+                           "   DOC=The drawer cleared the folder"}
+            << QList<int>{1, 0, 0}
+            << QStringList{"2: A folder needs a drawer line above it.",
+                           "3: Its folder on line 2 was not made.",
+                           "5: A document needs a folder line above "
+                           "it."};
+        QTest::newRow("no name, unknown keys")
+            << QStringList{"CAB=Big",     " DRW =",   "  FLD=Lost", " drw = lower case",
+                           " FDL = Typo", "a note",   "",           " PAG = Page",
+                           " DRW",        " DRW=Kept"}
+            << QList<int>{1, 0, 0}
+            << QStringList{"2: It has no name.",
+                           "3: Its drawer on line 2 was not made.",
+                           "4: It does not begin with DRW, FLD or DOC.",
+                           "5: It does not begin with DRW, FLD or DOC.",
+                           "8: It does not begin with DRW, FLD or DOC.",
+                           "9: It has no name."};
+        QStringList many{"CAB=Big"};
+        QStringList unused;
+        for (int i = 2; i <= 18; ++i) {
+            many << "  FLD=Orphan";
+            unused << QString::number(i) + ": A folder needs a drawer line above it.";
+        }
+        QTest::newRow("many lines are counted") << many << QList<int>{0, 0, 0} << unused;
+    }
+    void unusableLinesAreReported()
+    {
+        QFETCH(QStringList, file);
+        QFETCH(QList<int>, made);
+        QFETCH(QStringList, unused);
         test::TestHome home;
         test::FixtureStore store(home.home());
-        SampleCabinets samples(home.home(), store.db(), nullptr);
-        writeFile(samples.filePath(), {"CAB=Big", " DRW=Fine", "  FLD=" + QString(81, 'x')});
-        QVERIFY_THROWS_EXCEPTION(StoreError, samples.createSampleCabinet("Big"));
+        NavRecorder nav;
+        SampleCabinets samples(home.home(), store.db(), &nav);
+        writeFile(samples.filePath(), file);
+        const qint32 id = samples.createSampleCabinet("Big");
+        // The cabinet is made with every line that could be used, and shown.
         ItemStore items(store.db());
-        QCOMPARE(items.count(Level::Cabinet), 0);
-        QCOMPARE(items.count(Level::Drawer), 0);
+        QCOMPARE(items.count(Level::Cabinet), 1);
+        QCOMPARE((QList<int>{items.count(Level::Drawer), items.count(Level::Folder),
+                             items.count(Level::Document)}),
+                 made);
+        QCOMPARE(nav.calls.last(), QString("SHOWCAB%1").arg(id));
+        QStringList seen;
+        for (const UnusedLine& line : samples.unusedLines())
+            seen << QString::number(line.number) + ": " + line.reason;
+        QCOMPARE(seen, unused);
+        // One message names the file and each line, up to a count.
+        const QStringList message = samples.unusedLinesMessage("Big").split('\n');
+        QCOMPARE(message.first(), "Some lines of " + samples.filePath() +
+                                      " could not be used; the sample cabinet 'Big' was made "
+                                      "without them.");
+        const int listed = qMin(int(unused.size()), int(SampleCabinets::kListedLines));
+        for (int i = 0; i < listed; ++i)
+            QCOMPARE(message.at(i + 1), "Sample.txt, line " + unused.at(i));
+        QCOMPARE(message.size(), 1 + listed + (unused.size() > listed ? 1 : 0));
+        if (unused.size() > listed)
+            QCOMPARE(message.last(), QStringLiteral("... and 2 more lines."));
     }
 
     void templateNames()
