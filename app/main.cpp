@@ -46,6 +46,8 @@ int main(int argc, char* argv[])
     // mail server that hung up) fails with an error that the command reports; it must not
     // end the program.
     std::signal(SIGPIPE, SIG_IGN);
+    // Likewise a write past the session's file size limit fails with EFBIG and is reported.
+    std::signal(SIGXFSZ, SIG_IGN);
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help-file") == 0)
             return printHelpFile(argc, argv);
