@@ -1,17 +1,22 @@
 #include "scan/sanesource.h"
 
+#include "scan/sanelibrary.h"
 #include "scan/saneworker.h"
 
 namespace qmr {
 
-SaneSource::SaneSource(QObject* parent) : ScanSource(parent)
+SaneSource::SaneSource(QObject* parent) : SaneSource(SaneLibrary::system(), parent)
+{
+}
+
+SaneSource::SaneSource(std::shared_ptr<SaneLibrary> library, QObject* parent) : ScanSource(parent)
 {
     qRegisterMetaType<ScanRequest>();
     qRegisterMetaType<ScanSetup>();
     qRegisterMetaType<ScanEnd>();
     qRegisterMetaType<QVector<ScanDevice>>();
     qRegisterMetaType<QVector<ScanOption>>();
-    m_worker = new SaneWorker;
+    m_worker = new SaneWorker(std::move(library));
     m_worker->moveToThread(&m_thread);
     connect(m_worker, &SaneWorker::devicesFound, this, &ScanSource::devicesFound);
     connect(m_worker, &SaneWorker::opened, this, &ScanSource::opened);

@@ -1,11 +1,13 @@
 #pragma once
 
 #include <QThread>
+#include <memory>
 
 #include "scan/scansource.h"
 
 namespace qmr {
 
+class SaneLibrary;
 class SaneWorker;
 
 // The scan source of the system's scanners and cameras, through SANE. The library is used on
@@ -15,6 +17,8 @@ class SaneSource : public ScanSource
     Q_OBJECT
 public:
     explicit SaneSource(QObject* parent = nullptr);
+    // `library` stands in for the system's SANE (tests).
+    explicit SaneSource(std::shared_ptr<SaneLibrary> library, QObject* parent = nullptr);
     ~SaneSource() override;
 
     void findDevices() override;

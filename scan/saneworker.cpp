@@ -2,7 +2,6 @@
 
 #include <QMutexLocker>
 #include <cstring>
-#include <sane/sane.h>
 #include <sane/saneopts.h>
 
 #include "scan/frameassembler.h"
@@ -50,7 +49,9 @@ FrameFormat::Kind kindOf(SANE_Frame frame)
 
 } // namespace
 
-SaneWorker::SaneWorker() = default;
+SaneWorker::SaneWorker(std::shared_ptr<SaneLibrary> library) : m_library(std::move(library))
+{
+}
 
 SaneWorker::~SaneWorker()
 {
@@ -62,7 +63,7 @@ void SaneWorker::requestCancel()
     m_cancelled = true;
     QMutexLocker lock(&m_handleLock);
     if (m_handle && m_reading)
-        sane_cancel(static_cast<SANE_Handle>(m_handle));
+        m_library->cancel(m_handle);
 }
 
 void SaneWorker::requestStop()
@@ -73,25 +74,24 @@ void SaneWorker::requestStop()
 
 bool SaneWorker::ensureLibrary(QString* failure)
 {
-    if (m_library)
+    if (m_initialised)
         return true;
-    SANE_Int version = 0;
-    const SANE_Status status = sane_init(&version, nullptr);
+    const SANE_Status status = m_library->init();
     if (status != SANE_STATUS_GOOD) {
         if (failure)
             *failure = statusText(status);
         return false;
     }
-    m_library = true;
+    m_initialised = true;
     return true;
 }
 
 void SaneWorker::shutdown()
 {
     closeHandle();
-    if (m_library) {
-        sane_exit();
-        m_library = false;
+    if (m_initialised) {
+        m_library->exit();
+        m_initialised = false;
     }
 }
 
@@ -100,9 +100,9 @@ void SaneWorker::closeHandle()
     QMutexLocker lock(&m_handleLock);
     if (!m_handle)
         return;
-    auto* handle = static_cast<SANE_Handle>(m_handle);
-    sane_cancel(handle);
-    sane_close(handle);
+    SANE_Handle handle = m_handle;
+    m_library->cancel(handle);
+    m_library->close(handle);
     m_handle = nullptr;
     m_reading = false;
     m_index.clear();
@@ -116,7 +116,7 @@ void SaneWorker::findDevices()
     QVector<ScanDevice> devices;
     if (ensureLibrary(&failure)) {
         const SANE_Device** list = nullptr;
-        const SANE_Status status = sane_get_devices(&list, SANE_FALSE);
+        const SANE_Status status = m_library->devices(&list);
         if (status != SANE_STATUS_GOOD)
             failure = statusText(status);
         for (int i = 0; list && list[i]; ++i)
@@ -134,7 +134,7 @@ void SaneWorker::findDevices()
 QVector<ScanOption> SaneWorker::readOptions()
 {
     m_index.clear();
-    return SaneOptionReader::read(m_handle, &m_index);
+    return SaneOptionReader::read(*m_library, m_handle, &m_index);
 }
 
 int SaneWorker::indexOf(const QString& name) const
@@ -144,9 +144,9 @@ int SaneWorker::indexOf(const QString& name) const
 
 QString SaneWorker::setValue(int index, const QVariant& value)
 {
-    auto* handle = static_cast<SANE_Handle>(m_handle);
+    SANE_Handle handle = m_handle;
     const SANE_Option_Descriptor* d =
-        handle && index > 0 ? sane_get_option_descriptor(handle, index) : nullptr;
+        handle && index > 0 ? m_library->descriptor(handle, index) : nullptr;
     if (!d)
         return statusText(SANE_STATUS_INVAL);
     SANE_Int info = 0;
@@ -154,30 +154,30 @@ QString SaneWorker::setValue(int index, const QVariant& value)
     switch (d->type) {
     case SANE_TYPE_BOOL: {
         SANE_Word w = value.toBool() ? SANE_TRUE : SANE_FALSE;
-        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+        status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
         break;
     }
     case SANE_TYPE_INT: {
         SANE_Word w = SANE_Word(qRound(value.toDouble()));
         if (d->size == SANE_Int(sizeof(SANE_Word)))
-            status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+            status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
         break;
     }
     case SANE_TYPE_FIXED: {
         SANE_Word w = SANE_FIX(value.toDouble());
         if (d->size == SANE_Int(sizeof(SANE_Word)))
-            status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+            status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
         break;
     }
     case SANE_TYPE_STRING: {
         const QByteArray utf8 = value.toString().toUtf8();
         QByteArray buffer(qMax<SANE_Int>(d->size, 1), '\0');
         std::memcpy(buffer.data(), utf8.constData(), size_t(qMin(utf8.size(), buffer.size() - 1)));
-        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, buffer.data(), &info);
+        status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, buffer.data(), &info);
         break;
     }
     case SANE_TYPE_BUTTON:
-        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, nullptr, &info);
+        status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, nullptr, &info);
         break;
     default:
         break;
@@ -187,15 +187,15 @@ QString SaneWorker::setValue(int index, const QVariant& value)
 
 double SaneWorker::currentResolution() const
 {
-    auto* handle = static_cast<SANE_Handle>(m_handle);
+    SANE_Handle handle = m_handle;
     for (const char* name : {SANE_NAME_SCAN_RESOLUTION, SANE_NAME_SCAN_X_RESOLUTION}) {
         const int index = indexOf(QLatin1String(name));
         const SANE_Option_Descriptor* d =
-            handle && index > 0 ? sane_get_option_descriptor(handle, index) : nullptr;
+            handle && index > 0 ? m_library->descriptor(handle, index) : nullptr;
         if (!d || !SANE_OPTION_IS_ACTIVE(d->cap) || d->size != SANE_Int(sizeof(SANE_Word)))
             continue;
         SANE_Word w = 0;
-        if (sane_control_option(handle, index, SANE_ACTION_GET_VALUE, &w, nullptr) !=
+        if (m_library->control(handle, index, SANE_ACTION_GET_VALUE, &w, nullptr) !=
             SANE_STATUS_GOOD)
             continue;
         return d->type == SANE_TYPE_FIXED ? SANE_UNFIX(w) : double(w);
@@ -313,7 +313,7 @@ void SaneWorker::open(const ScanRequest& request)
         return;
     }
     SANE_Handle handle = nullptr;
-    const SANE_Status status = sane_open(request.device.toUtf8().constData(), &handle);
+    const SANE_Status status = m_library->open(request.device.toUtf8().constData(), &handle);
     if (status != SANE_STATUS_GOOD || !handle) {
         finish(ScanEnd::Reason::Failed, statusText(status), true);
         return;
@@ -387,7 +387,7 @@ QImage SaneWorker::inWantedColour(QImage image) const
 
 void SaneWorker::readSheet()
 {
-    auto* handle = static_cast<SANE_Handle>(m_handle);
+    SANE_Handle handle = m_handle;
     ++m_sheet;
     FrameAssembler assembler;
     QByteArray buffer(kReadChunk, Qt::Uninitialized);
@@ -410,13 +410,13 @@ void SaneWorker::readSheet()
             return;
         }
         m_reading = true;
-        SANE_Status status = sane_start(handle);
+        SANE_Status status = m_library->start(handle);
         if (status != SANE_STATUS_GOOD) {
             stop(status);
             return;
         }
         SANE_Parameters p;
-        status = sane_get_parameters(handle, &p);
+        status = m_library->parameters(handle, &p);
         if (status != SANE_STATUS_GOOD) {
             stop(status);
             return;
@@ -457,8 +457,8 @@ void SaneWorker::readSheet()
                 return;
             }
             SANE_Int length = 0;
-            status = sane_read(handle, reinterpret_cast<SANE_Byte*>(buffer.data()),
-                               SANE_Int(buffer.size()), &length);
+            status = m_library->read(handle, reinterpret_cast<SANE_Byte*>(buffer.data()),
+                                     SANE_Int(buffer.size()), &length);
             // A cancel from outside may end the data early as if the frame were whole.
             if (status == SANE_STATUS_EOF && (m_cancelled || m_stopping))
                 status = SANE_STATUS_CANCELLED;

@@ -4,7 +4,9 @@
 #include <QMutex>
 #include <QObject>
 #include <atomic>
+#include <memory>
 
+#include "scan/sanelibrary.h"
 #include "scan/scansource.h"
 
 namespace qmr {
@@ -18,7 +20,7 @@ class SaneWorker : public QObject
 {
     Q_OBJECT
 public:
-    SaneWorker();
+    explicit SaneWorker(std::shared_ptr<SaneLibrary> library);
     ~SaneWorker() override;
 
     // Any thread: stops the read in progress; the scan then ends with Cancelled.
@@ -60,12 +62,13 @@ private:
     QString deviceLabel() const;
     QImage inWantedColour(QImage image) const;
 
-    void* m_handle = nullptr; // SANE_Handle; changed only under m_handleLock
+    const std::shared_ptr<SaneLibrary> m_library;
+    SANE_Handle m_handle = nullptr; // changed only under m_handleLock
     QMutex m_handleLock;
     std::atomic<bool> m_cancelled{false};
     std::atomic<bool> m_stopping{false};
     std::atomic<bool> m_reading{false};
-    bool m_library = false;
+    bool m_initialised = false;         // init() succeeded and exit() is owed
     QHash<QString, int> m_index;        // option name -> SANE option number
     QHash<QString, ScanDevice> m_known; // the devices of the last search, by name
     ScanRequest m_request;
