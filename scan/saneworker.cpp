@@ -1,7 +1,8 @@
 #include "scan/saneworker.h"
 
-#include <QMutexLocker>
 #include <cstring>
+#include <system_error>
+#include <thread>
 #include <sane/saneopts.h>
 
 #include "scan/frameassembler.h"
@@ -58,17 +59,62 @@ SaneWorker::~SaneWorker()
     shutdown();
 }
 
+void SaneWorker::run()
+{
+    for (;;) {
+        std::function<void()> job;
+        {
+            std::unique_lock lock(m_queueLock);
+            m_queueChanged.wait(lock, [this] { return m_stopping || !m_jobs.empty(); });
+            if (m_stopping)
+                break;
+            job = std::move(m_jobs.front());
+            m_jobs.pop_front();
+        }
+        job();
+    }
+    shutdown();
+}
+
+void SaneWorker::post(std::function<void()> job)
+{
+    {
+        std::lock_guard lock(m_queueLock);
+        if (m_stopping)
+            return;
+        m_jobs.push_back(std::move(job));
+    }
+    m_queueChanged.notify_one();
+}
+
 void SaneWorker::requestCancel()
 {
     m_cancelled = true;
-    QMutexLocker lock(&m_handleLock);
-    if (m_handle && m_reading)
-        m_library->cancel(m_handle);
+    // Between sheets the flag is enough. A read under way is stopped by the device, whose
+    // cancel may take as long as it likes: it is made on a thread of its own, once a scan.
+    if (!m_device->reading || m_cancelSent.exchange(true))
+        return;
+    try {
+        std::thread([device = m_device, library = m_library] {
+            ++device->cancelling;
+            const SANE_Handle handle = device->handle.load();
+            if (handle && device->reading)
+                library->cancel(handle);
+            --device->cancelling;
+            device->cancelling.notify_all();
+        }).detach();
+    } catch (const std::system_error&) {
+        // No thread to be had: the read stops after its present piece.
+    }
 }
 
 void SaneWorker::requestStop()
 {
-    m_stopping = true;
+    {
+        std::lock_guard lock(m_queueLock);
+        m_stopping = true;
+    }
+    m_queueChanged.notify_one();
     requestCancel();
 }
 
@@ -97,15 +143,16 @@ void SaneWorker::shutdown()
 
 void SaneWorker::closeHandle()
 {
-    QMutexLocker lock(&m_handleLock);
-    if (!m_handle)
+    m_device->reading = false;
+    const SANE_Handle handle = m_device->handle.exchange(nullptr);
+    if (!handle)
         return;
-    SANE_Handle handle = m_handle;
+    m_index.clear();
+    // A cancel on its own thread may still be inside the handle: it is closed after that.
+    for (int n = m_device->cancelling; n != 0; n = m_device->cancelling)
+        m_device->cancelling.wait(n);
     m_library->cancel(handle);
     m_library->close(handle);
-    m_handle = nullptr;
-    m_reading = false;
-    m_index.clear();
 }
 
 void SaneWorker::findDevices()
@@ -134,7 +181,7 @@ void SaneWorker::findDevices()
 QVector<ScanOption> SaneWorker::readOptions()
 {
     m_index.clear();
-    return SaneOptionReader::read(*m_library, m_handle, &m_index);
+    return SaneOptionReader::read(*m_library, handle(), &m_index);
 }
 
 int SaneWorker::indexOf(const QString& name) const
@@ -144,7 +191,7 @@ int SaneWorker::indexOf(const QString& name) const
 
 QString SaneWorker::setValue(int index, const QVariant& value)
 {
-    SANE_Handle handle = m_handle;
+    const SANE_Handle handle = this->handle();
     const SANE_Option_Descriptor* d =
         handle && index > 0 ? m_library->descriptor(handle, index) : nullptr;
     if (!d)
@@ -187,7 +234,7 @@ QString SaneWorker::setValue(int index, const QVariant& value)
 
 double SaneWorker::currentResolution() const
 {
-    SANE_Handle handle = m_handle;
+    const SANE_Handle handle = this->handle();
     for (const char* name : {SANE_NAME_SCAN_RESOLUTION, SANE_NAME_SCAN_X_RESOLUTION}) {
         const int index = indexOf(QLatin1String(name));
         const SANE_Option_Descriptor* d =
@@ -289,7 +336,7 @@ void SaneWorker::setOption(const QString& name, const QVariant& value)
 {
     if (m_stopping)
         return;
-    if (!m_handle) {
+    if (!handle()) {
         emit optionsChanged({}, statusText(SANE_STATUS_INVAL));
         return;
     }
@@ -303,8 +350,9 @@ void SaneWorker::open(const ScanRequest& request)
 {
     if (m_stopping)
         return;
-    m_cancelled = false;
     closeHandle();
+    m_cancelled = false;
+    m_cancelSent = false;
     m_request = request;
     m_sheet = 0;
     QString failure;
@@ -318,10 +366,7 @@ void SaneWorker::open(const ScanRequest& request)
         finish(ScanEnd::Reason::Failed, statusText(status), true);
         return;
     }
-    {
-        QMutexLocker lock(&m_handleLock);
-        m_handle = handle;
-    }
+    m_device->handle = handle;
     applyRequest();
     emit opened(readOptions(), m_setup);
 }
@@ -330,7 +375,7 @@ void SaneWorker::readPages()
 {
     if (m_stopping)
         return;
-    if (!m_handle) {
+    if (!handle()) {
         finish(ScanEnd::Reason::Failed, statusText(SANE_STATUS_INVAL), true);
         return;
     }
@@ -342,7 +387,7 @@ void SaneWorker::readPages()
 
 void SaneWorker::nextPage()
 {
-    if (!m_handle)
+    if (!handle())
         return;
     if (m_cancelled || m_stopping)
         finish(ScanEnd::Reason::Cancelled);
@@ -354,20 +399,21 @@ void SaneWorker::nextPage()
 
 void SaneWorker::close()
 {
-    if (m_handle)
+    if (handle())
         finish(ScanEnd::Reason::Cancelled);
 }
 
 void SaneWorker::finish(ScanEnd::Reason reason, const QString& status, bool atOpen)
 {
-    closeHandle();
-    m_cancelled = false;
+    m_device->reading = false;
     ScanEnd end;
     end.reason = reason;
     end.device = deviceLabel();
     end.status = status;
     end.atOpen = atOpen;
     emit finished(end);
+    closeHandle();
+    m_cancelled = false;
 }
 
 QImage SaneWorker::inWantedColour(QImage image) const
@@ -387,13 +433,12 @@ QImage SaneWorker::inWantedColour(QImage image) const
 
 void SaneWorker::readSheet()
 {
-    SANE_Handle handle = m_handle;
+    const SANE_Handle handle = this->handle();
     ++m_sheet;
     FrameAssembler assembler;
     QByteArray buffer(kReadChunk, Qt::Uninitialized);
     int frame = 0;
     auto stop = [&](SANE_Status status) {
-        m_reading = false;
         if (m_cancelled || m_stopping || status == SANE_STATUS_CANCELLED)
             finish(ScanEnd::Reason::Cancelled);
         // An empty feeder after the first sheet is the end of the stack, not a failure.
@@ -405,11 +450,12 @@ void SaneWorker::readSheet()
     };
 
     for (;;) {
+        // Reading first, then the flag: a cancel from outside sees the one or this the other.
+        m_device->reading = true;
         if (m_cancelled || m_stopping) {
             stop(SANE_STATUS_CANCELLED);
             return;
         }
-        m_reading = true;
         SANE_Status status = m_library->start(handle);
         if (status != SANE_STATUS_GOOD) {
             stop(status);
@@ -429,7 +475,6 @@ void SaneWorker::readSheet()
         format.lines = p.lines;
         QString why;
         if (!assembler.beginFrame(format, &why)) {
-            m_reading = false;
             finish(ScanEnd::Reason::Failed, why);
             return;
         }
@@ -476,7 +521,7 @@ void SaneWorker::readSheet()
         if (p.last_frame)
             break;
     }
-    m_reading = false;
+    m_device->reading = false;
     emit pageAcquired(inWantedColour(assembler.image(m_setup.dpi)), m_sheet);
 }
 
