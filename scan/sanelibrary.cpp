@@ -1,5 +1,24 @@
 #include "scan/sanelibrary.h"
 
+#include <cerrno>
+#include <pthread.h>
+
+// SANE's thread helper makes the reader thread of a backend cancellable at any instruction and
+// cancels it whenever a pass ends. A cancel that lands inside malloc or free leaves the
+// allocator's lock taken for good: the reader never finishes ending, and the next allocation
+// in the program, the window's included, waits forever. So every thread here stays
+// cancellable only where the C library allows it by default (a read, a write, a sleep), where
+// a cancel is safe. This definition stands in for the C library's; programs that use SANE
+// export it (see CMakeLists.txt), so that the backends loaded at run time call it.
+extern "C" int pthread_setcanceltype(int type, int* oldtype)
+{
+    if (type != PTHREAD_CANCEL_DEFERRED && type != PTHREAD_CANCEL_ASYNCHRONOUS)
+        return EINVAL;
+    if (oldtype)
+        *oldtype = PTHREAD_CANCEL_DEFERRED;
+    return 0;
+}
+
 namespace qmr {
 
 namespace {

@@ -4,7 +4,10 @@
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
+#include <dlfcn.h>
 #include <memory>
+#include <pthread.h>
+#include <thread>
 
 #include "hangingsane.h"
 #include "sanetestbackend.h"
@@ -487,6 +490,24 @@ private slots:
         device->release();
         device.reset();
         QTRY_VERIFY(held.expired());
+    }
+
+    // A backend's reader thread asks to be cancellable anywhere; it stays cancellable only where
+    // that is safe, or a cancel inside the allocator would leave it locked for every thread.
+    void readerThreadsStopOnlyWhereSafe()
+    {
+        using SetType = int (*)(int, int*);
+        // What a backend loaded at run time calls, and the C library's own.
+        const auto asBackend =
+            reinterpret_cast<SetType>(dlsym(RTLD_DEFAULT, "pthread_setcanceltype"));
+        const auto cLibrary = reinterpret_cast<SetType>(dlsym(RTLD_NEXT, "pthread_setcanceltype"));
+        QVERIFY(asBackend && cLibrary);
+        int type = -1;
+        std::thread([&] {
+            asBackend(PTHREAD_CANCEL_ASYNCHRONOUS, nullptr);
+            cLibrary(PTHREAD_CANCEL_DEFERRED, &type);
+        }).join();
+        QCOMPARE(type, int(PTHREAD_CANCEL_DEFERRED));
     }
 
     // The options as the device describes them, and a change that brings others to life.
