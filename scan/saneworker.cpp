@@ -95,10 +95,10 @@ void SaneWorker::requestCancel()
     if (!m_device->reading || m_cancelSent.exchange(true))
         return;
     try {
-        std::thread([device = m_device, library = m_library] {
+        std::thread([device = m_device, library = m_library, opening = m_device->opening.load()] {
             ++device->cancelling;
             const SANE_Handle handle = device->handle.load();
-            if (handle && device->reading)
+            if (handle && device->reading && device->opening == opening)
                 library->cancel(handle);
             --device->cancelling;
             device->cancelling.notify_all();
@@ -110,12 +110,12 @@ void SaneWorker::requestCancel()
 
 void SaneWorker::requestStop()
 {
-    {
-        std::lock_guard lock(m_queueLock);
-        m_stopping = true;
-    }
-    m_queueChanged.notify_one();
+    // The cancel comes first: once stopping, the thread may end and delete this at any moment
+    // after the lock is let go.
     requestCancel();
+    std::lock_guard lock(m_queueLock);
+    m_stopping = true;
+    m_queueChanged.notify_one();
 }
 
 bool SaneWorker::ensureLibrary(QString* failure)
@@ -366,6 +366,7 @@ void SaneWorker::open(const ScanRequest& request)
         finish(ScanEnd::Reason::Failed, statusText(status), true);
         return;
     }
+    ++m_device->opening;
     m_device->handle = handle;
     applyRequest();
     emit opened(readOptions(), m_setup);

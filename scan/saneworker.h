@@ -35,6 +35,7 @@ public:
     // Any thread: stops the read in progress; the scan then ends with Cancelled.
     void requestCancel();
     // Any thread: the jobs still queued are dropped and run() ends after the one under way.
+    // The last call to make: the worker may be gone as soon as it returns.
     void requestStop();
 
     void findDevices();
@@ -56,10 +57,11 @@ private:
     // The open device as a cancel from another thread sees it. That thread counts itself in
     // `cancelling` before it looks at the handle, and the handle is closed only once it has
     // counted itself out, so it never calls into a closed handle and nobody holds a lock
-    // across the call.
+    // across the call. `opening` tells a late cancel from the next scan's.
     struct Device
     {
         std::atomic<SANE_Handle> handle{nullptr};
+        std::atomic<unsigned> opening{0};
         std::atomic<bool> reading{false};
         std::atomic<int> cancelling{0};
     };
