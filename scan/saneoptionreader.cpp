@@ -1,7 +1,5 @@
 #include "scan/saneoptionreader.h"
 
-#include <sane/sane.h>
-
 namespace qmr {
 
 namespace {
@@ -33,18 +31,18 @@ QString unitText(SANE_Unit unit)
 
 } // namespace
 
-QVector<ScanOption> SaneOptionReader::read(void* device, QHash<QString, int>* index)
+QVector<ScanOption> SaneOptionReader::read(SaneLibrary& library, SANE_Handle handle,
+                                           QHash<QString, int>* index)
 {
     QVector<ScanOption> options;
-    auto* handle = static_cast<SANE_Handle>(device);
     if (!handle)
         return options;
     SANE_Int count = 0;
-    if (sane_control_option(handle, 0, SANE_ACTION_GET_VALUE, &count, nullptr) != SANE_STATUS_GOOD)
+    if (library.control(handle, 0, SANE_ACTION_GET_VALUE, &count, nullptr) != SANE_STATUS_GOOD)
         return options;
     QString group;
     for (SANE_Int i = 1; i < count; ++i) {
-        const SANE_Option_Descriptor* d = sane_get_option_descriptor(handle, i);
+        const SANE_Option_Descriptor* d = library.descriptor(handle, i);
         if (!d)
             continue;
         ScanOption o;
@@ -115,12 +113,12 @@ QVector<ScanOption> SaneOptionReader::read(void* device, QHash<QString, int>* in
         if (readable) {
             if (o.type == ScanOption::Type::String) {
                 QByteArray buffer(qMax<SANE_Int>(d->size, 1) + 1, '\0');
-                if (sane_control_option(handle, i, SANE_ACTION_GET_VALUE, buffer.data(), nullptr) ==
+                if (library.control(handle, i, SANE_ACTION_GET_VALUE, buffer.data(), nullptr) ==
                     SANE_STATUS_GOOD)
                     o.value = QString::fromUtf8(buffer.constData());
             } else {
                 SANE_Word w = 0;
-                if (sane_control_option(handle, i, SANE_ACTION_GET_VALUE, &w, nullptr) ==
+                if (library.control(handle, i, SANE_ACTION_GET_VALUE, &w, nullptr) ==
                     SANE_STATUS_GOOD) {
                     if (o.type == ScanOption::Type::Bool)
                         o.value = bool(w);

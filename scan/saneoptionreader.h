@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QVector>
 
+#include "scan/sanelibrary.h"
 #include "scan/scansource.h"
 
 namespace qmr {
@@ -14,7 +15,8 @@ class SaneOptionReader
 public:
     // `device` is the open SANE handle; `index` (when given) receives each option's number
     // by name, the first of a name winning.
-    static QVector<ScanOption> read(void* device, QHash<QString, int>* index);
+    static QVector<ScanOption> read(SaneLibrary& library, SANE_Handle device,
+                                    QHash<QString, int>* index);
 };
 
 } // namespace qmr

@@ -1,20 +1,27 @@
 #pragma once
 
-#include <QThread>
+#include <future>
+#include <memory>
+#include <thread>
 
 #include "scan/scansource.h"
 
 namespace qmr {
 
+class SaneLibrary;
 class SaneWorker;
 
 // The scan source of the system's scanners and cameras, through SANE. The library is used on
-// a thread of its own, so that looking for devices and reading pages never stop the window.
+// a thread of its own, so that looking for devices and reading pages never stop the window,
+// nor does a device that stops answering: closing waits for it a short while, then leaves
+// its thread to end by itself.
 class SaneSource : public ScanSource
 {
     Q_OBJECT
 public:
     explicit SaneSource(QObject* parent = nullptr);
+    // `library` stands in for the system's SANE (tests).
+    explicit SaneSource(std::shared_ptr<SaneLibrary> library, QObject* parent = nullptr);
     ~SaneSource() override;
 
     void findDevices() override;
@@ -26,8 +33,9 @@ public:
     void close() override;
 
 private:
-    QThread m_thread;
-    SaneWorker* m_worker = nullptr;
+    SaneWorker* m_worker = nullptr; // deleted by its thread when that ends
+    std::thread m_thread;
+    std::future<void> m_ended;
 };
 
 } // namespace qmr

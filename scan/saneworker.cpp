@@ -1,8 +1,8 @@
 #include "scan/saneworker.h"
 
-#include <QMutexLocker>
 #include <cstring>
-#include <sane/sane.h>
+#include <system_error>
+#include <thread>
 #include <sane/saneopts.h>
 
 #include "scan/frameassembler.h"
@@ -50,62 +50,109 @@ FrameFormat::Kind kindOf(SANE_Frame frame)
 
 } // namespace
 
-SaneWorker::SaneWorker() = default;
+SaneWorker::SaneWorker(std::shared_ptr<SaneLibrary> library) : m_library(std::move(library))
+{
+}
 
 SaneWorker::~SaneWorker()
 {
     shutdown();
 }
 
+void SaneWorker::run()
+{
+    for (;;) {
+        std::function<void()> job;
+        {
+            std::unique_lock lock(m_queueLock);
+            m_queueChanged.wait(lock, [this] { return m_stopping || !m_jobs.empty(); });
+            if (m_stopping)
+                break;
+            job = std::move(m_jobs.front());
+            m_jobs.pop_front();
+        }
+        job();
+    }
+    shutdown();
+}
+
+void SaneWorker::post(std::function<void()> job)
+{
+    {
+        std::lock_guard lock(m_queueLock);
+        if (m_stopping)
+            return;
+        m_jobs.push_back(std::move(job));
+    }
+    m_queueChanged.notify_one();
+}
+
 void SaneWorker::requestCancel()
 {
     m_cancelled = true;
-    QMutexLocker lock(&m_handleLock);
-    if (m_handle && m_reading)
-        sane_cancel(static_cast<SANE_Handle>(m_handle));
+    // Between sheets the flag is enough. A read under way is stopped by the device, whose
+    // cancel may take as long as it likes: it is made on a thread of its own, once a scan.
+    if (!m_device->reading || m_cancelSent.exchange(true))
+        return;
+    try {
+        std::thread([device = m_device, library = m_library, opening = m_device->opening.load()] {
+            ++device->cancelling;
+            const SANE_Handle handle = device->handle.load();
+            if (handle && device->reading && device->opening == opening)
+                library->cancel(handle);
+            --device->cancelling;
+            device->cancelling.notify_all();
+        }).detach();
+    } catch (const std::system_error&) {
+        // No thread to be had: the read stops after its present piece.
+    }
 }
 
 void SaneWorker::requestStop()
 {
-    m_stopping = true;
+    // The cancel comes first: once stopping, the thread may end and delete this at any moment
+    // after the lock is let go.
     requestCancel();
+    std::lock_guard lock(m_queueLock);
+    m_stopping = true;
+    m_queueChanged.notify_one();
 }
 
 bool SaneWorker::ensureLibrary(QString* failure)
 {
-    if (m_library)
+    if (m_initialised)
         return true;
-    SANE_Int version = 0;
-    const SANE_Status status = sane_init(&version, nullptr);
+    const SANE_Status status = m_library->init();
     if (status != SANE_STATUS_GOOD) {
         if (failure)
             *failure = statusText(status);
         return false;
     }
-    m_library = true;
+    m_initialised = true;
     return true;
 }
 
 void SaneWorker::shutdown()
 {
     closeHandle();
-    if (m_library) {
-        sane_exit();
-        m_library = false;
+    if (m_initialised) {
+        m_library->exit();
+        m_initialised = false;
     }
 }
 
 void SaneWorker::closeHandle()
 {
-    QMutexLocker lock(&m_handleLock);
-    if (!m_handle)
+    m_device->reading = false;
+    const SANE_Handle handle = m_device->handle.exchange(nullptr);
+    if (!handle)
         return;
-    auto* handle = static_cast<SANE_Handle>(m_handle);
-    sane_cancel(handle);
-    sane_close(handle);
-    m_handle = nullptr;
-    m_reading = false;
     m_index.clear();
+    // A cancel on its own thread may still be inside the handle: it is closed after that.
+    for (int n = m_device->cancelling; n != 0; n = m_device->cancelling)
+        m_device->cancelling.wait(n);
+    m_library->cancel(handle);
+    m_library->close(handle);
 }
 
 void SaneWorker::findDevices()
@@ -116,7 +163,7 @@ void SaneWorker::findDevices()
     QVector<ScanDevice> devices;
     if (ensureLibrary(&failure)) {
         const SANE_Device** list = nullptr;
-        const SANE_Status status = sane_get_devices(&list, SANE_FALSE);
+        const SANE_Status status = m_library->devices(&list);
         if (status != SANE_STATUS_GOOD)
             failure = statusText(status);
         for (int i = 0; list && list[i]; ++i)
@@ -134,7 +181,7 @@ void SaneWorker::findDevices()
 QVector<ScanOption> SaneWorker::readOptions()
 {
     m_index.clear();
-    return SaneOptionReader::read(m_handle, &m_index);
+    return SaneOptionReader::read(*m_library, handle(), &m_index);
 }
 
 int SaneWorker::indexOf(const QString& name) const
@@ -144,9 +191,9 @@ int SaneWorker::indexOf(const QString& name) const
 
 QString SaneWorker::setValue(int index, const QVariant& value)
 {
-    auto* handle = static_cast<SANE_Handle>(m_handle);
+    const SANE_Handle handle = this->handle();
     const SANE_Option_Descriptor* d =
-        handle && index > 0 ? sane_get_option_descriptor(handle, index) : nullptr;
+        handle && index > 0 ? m_library->descriptor(handle, index) : nullptr;
     if (!d)
         return statusText(SANE_STATUS_INVAL);
     SANE_Int info = 0;
@@ -154,30 +201,30 @@ QString SaneWorker::setValue(int index, const QVariant& value)
     switch (d->type) {
     case SANE_TYPE_BOOL: {
         SANE_Word w = value.toBool() ? SANE_TRUE : SANE_FALSE;
-        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+        status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
         break;
     }
     case SANE_TYPE_INT: {
         SANE_Word w = SANE_Word(qRound(value.toDouble()));
         if (d->size == SANE_Int(sizeof(SANE_Word)))
-            status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+            status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
         break;
     }
     case SANE_TYPE_FIXED: {
         SANE_Word w = SANE_FIX(value.toDouble());
         if (d->size == SANE_Int(sizeof(SANE_Word)))
-            status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
+            status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, &w, &info);
         break;
     }
     case SANE_TYPE_STRING: {
         const QByteArray utf8 = value.toString().toUtf8();
         QByteArray buffer(qMax<SANE_Int>(d->size, 1), '\0');
         std::memcpy(buffer.data(), utf8.constData(), size_t(qMin(utf8.size(), buffer.size() - 1)));
-        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, buffer.data(), &info);
+        status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, buffer.data(), &info);
         break;
     }
     case SANE_TYPE_BUTTON:
-        status = sane_control_option(handle, index, SANE_ACTION_SET_VALUE, nullptr, &info);
+        status = m_library->control(handle, index, SANE_ACTION_SET_VALUE, nullptr, &info);
         break;
     default:
         break;
@@ -187,15 +234,15 @@ QString SaneWorker::setValue(int index, const QVariant& value)
 
 double SaneWorker::currentResolution() const
 {
-    auto* handle = static_cast<SANE_Handle>(m_handle);
+    const SANE_Handle handle = this->handle();
     for (const char* name : {SANE_NAME_SCAN_RESOLUTION, SANE_NAME_SCAN_X_RESOLUTION}) {
         const int index = indexOf(QLatin1String(name));
         const SANE_Option_Descriptor* d =
-            handle && index > 0 ? sane_get_option_descriptor(handle, index) : nullptr;
+            handle && index > 0 ? m_library->descriptor(handle, index) : nullptr;
         if (!d || !SANE_OPTION_IS_ACTIVE(d->cap) || d->size != SANE_Int(sizeof(SANE_Word)))
             continue;
         SANE_Word w = 0;
-        if (sane_control_option(handle, index, SANE_ACTION_GET_VALUE, &w, nullptr) !=
+        if (m_library->control(handle, index, SANE_ACTION_GET_VALUE, &w, nullptr) !=
             SANE_STATUS_GOOD)
             continue;
         return d->type == SANE_TYPE_FIXED ? SANE_UNFIX(w) : double(w);
@@ -289,7 +336,7 @@ void SaneWorker::setOption(const QString& name, const QVariant& value)
 {
     if (m_stopping)
         return;
-    if (!m_handle) {
+    if (!handle()) {
         emit optionsChanged({}, statusText(SANE_STATUS_INVAL));
         return;
     }
@@ -303,8 +350,9 @@ void SaneWorker::open(const ScanRequest& request)
 {
     if (m_stopping)
         return;
-    m_cancelled = false;
     closeHandle();
+    m_cancelled = false;
+    m_cancelSent = false;
     m_request = request;
     m_sheet = 0;
     QString failure;
@@ -313,15 +361,13 @@ void SaneWorker::open(const ScanRequest& request)
         return;
     }
     SANE_Handle handle = nullptr;
-    const SANE_Status status = sane_open(request.device.toUtf8().constData(), &handle);
+    const SANE_Status status = m_library->open(request.device.toUtf8().constData(), &handle);
     if (status != SANE_STATUS_GOOD || !handle) {
         finish(ScanEnd::Reason::Failed, statusText(status), true);
         return;
     }
-    {
-        QMutexLocker lock(&m_handleLock);
-        m_handle = handle;
-    }
+    ++m_device->opening;
+    m_device->handle = handle;
     applyRequest();
     emit opened(readOptions(), m_setup);
 }
@@ -330,7 +376,7 @@ void SaneWorker::readPages()
 {
     if (m_stopping)
         return;
-    if (!m_handle) {
+    if (!handle()) {
         finish(ScanEnd::Reason::Failed, statusText(SANE_STATUS_INVAL), true);
         return;
     }
@@ -342,7 +388,7 @@ void SaneWorker::readPages()
 
 void SaneWorker::nextPage()
 {
-    if (!m_handle)
+    if (!handle())
         return;
     if (m_cancelled || m_stopping)
         finish(ScanEnd::Reason::Cancelled);
@@ -354,20 +400,21 @@ void SaneWorker::nextPage()
 
 void SaneWorker::close()
 {
-    if (m_handle)
+    if (handle())
         finish(ScanEnd::Reason::Cancelled);
 }
 
 void SaneWorker::finish(ScanEnd::Reason reason, const QString& status, bool atOpen)
 {
-    closeHandle();
-    m_cancelled = false;
+    m_device->reading = false;
     ScanEnd end;
     end.reason = reason;
     end.device = deviceLabel();
     end.status = status;
     end.atOpen = atOpen;
     emit finished(end);
+    closeHandle();
+    m_cancelled = false;
 }
 
 QImage SaneWorker::inWantedColour(QImage image) const
@@ -387,13 +434,12 @@ QImage SaneWorker::inWantedColour(QImage image) const
 
 void SaneWorker::readSheet()
 {
-    auto* handle = static_cast<SANE_Handle>(m_handle);
+    const SANE_Handle handle = this->handle();
     ++m_sheet;
     FrameAssembler assembler;
     QByteArray buffer(kReadChunk, Qt::Uninitialized);
     int frame = 0;
     auto stop = [&](SANE_Status status) {
-        m_reading = false;
         if (m_cancelled || m_stopping || status == SANE_STATUS_CANCELLED)
             finish(ScanEnd::Reason::Cancelled);
         // An empty feeder after the first sheet is the end of the stack, not a failure.
@@ -405,18 +451,19 @@ void SaneWorker::readSheet()
     };
 
     for (;;) {
+        // Reading first, then the flag: a cancel from outside sees the one or this the other.
+        m_device->reading = true;
         if (m_cancelled || m_stopping) {
             stop(SANE_STATUS_CANCELLED);
             return;
         }
-        m_reading = true;
-        SANE_Status status = sane_start(handle);
+        SANE_Status status = m_library->start(handle);
         if (status != SANE_STATUS_GOOD) {
             stop(status);
             return;
         }
         SANE_Parameters p;
-        status = sane_get_parameters(handle, &p);
+        status = m_library->parameters(handle, &p);
         if (status != SANE_STATUS_GOOD) {
             stop(status);
             return;
@@ -429,7 +476,6 @@ void SaneWorker::readSheet()
         format.lines = p.lines;
         QString why;
         if (!assembler.beginFrame(format, &why)) {
-            m_reading = false;
             finish(ScanEnd::Reason::Failed, why);
             return;
         }
@@ -457,8 +503,8 @@ void SaneWorker::readSheet()
                 return;
             }
             SANE_Int length = 0;
-            status = sane_read(handle, reinterpret_cast<SANE_Byte*>(buffer.data()),
-                               SANE_Int(buffer.size()), &length);
+            status = m_library->read(handle, reinterpret_cast<SANE_Byte*>(buffer.data()),
+                                     SANE_Int(buffer.size()), &length);
             // A cancel from outside may end the data early as if the frame were whole.
             if (status == SANE_STATUS_EOF && (m_cancelled || m_stopping))
                 status = SANE_STATUS_CANCELLED;
@@ -476,7 +522,7 @@ void SaneWorker::readSheet()
         if (p.last_frame)
             break;
     }
-    m_reading = false;
+    m_device->reading = false;
     emit pageAcquired(inWantedColour(assembler.image(m_setup.dpi)), m_sheet);
 }
 

@@ -1,7 +1,15 @@
 #include <QElapsedTimer>
+#include <QRegularExpression>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
+#include <dlfcn.h>
+#include <memory>
+#include <pthread.h>
+#include <thread>
 
+#include "hangingsane.h"
 #include "sanetestbackend.h"
 #include "scan/sanesource.h"
 #include "tests/support/testrunner.h"
@@ -9,6 +17,7 @@
 using namespace qmr;
 
 Q_DECLARE_METATYPE(qmr::ScanColour)
+Q_DECLARE_METATYPE(qmr::test::HangingSane::Call)
 
 namespace {
 
@@ -104,6 +113,30 @@ const ScanOption* optionNamed(const QVector<ScanOption>& options, const QString&
             return &o;
     return nullptr;
 }
+
+// The longest time the window's thread went without serving its timer.
+class LongestGap
+{
+public:
+    LongestGap()
+    {
+        m_ticks.setInterval(5);
+        QObject::connect(&m_ticks, &QTimer::timeout, [this] {
+            m_longest = qMax(m_longest, m_since.restart());
+            ++m_count;
+        });
+        m_since.start();
+        m_ticks.start();
+    }
+    qint64 ms() { return qMax(m_longest, m_since.elapsed()); }
+    int ticks() const { return m_count; }
+
+private:
+    QTimer m_ticks;
+    QElapsedTimer m_since;
+    qint64 m_longest = 0;
+    int m_count = 0;
+};
 
 int pixelDistance(QRgb a, QRgb b)
 {
@@ -393,6 +426,88 @@ private slots:
         const Scan next = runScan(source, request(ScanColour::Grey, 20, false));
         QCOMPARE(int(next.end.reason), int(ScanEnd::Reason::Done));
         QCOMPARE(next.pages.size(), 1);
+    }
+
+    // A device that stops answering inside a call never holds up the window: it keeps
+    // answering, a cancel ends the scan at once, and closing the source waits 2 s at most
+    // and leaves the device's thread behind, which ends and lets go of all it held once the
+    // call returns.
+    void hangingDevice_data()
+    {
+        using Call = test::HangingSane::Call;
+        QTest::addColumn<Call>("hangIn");
+        QTest::newRow("looking for devices") << Call::Devices;
+        QTest::newRow("cancel of a read") << Call::Cancel;
+        QTest::newRow("close") << Call::Close;
+    }
+    void hangingDevice()
+    {
+        using Call = test::HangingSane::Call;
+        QFETCH(Call, hangIn);
+        auto device = std::make_shared<test::HangingSane>(hangIn);
+        const std::weak_ptr<test::HangingSane> held = device;
+        auto source = std::make_unique<SaneSource>(device);
+        // A failed check lets the device go before the source is closed.
+        const auto letGo = qScopeGuard([&] {
+            if (const auto d = held.lock())
+                d->release();
+        });
+        QSignalSpy opened(source.get(), &ScanSource::opened);
+        QSignalSpy finished(source.get(), &ScanSource::finished);
+        LongestGap window;
+        if (hangIn == Call::Devices) {
+            source->findDevices();
+        } else {
+            ScanRequest r = request(ScanColour::Grey);
+            r.device = QStringLiteral("hang:0");
+            source->open(r);
+            QVERIFY(test::waitFor(opened));
+            if (hangIn == Call::Cancel) {
+                source->readPages();
+                QTRY_VERIFY(device->reading());
+                source->cancel();
+            } else {
+                source->close();
+            }
+            // The scan ends while the device is still stopping (it would stop in 10 s).
+            QVERIFY(test::waitFor(finished, 1, 5000));
+            QCOMPARE(int(finished.first().first().value<ScanEnd>().reason),
+                     int(ScanEnd::Reason::Cancelled));
+        }
+        QTRY_VERIFY(device->hanging());
+        // The window goes on for a while beside the hanging device.
+        const int ticks = window.ticks();
+        QTRY_VERIFY(window.ticks() >= ticks + 20);
+        QVERIFY2(window.ms() <= 50, qPrintable(QStringLiteral("%1 ms").arg(window.ms())));
+
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("did not answer within 2 s"));
+        QElapsedTimer closing;
+        closing.start();
+        source.reset();
+        QVERIFY2(closing.elapsed() < 2500,
+                 qPrintable(QStringLiteral("%1 ms").arg(closing.elapsed())));
+
+        device->release();
+        device.reset();
+        QTRY_VERIFY(held.expired());
+    }
+
+    // A backend's reader thread asks to be cancellable anywhere; it stays cancellable only where
+    // that is safe, or a cancel inside the allocator would leave it locked for every thread.
+    void readerThreadsStopOnlyWhereSafe()
+    {
+        using SetType = int (*)(int, int*);
+        // What a backend loaded at run time calls, and the C library's own.
+        const auto asBackend =
+            reinterpret_cast<SetType>(dlsym(RTLD_DEFAULT, "pthread_setcanceltype"));
+        const auto cLibrary = reinterpret_cast<SetType>(dlsym(RTLD_NEXT, "pthread_setcanceltype"));
+        QVERIFY(asBackend && cLibrary);
+        int type = -1;
+        std::thread([&] {
+            asBackend(PTHREAD_CANCEL_ASYNCHRONOUS, nullptr);
+            cLibrary(PTHREAD_CANCEL_DEFERRED, &type);
+        }).join();
+        QCOMPARE(type, int(PTHREAD_CANCEL_DEFERRED));
     }
 
     // The options as the device describes them, and a change that brings others to life.

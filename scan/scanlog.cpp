@@ -1,0 +1,7 @@
+#include "scan/scanlog.h"
+
+namespace qmr {
+
+Q_LOGGING_CATEGORY(lcScan, "qmr.scan")
+
+} // namespace qmr
