@@ -83,6 +83,7 @@ void EmailSettingsDialog::sendTest()
     m.fromAddress = m.fromAddress.trimmed();
     m_ui->cmdTest->setEnabled(false);
     MailSender(m_prompter, this)
+        .recipientField(MailAddress::testAddressField())
         .send(m, m_ui->txtEmail->text(), QStringLiteral("Test Email"),
               QStringLiteral("This is a test message from ") + Prompter::caption() +
                   QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat),
