@@ -19,6 +19,7 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -305,8 +306,9 @@ private slots:
         MailCommands(CommandContext{session, prompter, choosers, progress, view}).addTo(commands);
         QVERIFY(commands.contains("mnuEmailSettings"));
         bool shown = false;
-        QTimer::singleShot(0, [&] {
-            if (auto* d = qobject_cast<EmailSettingsDialog*>(QApplication::activeModalWidget())) {
+        // The dialog asks the keyring before it is shown, letting events run meanwhile.
+        test::whenModal(this, [&](QWidget* modal) {
+            if (auto* d = qobject_cast<EmailSettingsDialog*>(modal)) {
                 shown = true;
                 d->reject();
             }
