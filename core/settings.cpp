@@ -42,6 +42,11 @@ void Settings::set(const SettingKey& key, const QString& value)
     saveSetting(QLatin1String(key.name), value);
 }
 
+void Settings::remove(const SettingKey& key)
+{
+    m_settings->remove(kGroup + QLatin1String(key.name));
+}
+
 double Settings::number(const SettingKey& key) const
 {
     bool ok = false;

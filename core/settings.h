@@ -35,6 +35,8 @@ public:
     // The named keys of settingkeys.h, with their own defaults.
     QString get(const SettingKey& key) const;
     void set(const SettingKey& key, const QString& value);
+    // Takes the key out of the file: it reads as absent again.
+    void remove(const SettingKey& key);
     // A number; the key's default when absent or not a number.
     double number(const SettingKey& key) const;
     bool contains(const QString& key) const;

@@ -7,6 +7,7 @@
 #include "core/prompter.h"
 #include "core/settings.h"
 #include "mail/mailsender.h"
+#include "mail/smtppassword.h"
 #include "ui_emailsettingsdialog.h"
 
 namespace qmr {
@@ -15,6 +16,14 @@ namespace {
 
 const QStringList kSecurity = {QStringLiteral("none"), QStringLiteral("starttls"),
                                QStringLiteral("tls")};
+
+QString placeText(SmtpPassword::Place place)
+{
+    return place == SmtpPassword::Place::Keyring
+               ? QStringLiteral("The password is kept in the desktop's keyring.")
+               : QStringLiteral("No keyring is running: the password is kept in the settings "
+                                "file, readable by you alone.");
+}
 
 } // namespace
 
@@ -33,7 +42,9 @@ EmailSettingsDialog::EmailSettingsDialog(Settings& settings, Prompter& prompter,
     m_ui->spnSmtpPort->setValue(m.smtpPort);
     m_ui->cboSmtpSecurity->setCurrentIndex(qMax(0, int(kSecurity.indexOf(m.smtpSecurity))));
     m_ui->txtSmtpUser->setText(m.smtpUser);
-    m_ui->txtSmtpPassword->setText(m.smtpPassword);
+    const SmtpPassword::Kept password = SmtpPassword(settings).read();
+    m_ui->txtSmtpPassword->setText(password.password);
+    m_ui->lblPasswordPlace->setText(placeText(password.place));
     m_ui->txtSendmailPath->setText(m.sendmailPath);
     showSystemFields();
     connect(m_ui->cboEmail, &QComboBox::currentIndexChanged, this,
@@ -83,6 +94,7 @@ void EmailSettingsDialog::sendTest()
     m.fromAddress = m.fromAddress.trimmed();
     m_ui->cmdTest->setEnabled(false);
     MailSender(m_prompter, this)
+        .recipientField(MailAddress::testAddressField())
         .send(m, m_ui->txtEmail->text(), QStringLiteral("Test Email"),
               QStringLiteral("This is a test message from ") + Prompter::caption() +
                   QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat),

@@ -8,6 +8,7 @@
 
 #include "core/prompter.h"
 #include "mail/attachmentlist.h"
+#include "mail/maillog.h"
 #include "mail/sendmailtransport.h"
 #include "mail/smtptransport.h"
 
@@ -81,6 +82,20 @@ std::optional<MailFailure> MailSender::transfer(MailTransport& transport, const 
     return result;
 }
 
+bool MailSender::refused(const QString& from, const QStringList& recipients)
+{
+    std::optional<QString> refusal = MailAddress::refusal(recipients, m_recipientField);
+    if (!refusal)
+        refusal = MailAddress::refusal({from}, MailAddress::senderField());
+    if (!refusal)
+        return false;
+    if (m_logPrefix.isEmpty())
+        m_prompter.tell(*refusal);
+    else
+        qCWarning(lcMail).noquote() << m_logPrefix + QLatin1Char(' ') + *refusal;
+    return true;
+}
+
 bool MailSender::send(const MailSettings& settings, const QString& sendTo, const QString& subject,
                       const QString& body, const QString& attachments)
 {
@@ -90,8 +105,10 @@ bool MailSender::send(const MailSettings& settings, const QString& sendTo, const
         return false;
     const int count = AttachmentList::count(attachments);
     MailMessage message;
-    message.from = settings.fromAddress;
+    message.from = settings.fromAddress.trimmed();
     message.to = sendTo;
+    if (refused(message.from, message.recipients()))
+        return false;
     message.subject = subject;
     message.body = AttachmentList::bodyWithRoom(body, count);
     message.attachments = AttachmentList::paths(attachments);

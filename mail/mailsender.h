@@ -3,6 +3,7 @@
 #include <QString>
 #include <memory>
 
+#include "mail/mailaddress.h"
 #include "mail/mailsettings.h"
 #include "mail/mailtransport.h"
 
@@ -16,13 +17,29 @@ class Prompter;
 // through SMTP), with the four values every caller gives. The body makes room for the
 // attachments; the message goes off the GUI thread while a busy pointer (and after a moment a
 // busy window with Cancel) shows; then "Message sent." or the failure after the routine's
-// prefix.
+// prefix. An address that holds a line break or another control character is refused first,
+// whoever calls: nothing reaches a transport.
 class MailSender
 {
 public:
     explicit MailSender(Prompter& prompter, QWidget* parent = nullptr)
-        : m_prompter(prompter), m_parent(parent)
+        : m_prompter(prompter), m_parent(parent), m_recipientField(MailAddress::sendToField())
     {
+    }
+
+    // Names the field that the recipient came from when its address is refused ('Send to'
+    // unless told).
+    MailSender& recipientField(const QString& field)
+    {
+        m_recipientField = field;
+        return *this;
+    }
+    // A refused address is written to the log after `prefix` instead of shown (the page
+    // notice has no dialog to show it in).
+    MailSender& logRefusals(const QString& prefix)
+    {
+        m_logPrefix = prefix;
+        return *this;
     }
 
     // True when the message went.
@@ -40,8 +57,13 @@ private:
                                         const QString& from, const QStringList& recipients,
                                         bool* cancelled);
 
+    // The refusal of an address of the send, told or logged; false when there was none.
+    bool refused(const QString& from, const QStringList& recipients);
+
     Prompter& m_prompter;
     QWidget* m_parent;
+    QString m_recipientField;
+    QString m_logPrefix;
 };
 
 } // namespace qmr

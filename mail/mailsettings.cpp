@@ -3,6 +3,7 @@
 #include <QFile>
 
 #include "core/settings.h"
+#include "mail/smtppassword.h"
 
 namespace qmr {
 
@@ -39,8 +40,15 @@ MailSettings MailSettings::read(const Settings& settings)
     m.smtpPort = ok && port > 0 && port < 65536 ? port : 25;
     m.smtpSecurity = settings.get(keys::SmtpSecurity).trimmed().toLower();
     m.smtpUser = settings.get(keys::SmtpUser);
-    m.smtpPassword = settings.get(keys::SmtpPassword);
     m.sendmailPath = settings.get(keys::SendmailPath).trimmed();
+    return m;
+}
+
+MailSettings MailSettings::forSending(Settings& settings)
+{
+    MailSettings m = read(settings);
+    if (m.system == MailSystem::Cdonts && !m.smtpUser.isEmpty())
+        m.smtpPassword = SmtpPassword(settings).read().password;
     return m;
 }
 
@@ -52,7 +60,7 @@ void MailSettings::write(Settings& settings) const
     settings.set(keys::SmtpPort, QString::number(smtpPort));
     settings.set(keys::SmtpSecurity, smtpSecurity);
     settings.set(keys::SmtpUser, smtpUser);
-    settings.set(keys::SmtpPassword, smtpPassword);
+    SmtpPassword(settings).write(smtpPassword);
     settings.set(keys::SendmailPath, sendmailPath);
     settings.sync();
     QFile::setPermissions(settings.fileName(), QFile::ReadOwner | QFile::WriteOwner);

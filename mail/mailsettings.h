@@ -20,11 +20,16 @@ struct MailSettings
     int smtpPort = 25;
     QString smtpSecurity = QStringLiteral("none"); // "none", "starttls", "tls"
     QString smtpUser;
-    QString smtpPassword;
+    QString smtpPassword; // kept in the keyring where one runs (SmtpPassword)
     QString sendmailPath = QStringLiteral("/usr/sbin/sendmail");
 
+    // Every field but the password, which is asked for only where it is needed.
     static MailSettings read(const Settings& settings);
-    // Writes every field, and keeps the settings file to its owner: it holds a password.
+    // The settings of a send: with the password when an SMTP server is logged in to (CDONTS
+    // with a user name); the keyring is asked only then.
+    static MailSettings forSending(Settings& settings);
+    // Writes every field, the password where SmtpPassword keeps it, and keeps the settings file
+    // to its owner: it may hold the password.
     void write(Settings& settings) const;
 
     // "MAPI", "CDONTS"; anything else is none.

@@ -7,6 +7,8 @@
 #include <QSysInfo>
 #include <QUuid>
 
+#include "mail/mailaddress.h"
+
 namespace qmr {
 
 namespace {
@@ -46,6 +48,23 @@ QByteArray quotedParameter(const QString& value)
     QByteArray v = value.toUtf8();
     v.replace('\\', "\\\\").replace('"', "\\\"");
     return '"' + v + '"';
+}
+
+// An address as a message can show it: its control characters written out.
+QString visible(const QString& address)
+{
+    QString out;
+    for (const QChar c : address) {
+        if (c == QLatin1Char('\r'))
+            out += QStringLiteral("\\r");
+        else if (c == QLatin1Char('\n'))
+            out += QStringLiteral("\\n");
+        else if (MailAddress::holdsControl(QString(c)))
+            out += QStringLiteral("\\u%1").arg(c.unicode(), 4, 16, QLatin1Char('0'));
+        else
+            out += c;
+    }
+    return out;
 }
 
 QByteArray attachmentHeaders(const QString& path)
@@ -152,6 +171,17 @@ QString MimeMessage::makeMessageId(const QString& from)
 
 QByteArray MimeMessage::build(const MailMessage& message, std::optional<MailFailure>* failure)
 {
+    // A line break in an address would end its header and start another of the sender's
+    // choosing.
+    for (const QString& address : QStringList{message.from} + message.recipients()) {
+        if (MailAddress::holdsControl(address)) {
+            if (failure)
+                *failure = MailFailure{5, QStringLiteral("The address '%1' holds a line break or "
+                                                         "another control character.")
+                                              .arg(visible(address))};
+            return QByteArray();
+        }
+    }
     QByteArray head;
     head += "Date: " + rfc2822Date(message.date) + kCrlf;
     if (!message.from.isEmpty())

@@ -20,6 +20,7 @@ std::optional<PageNotice::Notice> PageNotice::compose(Session& session, qint32 p
     notice.address = folder->email.trimmed();
     if (notice.address.isEmpty())
         return std::nullopt;
+    notice.folder = folder->name;
 
     const qint32 drawerId = items.drawerOfFolder(folderId);
     const qint32 cabinetId = items.cabinetOfDrawer(drawerId);
@@ -47,8 +48,7 @@ std::optional<PageNotice::Notice> PageNotice::compose(Session& session, qint32 p
 
 void PageNotice::sendPageNotice(const CommandContext& context, qint32 pageId)
 {
-    const MailSettings settings = MailSettings::read(context.session.settings());
-    if (settings.system == MailSystem::None)
+    if (MailSettings::read(context.session.settings()).system == MailSystem::None)
         return;
     std::optional<Notice> notice;
     try {
@@ -58,7 +58,10 @@ void PageNotice::sendPageNotice(const CommandContext& context, qint32 pageId)
     }
     if (!notice)
         return;
+    const MailSettings settings = MailSettings::forSending(context.session.settings());
     MailSender(context.prompter, context.parent)
+        .recipientField(QStringLiteral("the Email of folder '%1'").arg(notice->folder))
+        .logRefusals(QStringLiteral("No notice of page %1.").arg(pageId))
         .send(settings, notice->address, notice->subject, notice->body, QString());
 }
 

@@ -16,6 +16,7 @@ public:
     struct Notice
     {
         QString address;
+        QString folder; // the folder's name
         QString subject;
         QString body;
     };
@@ -25,7 +26,8 @@ public:
     static std::optional<Notice> compose(Session& session, qint32 pageId);
     // SendPageNotice: stops silently when no mail system is set or there is nothing to send;
     // otherwise the send routine of the settings' system, to the folder's address, with no
-    // attachments. A store failure is passed over: the notice is best effort.
+    // attachments. A store failure is passed over: the notice is best effort. An address that
+    // holds a line break or another control character leaves the notice out and is logged.
     static void sendPageNotice(const CommandContext& context, qint32 pageId);
 };
 

@@ -43,11 +43,11 @@ QString SendEmailDialog::attachments() const
 void SendEmailDialog::send()
 {
     m_settings.set(keys::LastSendTo, m_ui->txtSendTo->text());
-    const MailSettings mail = MailSettings::read(m_settings);
-    if (mail.system == MailSystem::None) {
+    if (MailSettings::read(m_settings).system == MailSystem::None) {
         m_prompter.tell(kNoSystem);
         return;
     }
+    const MailSettings mail = MailSettings::forSending(m_settings);
     m_ui->cmdSend->setEnabled(false);
     MailSender(m_prompter, this)
         .send(mail, m_ui->txtSendTo->text(), m_ui->txtSubject->text(), m_ui->txtBody->toPlainText(),

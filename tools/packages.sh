@@ -10,10 +10,12 @@ packages=(
   libqt6svg6                           # draws the program's SVG icons at any size
   libsqlite3-dev                       # the store
   libcurl4-openssl-dev                 # mail to an SMTP server
+  qtkeychain-qt6-dev                   # the SMTP password in the desktop's keyring
   libsane-dev sane-utils               # scanners and cameras; sane-utils brings the test device
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
   clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers
   poppler-utils                        # tests: pdfinfo and pdfimages read printed PDF files
+  dbus gnome-keyring                   # tests: a private session bus with a keyring daemon
   desktop-file-utils appstream         # tests: desktop-file-validate, appstreamcli validate
   dpkg-dev file                        # cpack -G DEB: dpkg-shlibdeps finds the run-time packages
 )

@@ -26,7 +26,10 @@ public:
 
     // Answers "554" to RCPT TO for this address.
     void refuseRecipient(const QString& address) { m_refused = address; }
+    // Offers AUTH PLAIN and keeps the password that the client logs in with.
+    void offerLogin() { m_offerLogin = true; }
 
+    QString loginPassword;
     QString mailFrom;
     QStringList recipients;
     QList<QByteArray> messages;
@@ -70,8 +73,19 @@ private:
             m_buffer.remove(0, end + 2);
             commands << QString::fromUtf8(line);
             const QByteArray verb = line.left(4).toUpper();
-            if (verb == "EHLO")
-                socket->write("250-sink.test\r\n250 8BITMIME\r\n");
+            if (m_loginNext || (verb == "AUTH" && line.size() > 11)) {
+                // "\0user\0password", after the command or on a line of its own.
+                const QByteArray plain = m_loginNext ? line : line.mid(11);
+                loginPassword =
+                    QString::fromUtf8(QByteArray::fromBase64(plain).split('\0').value(2));
+                m_loginNext = false;
+                socket->write("235 2.7.0 ok\r\n");
+            } else if (verb == "AUTH") {
+                m_loginNext = true;
+                socket->write("334 \r\n");
+            } else if (verb == "EHLO")
+                socket->write(m_offerLogin ? "250-sink.test\r\n250-AUTH PLAIN\r\n250 8BITMIME\r\n"
+                                           : "250-sink.test\r\n250 8BITMIME\r\n");
             else if (verb == "HELO")
                 socket->write("250 sink.test\r\n");
             else if (verb == "MAIL") {
@@ -112,6 +126,8 @@ private:
     QTimer m_stop;
     QByteArray m_buffer;
     bool m_data = false;
+    bool m_offerLogin = false;
+    bool m_loginNext = false;
     QString m_refused;
 };
 

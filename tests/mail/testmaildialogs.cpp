@@ -19,6 +19,7 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -115,6 +116,58 @@ private slots:
         QVERIFY(test::ParsedMessage::unquote(m.parts[0].body).startsWith(room + "Here."));
         QCOMPARE(m.parts.last().headers.value("content-type"),
                  QByteArray("image/jpeg; name=\"2.jpg\""));
+    }
+
+    // An address that holds a line break would let its rest become a command of the server or
+    // a header of its own; it is refused before anything goes out, by either route.
+    void addressWithALineBreakIsRefused_data()
+    {
+        QTest::addColumn<QString>("route");
+        QTest::addColumn<QString>("sendTo");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("message");
+        const QString injected = "you@example.org>\r\nRCPT TO:<evil@example.org";
+        const QString headerInjected = "you@example.org\r\nBcc: evil@example.org";
+        const QString inSendTo = "The address in 'Send to' holds a line break or another "
+                                 "control character.";
+        const QString inSender = "The address in 'Your email address' of File/Email Settings "
+                                 "holds a line break or another control character.";
+        QTest::newRow("SMTP, Send to") << "smtp" << injected << "me@example.org" << inSendTo;
+        QTest::newRow("SMTP, sender") << "smtp"
+                                      << "you@example.org"
+                                      << "me@example.org>\r\nRCPT TO:<evil@example.org" << inSender;
+        QTest::newRow("SMTP, another control character") << "smtp"
+                                                         << "you@example.org\x01evil@example.org"
+                                                         << "me@example.org" << inSendTo;
+        QTest::newRow("sendmail, Send to")
+            << "sendmail" << headerInjected << "me@example.org" << inSendTo;
+        QTest::newRow("sendmail, sender") << "sendmail"
+                                          << "you@example.org"
+                                          << "me@example.org\nBcc: evil@example.org" << inSender;
+    }
+    void addressWithALineBreakIsRefused()
+    {
+        QFETCH(QString, route);
+        QFETCH(QString, sendTo);
+        QFETCH(QString, from);
+        QFETCH(QString, message);
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        test::SmtpSink sink;
+        test::SendmailStandIn sendmail;
+        (route == "smtp" ? test::smtpTo(sink.port(), from)
+                         : test::sendmailAt(sendmail.program, from))
+            .write(home.settings());
+        SendEmailDialog dialog(home.settings(), prompter, "", "");
+        dialog.show();
+        control<QLineEdit>(&dialog, "txtSendTo")->setText(sendTo);
+        prompter.expect(message);
+        dialog.send();
+        QVERIFY2(sink.recipients.isEmpty(), qPrintable(sink.recipients.join(" | ")));
+        QVERIFY(sink.messages.isEmpty());
+        QVERIFY2(sendmail.message().isEmpty(), sendmail.message().constData());
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY(dialog.isVisible());
     }
 
     void emailPagesOfADocument()
@@ -222,6 +275,10 @@ private slots:
         prompter.expect("No email system is selected.");
         dialog.sendTest();
         control<QComboBox>(&dialog, "cboEmail")->setCurrentIndex(2);
+        control<QLineEdit>(&dialog, "txtEmail")->setText("tester@example.org\nBcc: x@example.org");
+        prompter.expect("The address in 'Your email address' holds a line break or another "
+                        "control character.");
+        dialog.sendTest();
         control<QLineEdit>(&dialog, "txtEmail")->setText("tester@example.org");
         prompter.expect("Message sent.");
         dialog.sendTest();
@@ -249,8 +306,9 @@ private slots:
         MailCommands(CommandContext{session, prompter, choosers, progress, view}).addTo(commands);
         QVERIFY(commands.contains("mnuEmailSettings"));
         bool shown = false;
-        QTimer::singleShot(0, [&] {
-            if (auto* d = qobject_cast<EmailSettingsDialog*>(QApplication::activeModalWidget())) {
+        // The dialog asks the keyring before it is shown, letting events run meanwhile.
+        test::whenModal(this, [&](QWidget* modal) {
+            if (auto* d = qobject_cast<EmailSettingsDialog*>(modal)) {
                 shown = true;
                 d->reject();
             }

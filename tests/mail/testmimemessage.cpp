@@ -162,16 +162,48 @@ private slots:
         }
     }
 
-    void unreadableAttachment()
+    void refusals_data()
     {
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("to");
+        QTest::addColumn<QString>("attachment");
+        QTest::addColumn<int>("number");
+        QTest::addColumn<QString>("text");
+        QTest::newRow("attachment gone")
+            << "me@example.org"
+            << "you@example.org"
+            << "/nonexistent/page.jpg" << 53 << "File not found: '/nonexistent/page.jpg'";
+        // A line break in an address would start a header of its own.
+        QTest::newRow("line break in To")
+            << "me@example.org"
+            << "you@example.org\r\nBcc: evil@example.org"
+            << "" << 5
+            << "The address 'you@example.org\\r\\nBcc: evil@example.org' holds a line break "
+               "or another control character.";
+        QTest::newRow("line break in From")
+            << "me@example.org\nBcc: evil@example.org"
+            << "you@example.org"
+            << "" << 5
+            << "The address 'me@example.org\\nBcc: evil@example.org' holds a line break or "
+               "another control character.";
+    }
+    void refusals()
+    {
+        QFETCH(QString, from);
+        QFETCH(QString, to);
+        QFETCH(QString, attachment);
+        QFETCH(int, number);
+        QFETCH(QString, text);
         MailMessage m;
-        m.to = "you@example.org";
-        m.attachments << "/nonexistent/page.jpg";
+        m.from = from;
+        m.to = to;
+        if (!attachment.isEmpty())
+            m.attachments << attachment;
         std::optional<MailFailure> failure;
         QVERIFY(MimeMessage::build(m, &failure).isEmpty());
         QVERIFY(failure);
-        QCOMPARE(failure->number, 53);
-        QCOMPARE(failure->text, QString("File not found: '/nonexistent/page.jpg'"));
+        QCOMPARE(failure->number, number);
+        QCOMPARE(failure->text, text);
     }
 };
 

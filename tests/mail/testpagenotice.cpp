@@ -113,6 +113,39 @@ private slots:
         QVERIFY(sink.messages.isEmpty());
     }
 
+    // The notice has no dialog to tell it in: the refusal goes to the log and the notice is
+    // left out.
+    void addressWithALineBreakIsSkipped_data()
+    {
+        QTest::addColumn<QString>("folderAddress");
+        QTest::addColumn<QString>("from");
+        QTest::addColumn<QString>("logged");
+        QTest::newRow("folder's Email")
+            << "folder@example.org>\r\nRCPT TO:<evil@example.org"
+            << "scanner@example.org"
+            << "No notice of page %1. The address in the Email of folder '2025' holds a line "
+               "break or another control character.";
+        QTest::newRow("sender") << "folder@example.org"
+                                << "scanner@example.org>\r\nRCPT TO:<evil@example.org"
+                                << "No notice of page %1. The address in 'Your email address' of "
+                                   "File/Email Settings holds a line break or another control "
+                                   "character.";
+    }
+    void addressWithALineBreakIsSkipped()
+    {
+        QFETCH(QString, folderAddress);
+        QFETCH(QString, from);
+        QFETCH(QString, logged);
+        NoticeStore s(folderAddress);
+        test::SmtpSink sink;
+        test::smtpTo(sink.port(), from).write(s.home.settings());
+        QTest::ignoreMessage(QtWarningMsg, qPrintable(logged.arg(s.page)));
+        PageNotice::sendPageNotice(s.context(), s.page);
+        QVERIFY2(sink.recipients.isEmpty(), qPrintable(sink.recipients.join(" | ")));
+        QVERIFY(sink.messages.isEmpty());
+        QVERIFY2(s.prompter.seen().isEmpty(), qPrintable(s.prompter.report()));
+    }
+
     void noticeArrives()
     {
         NoticeStore s("folder@example.org");

@@ -6,6 +6,7 @@
 #include "core/pageopener.h"
 #include "mail/emailsettingsdialog.h"
 #include "navharness.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/testrunner.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/pageviewwindow.h"
@@ -38,11 +39,10 @@ private slots:
         QVERIFY(action);
         QVERIFY(action->isEnabled());
         QString shown;
-        QTimer::singleShot(0, [&] {
-            if (QWidget* modal = QApplication::activeModalWidget()) {
-                shown = modal->objectName();
-                modal->close();
-            }
+        // The email settings ask the keyring before they are shown, letting events run.
+        test::whenModal(this, [&](QWidget* modal) {
+            shown = modal->objectName();
+            modal->close();
         });
         action->trigger();
         QCOMPARE(shown, dialog);

@@ -8,13 +8,15 @@
 namespace qmr::test {
 
 // Every test class of a folder registers here, so that one executable runs them all.
-// --only=Class runs one class, --skip=Class leaves one out.
+// --only=Class runs one class, --skip=Class leaves one out. A class registered on demand runs
+// only when --only names it (a test starts it in a process of its own).
 using TestFactory = std::function<std::unique_ptr<QObject>()>;
 
 struct TestEntry
 {
     const char* name;
     TestFactory make;
+    bool onDemand = false;
 };
 
 std::vector<TestEntry>& registry();
@@ -22,7 +24,10 @@ int runAll(int argc, char** argv);
 
 struct Registrar
 {
-    Registrar(const char* name, TestFactory make) { registry().push_back({name, std::move(make)}); }
+    Registrar(const char* name, TestFactory make, bool onDemand = false)
+    {
+        registry().push_back({name, std::move(make), onDemand});
+    }
 };
 
 } // namespace qmr::test
@@ -30,3 +35,7 @@ struct Registrar
 #define QMR_TEST(Class)                                                                            \
     static const qmr::test::Registrar registrar##Class(                                            \
         #Class, [] { return std::unique_ptr<QObject>(new Class); });
+
+#define QMR_TEST_ON_DEMAND(Class)                                                                  \
+    static const qmr::test::Registrar registrar##Class(                                            \
+        #Class, [] { return std::unique_ptr<QObject>(new Class); }, true);

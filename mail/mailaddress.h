@@ -1,0 +1,30 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+#include <optional>
+
+namespace qmr {
+
+// The addresses of a send as people type them. Blanks and line ends around an address are
+// dropped, as they always were; a line break or another control character inside one would let
+// its rest reach the mail server as a command of its own, or the message as a header of its
+// own, so such an address never goes out.
+class MailAddress
+{
+public:
+    // True when `address` holds a control character or a line or paragraph separator.
+    static bool holdsControl(const QString& address);
+    // The message that refuses an address of `field`, or nothing when every address may go.
+    static std::optional<QString> refusal(const QStringList& addresses, const QString& field);
+
+    // The fields that addresses come from, as a refusal names them.
+    static QString sendToField() { return QStringLiteral("'Send to'"); }
+    static QString senderField()
+    {
+        return QStringLiteral("'Your email address' of File/Email Settings");
+    }
+    static QString testAddressField() { return QStringLiteral("'Your email address'"); }
+};
+
+} // namespace qmr
