@@ -6,6 +6,7 @@
 
 #include "app/commandline.h"
 #include "app/startup.h"
+#include "core/imageloader.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
 #include "dialogs/dialogchoosers.h"
@@ -45,6 +46,8 @@ int main(int argc, char* argv[])
     // mail server that hung up) fails with an error that the command reports; it must not
     // end the program.
     std::signal(SIGPIPE, SIG_IGN);
+    // Page images up to a 600 dpi A3 colour scan open; larger ones are refused by name.
+    qmr::ImageLoader::applyLimit();
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help-file") == 0)
             return printHelpFile(argc, argv);

@@ -25,7 +25,8 @@ public:
     {
     }
 
-    // True when the message went.
+    // True when the message went. An attachment that is a picture too large to open stops
+    // the send with a message naming it.
     bool send(const MailSettings& settings, const QString& sendTo, const QString& subject,
               const QString& body, const QString& attachments);
 

@@ -6,9 +6,10 @@
 #include <QImageWriter>
 #include <QPainter>
 #include <QThread>
-#include <cstdio>
 #include <QtMath>
+#include <cstdio>
 
+#include "core/imageloader.h"
 #include "store/pagepaths.h"
 
 namespace qmr {
@@ -51,6 +52,9 @@ QImage ThumbnailMaker::reducedImageFromData(const QByteArray& page)
 QImage ThumbnailMaker::reduce(QImageReader& reader)
 {
     reader.setAutoTransform(true);
+    // A picture too large to open gets no tile, even where the decoder could reduce it.
+    if (ImageLoader::refusal(reader))
+        return QImage();
     const QSize stored = reader.size();
     if (stored.isValid()) {
         // The size is the stored one. A photo its camera notes as taken turned comes out
@@ -67,7 +71,7 @@ QImage ThumbnailMaker::reduce(QImageReader& reader)
             return reduced;
         return reduced.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
-    const QImage full = reader.read();
+    const QImage full = ImageLoader::read(reader).image;
     if (full.isNull())
         return QImage();
     return full.scaled(reducedSize(full.size()), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
