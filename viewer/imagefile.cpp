@@ -35,6 +35,9 @@ QImage ImageFile::normalised(const QImage& image)
     }
     if (image.hasAlphaChannel()) {
         QImage flat(image.size(), QImage::Format_RGB32);
+        // The scan's resolution stays with the page: it decides the printed size.
+        flat.setDotsPerMeterX(image.dotsPerMeterX());
+        flat.setDotsPerMeterY(image.dotsPerMeterY());
         flat.fill(Qt::white);
         QPainter painter(&flat);
         painter.drawImage(0, 0, image);
