@@ -402,6 +402,12 @@ PageSaver::Result PageViewWindow::save()
             m_key = NodeKey::of(Level::Document, m_location.documentId);
         emit pageSaved(m_location.pageId);
     }
+    // The save's question, progress and messages were windows of their own, and the page
+    // pane was refreshed behind: the person stays on the page, so the viewer is in front.
+    if (isVisible()) {
+        raise();
+        activateWindow();
+    }
     return result;
 }
 

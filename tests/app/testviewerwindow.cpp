@@ -1,5 +1,6 @@
 #include <QApplication>
 #include <QLineEdit>
+#include <QMessageBox>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTemporaryDir>
@@ -9,6 +10,7 @@
 
 #include "app/startup.h"
 #include "core/pageopener.h"
+#include "dialogs/boxprompter.h"
 #include "navigator/navigator.h"
 #include "navigator/navwindow.h"
 #include "store/pagepaths.h"
@@ -128,7 +130,8 @@ double paperShare(PageCanvas* canvas)
 } // namespace
 
 // The page viewer of the assembled program: 600 dpi colour scans up to A3 show, print and go
-// by mail; a picture too large to open is refused by name on each of those ways.
+// by mail; a picture too large to open is refused by name on each of those ways; a save
+// leaves the viewer in front.
 class TestViewerWindow : public QObject
 {
     Q_OBJECT
@@ -206,6 +209,38 @@ private slots:
         r.mail(viewer, sendmail);
         QVERIFY(sendmail.message().isEmpty());
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+    }
+
+    void saveLeavesTheViewerInFront()
+    {
+        ViewerRun r;
+        BoxPrompter boxes;
+        QVERIFY(r.start(
+            {[](const QString& path) { return BigPictures::copyScan(QSize(850, 1100), path); }},
+            &boxes));
+        boxes.setParent(r.run->window());
+        PageViewWindow* viewer = r.open(r.pages.first());
+        QVERIFY(viewer);
+        QVERIFY(viewer->canvas()->hasImage());
+        QTRY_COMPARE(QApplication::activeWindow(), viewer);
+
+        // The page has no name of its own: the save asks whether to give it one.
+        QString asked;
+        QWidget* askedOver = nullptr;
+        test::whenModal(viewer, [&](QWidget* modal) {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            QVERIFY(box);
+            asked = box->text();
+            askedOver = box->parentWidget();
+            box->button(QMessageBox::Yes)->click();
+        });
+        viewer->findChild<QPushButton*>("cmdSave")->click();
+        QCOMPARE(asked, "No filename entered.  Do you want to auto-assign a filename?");
+        QVERIFY(QFile::exists(r.path(r.pages.first())));
+        QTRY_COMPARE(QApplication::activeWindow(), viewer);
+        QVERIFY(viewer->isActiveWindow());
+        // The question stood over the viewer, not over the main window it would have raised.
+        QCOMPARE(askedOver, viewer);
     }
 };
 
