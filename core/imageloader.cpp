@@ -8,12 +8,24 @@ namespace {
 
 constexpr qint64 kLimitBytes = qint64(ImageLoader::kLimitMb) << 20;
 
-QString sizeReason(const QSize& size, qint64 bytes)
+// Why a picture of `size` in `format` is too large, or nothing. A side stated negative (a
+// BMP's rows from the top down) counts by its length.
+std::optional<QString> sizeRefusal(const QSize& size, QImage::Format format)
 {
+    const qint64 width = qAbs(qint64(size.width()));
+    const qint64 height = qAbs(qint64(size.height()));
+    if (width > ImageLoader::kMaxSide || height > ImageLoader::kMaxSide)
+        return QStringLiteral("it is %1 by %2 pixels, and no side may be longer than %3 pixels")
+            .arg(width)
+            .arg(height)
+            .arg(ImageLoader::kMaxSide);
+    const qint64 bytes = ImageLoader::bytesFor(QSize(int(width), int(height)), format);
+    if (bytes <= kLimitBytes)
+        return std::nullopt;
     return QStringLiteral("it is %1 by %2 pixels, which would take %3 MB of memory, and at most "
                           "%4 MB may be used")
-        .arg(size.width())
-        .arg(size.height())
+        .arg(width)
+        .arg(height)
         .arg((bytes + (1 << 20) - 1) >> 20)
         .arg(ImageLoader::kLimitMb);
 }
@@ -44,13 +56,11 @@ qint64 ImageLoader::bytesFor(const QSize& size, QImage::Format format)
 std::optional<QString> ImageLoader::refusal(QImageReader& reader)
 {
     applyLimit();
+    // A decoder that cannot tell the size before decoding answers QSize().
     const QSize size = reader.size();
-    if (!size.isValid())
+    if (size == QSize())
         return std::nullopt;
-    const qint64 bytes = bytesFor(size, reader.imageFormat());
-    if (bytes <= kLimitBytes)
-        return std::nullopt;
-    return sizeReason(size, bytes);
+    return sizeRefusal(size, reader.imageFormat());
 }
 
 LoadedImage ImageLoader::read(QImageReader& reader)
@@ -62,9 +72,8 @@ LoadedImage ImageLoader::read(QImageReader& reader)
     if (image.isNull())
         return {QImage(), reader.errorString(), false};
     // A picture that stated no size is held to the bound as it is kept.
-    const qint64 bytes = bytesFor(image.size(), image.format());
-    if (bytes > kLimitBytes)
-        return {QImage(), sizeReason(image.size(), bytes), true};
+    if (const std::optional<QString> refused = sizeRefusal(image.size(), image.format()))
+        return {QImage(), *refused, true};
     return {image, QString(), false};
 }
 

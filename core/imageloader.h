@@ -18,15 +18,19 @@ struct LoadedImage
 };
 
 // The one way the program reads pictures, so that one bound on their memory holds for the
-// viewer, thumbnails, printing and mail alike. A picture whose stated size needs more is
-// refused before any of it is decoded, with a reason the caller puts beside the file's name;
-// a decoder that gets that far is stopped by the same bound.
+// viewer, thumbnails, printing and mail alike. A picture whose stated size needs more, or
+// has a side longer than any page, is refused before any of it is decoded, with a reason the
+// caller puts beside the file's name; a decoder that gets that far is stopped by the same
+// bound.
 class ImageLoader
 {
 public:
     // A 600 dpi A3 colour page is 7016 by 9921 pixels, 278 MB at four bytes a pixel; the
     // bound leaves room for larger sheets and an edit's copy beside the page.
     static constexpr int kLimitMb = 1024;
+    // No page has a longer side (2.7 m at 600 dpi); a few bytes stating a picture one pixel
+    // wide and millions tall would otherwise keep a decoder busy within the bound.
+    static constexpr int kMaxSide = 65535;
 
     // Hands the bound to every decoder of the process (QImageReader's allocation limit).
     // Each reading below does so first; the program's entry points do so at start as well.
@@ -34,8 +38,8 @@ public:
     // The bytes a picture of `size` takes in the form the program keeps it: one a pixel for
     // grey, four for colour, more for a deeper stated format.
     static qint64 bytesFor(const QSize& size, QImage::Format format);
-    // Why the reader's picture is refused before decoding, when its stated size needs more
-    // than the bound; nothing when it fits or states no size.
+    // Why the reader's picture is refused before decoding, when its stated size is too large;
+    // nothing when it fits or states no size.
     static std::optional<QString> refusal(QImageReader& reader);
     // The whole picture, turned as its camera noted.
     static LoadedImage read(QImageReader& reader);

@@ -59,17 +59,35 @@ QByteArray chunk(const QByteArray& type, const QByteArray& data)
     return bigEndian(quint32(data.size())) + type + data + bigEndian(crc32(type + data));
 }
 
-// A PNG header of 60000 by 60000 colour pixels with a few bytes of compressed rows.
-QByteArray pngBomb()
+QByteArray littleEndian(quint32 value, int bytes)
 {
-    const QByteArray header = bigEndian(60000) + bigEndian(60000) + QByteArray("\x08\x02\0\0\0", 5);
+    QByteArray out;
+    for (int i = 0; i < bytes; ++i)
+        out += char(value >> (8 * i));
+    return out;
+}
+
+} // namespace
+
+QByteArray BigPictures::pngStating(const QSize& size)
+{
+    const QByteArray header = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height())) +
+                              QByteArray("\x08\x02\0\0\0", 5);
     // qCompress puts the length before the zlib stream, which PNG does not want.
     const QByteArray rows = qCompress(QByteArray(4096, '\0')).mid(4);
     return QByteArray("\x89PNG\r\n\x1A\n", 8) + chunk("IHDR", header) + chunk("IDAT", rows) +
            chunk("IEND", QByteArray());
 }
 
-} // namespace
+QByteArray BigPictures::bmpStating(const QSize& size)
+{
+    const QByteArray info = littleEndian(40, 4) + littleEndian(quint32(size.width()), 4) +
+                            littleEndian(quint32(size.height()), 4) + littleEndian(1, 2) +
+                            littleEndian(24, 2) + QByteArray(24, '\0');
+    const QByteArray rows(64, '\x7F');
+    return "BM" + littleEndian(14 + 40 + rows.size(), 4) + littleEndian(0, 4) +
+           littleEndian(14 + 40, 4) + info + rows;
+}
 
 bool BigPictures::copyScan(const QSize& size, const QString& path)
 {
@@ -78,33 +96,31 @@ bool BigPictures::copyScan(const QSize& size, const QString& path)
     return !made.isEmpty() && QFile::copy(made, path);
 }
 
-QByteArray BigPictures::bomb(const QByteArray& format)
+QByteArray BigPictures::jpegStating(const QSize& size)
 {
-    if (format == "PNG")
-        return pngBomb();
     QImage tiny(16, 16, QImage::Format_RGB32);
     tiny.fill(Qt::gray);
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     tiny.save(&buffer, "JPG");
-    // The frame header (FF C0, length, precision, height, width) is made to state 60000 by
-    // 60000 pixels; the picture data stays that of 16 by 16.
+    // The frame header (FF C0, length, precision, height, width) is made to state the size;
+    // the picture data stays that of 16 by 16.
     const qsizetype frame = bytes.indexOf(QByteArray("\xFF\xC0", 2));
     if (frame < 0)
         return QByteArray();
-    for (const qsizetype at : {frame + 5, frame + 7}) {
-        bytes[at] = char(0xEA);
-        bytes[at + 1] = char(0x60);
-    }
+    bytes[frame + 5] = char(size.height() >> 8);
+    bytes[frame + 6] = char(size.height());
+    bytes[frame + 7] = char(size.width() >> 8);
+    bytes[frame + 8] = char(size.width());
     return bytes;
 }
 
-bool BigPictures::writeBomb(const QString& path, const QByteArray& format)
+bool BigPictures::writeFile(const QString& path, const QByteArray& bytes)
 {
     QDir().mkpath(QFileInfo(path).absolutePath());
     QFile file(path);
-    return file.open(QIODevice::WriteOnly) && file.write(bomb(format)) > 0;
+    return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
 } // namespace qmr::test

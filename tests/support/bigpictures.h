@@ -21,10 +21,14 @@ public:
     // A scan of `size` at 600 dpi, written once per test run (it takes a while) and copied to
     // `path`. False when it could not be made or copied.
     static bool copyScan(const QSize& size, const QString& path);
-    // A small picture ("JPG" or "PNG") whose header states 60000 by 60000 pixels: too large
-    // to open.
-    static QByteArray bomb(const QByteArray& format = "JPG");
-    static bool writeBomb(const QString& path, const QByteArray& format = "JPG");
+    // Small colour pictures whose headers state `size` while they hold a few pixels; a BMP
+    // stating a negative height stores its rows from the top down.
+    static QByteArray jpegStating(const QSize& size);
+    static QByteArray pngStating(const QSize& size);
+    static QByteArray bmpStating(const QSize& size);
+    // A JPEG stating 60000 by 60000 pixels: far too large to open.
+    static QByteArray bomb() { return jpegStating(QSize(60000, 60000)); }
+    static bool writeFile(const QString& path, const QByteArray& bytes);
 };
 
 } // namespace qmr::test
