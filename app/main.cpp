@@ -7,6 +7,7 @@
 #include "app/commandline.h"
 #include "app/exitonsignal.h"
 #include "app/startup.h"
+#include "core/imageloader.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
 #include "dialogs/dialogchoosers.h"
@@ -48,6 +49,8 @@ int main(int argc, char* argv[])
     std::signal(SIGPIPE, SIG_IGN);
     // Likewise a write past the session's file size limit fails with EFBIG and is reported.
     std::signal(SIGXFSZ, SIG_IGN);
+    // Page images up to a 600 dpi A3 colour scan open; larger ones are refused by name.
+    qmr::ImageLoader::applyLimit();
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help-file") == 0)
             return printHelpFile(argc, argv);

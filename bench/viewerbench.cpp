@@ -1,13 +1,19 @@
 // Times the page viewer on a 2550 x 3300 JPEG page (letter size at 300 dpi): from the open
 // command to the image drawn on the screen, a repaint at 400 %, and a save (JPEG, thumbnail
 // and store); and counts the copies of the image that the viewer holds along the way.
+// First it opens a 7016 x 9921 colour page (A3 at 600 dpi) in the viewer and reads the
+// process's resident memory (VmRSS) and its peak (VmHWM) from /proc/self/status: over the
+// open, and over a turn and a trim with their undos.
 //
 //   build/bench/bench_viewer [runs]
 //
-// Goals: on screen <= 150 ms, repaint <= 16 ms, save <= 250 ms, at most two copies.
+// Goals: on screen <= 150 ms, repaint <= 16 ms, save <= 250 ms, at most two copies; the A3
+// page in the viewer <= 400 MB resident, and no more than that at the peak of the open. An
+// edit makes its result beside the page, so its peak is shown but has no goal.
 
 #include <QApplication>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QPainter>
 #include <QScrollBar>
 #include <algorithm>
@@ -16,6 +22,7 @@
 #include "core/progress.h"
 #include "core/prompter.h"
 #include "core/viewsettings.h"
+#include "store/pagepaths.h"
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
@@ -59,6 +66,40 @@ QImage scannedPage()
     QRgb* pixels = reinterpret_cast<QRgb*>(image.bits());
     for (qint64 i = 0; i < 40000; ++i)
         pixels[(i * 104729) % 3300 * 2550 + (i * 7919) % 2550] = qRgb(200, 200, 190);
+    return image;
+}
+
+// A value in kB of /proc/self/status ("VmRSS", "VmHWM"); -1 where there is none.
+qint64 statusKb(const char* field)
+{
+    QFile status(QStringLiteral("/proc/self/status"));
+    if (!status.open(QIODevice::ReadOnly))
+        return -1;
+    const QByteArray prefix = QByteArray(field) + ':';
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith(prefix))
+            return line.mid(prefix.size()).trimmed().split(' ').value(0).toLongLong();
+    return -1;
+}
+
+// Starts the peak afresh at the present resident size (Linux 4.0 and later).
+bool resetPeak()
+{
+    QFile refs(QStringLiteral("/proc/self/clear_refs"));
+    return refs.open(QIODevice::WriteOnly) && refs.write("5") == 1;
+}
+
+// An A3 page scanned at 600 dpi in colour: a tinted sheet with ruled blocks of "text".
+QImage a3Scan()
+{
+    QImage image(7016, 9921, QImage::Format_RGB32);
+    image.fill(QColor(246, 245, 238));
+    image.setDotsPerMeterX(qRound(600 / 0.0254));
+    image.setDotsPerMeterY(qRound(600 / 0.0254));
+    QPainter p(&image);
+    for (int y = 700; y < 9200; y += 110)
+        for (int x = 600; x < 6400; x += 700)
+            p.fillRect(x, y, 560 - (x * 7 + y) % 300, 50, QColor(35, 35, 50));
     return image;
 }
 
@@ -123,6 +164,61 @@ int main(int argc, char** argv)
     SilentProgress progress;
     ViewSettings view(home.settings());
     const CommandContext context{session, prompter, choosers, progress, view};
+
+    {
+        qint32 a3 = -1;
+        {
+            test::FixtureStore store(home.home());
+            a3 = store.pageRow(
+                store.document(store.folder(store.drawer(store.cabinet("A3"), "D"), "F"), "Doc"),
+                1);
+        }
+        const QString a3Path = session.paths().computedPagePath(a3);
+        PagePaths::ensurePathExists(a3Path);
+        if (!a3Scan().save(a3Path, "JPG", 75)) {
+            std::printf("cannot write the A3 page\n");
+            return 1;
+        }
+        const qint64 idleKb = statusKb("VmRSS");
+        const bool peakReset = resetPeak();
+        view.setZoomDefault(QStringLiteral("FITWIDTH"));
+        ViewerPageOpener opener(context);
+        QElapsedTimer clock;
+        clock.start();
+        opener.openPage(a3);
+        PageViewWindow* w = opener.viewer();
+        PaintWatch watch;
+        watch.canvas = w->canvas();
+        w->canvas()->viewport()->installEventFilter(&watch);
+        while (!watch.painted && clock.elapsed() < 60000)
+            QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
+        const double shownMs = clock.nsecsElapsed() / 1e6;
+        const qint64 openKb = statusKb("VmRSS");
+        const qint64 openPeakKb = statusKb("VmHWM");
+        w->cmdRotateClockwise();
+        w->canvas()->viewport()->repaint();
+        w->mnuEditUndo();
+        w->cmdAutoTrim();
+        w->canvas()->viewport()->repaint();
+        w->mnuEditUndo();
+        w->canvas()->viewport()->repaint();
+        const qint64 editsPeakKb = statusKb("VmHWM");
+        const qint64 editedKb = statusKb("VmRSS");
+        std::printf("A3 page: %dx%d, %lld bytes on disk, %s, shown in %.0f ms\n",
+                    w->pageImage().image().width(), w->pageImage().image().height(),
+                    qlonglong(QFile(a3Path).size()), watch.painted ? "drawn" : "NOT DRAWN",
+                    shownMs);
+        std::printf("  resident before the open:  %6lld MB\n", idleKb / 1024);
+        std::printf("  resident after the open:   %6lld MB            goal 400\n", openKb / 1024);
+        std::printf("  peak over the open:        %6lld MB%s  goal 400\n", openPeakKb / 1024,
+                    peakReset ? "           " : " (of the run)");
+        std::printf("  resident after the edits:  %6lld MB            goal 400\n", editedKb / 1024);
+        std::printf("  peak with turn, trim, undo:%6lld MB%s\n", editsPeakKb / 1024,
+                    peakReset ? "" : " (of the run)");
+        w->close();
+        QCoreApplication::processEvents();
+        QFile::remove(a3Path);
+    }
 
     std::vector<double> open[2], repaint, save;
     double mostCopies = 0;

@@ -1,6 +1,8 @@
 #include "dialogs/boxprompter.h"
 
+#include <QApplication>
 #include <QMessageBox>
+#include <QPointer>
 #include <QPushButton>
 
 namespace qmr {
@@ -38,35 +40,45 @@ Prompter::Answer BoxPrompter::askWithDefault(const QString& text, Buttons button
 Prompter::Answer BoxPrompter::show(const QString& text, Buttons buttons,
                                    std::optional<Answer> defaultAnswer)
 {
-    QMessageBox box(m_parent);
-    box.setWindowTitle(caption());
-    box.setText(text);
+    // The box stands over the window the person works in (a viewer, a dialog): closing it
+    // gives that window back, where a box of the main window would raise the main window over
+    // it. The box is the parent's child, so it goes with a parent that goes meanwhile.
+    QWidget* parent = QApplication::activeModalWidget();
+    if (!parent)
+        parent = QApplication::activeWindow();
+    if (!parent)
+        parent = m_parent;
+    const QPointer<QMessageBox> box = new QMessageBox(parent);
+    box->setWindowTitle(caption());
+    box->setText(text);
     switch (buttons) {
     case Buttons::Ok:
-        box.setIcon(QMessageBox::Information);
-        box.setStandardButtons(QMessageBox::Ok);
-        box.setEscapeButton(QMessageBox::Ok);
+        box->setIcon(QMessageBox::Information);
+        box->setStandardButtons(QMessageBox::Ok);
+        box->setEscapeButton(QMessageBox::Ok);
         break;
     case Buttons::YesNo:
-        box.setIcon(QMessageBox::Question);
-        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No);
-        box.setEscapeButton(QMessageBox::No);
+        box->setIcon(QMessageBox::Question);
+        box->setStandardButtons(QMessageBox::Yes | QMessageBox::No);
+        box->setEscapeButton(QMessageBox::No);
         break;
     case Buttons::YesNoCancel:
-        box.setIcon(QMessageBox::Question);
-        box.setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
-        box.setEscapeButton(QMessageBox::Cancel);
+        box->setIcon(QMessageBox::Question);
+        box->setStandardButtons(QMessageBox::Yes | QMessageBox::No | QMessageBox::Cancel);
+        box->setEscapeButton(QMessageBox::Cancel);
         break;
     case Buttons::OkCancel:
-        box.setIcon(QMessageBox::Information);
-        box.setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
-        box.setEscapeButton(QMessageBox::Cancel);
+        box->setIcon(QMessageBox::Information);
+        box->setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
+        box->setEscapeButton(QMessageBox::Cancel);
         break;
     }
     if (defaultAnswer)
-        if (QAbstractButton* button = box.button(buttonOf(*defaultAnswer)))
-            box.setDefaultButton(static_cast<QPushButton*>(button));
-    switch (box.exec()) {
+        if (QAbstractButton* button = box->button(buttonOf(*defaultAnswer)))
+            box->setDefaultButton(static_cast<QPushButton*>(button));
+    const int chosen = box->exec();
+    delete box;
+    switch (chosen) {
     case QMessageBox::Yes:
         return Answer::Yes;
     case QMessageBox::No:

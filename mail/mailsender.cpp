@@ -6,6 +6,7 @@
 #include <QThread>
 #include <QTimer>
 
+#include "core/imageloader.h"
 #include "core/prompter.h"
 #include "mail/attachmentlist.h"
 #include "mail/maillog.h"
@@ -112,6 +113,13 @@ bool MailSender::send(const MailSettings& settings, const QString& sendTo, const
     message.subject = subject;
     message.body = AttachmentList::bodyWithRoom(body, count);
     message.attachments = AttachmentList::paths(attachments);
+    // A picture no one could open is not sent on: the message names it, and nothing goes.
+    for (const QString& path : message.attachments) {
+        if (const std::optional<QString> refused = ImageLoader::checkFile(path)) {
+            m_prompter.tell(*refused);
+            return false;
+        }
+    }
 
     std::optional<MailFailure> failure;
     const QByteArray bytes = MimeMessage::build(message, &failure);

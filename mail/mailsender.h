@@ -42,7 +42,8 @@ public:
         return *this;
     }
 
-    // True when the message went.
+    // True when the message went. An attachment that is a picture too large to open stops
+    // the send with a message naming it.
     bool send(const MailSettings& settings, const QString& sendTo, const QString& subject,
               const QString& body, const QString& attachments);
 

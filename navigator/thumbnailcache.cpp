@@ -8,6 +8,7 @@
 #include <QPainter>
 #include <QRunnable>
 
+#include "core/imageloader.h"
 #include "viewer/thumbnailmaker.h"
 
 namespace qmr {
@@ -47,8 +48,7 @@ ThumbnailCache::~ThumbnailCache()
 QImage ThumbnailCache::readTile(const QString& thumbPath)
 {
     QImageReader reader(thumbPath);
-    reader.setAutoTransform(true);
-    const QImage image = reader.read();
+    const QImage image = ImageLoader::read(reader).image;
     if (image.isNull())
         return QImage();
     const int side = ThumbnailMaker::kThumbSide;

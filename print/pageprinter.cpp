@@ -4,6 +4,7 @@
 #include <QImage>
 #include <QImageReader>
 
+#include "core/imageloader.h"
 #include "core/progress.h"
 #include "print/imageresolution.h"
 #include "print/printtarget.h"
@@ -34,11 +35,11 @@ PrintOutcome PagePrinter::print(const QVector<PageRow>& pages, PrintTarget& targ
         }
         const QString path = m_paths.pagePath(page.id, page.filename);
         QImageReader reader(path);
-        reader.setAutoTransform(true);
-        const QImage image = reader.read();
+        const LoadedImage loaded = ImageLoader::read(reader);
+        const QImage& image = loaded.image;
         if (image.isNull()) {
-            outcome.error = QStringLiteral("Cannot print ") + path + QStringLiteral(": ") +
-                            reader.errorString();
+            outcome.error =
+                QStringLiteral("Cannot print ") + path + QStringLiteral(": ") + loaded.error;
             break;
         }
         const FileResolution dpi = ImageResolution::read(path, image);

@@ -1,5 +1,6 @@
 #include "viewer/imageedit.h"
 
+#include <QColorSpace>
 #include <QTransform>
 #include <cstring>
 
@@ -17,6 +18,16 @@ void blit(QImage& dst, const QImage& src, int x, int y)
     for (int row = 0; row < src.height(); ++row)
         std::memcpy(dst.scanLine(y + row) + qsizetype(x) * bytesPerPixel, src.constScanLine(row),
                     size_t(length));
+}
+
+// What a new image of the page takes over from the one it stands for: the resolution, which
+// decides the printed size and goes into the saved file, and the colour space.
+void keepMetadata(QImage& image, const QImage& from)
+{
+    image.setDotsPerMeterX(from.dotsPerMeterX());
+    image.setDotsPerMeterY(from.dotsPerMeterY());
+    image.setOffset(from.offset());
+    image.setColorSpace(from.colorSpace());
 }
 
 QImage part(const QImage& image, int x, int y, int w, int h)
@@ -41,6 +52,16 @@ struct PixelReader
         return image.pixel(x, y);
     }
 };
+
+// A quarter turn: the resolutions across and down change places with the sides.
+QImage turned(const QImage& image, int degrees)
+{
+    QImage result = image.transformed(QTransform().rotate(degrees));
+    keepMetadata(result, image);
+    result.setDotsPerMeterX(image.dotsPerMeterY());
+    result.setDotsPerMeterY(image.dotsPerMeterX());
+    return result;
+}
 
 bool near(QRgb a, QRgb b, int threshold)
 {
@@ -90,11 +111,13 @@ bool ImageEdit::apply(QImage& image)
         return true;
     }
     case Kind::RotateClockwise:
-        image = image.transformed(QTransform().rotate(90));
+        image = turned(image, 90);
         return true;
     case Kind::Replace:
         if (m_other.isNull())
             return false;
+        // A picture from the clipboard carries no resolution of its own: it takes the page's.
+        keepMetadata(m_other, image);
         std::swap(image, m_other);
         return true;
     }
@@ -106,6 +129,7 @@ void ImageEdit::undo(QImage& image)
     switch (m_kind) {
     case Kind::Crop: {
         QImage full(m_fullSize, image.format());
+        keepMetadata(full, image);
         blit(full, m_top, 0, 0);
         blit(full, m_left, 0, m_rect.top());
         blit(full, image, m_rect.left(), m_rect.top());
@@ -116,7 +140,7 @@ void ImageEdit::undo(QImage& image)
         break;
     }
     case Kind::RotateClockwise:
-        image = image.transformed(QTransform().rotate(-90));
+        image = turned(image, -90);
         break;
     case Kind::Replace:
         std::swap(image, m_other);

@@ -1,10 +1,12 @@
 #include "viewer/imagefile.h"
 
+#include <QBuffer>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
 #include <QFile>
 
+#include "core/imageloader.h"
 #include "viewer/thumbnailmaker.h"
 
 namespace qmr {
@@ -33,6 +35,9 @@ QImage ImageFile::normalised(const QImage& image)
     }
     if (image.hasAlphaChannel()) {
         QImage flat(image.size(), QImage::Format_RGB32);
+        // The scan's resolution stays with the page: it decides the printed size.
+        flat.setDotsPerMeterX(image.dotsPerMeterX());
+        flat.setDotsPerMeterY(image.dotsPerMeterY());
         flat.fill(Qt::white);
         QPainter painter(&flat);
         painter.drawImage(0, 0, image);
@@ -43,13 +48,35 @@ QImage ImageFile::normalised(const QImage& image)
     return image.convertToFormat(QImage::Format_RGB32);
 }
 
-QImage ImageFile::load(const QString& path)
+QImage ImageFile::load(const QString& path, QString* tooLarge)
 {
     QImageReader reader(path);
-    reader.setAutoTransform(true);
+    return load(reader, path, tooLarge);
+}
+
+QImage ImageFile::loadFromData(const QByteArray& page, const QString& name, QString* tooLarge)
+{
+    QBuffer buffer;
+    buffer.setData(page);
+    buffer.open(QIODevice::ReadOnly);
+    QImageReader reader(&buffer);
+    return load(reader, name, tooLarge);
+}
+
+QImage ImageFile::load(QImageReader& reader, const QString& name, QString* tooLarge)
+{
+    // A picture too large to open is named whatever its kind; the refused kinds stay silent.
+    if (const std::optional<QString> refused = ImageLoader::refusal(reader)) {
+        if (tooLarge)
+            *tooLarge = ImageLoader::tooLargeMessage(name, *refused);
+        return QImage();
+    }
     if (isRefusedFormat(reader.format()))
         return QImage();
-    return normalised(reader.read());
+    const LoadedImage loaded = ImageLoader::read(reader);
+    if (loaded.refused && tooLarge)
+        *tooLarge = ImageLoader::tooLargeMessage(name, loaded.error);
+    return normalised(loaded.image);
 }
 
 std::optional<QString> ImageFile::writeJpeg(const QImage& image, const QString& path,

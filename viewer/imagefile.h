@@ -7,6 +7,8 @@
 
 #include "core/partfile.h"
 
+class QImageReader;
+
 namespace qmr {
 
 // Reading and writing page images. The viewer keeps its decoders to the kinds a page is made
@@ -15,8 +17,12 @@ class ImageFile
 {
 public:
     // The page image in a form the edits work on (24-bit colour, or 8-bit grey as the file
-    // has it); a null image when the file is missing, unreadable or of a refused kind.
-    static QImage load(const QString& path);
+    // has it); a null image when the file is missing, unreadable, of a refused kind or too
+    // large to open. In the last case `tooLarge` receives the message naming the file.
+    static QImage load(const QString& path, QString* tooLarge = nullptr);
+    // The same from a page file's contents; `name` stands for the file in the message.
+    static QImage loadFromData(const QByteArray& page, const QString& name,
+                               QString* tooLarge = nullptr);
     // Whether the viewer leaves a format (by Qt's format name) to other programs.
     static bool isRefusedFormat(const QByteArray& format);
     // An image from elsewhere (the clipboard) in the form of a loaded page: transparency
@@ -30,6 +36,9 @@ public:
     static std::optional<QString> writeJpeg(const QImage& image, const QString& path,
                                             int qualityFactor,
                                             PartFile::Placing placing = PartFile::Placing::Replace);
+
+private:
+    static QImage load(QImageReader& reader, const QString& name, QString* tooLarge);
 };
 
 } // namespace qmr

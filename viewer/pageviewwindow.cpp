@@ -182,9 +182,10 @@ void PageViewWindow::loadImage()
         const QString stored = row ? row->filename : QString();
         const QString path = m_context.session.paths().pagePath(m_location.pageId, stored);
         QImage image;
+        QString tooLarge;
         if (QFile::exists(path)) {
             BusyPointer busy;
-            image = ImageFile::load(path);
+            image = ImageFile::load(path, &tooLarge);
         }
         if (!image.isNull()) {
             m_currentFile = path;
@@ -201,6 +202,8 @@ void PageViewWindow::loadImage()
         // A new page keeps the storage directory offered for its name.
         if (row && (m_mode == ViewerMode::Edit || !row->filename.isEmpty()))
             m_ui->txtFilename->setText(row->filename);
+        if (!tooLarge.isEmpty())
+            m_context.prompter.tell(tooLarge);
     });
 }
 
@@ -398,6 +401,12 @@ PageSaver::Result PageViewWindow::save()
         if (m_resolver.newDocument())
             m_key = NodeKey::of(Level::Document, m_location.documentId);
         emit pageSaved(m_location.pageId);
+    }
+    // The save's question, progress and messages were windows of their own, and the page
+    // pane was refreshed behind: the person stays on the page, so the viewer is in front.
+    if (isVisible()) {
+        raise();
+        activateWindow();
     }
     return result;
 }

@@ -8,6 +8,7 @@
 #include <QtMath>
 
 #include "core/partfile.h"
+#include "core/imageloader.h"
 #include "store/pagepaths.h"
 
 namespace qmr {
@@ -50,6 +51,9 @@ QImage ThumbnailMaker::reducedImageFromData(const QByteArray& page)
 QImage ThumbnailMaker::reduce(QImageReader& reader)
 {
     reader.setAutoTransform(true);
+    // A picture too large to open gets no tile, even where the decoder could reduce it.
+    if (ImageLoader::refusal(reader))
+        return QImage();
     const QSize stored = reader.size();
     if (stored.isValid()) {
         // The size is the stored one. A photo its camera notes as taken turned comes out
@@ -66,7 +70,7 @@ QImage ThumbnailMaker::reduce(QImageReader& reader)
             return reduced;
         return reduced.scaled(target, Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     }
-    const QImage full = reader.read();
+    const QImage full = ImageLoader::read(reader).image;
     if (full.isNull())
         return QImage();
     return full.scaled(reducedSize(full.size()), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);

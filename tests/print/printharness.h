@@ -184,6 +184,7 @@ struct PdfFacts
     int pages = -1;
     QSizeF pageSize;                   // points, of the first page
     QVector<QPair<int, int>> imagePpi; // x and y, per image, in page order
+    QVector<QSize> imageSizes;         // pixels, per image, in page order
     QString error;
 };
 
@@ -221,8 +222,10 @@ inline PdfFacts readPdf(const QString& path)
     // x-ppi y-ppi size ratio.
     for (qsizetype i = 2; i < lines.size(); ++i) {
         const QStringList f = lines.at(i).simplified().split(' ');
-        if (f.size() >= 14 && f.at(2) == QLatin1String("image"))
+        if (f.size() >= 14 && f.at(2) == QLatin1String("image")) {
             facts.imagePpi.push_back({f.at(12).toInt(), f.at(13).toInt()});
+            facts.imageSizes.push_back(QSize(f.at(3).toInt(), f.at(4).toInt()));
+        }
     }
     return facts;
 }

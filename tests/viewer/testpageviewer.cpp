@@ -5,6 +5,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QPushButton>
 #include <QTest>
 
@@ -280,6 +281,74 @@ private slots:
         undo->trigger();
         QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
         QVERIFY(!undo->isEnabled());
+    }
+
+    // Every edit and its undo keep the scan's resolution, which decides the printed size, and
+    // a save writes it into the file.
+    void editsKeepTheResolution_data()
+    {
+        QTest::addColumn<QString>("edit");
+        QTest::addColumn<QSize>("after");
+        QTest::addColumn<QSize>("afterUndo");
+        QTest::newRow("crop") << "crop" << QSize(120, 90) << QSize(600, 400);
+        QTest::newRow("automatic trim") << "trim" << QSize(288, 208) << QSize(600, 400);
+        QTest::newRow("quarter turn") << "rotate" << QSize(400, 600) << QSize(600, 400);
+        QTest::newRow("paste") << "paste" << QSize(90, 70) << QSize(600, 400);
+    }
+    void editsKeepTheResolution()
+    {
+        QFETCH(QString, edit);
+        QFETCH(QSize, after);
+        QFETCH(QSize, afterUndo);
+        test::ViewerHarness h;
+        // A 300 dpi scan: white around a block that lies on the JPEG's grid, so that the trim
+        // finds its edges exactly.
+        QImage scan(600, 400, QImage::Format_RGB32);
+        scan.fill(Qt::white);
+        QPainter(&scan).fillRect(QRect(96, 48, 288, 208), Qt::darkBlue);
+        scan.setDotsPerMeterX(qRound(300 / 0.0254));
+        scan.setDotsPerMeterY(qRound(300 / 0.0254));
+        const QString file = h.outsideFile("first.jpg");
+        QVERIFY(scan.save(file, "JPG", 90));
+        auto w = openViewer(h, h.named);
+        PageCanvas* c = w->canvas();
+        const auto apply = [&] {
+            if (edit == "crop") {
+                const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
+                press(c, base);
+                drag(c, base + QPoint(120, 90));
+                release(c, base + QPoint(120, 90));
+                w->cmdCrop();
+            } else if (edit == "trim") {
+                w->cmdAutoTrim();
+            } else if (edit == "rotate") {
+                w->cmdRotateClockwise();
+            } else {
+                QApplication::clipboard()->setImage(test::ViewerHarness::picture(after, Qt::red));
+                w->mnuEditPaste();
+            }
+        };
+        const auto dpi = [](const QImage& image) {
+            return QSize(qRound(image.dotsPerMeterX() * 0.0254),
+                         qRound(image.dotsPerMeterY() * 0.0254));
+        };
+        const QSize scanDpi(300, 300);
+        QCOMPARE(dpi(w->pageImage().image()), scanDpi);
+        apply();
+        QCOMPARE(w->pageImage().image().size(), after);
+        QCOMPARE(dpi(w->pageImage().image()), scanDpi);
+        w->mnuEditUndo();
+        QCOMPARE(w->pageImage().image().size(), afterUndo);
+        QCOMPARE(dpi(w->pageImage().image()), scanDpi);
+        // Saved after the undo, and saved with the edit: read back from the disk.
+        QCOMPARE(w->save(), PageSaver::Result::Saved);
+        QCOMPARE(QImage(file).size(), afterUndo);
+        QCOMPARE(dpi(QImage(file)), scanDpi);
+        apply();
+        QCOMPARE(w->save(), PageSaver::Result::Saved);
+        QCOMPARE(QImage(file).size(), after);
+        QCOMPARE(dpi(QImage(file)), scanDpi);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
     void clipboard()

@@ -5,6 +5,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "tests/support/bigpictures.h"
 #include "tests/support/testrunner.h"
 #include "viewer/thumbnailmaker.h"
 
@@ -51,6 +52,10 @@ private slots:
         QTest::addColumn<QByteArray>("content"); // empty: no page file at all
         QTest::newRow("gone") << QByteArray();
         QTest::newRow("not an image") << QByteArray("this is no picture");
+        QTest::newRow("JPEG too large to open") << test::BigPictures::bomb();
+        QTest::newRow("PNG too large to open")
+            << test::BigPictures::pngStating(QSize(60000, 60000));
+        QTest::newRow("BMP too tall to open") << test::BigPictures::bmpStating(QSize(1, 200000));
     }
     void goneOrUnreadablePageLeavesNoThumbnail()
     {

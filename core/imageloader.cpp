@@ -1,0 +1,95 @@
+#include "core/imageloader.h"
+
+#include <QImageReader>
+
+namespace qmr {
+
+namespace {
+
+constexpr qint64 kLimitBytes = qint64(ImageLoader::kLimitMb) << 20;
+
+// Why a picture of `size` in `format` is too large, or nothing. A side stated negative (a
+// BMP's rows from the top down) counts by its length.
+std::optional<QString> sizeRefusal(const QSize& size, QImage::Format format)
+{
+    const qint64 width = qAbs(qint64(size.width()));
+    const qint64 height = qAbs(qint64(size.height()));
+    if (width > ImageLoader::kMaxSide || height > ImageLoader::kMaxSide)
+        return QStringLiteral("it is %1 by %2 pixels, and no side may be longer than %3 pixels")
+            .arg(width)
+            .arg(height)
+            .arg(ImageLoader::kMaxSide);
+    const qint64 bytes = ImageLoader::bytesFor(QSize(int(width), int(height)), format);
+    if (bytes <= kLimitBytes)
+        return std::nullopt;
+    return QStringLiteral("it is %1 by %2 pixels, which would take %3 MB of memory, and at most "
+                          "%4 MB may be used")
+        .arg(width)
+        .arg(height)
+        .arg((bytes + (1 << 20) - 1) >> 20)
+        .arg(ImageLoader::kLimitMb);
+}
+
+} // namespace
+
+void ImageLoader::applyLimit()
+{
+    // Once, before the first reading: threads that read thumbnails meanwhile see the bound.
+    static const bool applied = [] {
+        QImageReader::setAllocationLimit(kLimitMb);
+        return true;
+    }();
+    Q_UNUSED(applied);
+}
+
+qint64 ImageLoader::bytesFor(const QSize& size, QImage::Format format)
+{
+    if (size.isEmpty())
+        return 0;
+    const int stated =
+        format == QImage::Format_Invalid ? 0 : int(QImage::toPixelFormat(format).bitsPerPixel());
+    // A page is kept as 8-bit grey or 32-bit colour; other formats become colour.
+    const int bits = format == QImage::Format_Grayscale8 ? 8 : qMax(32, stated);
+    return qint64(size.width()) * size.height() * bits / 8;
+}
+
+std::optional<QString> ImageLoader::refusal(QImageReader& reader)
+{
+    applyLimit();
+    // A decoder that cannot tell the size before decoding answers QSize().
+    const QSize size = reader.size();
+    if (size == QSize())
+        return std::nullopt;
+    return sizeRefusal(size, reader.imageFormat());
+}
+
+LoadedImage ImageLoader::read(QImageReader& reader)
+{
+    reader.setAutoTransform(true);
+    if (const std::optional<QString> refused = refusal(reader))
+        return {QImage(), *refused, true};
+    QImage image = reader.read();
+    if (image.isNull())
+        return {QImage(), reader.errorString(), false};
+    // A picture that stated no size is held to the bound as it is kept.
+    if (const std::optional<QString> refused = sizeRefusal(image.size(), image.format()))
+        return {QImage(), *refused, true};
+    return {image, QString(), false};
+}
+
+std::optional<QString> ImageLoader::checkFile(const QString& path)
+{
+    QImageReader reader(path);
+    if (!reader.canRead())
+        return std::nullopt;
+    if (const std::optional<QString> refused = refusal(reader))
+        return tooLargeMessage(path, *refused);
+    return std::nullopt;
+}
+
+QString ImageLoader::tooLargeMessage(const QString& path, const QString& reason)
+{
+    return QStringLiteral("The picture '%1' is too large to open: %2.").arg(path, reason);
+}
+
+} // namespace qmr

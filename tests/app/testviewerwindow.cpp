@@ -1,0 +1,253 @@
+#include <QApplication>
+#include <QLineEdit>
+#include <QMessageBox>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QTemporaryDir>
+#include <QTest>
+#include <functional>
+#include <memory>
+
+#include "app/startup.h"
+#include "core/pageopener.h"
+#include "dialogs/boxprompter.h"
+#include "navigator/navigator.h"
+#include "navigator/navwindow.h"
+#include "store/pagepaths.h"
+#include "tests/mail/mailharness.h"
+#include "tests/print/printharness.h"
+#include "tests/support/bigpictures.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
+#include "viewer/pagecanvas.h"
+#include "viewer/pageviewwindow.h"
+
+using namespace qmr;
+using test::BigPictures;
+
+namespace {
+
+// Decoding a 70-megapixel page takes seconds on a loaded machine.
+constexpr int kLoadMs = 60000;
+
+using FileWriter = std::function<bool(const QString& path)>;
+
+// The program as main assembles it, on a home with one document whose page files the test
+// puts in place.
+struct ViewerRun
+{
+    test::TestHome home;
+    test::ScriptedPrompter prompter;
+    test::ScriptedChoosers choosers;
+    std::unique_ptr<Startup> run;
+    QVector<qint32> pages;
+
+    bool start(const QVector<FileWriter>& files, Prompter* boxes = nullptr)
+    {
+        {
+            test::FixtureStore store(home.home());
+            const qint32 doc = store.document(
+                store.folder(store.drawer(store.cabinet("Scans"), "Office"), "Post"), "Letter");
+            for (const FileWriter& write : files) {
+                pages << store.pageRow(doc, int(pages.size()) + 1);
+                if (!write(path(pages.last())))
+                    return false;
+            }
+        }
+        run = std::make_unique<Startup>(home.home(), home.settings(), boxes ? *boxes : prompter,
+                                        choosers);
+        return run->start();
+    }
+    QString path(qint32 pageId) const { return PagePaths(home.home()).computedPagePath(pageId); }
+
+    // The viewer on a page, opened as the page pane opens it, once it has loaded the page
+    // (its caption comes with the load).
+    PageViewWindow* open(qint32 pageId)
+    {
+        run->window()->navigator().context().pageOpener->openPage(pageId);
+        auto* viewer = run->window()->findChild<PageViewWindow*>();
+        const QString caption =
+            QString("Page # %1 (ID = %2)").arg(pages.indexOf(pageId) + 1).arg(pageId);
+        const bool loaded =
+            QTest::qWaitFor([&] { return viewer && viewer->windowTitle() == caption; }, kLoadMs);
+        return loaded ? viewer : nullptr;
+    }
+
+    // The viewer's Print to a PDF file: the file's path.
+    QString print(PageViewWindow* viewer, const QTemporaryDir& out)
+    {
+        home.settings().set(keys::Printer, "Print to PDF file");
+        home.settings().set(keys::PrintPdfPath, out.path());
+        const QString pdf = out.filePath("page.pdf");
+        choosers.queueSaveFile(pdf);
+        test::whenModal(
+            viewer, [](QWidget* dialog) { dialog->findChild<QPushButton*>("cmdPrint")->click(); });
+        viewer->findChild<QPushButton*>("cmdPrint")->click();
+        return pdf;
+    }
+
+    // The viewer's Email of the page alone, through a stand-in sendmail.
+    void mail(PageViewWindow* viewer, const test::SendmailStandIn& sendmail)
+    {
+        home.settings().set(keys::EmailSystem, "MAPI");
+        home.settings().set(keys::SendmailPath, sendmail.program);
+        home.settings().set(keys::EmailAddress, "me@example.org");
+        test::whenModal(viewer, [](QWidget* dialog) {
+            dialog->findChild<QLineEdit*>("txtSendTo")->setText("you@example.org");
+            dialog->findChild<QRadioButton*>("optSend1")->setChecked(true);
+            dialog->findChild<QPushButton*>("cmdSend")->click();
+            dialog->close();
+        });
+        viewer->findChild<QPushButton*>("cmdEmail")->click();
+    }
+};
+
+QByteArray fileBytes(const QString& path)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+// The share of the view drawn in the colour of the page's paper.
+double paperShare(PageCanvas* canvas)
+{
+    const QImage shot = canvas->viewport()->grab().toImage();
+    const QColor paper = BigPictures::paper();
+    qint64 matching = 0;
+    for (int y = 0; y < shot.height(); y += 4)
+        for (int x = 0; x < shot.width(); x += 4) {
+            const QRgb c = shot.pixel(x, y);
+            matching += qAbs(qRed(c) - paper.red()) < 12 && qAbs(qGreen(c) - paper.green()) < 12 &&
+                        qAbs(qBlue(c) - paper.blue()) < 12;
+        }
+    return double(matching) / double(((shot.width() + 3) / 4) * ((shot.height() + 3) / 4));
+}
+
+} // namespace
+
+// The page viewer of the assembled program: 600 dpi colour scans up to A3 show, print and go
+// by mail; a picture too large to open is refused by name on each of those ways; a save
+// leaves the viewer in front.
+class TestViewerWindow : public QObject
+{
+    Q_OBJECT
+private slots:
+    void bigScansShowPrintAndMail_data()
+    {
+        QTest::addColumn<QSize>("size");
+        QTest::newRow("A4 at 600 dpi") << BigPictures::kA4;
+        QTest::newRow("A3 at 600 dpi") << BigPictures::kA3;
+    }
+    void bigScansShowPrintAndMail()
+    {
+        QFETCH(QSize, size);
+        ViewerRun r;
+        QVERIFY(r.start({[&](const QString& path) { return BigPictures::copyScan(size, path); }}));
+        const qint32 page = r.pages.first();
+        PageViewWindow* viewer = r.open(page);
+        QVERIFY(viewer);
+        QVERIFY(viewer->canvas()->hasImage());
+        QCOMPARE(viewer->pageImage().image().size(), size);
+        QCOMPARE(qRound(viewer->pageImage().image().dotsPerMeterX() * 0.0254), 600);
+        // The page is drawn: at one to one it fills the view with its paper.
+        QCOMPARE(viewer->canvas()->zoomPercent(), 100.0);
+        QVERIFY2(paperShare(viewer->canvas()) > 0.9, "the view does not show the page");
+
+        QTemporaryDir out;
+        const test::PdfFacts pdf = test::readPdf(r.print(viewer, out));
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QCOMPARE(pdf.pages, 1);
+        QCOMPARE(pdf.imageSizes, QVector<QSize>{size});
+
+        test::SendmailStandIn sendmail;
+        r.prompter.expect("Message sent.");
+        r.mail(viewer, sendmail);
+        const test::ParsedMessage message(sendmail.message());
+        QCOMPARE(message.parts.size(), 2);
+        const test::ParsedMessage::Part& attached = message.parts.at(1);
+        QVERIFY(attached.headers.value("content-disposition")
+                    .contains(QByteArray::number(page) + ".jpg"));
+        QCOMPARE(QByteArray::fromBase64(attached.body), fileBytes(r.path(page)));
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+    }
+
+    void tooLargePictureIsRefusedByName_data()
+    {
+        QTest::addColumn<QByteArray>("picture");
+        QTest::addColumn<QString>("reason");
+        const QString square = "it is 60000 by 60000 pixels, which would take 13733 MB of "
+                               "memory, and at most 1024 MB may be used";
+        QTest::newRow("JPEG") << BigPictures::bomb() << square;
+        // A kind the viewer leaves to other programs, but named all the same.
+        QTest::newRow("PNG") << BigPictures::pngStating(QSize(60000, 60000)) << square;
+        QTest::newRow("BMP a pixel wide")
+            << BigPictures::bmpStating(QSize(1, 200000))
+            << "it is 1 by 200000 pixels, and no side may be longer than 65535 pixels";
+    }
+    void tooLargePictureIsRefusedByName()
+    {
+        QFETCH(QByteArray, picture);
+        QFETCH(QString, reason);
+        ViewerRun r;
+        QVERIFY(
+            r.start({[&](const QString& path) { return BigPictures::writeFile(path, picture); }}));
+        const QString path = r.path(r.pages.first());
+        const QString tooLarge = "The picture '" + path + "' is too large to open: " + reason + ".";
+
+        r.prompter.expect(tooLarge);
+        PageViewWindow* viewer = r.open(r.pages.first());
+        QVERIFY(viewer);
+        QCOMPARE(r.prompter.seen().size(), 1);
+        QVERIFY(!viewer->canvas()->hasImage());
+
+        QTemporaryDir out;
+        r.prompter.expect("Cannot print " + path + ": " + reason);
+        r.print(viewer, out);
+        QCOMPARE(r.prompter.seen().size(), 2);
+
+        test::SendmailStandIn sendmail;
+        r.prompter.expect(tooLarge);
+        r.mail(viewer, sendmail);
+        QVERIFY(sendmail.message().isEmpty());
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+    }
+
+    void saveLeavesTheViewerInFront()
+    {
+        ViewerRun r;
+        BoxPrompter boxes;
+        QVERIFY(r.start(
+            {[](const QString& path) { return BigPictures::copyScan(QSize(850, 1100), path); }},
+            &boxes));
+        boxes.setParent(r.run->window());
+        PageViewWindow* viewer = r.open(r.pages.first());
+        QVERIFY(viewer);
+        QVERIFY(viewer->canvas()->hasImage());
+        QTRY_COMPARE(QApplication::activeWindow(), viewer);
+
+        // The page has no name of its own: the save asks whether to give it one.
+        QString asked;
+        QWidget* askedOver = nullptr;
+        test::whenModal(viewer, [&](QWidget* modal) {
+            auto* box = qobject_cast<QMessageBox*>(modal);
+            QVERIFY(box);
+            asked = box->text();
+            askedOver = box->parentWidget();
+            box->button(QMessageBox::Yes)->click();
+        });
+        viewer->findChild<QPushButton*>("cmdSave")->click();
+        QCOMPARE(asked, "No filename entered.  Do you want to auto-assign a filename?");
+        QVERIFY(QFile::exists(r.path(r.pages.first())));
+        QTRY_COMPARE(QApplication::activeWindow(), viewer);
+        QVERIFY(viewer->isActiveWindow());
+        // The question stood over the viewer, not over the main window it would have raised.
+        QCOMPARE(askedOver, viewer);
+    }
+};
+
+QMR_TEST(TestViewerWindow)
+#include "testviewerwindow.moc"
