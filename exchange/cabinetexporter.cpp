@@ -26,6 +26,11 @@ QString ExportReport::reportText() const
     return QStringLiteral("Export complete. %1 pages copied.").arg(pagesCopied);
 }
 
+QString ExportReport::endedEarlyText() const
+{
+    return QStringLiteral("Export not complete. %1 pages copied before it ended.").arg(pagesCopied);
+}
+
 bool CabinetExporter::isWithinHome(const QString& path, const QString& home)
 {
     return path.toUpper().contains(home.toUpper());
@@ -65,6 +70,7 @@ ExportReport CabinetExporter::exportCabinet(qint32 cabinetId, const QString& pat
     m_disk = 1;
     m_trapping = true;
     m_halt = false;
+    m_written.clear();
     try {
         progress.start(QStringLiteral("Count files"), 1, 2);
         const ItemManifest cabinet = m_session.items().manifest(Level::Cabinet, cabinetId);
@@ -92,8 +98,9 @@ CabinetExporter::Next CabinetExporter::run(const std::function<FileOutcome()>& w
     const FileOutcome outcome = write();
     if (outcome.ok())
         return Next::Go;
-    if (outcome.kind == FileOutcome::Kind::NoDirectory || !m_trapping) {
-        // Nothing can be written there; the walk goes on as the design has it.
+    if (outcome.kind == FileOutcome::Kind::NoDirectory || outcome.kind == FileOutcome::Kind::Link ||
+        !m_trapping) {
+        // Nothing can be written there, or nothing is to be read; the walk goes on.
         m_report.problems << outcome.message;
         return Next::Go;
     }
@@ -187,6 +194,11 @@ void CabinetExporter::walkDocument(const ItemManifest& document, const QString& 
             return m_writer.writeDocumentFile(documentFile, document);
         }) == Next::Halt)
         return;
+    // The names already given in this directory (documents whose names fall together share
+    // one), so that no page's file takes the place of another's or of a manifest.
+    auto taken = m_written.find(directory);
+    if (taken == m_written.end())
+        taken = m_written.insert(directory, ExchangeWriter::reservedNames());
     const PagePaths& paths = m_session.paths();
     for (const PageRow& page : m_session.pages().pages(document.id)) {
         if (halted())
@@ -198,11 +210,21 @@ void CabinetExporter::walkDocument(const ItemManifest& document, const QString& 
             const QString fileName = PagePaths::filePart(source);
             stepText = QStringLiteral("Copy file ") + fileName;
             status(QStringLiteral("Copy file"), fileName);
-            const QString target =
-                inside(directory, ExchangeWriter::pageFileName(source, page.pageNumber));
-            if (run([&] { return m_writer.copyPageFile(source, target); }) == Next::Halt)
+            const QString target = inside(
+                directory, ExchangeWriter::distinctName(
+                               ExchangeWriter::pageFileName(source, page.pageNumber), *taken));
+            // The store's own files are never read through a link; a shortcut's file lies
+            // wherever its owner keeps it.
+            const LinkRule links = page.shortcut ? LinkRule::Follow : LinkRule::Refuse;
+            bool link = false;
+            if (run([&] {
+                    const FileOutcome outcome = m_writer.copyPageFile(source, target, links);
+                    link = outcome.kind == FileOutcome::Kind::Link;
+                    return outcome;
+                }) == Next::Halt)
                 return;
-            ++m_report.pagesCopied;
+            if (!link)
+                ++m_report.pagesCopied;
         }
         m_progress->step(stepText);
     }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QHash>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <functional>
@@ -22,6 +24,8 @@ struct ExportReport
     QString error;              // what ended it early, "" for nothing
     QStringList problems;       // files that could not be written, each with the reason
     QString reportText() const; // "Export complete. N pages copied."
+    // For an export that an error or a full disk ended: what it wrote before that.
+    QString endedEarlyText() const;
 };
 
 // Writes one cabinet to an exchange directory, one file at a time. The progress's stop flag
@@ -74,6 +78,8 @@ private:
     int m_disk = 1;
     bool m_trapping = true; // false once the disk question has been asked
     bool m_halt = false;
+    // For each directory written, the names given in it, lower-cased.
+    QHash<QString, QSet<QString>> m_written;
 };
 
 } // namespace qmr

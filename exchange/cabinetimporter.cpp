@@ -2,9 +2,11 @@
 
 #include <QDate>
 #include <QElapsedTimer>
+#include <algorithm>
 
 #include "core/progress.h"
 #include "exchange/exchangequestions.h"
+#include "exchange/nativename.h"
 #include "exchange/thumbnailqueue.h"
 #include "store/database.h"
 #include "store/itemrules.h"
@@ -25,6 +27,9 @@ namespace {
 constexpr int kGroupFiles = 64;
 constexpr int kGroupMs = 500;
 
+// The skipped entries a message names; a message is no place for a long list.
+constexpr int kNamedSkips = 15;
+
 const QString kUnfiledDrawer = QStringLiteral("Unfiled drawer");
 const QString kUnfiledFolder = QStringLiteral("Unfiled folder");
 
@@ -34,11 +39,17 @@ QString inside(const QString& dir, const QString& name)
 }
 
 // A file whose name says it is no image becomes a shortcut; the test is on the name alone.
-bool isShortcutName(const QString& path)
+bool isShortcutName(const QString& name)
 {
-    const QString lower = path.toLower();
+    const QString lower = name.toLower();
     return !lower.endsWith(QLatin1String("jpg")) && !lower.endsWith(QLatin1String("jpeg")) &&
            !lower.endsWith(QLatin1String("bmp"));
+}
+
+// The item a directory of the walk makes is named as people read the directory's name.
+QString itemName(const QString& path)
+{
+    return NativeName::display(PagePaths::filePart(path));
 }
 
 // A shortcut's type: the last three letters of its name, as the store keeps types.
@@ -48,6 +59,14 @@ QString shortcutType(const QString& name)
 }
 
 } // namespace
+
+QString ImportReport::skippedText() const
+{
+    QStringList lines = skipped.mid(0, kNamedSkips);
+    if (skipped.size() > kNamedSkips)
+        lines << QStringLiteral("... and %1 more.").arg(skipped.size() - kNamedSkips);
+    return lines.join(QStringLiteral("\r\n"));
+}
 
 QString ImportReport::reportText() const
 {
@@ -218,34 +237,37 @@ ImportReport CabinetImporter::importCabinet(qint32 cabinetId, const QString& pat
     return m_report;
 }
 
+DirectoryListing CabinetImporter::walked(const QString& dir)
+{
+    DirectoryListing listing = m_fs.list(dir);
+    for (const QString& link : std::as_const(listing.links))
+        m_report.skipped << QStringLiteral("'%1' is a link; it was not followed.")
+                                .arg(NativeName::display(inside(dir, link)));
+    return listing;
+}
+
 int CabinetImporter::countImportFiles(const QString& path)
 {
     // The files the walk will step through, four levels down.
-    const auto pages = [this](const QString& dir) {
-        status(QStringLiteral("Scan files"), dir);
-        int count = 0;
-        for (const QString& name : m_fs.fileNames(dir))
-            if (!ExchangeReader::isExchangeFile(name))
-                ++count;
-        return count;
+    const std::function<int(const QString&, int)> count = [&](const QString& dir, int level) {
+        status(QStringLiteral("Scan files"), NativeName::display(dir));
+        const DirectoryListing listing = m_fs.list(dir);
+        int files =
+            int(std::count_if(listing.files.begin(), listing.files.end(), [](const QString& name) {
+                return !ExchangeReader::isExchangeFile(name);
+            }));
+        if (level < 3)
+            for (const QString& below : listing.directories)
+                files += count(inside(dir, below), level + 1);
+        return files;
     };
-    int count = pages(path);
-    for (const QString& drawer : m_fs.directoryNames(path)) {
-        const QString drawerDir = inside(path, drawer);
-        count += pages(drawerDir);
-        for (const QString& folder : m_fs.directoryNames(drawerDir)) {
-            const QString folderDir = inside(drawerDir, folder);
-            count += pages(folderDir);
-            for (const QString& document : m_fs.directoryNames(folderDir))
-                count += pages(inside(folderDir, document));
-        }
-    }
-    return count;
+    return count(path, 0);
 }
 
 void CabinetImporter::importDisk(qint32 cabinetId, const QString& path)
 {
-    const QStringList files = m_fs.fileNames(path);
+    const DirectoryListing listing = walked(path);
+    const QStringList& files = listing.files;
     if (std::any_of(files.begin(), files.end(), ExchangeReader::isLooseFile)) {
         qint32 folderId = -1;
         {
@@ -256,10 +278,10 @@ void CabinetImporter::importDisk(qint32 cabinetId, const QString& path)
             unit.commit();
         }
         if (folderId >= 0)
-            importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, {}));
+            importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, files, {}));
     }
     applyDescription(Level::Cabinet, cabinetId, path, files, QStringLiteral("cabinet.txt"));
-    for (const QString& drawer : m_fs.directoryNames(path)) {
+    for (const QString& drawer : listing.directories) {
         if (halted())
             return;
         importDrawer(cabinetId, inside(path, drawer));
@@ -268,11 +290,12 @@ void CabinetImporter::importDisk(qint32 cabinetId, const QString& path)
 
 void CabinetImporter::importDrawer(qint32 cabinetId, const QString& path)
 {
-    const QStringList files = m_fs.fileNames(path);
+    const DirectoryListing listing = walked(path);
+    const QStringList& files = listing.files;
     qint32 drawerId = -1;
     {
         Unit unit(*this);
-        drawerId = getOrCreate(Level::Drawer, cabinetId, PagePaths::filePart(path), true);
+        drawerId = getOrCreate(Level::Drawer, cabinetId, itemName(path), true);
         if (drawerId >= 0)
             applyDescription(Level::Drawer, drawerId, path, files, QStringLiteral("drawer.txt"));
         unit.commit();
@@ -287,9 +310,9 @@ void CabinetImporter::importDrawer(qint32 cabinetId, const QString& path)
             unit.commit();
         }
         if (folderId >= 0)
-            importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, {}));
+            importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, files, {}));
     }
-    for (const QString& folder : m_fs.directoryNames(path)) {
+    for (const QString& folder : listing.directories) {
         if (halted())
             return;
         importFolder(drawerId, inside(path, folder));
@@ -298,11 +321,12 @@ void CabinetImporter::importDrawer(qint32 cabinetId, const QString& path)
 
 void CabinetImporter::importFolder(qint32 drawerId, const QString& path)
 {
-    const QStringList files = m_fs.fileNames(path);
+    const DirectoryListing listing = walked(path);
+    const QStringList& files = listing.files;
     qint32 folderId = -1;
     {
         Unit unit(*this);
-        folderId = getOrCreate(Level::Folder, drawerId, PagePaths::filePart(path), true);
+        folderId = getOrCreate(Level::Folder, drawerId, itemName(path), true);
         if (folderId >= 0)
             applyDescription(Level::Folder, folderId, path, files, QStringLiteral("folder.txt"));
         unit.commit();
@@ -310,8 +334,8 @@ void CabinetImporter::importFolder(qint32 drawerId, const QString& path)
     if (folderId < 0)
         return;
     if (!files.isEmpty())
-        importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, {}));
-    for (const QString& document : m_fs.directoryNames(path)) {
+        importDirectoryFiles(folderId, path, Level::Folder, pageFiles(path, files, {}));
+    for (const QString& document : listing.directories) {
         if (halted())
             return;
         importDocument(folderId, inside(path, document));
@@ -321,16 +345,15 @@ void CabinetImporter::importFolder(qint32 drawerId, const QString& path)
 void CabinetImporter::importDocument(qint32 folderId, const QString& path)
 {
     // A deeper directory below a document is not looked at.
-    const QStringList files = m_fs.fileNames(path);
+    const DirectoryListing listing = walked(path);
     Unit unit(*this);
-    const qint32 documentId =
-        getOrCreate(Level::Document, folderId, PagePaths::filePart(path), true);
+    const qint32 documentId = getOrCreate(Level::Document, folderId, itemName(path), true);
     if (documentId >= 0) {
-        applyDocument(documentId, path, files);
-        for (const QString& name : pageFiles(path, {})) {
+        applyDocument(documentId, path, listing.files);
+        for (const QString& name : pageFiles(path, listing.files, {})) {
             if (halted())
                 break;
-            m_progress->step(QStringLiteral("Import ") + name);
+            m_progress->step(QStringLiteral("Import ") + NativeName::display(name));
             importFile(documentId, path, name);
         }
     }
@@ -370,7 +393,7 @@ void CabinetImporter::applyDescription(Level level, qint32 id, const QString& di
     const QString path = inside(dir, name);
     const std::optional<QString> description = m_reader.readDescription(path);
     if (!description) {
-        problem(QStringLiteral("Cannot read %1").arg(path));
+        problem(QStringLiteral("Cannot read %1").arg(NativeName::display(path)));
         return;
     }
     m_session.items().setDescription(level, id, *description);
@@ -384,7 +407,7 @@ void CabinetImporter::applyDocument(qint32 documentId, const QString& dir, const
     const QString path = inside(dir, name);
     const std::optional<DocumentValues> values = m_reader.readDocument(path);
     if (!values) {
-        problem(QStringLiteral("Cannot read %1").arg(path));
+        problem(QStringLiteral("Cannot read %1").arg(NativeName::display(path)));
         return;
     }
     std::optional<QDate> date;
@@ -392,7 +415,7 @@ void CabinetImporter::applyDocument(qint32 documentId, const QString& dir, const
         date = ItemRules::parseDate(values->date);
         if (!date->isValid()) {
             problem(QStringLiteral("%1: '%2' is not a date; the document keeps its own")
-                        .arg(path, values->date));
+                        .arg(NativeName::display(path), values->date));
             date.reset();
         }
     }
@@ -402,12 +425,23 @@ void CabinetImporter::applyDocument(qint32 documentId, const QString& dir, const
 
 // ---- files --------------------------------------------------------------------------------
 
-QStringList CabinetImporter::pageFiles(const QString& dir, const FileTypeFilter& filter) const
+QStringList CabinetImporter::pageFiles(const QString& dir, const QStringList& files,
+                                       const FileTypeFilter& filter)
 {
     QStringList names;
-    for (const QString& name : m_fs.fileNames(dir))
-        if (!ExchangeReader::isExchangeFile(name) && filter.accepts(name))
-            names << name;
+    for (const QString& name : files) {
+        const QString shown = NativeName::display(name);
+        if (ExchangeReader::isExchangeFile(shown) || !filter.accepts(shown))
+            continue;
+        // A shortcut keeps its file's path as text, which holds no name that is not UTF-8.
+        if (isShortcutName(shown) && NativeName::hasKeptBytes(name)) {
+            m_report.skipped << QStringLiteral("'%1' has a name that is not UTF-8, which a "
+                                               "shortcut cannot keep; it was not imported.")
+                                    .arg(NativeName::display(inside(dir, name)));
+            continue;
+        }
+        names << name;
+    }
     return names;
 }
 
@@ -417,13 +451,14 @@ void CabinetImporter::importDirectoryFiles(qint32 parentId, const QString& dir, 
     for (const QString& name : names) {
         if (halted())
             return;
-        m_progress->step(QStringLiteral("Import ") + name);
+        const QString shown = NativeName::display(name);
+        m_progress->step(QStringLiteral("Import ") + shown);
         if (level == Level::Document) {
             importFile(parentId, dir, name);
         } else {
             // Each file a document of its own, named as the file, extension and all.
             Unit unit(*this);
-            const qint32 documentId = getOrCreate(Level::Document, parentId, name, false);
+            const qint32 documentId = getOrCreate(Level::Document, parentId, shown, false);
             if (documentId >= 0)
                 importFile(documentId, dir, name);
             unit.commit();
@@ -437,13 +472,14 @@ void CabinetImporter::importFile(qint32 documentId, const QString& dir, const QS
     const QString path = inside(dir, name);
     const qint64 length = m_fs.fileSize(path);
     if (length < 0) {
-        problem(QStringLiteral("Cannot read %1").arg(path));
+        problem(QStringLiteral("Cannot read %1").arg(NativeName::display(path)));
         return;
     }
     // A page whose file cannot be taken in leaves no row behind (nor a document made for it).
     Unit unit(*this);
     bool newRow = false;
-    const qint32 pageId = addImportedPage(documentId, name, length, path, newRow);
+    const qint32 pageId =
+        addImportedPage(documentId, NativeName::display(name), length, path, newRow);
     if (pageId < 0 || !copyImportedPageFile(path, pageId, newRow))
         return;
     unit.commit();
@@ -465,7 +501,7 @@ qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, 
         ExchangeReader::pageNumberOf(name).value_or(pages.highestNumber(documentId) + 1);
     page.fileSize = length;
     page.scanDate = QDate::currentDate();
-    page.shortcut = isShortcutName(path);
+    page.shortcut = isShortcutName(name);
     page.fileType = page.shortcut ? shortcutType(name) : QStringLiteral("JPG");
     if (page.shortcut)
         page.filename = path;
@@ -473,7 +509,7 @@ qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, 
         StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Name"), page.name);
         StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), page.filename);
     } catch (const StoreError& e) {
-        problem(QStringLiteral("%1: %2").arg(path, e.message()));
+        problem(QStringLiteral("%1: %2").arg(NativeName::display(path), e.message()));
         return -1;
     }
     const qint32 id = pages.insertPage(documentId, page);
@@ -521,6 +557,11 @@ bool CabinetImporter::copyImportedPageFile(const QString& source, qint32 pageId,
     QByteArray contents;
     const FileOutcome outcome = m_fs.copyIntoStore(source, target, &contents);
     if (!outcome.ok()) {
+        // A file that became a link since the walk listed it is passed over like the others.
+        if (outcome.kind == FileOutcome::Kind::Link) {
+            m_report.skipped << outcome.message;
+            return false;
+        }
         // The store's own disk, or a file that appeared at the page's place: nothing further
         // can come in.
         problem(outcome.message);
@@ -547,7 +588,7 @@ ImportReport CabinetImporter::importFiles(qint32 targetId, Level level, const QS
     try {
         progress.start(QStringLiteral("Count files to import"), 1, 2);
         progress.step(QStringLiteral("Counting files to import"));
-        const QStringList names = pageFiles(dir, filter);
+        const QStringList names = pageFiles(dir, walked(dir).files, filter);
         progress.end();
         if (!names.isEmpty()) {
             progress.start(QStringLiteral("Import files"), 1, int(names.size()));

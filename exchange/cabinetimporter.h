@@ -31,8 +31,13 @@ struct ImportReport
     bool declined = false;    // nothing to import, and the structure alone was not wanted
     QString error;            // what ended it early, "" for nothing
     QStringList problems;     // files that could not be read or taken in, each with the reason
+    // What the walk met and passed over on purpose, each with the reason: links, which are
+    // never followed, and files whose names a shortcut cannot keep.
+    QStringList skipped;
     // "N files imported.\r\nM shortcuts created.", and "Import stopped by user." after a stop.
     QString reportText() const;
+    // The first of `skipped`, one a line; "" when there are none.
+    QString skippedText() const;
 };
 
 // Brings files into the store: an exchange directory into a cabinet, merged by name (drawers,
@@ -77,6 +82,8 @@ private:
     void status(const QString& action, const QString& text);
     void problem(const QString& text) { m_report.problems << text; }
 
+    // What a directory of the walk holds; each link in it is named in the report.
+    DirectoryListing walked(const QString& dir);
     int countImportFiles(const QString& path);
     void importDisk(qint32 cabinetId, const QString& path);
     void importDrawer(qint32 cabinetId, const QString& path);
@@ -87,8 +94,10 @@ private:
     void applyDescription(Level level, qint32 id, const QString& dir, const QStringList& files,
                           const QString& manifest);
     void applyDocument(qint32 documentId, const QString& dir, const QStringList& files);
-    // The files of a directory that a walk takes as pages (the exchange files left out).
-    QStringList pageFiles(const QString& dir, const FileTypeFilter& filter) const;
+    // The files of a directory that a walk takes as pages: the exchange files left out, and
+    // those that would be shortcuts under a name a shortcut cannot keep named in the report.
+    QStringList pageFiles(const QString& dir, const QStringList& files,
+                          const FileTypeFilter& filter);
     void importDirectoryFiles(qint32 parentId, const QString& dir, Level level,
                               const QStringList& names);
     void importFile(qint32 documentId, const QString& dir, const QString& name);

@@ -3,14 +3,17 @@
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <dirent.h>
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include "core/nameorder.h"
 #include "core/textfile.h"
+#include "exchange/nativename.h"
 
 namespace qmr {
 
@@ -21,6 +24,9 @@ constexpr qint64 kChunk = 1 << 20;
 // A page file up to this size is held whole while it is copied, so that its thumbnail needs
 // no second read.
 constexpr qint64 kWholeFile = 16 << 20;
+
+// A manifest holds a few short lines; a file far larger is none, and is not read into memory.
+constexpr qint64 kLongestText = 1 << 20;
 
 QString systemText(int error)
 {
@@ -88,42 +94,134 @@ int copyContents(int in, int out, bool& readSide)
     }
 }
 
-QStringList sortedNames(const QString& dir, QDir::Filters filters)
+QByteArray native(const QString& path)
 {
-    QStringList names = QDir(dir).entryList(filters | QDir::NoDotAndDotDot);
-    std::sort(names.begin(), names.end(), nameLess);
-    return names;
+    return NativeName::encode(path);
+}
+
+FileOutcome readError(int error, const QString& path)
+{
+    if (error == ELOOP)
+        return FileOutcome::failed(
+            FileOutcome::Kind::Link,
+            QStringLiteral("'%1' is a link; it was not followed.").arg(NativeName::display(path)));
+    return FileOutcome::failed(
+        FileOutcome::Kind::ReadFailed,
+        QStringLiteral("Cannot read %1: %2").arg(NativeName::display(path), systemText(error)));
+}
+
+// Opens a copy's source for reading: a plain file only, so that a pipe or a device is never
+// waited on; under Refuse, never through a link. -1 with `failure` set otherwise.
+int openSource(const QString& path, LinkRule links, FileOutcome& failure, qint64* size = nullptr)
+{
+    const int flags =
+        O_RDONLY | O_CLOEXEC | O_NONBLOCK | (links == LinkRule::Refuse ? O_NOFOLLOW : 0);
+    const int fd = ::open(native(path).constData(), flags);
+    if (fd < 0) {
+        failure = readError(errno, path);
+        return -1;
+    }
+    struct stat info;
+    if (::fstat(fd, &info) != 0) {
+        const int error = errno;
+        ::close(fd);
+        failure = readError(error, path);
+        return -1;
+    }
+    if (!S_ISREG(info.st_mode)) {
+        ::close(fd);
+        failure = FileOutcome::failed(
+            FileOutcome::Kind::ReadFailed,
+            QStringLiteral("Cannot read %1: it is no plain file").arg(NativeName::display(path)));
+        return -1;
+    }
+    if (size)
+        *size = info.st_size;
+    return fd;
+}
+
+// Reads an open file to its end; false with errno set when it fails or passes `limit` bytes.
+bool readWhole(int fd, qint64 limit, QByteArray& bytes)
+{
+    bytes.clear();
+    char buffer[1 << 16];
+    for (;;) {
+        const ssize_t n = ::read(fd, buffer, sizeof buffer);
+        if (n == 0)
+            return true;
+        if (n < 0) {
+            if (errno == EINTR)
+                continue;
+            return false;
+        }
+        if (bytes.size() + n > limit) {
+            errno = EFBIG;
+            return false;
+        }
+        bytes.append(buffer, n);
+    }
 }
 
 } // namespace
 
 bool DiskFileSystem::isDirectory(const QString& path) const
 {
-    return QFileInfo(path).isDir();
+    struct stat info;
+    return ::stat(native(path).constData(), &info) == 0 && S_ISDIR(info.st_mode);
 }
 
 bool DiskFileSystem::isFile(const QString& path) const
 {
-    return QFileInfo(path).isFile();
+    struct stat info;
+    return ::stat(native(path).constData(), &info) == 0 && S_ISREG(info.st_mode);
 }
 
-QStringList DiskFileSystem::fileNames(const QString& dir) const
+DirectoryListing DiskFileSystem::list(const QString& dir) const
 {
-    // A copy cut short by a crash is no file of anybody's.
-    QStringList names = sortedNames(dir, QDir::Files);
-    names.removeIf(PartFile::isPartName);
-    return names;
-}
-
-QStringList DiskFileSystem::directoryNames(const QString& dir) const
-{
-    return sortedNames(dir, QDir::Dirs);
+    // Read by hand, since a listing through Qt turns a name that is not UTF-8 into one that
+    // opens nothing, and tells a link only by following it.
+    DirectoryListing listing;
+    DIR* stream = ::opendir(native(dir).constData());
+    if (!stream)
+        return listing;
+    while (const dirent* entry = ::readdir(stream)) {
+        // Hidden entries, "." and ".." among them.
+        if (entry->d_name[0] == '.')
+            continue;
+        unsigned char type = entry->d_type;
+        if (type == DT_UNKNOWN) {
+            struct stat info;
+            if (::fstatat(::dirfd(stream), entry->d_name, &info, AT_SYMLINK_NOFOLLOW) != 0)
+                continue;
+            type = S_ISLNK(info.st_mode)   ? DT_LNK
+                   : S_ISDIR(info.st_mode) ? DT_DIR
+                   : S_ISREG(info.st_mode) ? DT_REG
+                                           : DT_UNKNOWN;
+        }
+        const QString name = NativeName::decode(QByteArray(entry->d_name));
+        if (type == DT_REG && !PartFile::isPartName(name)) // a copy cut short is nobody's file
+            listing.files << name;
+        else if (type == DT_DIR)
+            listing.directories << name;
+        else if (type == DT_LNK)
+            listing.links << name;
+    }
+    ::closedir(stream);
+    const auto byName = [](const QString& a, const QString& b) {
+        return nameLess(NativeName::display(a), NativeName::display(b));
+    };
+    std::sort(listing.files.begin(), listing.files.end(), byName);
+    std::sort(listing.directories.begin(), listing.directories.end(), byName);
+    std::sort(listing.links.begin(), listing.links.end(), byName);
+    return listing;
 }
 
 qint64 DiskFileSystem::fileSize(const QString& path) const
 {
-    const QFileInfo info(path);
-    return info.isFile() ? info.size() : -1;
+    struct stat info;
+    if (::lstat(native(path).constData(), &info) != 0 || !S_ISREG(info.st_mode))
+        return -1;
+    return info.st_size;
 }
 
 bool DiskFileSystem::makePath(const QString& dir)
@@ -131,10 +229,14 @@ bool DiskFileSystem::makePath(const QString& dir)
     return QFileInfo(dir).isDir() || QDir().mkpath(dir);
 }
 
-FileOutcome DiskFileSystem::copyFile(const QString& source, const QString& target)
+FileOutcome DiskFileSystem::copyFile(const QString& source, const QString& target, LinkRule links)
 {
+    FileOutcome failure;
+    const int in = openSource(source, links, failure);
+    if (in < 0)
+        return failure;
     // Written outside the store, where the next run of a backup rewrites it anyway.
-    return copy(source, target, PartFile::Placing::Replace, false);
+    return copy(in, source, target, PartFile::Placing::Replace, false);
 }
 
 FileOutcome DiskFileSystem::copyIntoStore(const QString& source, const QString& target,
@@ -142,14 +244,20 @@ FileOutcome DiskFileSystem::copyIntoStore(const QString& source, const QString& 
 {
     if (contents)
         contents->clear();
-    QFile in(source);
-    if (!contents || !in.open(QIODevice::ReadOnly) || in.size() > kWholeFile)
-        return copy(source, target, PartFile::Placing::NoReplace, true);
-    const QByteArray bytes = in.readAll();
-    if (in.error() != QFileDevice::NoError)
-        return FileOutcome::failed(
-            FileOutcome::Kind::ReadFailed,
-            QStringLiteral("Cannot read %1: %2").arg(source, in.errorString()));
+    FileOutcome failure;
+    qint64 size = 0;
+    const int in = openSource(source, LinkRule::Refuse, failure, &size);
+    if (in < 0)
+        return failure;
+    if (!contents || size > kWholeFile)
+        return copy(in, source, target, PartFile::Placing::NoReplace, true);
+    QByteArray bytes;
+    bytes.reserve(size);
+    const bool read = readWhole(in, kWholeFile, bytes);
+    const int error = errno;
+    ::close(in);
+    if (!read)
+        return readError(error, source);
     PartFile part(target);
     if (!part.open() || !part.write(bytes.constData(), bytes.size()))
         return writeError(part.error(), target);
@@ -159,15 +267,9 @@ FileOutcome DiskFileSystem::copyIntoStore(const QString& source, const QString& 
     return outcome;
 }
 
-FileOutcome DiskFileSystem::copy(const QString& source, const QString& target,
+FileOutcome DiskFileSystem::copy(int in, const QString& source, const QString& target,
                                  PartFile::Placing placing, bool sync)
 {
-    const QByteArray from = QFile::encodeName(source);
-    const int in = ::open(from.constData(), O_RDONLY | O_CLOEXEC);
-    if (in < 0)
-        return FileOutcome::failed(
-            FileOutcome::Kind::ReadFailed,
-            QStringLiteral("Cannot read %1: %2").arg(source, systemText(errno)));
     PartFile part(target);
     if (!part.open()) {
         ::close(in);
@@ -178,9 +280,7 @@ FileOutcome DiskFileSystem::copy(const QString& source, const QString& target,
     ::close(in);
     if (error != 0) {
         if (readSide)
-            return FileOutcome::failed(
-                FileOutcome::Kind::ReadFailed,
-                QStringLiteral("Cannot read %1: %2").arg(source, systemText(error)));
+            return readError(error, source);
         return writeError(error, target);
     }
     return placed(part, placing, sync);
@@ -211,7 +311,16 @@ FileOutcome DiskFileSystem::placed(PartFile& part, PartFile::Placing placing, bo
 
 std::optional<QStringList> DiskFileSystem::readLines(const QString& path) const
 {
-    return TextFile::readLines(path);
+    FileOutcome failure;
+    const int fd = openSource(path, LinkRule::Refuse, failure);
+    if (fd < 0)
+        return std::nullopt;
+    QByteArray bytes;
+    const bool read = readWhole(fd, kLongestText, bytes);
+    ::close(fd);
+    if (!read)
+        return std::nullopt;
+    return TextFile::splitLines(TextFile::decode(bytes));
 }
 
 bool DiskFileSystem::remove(const QString& path)

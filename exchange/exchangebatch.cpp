@@ -101,7 +101,9 @@ int ExchangeBatch::exportCabinet(const QString& cabinetName, const QString& dir)
             ConsoleProgress progress(m_err, m_terminal, m_stopWhen);
             report = exporter.exportCabinet(cabinetId, path, progress);
         }
-        m_out << report.reportText() << '\n' << Qt::flush;
+        // An export that something ended early does not call itself complete.
+        const bool endedEarly = !report.error.isEmpty() || report.diskRefused || report.stopped;
+        m_out << (endedEarly ? report.endedEarlyText() : report.reportText()) << '\n' << Qt::flush;
         if (report.stopped)
             report.problems << stoppedMessage(QStringLiteral("export"));
         if (report.diskRefused)
@@ -134,7 +136,9 @@ int ExchangeBatch::importCabinet(const QString& dir, const QString& cabinetName)
         m_out << report.reportText() << '\n' << Qt::flush;
         if (report.stopped)
             report.problems << stoppedMessage(QStringLiteral("import"));
-        return finish(report.problems, report.error);
+        // What the walk passed over on purpose (a link) is named as a failure: the tree did
+        // not come across whole.
+        return finish(report.skipped + report.problems, report.error);
     } catch (const StoreError& e) {
         return fail(e.message());
     }

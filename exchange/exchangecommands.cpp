@@ -11,6 +11,7 @@
 #include "exchange/exportdialog.h"
 #include "exchange/filetypesdialog.h"
 #include "exchange/importdialog.h"
+#include "exchange/nativename.h"
 #include "exchange/promptedquestions.h"
 #include "store/commandguard.h"
 #include "store/session.h"
@@ -92,7 +93,10 @@ void ExchangeCommands::importFiles(Level level)
     settings.saveSetting(QStringLiteral("PathSelect"), *dir);
 
     DiskFileSystem fs;
-    FileTypesDialog types(FileTypeFilter::typesIn(fs.fileNames(*dir)), m_context.parent);
+    QStringList names = fs.fileNames(*dir);
+    for (QString& name : names)
+        name = NativeName::display(name);
+    FileTypesDialog types(FileTypeFilter::typesIn(names), m_context.parent);
     types.exec();
     if (!types.filter())
         return;
@@ -104,9 +108,12 @@ void ExchangeCommands::importFiles(Level level)
         CabinetImporter importer(m_context.session, fs, questions, m_context.navigator);
         const ImportReport report =
             importer.importFiles(targetId, level, *dir, *types.filter(), m_context.progress);
-        // No report: the tree and the lists show what came in.
+        // No report: the tree and the lists show what came in. What they cannot show is told:
+        // a failure, and what was passed over on purpose (a link, which is never followed).
         if (!report.error.isEmpty())
             m_context.prompter.tell(report.error);
+        if (!report.skipped.isEmpty())
+            m_context.prompter.tell(report.skippedText());
         if (m_context.navigator && level == Level::Folder)
             m_context.navigator->showChildren(Level::Folder, targetId);
     });

@@ -65,6 +65,24 @@ QString ExchangeWriter::pageFileName(const QString& storedPath, qint32 pageNumbe
     return PagePaths::filePart(storedPath);
 }
 
+QString ExchangeWriter::distinctName(const QString& name, QSet<QString>& taken)
+{
+    QString chosen = name;
+    const int dot = int(name.lastIndexOf(QLatin1Char('.')));
+    const QString stem = dot > 0 ? name.left(dot) : name;
+    const QString extension = dot > 0 ? name.mid(dot) : QString();
+    for (int n = 2; taken.contains(chosen.toLower()); ++n)
+        chosen = stem + QStringLiteral(" (%1)").arg(n) + extension;
+    taken.insert(chosen.toLower());
+    return chosen;
+}
+
+QSet<QString> ExchangeWriter::reservedNames()
+{
+    return {kMarkerFile.toLower(), kCabinetFile.toLower(), kDrawerFile.toLower(),
+            kFolderFile.toLower(), kDocumentFile.toLower()};
+}
+
 QString ExchangeWriter::dateText(const QDate& date)
 {
     return ItemRules::displayDate(date);
@@ -135,12 +153,13 @@ FileOutcome ExchangeWriter::writeDocumentFile(const QString& path, const ItemMan
     return writeLines(path, documentLines(document));
 }
 
-FileOutcome ExchangeWriter::copyPageFile(const QString& source, const QString& target)
+FileOutcome ExchangeWriter::copyPageFile(const QString& source, const QString& target,
+                                         LinkRule links)
 {
     if (!makeDirectoryOf(target))
         return FileOutcome::failed(FileOutcome::Kind::NoDirectory,
                                    QStringLiteral("Cannot make the directory of %1").arg(target));
-    return m_fs.copyFile(source, target);
+    return m_fs.copyFile(source, target, links);
 }
 
 } // namespace qmr

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <optional>
@@ -37,6 +38,12 @@ public:
     // "jpg" (by its last three letters, so ".jpeg" does not count), else the stored file's
     // own name.
     static QString pageFileName(const QString& storedPath, qint32 pageNumber);
+    // `name`, or, when that name is in `taken` (lower-cased, as names are matched on reading),
+    // the name with " (2)", " (3)" and so on before its extension: "Page 3 (2).jpg" still
+    // reads as page 3. The name given is added to `taken`.
+    static QString distinctName(const QString& name, QSet<QString>& taken);
+    // The names of a directory that no page's file may take: the marker and the manifests.
+    static QSet<QString> reservedNames();
     static QString dateText(const QDate& date);
     static QString amountText(double amount);
 
@@ -52,7 +59,7 @@ public:
                                      const std::optional<QString>& description);
     FileOutcome writeDocumentFile(const QString& path, const ItemManifest& document);
     // Makes the target's directory, then copies the page file over whatever stands there.
-    FileOutcome copyPageFile(const QString& source, const QString& target);
+    FileOutcome copyPageFile(const QString& source, const QString& target, LinkRule links);
 
 private:
     FileOutcome writeLines(const QString& path, const QStringList& lines);

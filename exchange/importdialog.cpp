@@ -161,7 +161,11 @@ void ImportDialog::importCabinet(qint32 cabinetId, const QString& path, int disk
     // The store refused something: say what, then what came in before it.
     if (!report.error.isEmpty())
         m_context.prompter.tell(report.error);
-    m_context.prompter.tell(report.reportText());
+    // The counts, then what the walk passed over on purpose.
+    const QString skipped = report.skippedText();
+    m_context.prompter.tell(skipped.isEmpty()
+                                ? report.reportText()
+                                : report.reportText() + QStringLiteral("\r\n\r\n") + skipped);
     accept();
 }
 

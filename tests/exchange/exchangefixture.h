@@ -5,8 +5,10 @@
 #include <QImage>
 #include <QSet>
 #include <QTemporaryDir>
+#include <fcntl.h>
 #include <functional>
 #include <memory>
+#include <unistd.h>
 
 #include "core/progress.h"
 #include "core/viewsettings.h"
@@ -32,9 +34,10 @@ public:
     std::function<void(int)> afterCopy;
     int copies = 0;
 
-    FileOutcome copyFile(const QString& source, const QString& target) override
+    FileOutcome copyFile(const QString& source, const QString& target, LinkRule links) override
     {
-        return faulty(source, target, [&] { return DiskFileSystem::copyFile(source, target); });
+        return faulty(source, target,
+                      [&] { return DiskFileSystem::copyFile(source, target, links); });
     }
     FileOutcome copyIntoStore(const QString& source, const QString& target,
                               QByteArray* contents = nullptr) override
@@ -123,6 +126,16 @@ struct ExchangeFixture
         QDir().mkpath(QFileInfo(path).path());
         QFile f(path);
         return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
+    }
+    // A file under a name of raw bytes (one that is not UTF-8, say) in an existing directory.
+    static bool writeRaw(const QByteArray& path, const QByteArray& bytes)
+    {
+        const int fd = ::open(path.constData(), O_WRONLY | O_CREAT | O_EXCL, 0644);
+        const bool written =
+            fd >= 0 && ::write(fd, bytes.constData(), size_t(bytes.size())) == bytes.size();
+        if (fd >= 0)
+            ::close(fd);
+        return written;
     }
     static QByteArray readBytes(const QString& path)
     {

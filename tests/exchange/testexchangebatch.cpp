@@ -1,4 +1,5 @@
 #include <QTest>
+#include <sys/stat.h>
 
 #include "exchange/consoleprogress.h"
 #include "exchange/exchangebatch.h"
@@ -166,9 +167,19 @@ private slots:
         full.failCopy.insert(2, FileOutcome::Kind::DiskFull);
         Run run = exportCabinet(f, "Papers", f.outsidePath("a"), &full);
         QCOMPARE(run.status, 1);
-        QCOMPARE(run.out, "Export complete. 1 pages copied.\n");
+        QCOMPARE(run.out, "Export not complete. 1 pages copied before it ended.\n");
         QVERIFY2(run.err.contains("No space left on device"), qPrintable(run.err));
         QVERIFY(run.err.contains("The output path is full."));
+        // Nor does an export that a failure ended call itself complete.
+        TestFileSystem failing;
+        failing.failCopy.insert(3, FileOutcome::Kind::WriteFailed);
+        run = exportCabinet(f, "Papers", f.outsidePath("c"), &failing);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.out, "Export not complete. 2 pages copied before it ended.\n");
+        QVERIFY2(run.err.endsWith("quillmere: Cannot write " +
+                                  f.outsidePath("c/Papers/Drawer/Folder/Document 1/Page 3.jpg") +
+                                  ": No space left on device\n"),
+                 qPrintable(run.err));
 
         // An unreadable file is named and left out; the rest comes in.
         run = exportCabinet(f, "Papers", f.outsidePath("b"));
@@ -182,6 +193,126 @@ private slots:
         QVERIFY2(run.err.contains("quillmere: Cannot read " + doc + "/Page 2.jpg"),
                  qPrintable(run.err));
         QVERIFY(f.prompter.verify());
+    }
+
+    // A link in the exchange directory, to a file or a directory, is never followed: it is
+    // named and the import fails. A name that is not UTF-8 comes in by its bytes and is shown
+    // as Windows-1252, unless a shortcut would have to keep it.
+    void importPassesOverLinksAndReadsOldNames()
+    {
+        ExchangeFixture f;
+        const qint32 target = f.store->cabinet("Target");
+        const QString ex = f.outsidePath("ex"), doc = ex + "/D/F/Doc";
+        const QString secret = f.outsidePath("secret");
+        QVERIFY(ExchangeFixture::writeImage(secret + "/shadow.jpg", Qt::red));
+        QVERIFY(ExchangeFixture::writeImage(secret + "/F/Doc/Page 7.jpg", Qt::red));
+        ExchangeFixture::writeBytes(ex + "/QMR.txt", "");
+        QVERIFY(ExchangeFixture::writeImage(doc + "/Page 1.jpg"));
+        QVERIFY(QFile::link(secret + "/shadow.jpg", doc + "/Page 2.jpg"));
+        QVERIFY(QFile::link(secret, ex + "/Linked"));
+        const QByteArray old = QFile::encodeName(ex) + "/D/Geb\xfchren";
+        QVERIFY(::mkdir(old.constData(), 0755) == 0 && ::mkdir(old + "/Doc", 0755) == 0);
+        const QByteArray picture = ExchangeFixture::readBytes(doc + "/Page 1.jpg") + "old";
+        QVERIFY(ExchangeFixture::writeRaw(old + "/Doc/Rechnung M\xe4rz.jpg", picture));
+        QVERIFY(ExchangeFixture::writeRaw(old + "/Doc/notiz \xe9.pdf", "text"));
+
+        const Run run = importCabinet(f, ex, "Target");
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.out, "2 files imported.\r\n0 shortcuts created.\n");
+        for (const QString& line :
+             {"'" + ex + "/Linked' is a link; it was not followed.",
+              "'" + doc + "/Page 2.jpg' is a link; it was not followed.",
+              "'" + ex +
+                  QString::fromUtf8("/D/Gebühren/Doc/notiz é.pdf' has a name that is not "
+                                    "UTF-8, which a shortcut cannot keep; it was not "
+                                    "imported.")})
+            QVERIFY2(run.err.contains("quillmere: " + line + "\n"), qPrintable(run.err));
+        // Nothing from outside: no drawer of the linked directory, no page of the linked file.
+        QCOMPARE(f.count("Drawer"), 1);
+        QCOMPARE(f.count("Page"), 2);
+        ItemStore& items = f.session->items();
+        const qint32 drawer = items.childNamed(Level::Drawer, target, "D");
+        const qint32 folder =
+            items.childNamed(Level::Folder, drawer, QString::fromUtf8("Gebühren"));
+        const qint32 bill = items.childNamed(Level::Document, folder, "Doc");
+        const qint32 page =
+            f.session->pages().pageNamed(bill, QString::fromUtf8("Rechnung März.jpg"));
+        QVERIFY(page >= 0);
+        QCOMPARE(ExchangeFixture::readBytes(f.session->paths().computedPagePath(page)), picture);
+    }
+
+    // Nothing outside the output path changes, whatever links stand in it or in the store.
+    void exportWritesThroughNoLink()
+    {
+        ExchangeFixture f;
+        f.filledCabinet("Papers", 1, 2);
+        f.setText("Document", "Description", f.field("SELECT DocumentId FROM Document").toInt(),
+                  "Described");
+        const QString victim = f.outsidePath("victim.txt");
+        QVERIFY(ExchangeFixture::writeBytes(victim, "outside the output path"));
+        // A link planted in the store where page 2's file belongs.
+        const PagePaths& paths = f.session->paths();
+        const QString page1 =
+            paths.computedPagePath(f.field("SELECT PageId FROM Page WHERE PageNumber = 1").toInt());
+        const QString page2 =
+            paths.computedPagePath(f.field("SELECT PageId FROM Page WHERE PageNumber = 2").toInt());
+        QVERIFY(QFile::remove(page2) && QFile::link(victim, page2));
+        // Links at the names the export writes, and at the fixed name aside of older versions.
+        const QString out = f.outsidePath("out"), docDir = out + "/Papers/Drawer/Folder/Document 1";
+        QVERIFY(QDir().mkpath(docDir));
+        const QStringList written = {out + "/Papers/QMR.txt", docDir + "/Document.txt",
+                                     docDir + "/Page 1.jpg"};
+        for (const QString& name : written + QStringList{docDir + "/Page 1.jpg.qmrpart"})
+            QVERIFY(QFile::link(victim, name));
+
+        const Run run = exportCabinet(f, "Papers", out);
+        QCOMPARE(run.status, 1);
+        QCOMPARE(run.out, "Export complete. 1 pages copied.\n");
+        QVERIFY2(run.err.contains("quillmere: '" + page2 + "' is a link; it was not followed.\n"),
+                 qPrintable(run.err));
+        QCOMPARE(ExchangeFixture::readBytes(victim), QByteArray("outside the output path"));
+        for (const QString& name : written)
+            QVERIFY2(!QFileInfo(name).isSymLink() && QFileInfo(name).isFile(), qPrintable(name));
+        QCOMPARE(ExchangeFixture::readBytes(docDir + "/Page 1.jpg"),
+                 ExchangeFixture::readBytes(page1));
+        QVERIFY(!QFileInfo::exists(docDir + "/Page 2.jpg"));
+    }
+
+    // Pages that share a number each keep a file of their own, and come back with it.
+    void pagesSharingANumberAllComeBack()
+    {
+        ExchangeFixture f;
+        const qint32 doc = f.store->document(
+            f.store->folder(f.store->drawer(f.store->cabinet("Papers"), "D"), "F"), "Doc");
+        QSet<QByteArray> files;
+        int width = 100;
+        for (const int number : {3, 1, 3, 3})
+            files << ExchangeFixture::readBytes(f.session->paths().computedPagePath(
+                f.store->page(doc, number, QSize(width += 10, 100))));
+        const qint32 cabinet = f.store->cabinet("Target");
+
+        Run run = exportCabinet(f, "Papers", f.outside.path());
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, "Export complete. 4 pages copied.\n");
+        QCOMPARE(QDir(f.outsidePath("Papers/D/F/Doc")).entryList(QDir::Files),
+                 QStringList({"Page 1.jpg", "Page 3 (2).jpg", "Page 3 (3).jpg", "Page 3.jpg"}));
+        run = importCabinet(f, f.outsidePath("Papers"), "Target");
+        QCOMPARE(run.status, 0);
+        QCOMPARE(run.out, "4 files imported.\r\n0 shortcuts created.\n");
+        ItemStore& items = f.session->items();
+        const qint32 target = items.childNamed(
+            Level::Document,
+            items.childNamed(Level::Folder, items.childNamed(Level::Drawer, cabinet, "D"), "F"),
+            "Doc");
+        QList<int> numbers;
+        QSet<QByteArray> imported;
+        for (const PageRow& page : f.session->pages().pages(target)) {
+            numbers << page.pageNumber;
+            imported << ExchangeFixture::readBytes(f.session->paths().computedPagePath(page.id));
+        }
+        std::sort(numbers.begin(), numbers.end());
+        QCOMPARE(numbers, QList<int>({1, 3, 3, 3}));
+        QCOMPARE(imported, files);
     }
 
     void progressLines()
@@ -226,15 +357,16 @@ private slots:
         const QString target = dir.filePath("target.bin");
         QVERIFY(ExchangeFixture::writeBytes(target, "an older file"));
         // Over what stands there, byte for byte.
-        QVERIFY(fs.copyFile(source, target).ok());
+        QVERIFY(fs.copyFile(source, target, LinkRule::Refuse).ok());
         QCOMPARE(ExchangeFixture::readBytes(target), big);
         // A source that cannot be read leaves the target as it was and nothing else.
-        const FileOutcome gone = fs.copyFile(dir.filePath("gone.bin"), target);
+        const FileOutcome gone = fs.copyFile(dir.filePath("gone.bin"), target, LinkRule::Refuse);
         QCOMPARE(gone.kind, FileOutcome::Kind::ReadFailed);
         QVERIFY(gone.message.contains("gone.bin"));
         QCOMPARE(ExchangeFixture::readBytes(target), big);
         // A target directory that is not there is a write failure, not a crash.
-        const FileOutcome nowhere = fs.copyFile(source, dir.filePath("no/such/dir/t.bin"));
+        const FileOutcome nowhere =
+            fs.copyFile(source, dir.filePath("no/such/dir/t.bin"), LinkRule::Refuse);
         QCOMPARE(nowhere.kind, FileOutcome::Kind::WriteFailed);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files),
                  QStringList({"source.bin", "target.bin"}));

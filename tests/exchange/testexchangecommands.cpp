@@ -217,6 +217,42 @@ private slots:
         QCOMPARE(int(h.window->pageList()->entries().size()), 4);
     }
 
+    // Links among the files are named and passed over; a name that is not UTF-8 comes in by its
+    // bytes, shown as Windows-1252, unless a shortcut would have to keep it.
+    void importFilesPassesOverLinksAndReadsOldNames()
+    {
+        NavHarness h;
+        h.loadSample();
+        QTemporaryDir dir, elsewhere;
+        writeFiles(dir.path(), {"a.jpg"});
+        writeFiles(elsewhere.path(), {"secret.jpg", "green.jpg"});
+        QVERIFY(QFile::link(elsewhere.filePath("secret.jpg"), dir.filePath("b.jpg")));
+        QVERIFY(QFile::link(elsewhere.path(), dir.filePath("sub")));
+        const QByteArray raw = QFile::encodeName(dir.path());
+        const QByteArray picture =
+            test::ExchangeFixture::readBytes(elsewhere.filePath("green.jpg"));
+        QVERIFY(test::ExchangeFixture::writeRaw(raw + "/Rechnung M\xe4rz.jpg", picture));
+        QVERIFY(test::ExchangeFixture::writeRaw(raw + "/notiz \xe9.pdf", "text"));
+        h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
+        h.choosers.queueDirectory(dir.path());
+        QStringList offered;
+        chooseTypes(h.window.get(), {}, "cmdAll", &offered);
+        h.prompter.expect("'" + dir.path() + "/b.jpg' is a link; it was not followed.\r\n'" +
+                          dir.path() + "/sub' is a link; it was not followed.\r\n'" + dir.path() +
+                          QString::fromUtf8("/notiz é.pdf' has a name that is not UTF-8, which a "
+                                            "shortcut cannot keep; it was not imported."));
+        h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(offered, QStringList({"JPG", "PDF"}));
+        const QString old = QString::fromUtf8("Rechnung März.jpg");
+        QCOMPARE(documentNames(*h.session, 2), QStringList({"a.jpg", old}));
+        const qint32 page = h.session->pages().pageNamed(
+            h.session->items().childNamed(Level::Document, 2, old), old);
+        QVERIFY(page >= 0);
+        QCOMPARE(test::ExchangeFixture::readBytes(h.session->paths().computedPagePath(page)),
+                 picture);
+    }
+
     void sameFileTwiceIntoAFolder()
     {
         NavHarness h;

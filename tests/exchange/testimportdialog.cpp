@@ -204,6 +204,26 @@ private slots:
         QVERIFY(f.field("SELECT Amount FROM Document").isNull());
     }
 
+    void linksAreNamedAtTheEnd()
+    {
+        ExchangeFixture f;
+        f.store->cabinet("Target");
+        const QString ex = writeExchange(f, "ex", 2);
+        const QString doc = ex + "/Bank/Checking/March";
+        QVERIFY(ExchangeFixture::writeImage(f.outsidePath("secret.jpg"), Qt::red));
+        QVERIFY(QFile::link(f.outsidePath("secret.jpg"), doc + "/Page 3.jpg"));
+        QVERIFY(QFile::link(f.outside.path(), ex + "/Bank/Everything"));
+        f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\n\r\n'" + ex +
+                          "/Bank/Everything' is a link; it was not followed.\r\n'" + doc +
+                          "/Page 3.jpg' is a link; it was not followed.");
+        ImportDialog dialog(f.context());
+        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
+        dialog.cmdOK();
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(f.count("Folder"), 1);
+        QCOMPARE(f.count("Page"), 2);
+    }
+
     void lookupTakesTheMarkersDirectory()
     {
         ExchangeFixture f;
