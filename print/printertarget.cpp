@@ -2,6 +2,8 @@
 
 #include <QPrinter>
 
+#include "print/pdfoutput.h"
+
 namespace qmr {
 
 PrinterTarget::PrinterTarget(QPrinter& printer) : m_printer(printer)
@@ -12,6 +14,9 @@ PrinterTarget::~PrinterTarget()
 {
     if (m_painter.isActive())
         m_painter.end();
+    // A job that was not finished leaves nothing behind, and the chosen file as it was.
+    if (m_pdf)
+        m_printer.setOutputFileName(m_pdf->target());
 }
 
 int PrinterTarget::dpiX() const
@@ -27,7 +32,7 @@ int PrinterTarget::dpiY() const
 QString PrinterTarget::where() const
 {
     if (m_printer.outputFormat() == QPrinter::PdfFormat)
-        return QStringLiteral("the file ") + m_printer.outputFileName();
+        return QStringLiteral("the file ") + (m_pdf ? m_pdf->target() : m_printer.outputFileName());
     return QStringLiteral("the printer ") + m_printer.printerName();
 }
 
@@ -35,6 +40,14 @@ bool PrinterTarget::beginSheet()
 {
     if (!m_started) {
         m_started = true;
+        if (m_printer.outputFormat() == QPrinter::PdfFormat) {
+            m_pdf = std::make_unique<PdfOutput>(m_printer.outputFileName());
+            if (!m_pdf->open()) {
+                m_error = QStringLiteral("Cannot print to ") + where() + QStringLiteral(".");
+                return false;
+            }
+            m_printer.setOutputFileName(m_pdf->writtenPath());
+        }
         if (!m_painter.begin(&m_printer)) {
             m_error = QStringLiteral("Cannot print to ") + where() + QStringLiteral(".");
             return false;
@@ -60,6 +73,11 @@ bool PrinterTarget::finish()
         return m_error.isEmpty();
     if (!m_painter.end() || m_printer.printerState() == QPrinter::Error) {
         m_error = QStringLiteral("Printing to ") + where() + QStringLiteral(" failed.");
+        return false;
+    }
+    if (m_pdf && !m_pdf->place()) {
+        m_error = QStringLiteral("Printing to ") + where() + QStringLiteral(" failed: ") +
+                  m_pdf->errorString();
         return false;
     }
     return true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QPainter>
+#include <memory>
 
 #include "print/printtarget.h"
 
@@ -8,7 +9,10 @@ class QPrinter;
 
 namespace qmr {
 
-// A printer or a PDF file, through Qt's printer.
+class PdfOutput;
+
+// A printer or a PDF file, through Qt's printer. A PDF is written aside and takes the chosen
+// file's place when the job ends (see PdfOutput).
 class PrinterTarget : public PrintTarget
 {
 public:
@@ -26,6 +30,7 @@ private:
     QString where() const;
 
     QPrinter& m_printer;
+    std::unique_ptr<PdfOutput> m_pdf;
     QPainter m_painter;
     bool m_started = false;
     QString m_error;

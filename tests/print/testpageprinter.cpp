@@ -1,3 +1,4 @@
+#include <QDir>
 #include <QFileInfo>
 #include <QPrinter>
 #include <QTemporaryDir>
@@ -133,7 +134,12 @@ private slots:
         h.page(1, QSize(850, 1100), 100, 100);
         h.page(2, QSize(600, 400), 300, 150);
         h.page(3, QSize(850, 1100), 600, 600);
-        QTemporaryDir dir;
+        QTemporaryDir dir, elsewhere;
+        // A link planted at the chosen name is replaced, never written through.
+        QFile victim(elsewhere.filePath("victim"));
+        QVERIFY(victim.open(QIODevice::WriteOnly) && victim.write("not a PDF") == 9);
+        victim.close();
+        QVERIFY(QFile::link(victim.fileName(), dir.filePath("three.pdf")));
         QPrinter printer(QPrinter::HighResolution);
         printer.setOutputFormat(QPrinter::PdfFormat);
         printer.setOutputFileName(dir.filePath("three.pdf"));
@@ -143,6 +149,12 @@ private slots:
                 .print(h.session->pages().pages(h.document), target);
         QCOMPARE(outcome.error, QString());
         QCOMPARE(outcome.printed, 3);
+        QVERIFY(!QFileInfo(dir.filePath("three.pdf")).isSymLink());
+        QVERIFY(victim.open(QIODevice::ReadOnly));
+        QCOMPARE(victim.readAll(), QByteArray("not a PDF"));
+        // Nothing is left beside it.
+        QCOMPARE(QDir(dir.path()).entryList(QDir::AllEntries | QDir::NoDotAndDotDot | QDir::Hidden),
+                 QStringList{"three.pdf"});
         const test::PdfFacts pdf = test::readPdf(dir.filePath("three.pdf"));
         QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
         QCOMPARE(pdf.pages, 3);

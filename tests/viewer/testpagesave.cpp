@@ -464,6 +464,10 @@ private slots:
             << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=C"} << false;
         QTest::newRow("existing, yes")
             << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=Y"} << true;
+        // A link planted at the chosen name: it is replaced, and the page's file it points at
+        // stays as it was.
+        QTest::newRow("a link, yes")
+            << "%1/link.jpg" << QStringList{"'%1/link.jpg' exists.  Overwrite?=Y"} << true;
     }
     void saveAs()
     {
@@ -477,6 +481,9 @@ private slots:
         auto w = openViewer(h, h.singlePage);
         w->cmdRotateClockwise();
         const QString path = fill(chosen, dir, h.home.path());
+        const QByteArray first = h.fileBytes(h.outsideFile("first.jpg"));
+        if (path.endsWith("link.jpg"))
+            QVERIFY(QFile::link(h.outsideFile("first.jpg"), path));
         h.choosers.queueSaveFile(chosen.isEmpty() ? std::nullopt : std::optional<QString>(path));
         for (QString& line : script)
             line = fill(line, dir, h.home.path());
@@ -485,6 +492,10 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(h.choosers.saveStarts(),
                  QStringList{dir + "/earlier/" + QString::number(h.singlePage) + ".jpg"});
+        if (path.endsWith("link.jpg")) {
+            QVERIFY(!QFileInfo(path).isSymLink());
+            QCOMPARE(h.fileBytes(h.outsideFile("first.jpg")), first);
+        }
         if (written) {
             QCOMPARE(QImage(path).size(), QSize(1100, 850));
             QCOMPARE(h.home.settings().get(keys::LastSaveAsPath), QFileInfo(path).path() + "/");
