@@ -433,11 +433,13 @@ QStringList CabinetImporter::pageFiles(const QString& dir, const QStringList& fi
         const QString shown = NativeName::display(name);
         if (ExchangeReader::isExchangeFile(shown) || !filter.accepts(shown))
             continue;
-        // A shortcut keeps its file's path as text, which holds no name that is not UTF-8.
-        if (isShortcutName(shown) && NativeName::hasKeptBytes(name)) {
-            m_report.skipped << QStringLiteral("'%1' has a name that is not UTF-8, which a "
+        // A shortcut keeps its file's path as text, which holds no name that is not UTF-8:
+        // neither the file's nor a directory's on the way.
+        const QString path = inside(dir, name);
+        if (isShortcutName(shown) && NativeName::hasKeptBytes(path)) {
+            m_report.skipped << QStringLiteral("'%1' has a path that is not UTF-8, which a "
                                                "shortcut cannot keep; it was not imported.")
-                                    .arg(NativeName::display(inside(dir, name)));
+                                    .arg(NativeName::display(path));
             continue;
         }
         names << name;

@@ -197,7 +197,7 @@ private slots:
 
     // A link in the exchange directory, to a file or a directory, is never followed: it is
     // named and the import fails. A name that is not UTF-8 comes in by its bytes and is shown
-    // as Windows-1252, unless a shortcut would have to keep it.
+    // as Windows-1252, unless a shortcut would have to keep it in its path.
     void importPassesOverLinksAndReadsOldNames()
     {
         ExchangeFixture f;
@@ -214,7 +214,7 @@ private slots:
         QVERIFY(::mkdir(old.constData(), 0755) == 0 && ::mkdir(old + "/Doc", 0755) == 0);
         const QByteArray picture = ExchangeFixture::readBytes(doc + "/Page 1.jpg") + "old";
         QVERIFY(ExchangeFixture::writeRaw(old + "/Doc/Rechnung M\xe4rz.jpg", picture));
-        QVERIFY(ExchangeFixture::writeRaw(old + "/Doc/notiz \xe9.pdf", "text"));
+        QVERIFY(ExchangeFixture::writeRaw(old + "/Doc/notes.pdf", "text"));
 
         const Run run = importCabinet(f, ex, "Target");
         QCOMPARE(run.status, 1);
@@ -223,7 +223,7 @@ private slots:
              {"'" + ex + "/Linked' is a link; it was not followed.",
               "'" + doc + "/Page 2.jpg' is a link; it was not followed.",
               "'" + ex +
-                  QString::fromUtf8("/D/Gebühren/Doc/notiz é.pdf' has a name that is not "
+                  QString::fromUtf8("/D/Gebühren/Doc/notes.pdf' has a path that is not "
                                     "UTF-8, which a shortcut cannot keep; it was not "
                                     "imported.")})
             QVERIFY2(run.err.contains("quillmere: " + line + "\n"), qPrintable(run.err));

@@ -239,7 +239,7 @@ private slots:
         chooseTypes(h.window.get(), {}, "cmdAll", &offered);
         h.prompter.expect("'" + dir.path() + "/b.jpg' is a link; it was not followed.\r\n'" +
                           dir.path() + "/sub' is a link; it was not followed.\r\n'" + dir.path() +
-                          QString::fromUtf8("/notiz é.pdf' has a name that is not UTF-8, which a "
+                          QString::fromUtf8("/notiz é.pdf' has a path that is not UTF-8, which a "
                                             "shortcut cannot keep; it was not imported."));
         h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
