@@ -2,13 +2,13 @@
 # Builds a fuzz target with clang and libFuzzer (into build-fuzz/) and runs it for SECONDS
 # seconds, starting from its seed corpus in fuzz/corpus/NAME.
 #   tools/fuzz.sh NAME SECONDS     NAME: drawer_template, sample_cabinet, parsers,
-#                                  manifests_and_help or page_images
+#                                  manifests_and_help, page_images or exchange_tree
 #   tools/fuzz.sh --all SECONDS    each target in turn
 # An input that fails is written to build-fuzz/crashes/NAME/. Once the fault is fixed, copy it
 # into fuzz/corpus/NAME/: the test suite replays that corpus, so it stays a regression case.
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
-all=(drawer_template sample_cabinet parsers manifests_and_help page_images)
+all=(drawer_template sample_cabinet parsers manifests_and_help page_images exchange_tree)
 if [ $# -ne 2 ] || ! [[ "$2" =~ ^[0-9]+$ ]]; then
   echo "Usage: tools/fuzz.sh NAME|--all SECONDS   (NAME: ${all[*]})" >&2
   exit 2
