@@ -27,9 +27,6 @@ namespace {
 constexpr int kGroupFiles = 64;
 constexpr int kGroupMs = 500;
 
-// The skipped entries a message names; a message is no place for a long list.
-constexpr int kNamedSkips = 15;
-
 const QString kUnfiledDrawer = QStringLiteral("Unfiled drawer");
 const QString kUnfiledFolder = QStringLiteral("Unfiled folder");
 
@@ -59,24 +56,6 @@ QString shortcutType(const QString& name)
 }
 
 } // namespace
-
-QString ImportReport::skippedText() const
-{
-    QStringList lines = skipped.mid(0, kNamedSkips);
-    if (skipped.size() > kNamedSkips)
-        lines << QStringLiteral("... and %1 more.").arg(skipped.size() - kNamedSkips);
-    return lines.join(QStringLiteral("\r\n"));
-}
-
-QString ImportReport::reportText() const
-{
-    QString text = QStringLiteral("%1 files imported.\r\n%2 shortcuts created.")
-                       .arg(filesImported)
-                       .arg(shortcutsCreated);
-    if (stopped)
-        text += QStringLiteral("\r\nImport stopped by user.");
-    return text;
-}
 
 // Rows that belong together, with the page files copied for them. Committed, its new items
 // are shown in the window; rolled back, the files go too, since the next rows would be given
@@ -252,10 +231,9 @@ int CabinetImporter::countImportFiles(const QString& path)
     const std::function<int(const QString&, int)> count = [&](const QString& dir, int level) {
         status(QStringLiteral("Scan files"), NativeName::display(dir));
         const DirectoryListing listing = m_fs.list(dir);
-        int files =
-            int(std::count_if(listing.files.begin(), listing.files.end(), [](const QString& name) {
-                return !ExchangeReader::isExchangeFile(name);
-            }));
+        int files = 0;
+        for (const QString& name : listing.files)
+            files += ExchangeReader::isExchangeFile(name) ? 0 : 1;
         if (level < 3)
             for (const QString& below : listing.directories)
                 files += count(inside(dir, below), level + 1);
