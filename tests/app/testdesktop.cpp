@@ -1,7 +1,12 @@
 #include <QApplication>
 #include <QFile>
+#include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
 #include <QScopeGuard>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 #include <cmath>
@@ -12,6 +17,9 @@
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "app/startup.h"
+#include "core/settingkeys.h"
+#include "core/settings.h"
+#include "dialogs/dialogchoosers.h"
 #include "help/helplocator.h"
 #include "help/helpwindow.h"
 #include "navigator/navwindow.h"
@@ -189,6 +197,139 @@ private slots:
                  QString("open:fraContents Tab:cmdClose Tab:fraContents Down:fraContents "
                          "Down:fraContents marked 1 Return:cmdNext topic 2 Home:fraContents "
                          "contents 1"));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        run.window()->close();
+    }
+
+    // Every Browse button asks the folder chooser: it starts at the box's folder, else at the
+    // last one chosen; the answer goes into the box and is remembered; Cancel changes nothing.
+    // The scripted rows state this of the seam; the desktop rows drive the real chooser (its
+    // own widgets, as offscreen and where the desktop has none of its own).
+    void browseButtonsAskTheFolderChooser_data()
+    {
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<bool>("desktop");
+        QTest::addColumn<QString>("box");    // "stale": a folder that is not there
+        QTest::addColumn<QString>("answer"); // "": Cancel
+        QTest::addColumn<QString>("start");  // "usual": where the chooser opens by itself
+        QTest::addColumn<QString>("boxAfter");
+        QTest::addColumn<QString>("remembered");
+        const QString cabinet = "mnuPopupRootNewFileCabinet", exports = "mnuToolsExportCabinet";
+        QTest::newRow("cabinet, empty box: the last folder; chosen") << cabinet << false << ""
+                                                                     << "A"
+                                                                     << "S"
+                                                                     << "A"
+                                                                     << "A";
+        QTest::newRow("cabinet, empty box; cancelled") << cabinet << false << ""
+                                                       << ""
+                                                       << "S"
+                                                       << ""
+                                                       << "S";
+        QTest::newRow("export, stale box: the usual place; chosen") << exports << false << "stale"
+                                                                    << "A"
+                                                                    << "usual"
+                                                                    << "A"
+                                                                    << "A";
+        QTest::newRow("export, the box's folder; cancelled") << exports << false << "B"
+                                                             << ""
+                                                             << "B"
+                                                             << "B"
+                                                             << "S";
+        QTest::newRow("desktop chooser: cabinet, empty box; typed") << cabinet << true << ""
+                                                                    << "A"
+                                                                    << "S"
+                                                                    << "A"
+                                                                    << "A";
+        QTest::newRow("desktop chooser: export, the box's folder; cancelled")
+            << exports << true << "B"
+            << ""
+            << "B"
+            << "B"
+            << "S";
+        QTest::newRow("desktop chooser: export, stale box: at home; typed")
+            << exports << true << "stale"
+            << "A"
+            << "usual"
+            << "A"
+            << "A";
+    }
+    void browseButtonsAskTheFolderChooser()
+    {
+        QFETCH(QString, entry);
+        QFETCH(bool, desktop);
+        QFETCH(QString, box);
+        QFETCH(QString, answer);
+        QFETCH(QString, start);
+        QFETCH(QString, boxAfter);
+        QFETCH(QString, remembered);
+        QTemporaryDir places;
+        const auto place = [&](const QString& name) -> QString {
+            if (name.isEmpty())
+                return {};
+            if (name == "stale")
+                return places.filePath("gone");
+            if (name == "usual")
+                return desktop ? QDir::homePath() : QString();
+            QDir(places.path()).mkdir(name);
+            return places.filePath(name);
+        };
+        // A platform theme from the environment could bring a chooser of its own, which no
+        // test can answer.
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, true);
+        const auto nativeAgain =
+            qScopeGuard([] { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false); });
+
+        test::TestHome home;
+        home.settings().set(keys::PathSelect, place("S"));
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers scripted;
+        DialogChoosers real;
+        Choosers& choosers = desktop ? static_cast<Choosers&>(real) : scripted;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(run.start());
+        real.setParent(run.window());
+        if (!desktop)
+            scripted.queueDirectory(answer.isEmpty() ? std::nullopt
+                                                     : std::optional<QString>(place(answer)));
+
+        QString opened, shown = "<no dialog>";
+        const bool cabinet = entry == "mnuPopupRootNewFileCabinet";
+        const char* const boxName = cabinet ? "txtSaveTo" : "txtOutputPath";
+        test::whenModal(run.window(), [&](QWidget* dialog) {
+            if (cabinet)
+                dialog->findChild<QRadioButton*>("optStorage1")->click();
+            auto* text = dialog->findChild<QLineEdit*>(boxName);
+            text->setText(place(box));
+            if (desktop) {
+                test::whenModal(dialog, [&](QWidget* w) {
+                    auto* chooser = qobject_cast<QFileDialog*>(w);
+                    if (!chooser)
+                        return;
+                    opened = QString("%1|%2|%3")
+                                 .arg(chooser->windowTitle(), chooser->directory().path())
+                                 .arg(chooser->fileMode() == QFileDialog::Directory);
+                    auto* typed = chooser->findChild<QLineEdit*>("fileNameEdit");
+                    if (answer.isEmpty() || !typed) {
+                        QTest::keyClick(chooser, Qt::Key_Escape);
+                        return;
+                    }
+                    typed->clear();
+                    QTest::keyClicks(typed, place(answer));
+                    QTest::keyClick(typed, Qt::Key_Return);
+                });
+            }
+            dialog->findChild<QPushButton*>(cabinet ? "cmdBrowse" : "cmdLookup")->click();
+            shown = text->text();
+            dialog->findChild<QPushButton*>("cmdCancel")->click();
+        });
+        run.window()->menus().action(entry)->trigger();
+
+        if (desktop)
+            QCOMPARE(opened, "Select Path|" + place(start) + "|1");
+        else
+            QCOMPARE(scripted.directoryStarts(), QStringList{place(start)});
+        QCOMPARE(shown, place(boxAfter));
+        QCOMPARE(home.settings().get(keys::PathSelect), place(remembered));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         run.window()->close();
     }
