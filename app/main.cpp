@@ -83,7 +83,7 @@ int main(int argc, char* argv[])
     qmr::ExitOnSignal exitOnSignal;
     qmr::Settings settings;
     qmr::BoxPrompter prompter;
-    qmr::DialogChoosers choosers(settings);
+    qmr::DialogChoosers choosers;
     qmr::Startup startup(qmr::CommandLine::homeOf(request), settings, prompter, choosers);
     if (!startup.start())
         return 1;

@@ -1,11 +1,12 @@
 #include "dialogs/dialogchoosers.h"
 
 #include <QDesktopServices>
+#include <QDir>
 #include <QFileDialog>
+#include <QFileInfo>
 #include <QUrl>
 
 #include "dialogs/passworddialog.h"
-#include "dialogs/pathselectdialog.h"
 
 namespace qmr {
 
@@ -18,10 +19,15 @@ std::optional<QString> DialogChoosers::askPassword()
 
 std::optional<QString> DialogChoosers::chooseDirectory(const QString& start)
 {
-    PathSelectDialog dialog(m_settings, start, m_parent);
-    if (dialog.exec() != QDialog::Accepted || dialog.path().isEmpty())
+    // The desktop's own folder chooser: it follows the desktop's theme and portal, and brings
+    // the keys, places and typed paths people know from every other program. It opens at
+    // home when the start is no directory, never at the top of the disk.
+    const QString at = QFileInfo(start).isDir() ? start : QDir::homePath();
+    const QString chosen =
+        QFileDialog::getExistingDirectory(m_parent, QStringLiteral("Select Path"), at);
+    if (chosen.isEmpty())
         return std::nullopt;
-    return dialog.path();
+    return QDir::cleanPath(chosen);
 }
 
 std::optional<QString> DialogChoosers::chooseFileToOpen(const QString& start,

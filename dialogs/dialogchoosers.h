@@ -6,17 +6,12 @@ class QWidget;
 
 namespace qmr {
 
-class Settings;
-
-// The real choosers: the password window, the directory chooser, and opening files with
-// the desktop's programs.
+// The real choosers: the password window, the desktop's file and folder choosers, and
+// opening files with the desktop's programs.
 class DialogChoosers : public Choosers
 {
 public:
-    explicit DialogChoosers(Settings& settings, QWidget* parent = nullptr)
-        : m_settings(settings), m_parent(parent)
-    {
-    }
+    explicit DialogChoosers(QWidget* parent = nullptr) : m_parent(parent) {}
     void setParent(QWidget* parent) { m_parent = parent; }
 
     std::optional<QString> askPassword() override;
@@ -27,7 +22,6 @@ public:
     std::optional<QString> saveFile(const SaveFileRequest& request) override;
 
 private:
-    Settings& m_settings;
     QWidget* m_parent;
 };
 

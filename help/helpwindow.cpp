@@ -4,6 +4,7 @@
 #include <QLabel>
 #include <QLinearGradient>
 #include <QPainter>
+#include <QStyleOptionFocusRect>
 
 #include "core/textfile.h"
 #include "help/helpfile.h"
@@ -16,6 +17,14 @@ namespace {
 // The window ends this far short of the main window's right and bottom edges.
 constexpr int kShortOfParent = 800 / 15;
 
+// `a` with a share of `b` mixed in: a tint that keeps the theme's own lightness.
+QColor blend(const QColor& a, const QColor& b, qreal share)
+{
+    return QColor::fromRgbF(float(a.redF() + (b.redF() - a.redF()) * share),
+                            float(a.greenF() + (b.greenF() - a.greenF()) * share),
+                            float(a.blueF() + (b.blueF() - a.blueF()) * share));
+}
+
 } // namespace
 
 HelpWindow::HelpWindow(const QString& helpPath, QWidget* parent)
@@ -23,6 +32,10 @@ HelpWindow::HelpWindow(const QString& helpPath, QWidget* parent)
 {
     m_ui->setupUi(this);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
+    // Help is read like a document: the theme's text on the theme's text ground, whichever
+    // theme that is. The labels take their colours from these roles.
+    setBackgroundRole(QPalette::Base);
+    m_ui->fraContents->installEventFilter(this);
     m_lines = {m_ui->lblLine0, m_ui->lblLine1, m_ui->lblLine2, m_ui->lblLine3, m_ui->lblLine4,
                m_ui->lblLine5, m_ui->lblLine6, m_ui->lblLine7, m_ui->lblLine8};
     QFont title = m_ui->lblTitle->font();
@@ -33,6 +46,7 @@ HelpWindow::HelpWindow(const QString& helpPath, QWidget* parent)
     lineFont.setPointSizeF(lineFont.pointSizeF() * 1.25);
     for (QLabel* label : m_lines) {
         label->setFont(lineFont);
+        label->setContentsMargins(6, 2, 6, 2);
         label->installEventFilter(this);
     }
     QFont pageFont = m_ui->lblPage->font();
@@ -85,7 +99,13 @@ void HelpWindow::display()
 
 void HelpWindow::showContents(const QStringList& titles)
 {
+    // The page's buttons go: the focus goes to the list it came from.
+    const bool focusOnPage =
+        m_ui->cmdTOC->hasFocus() || m_ui->cmdPrev->hasFocus() || m_ui->cmdNext->hasFocus();
     m_showsContents = true;
+    m_ui->fraContents->show();
+    if (focusOnPage)
+        m_ui->fraContents->setFocus(Qt::OtherFocusReason);
     m_ui->cmdTOC->hide();
     m_ui->cmdPrev->hide();
     m_ui->cmdNext->hide();
@@ -108,6 +128,10 @@ void HelpWindow::showPage(const QStringList& text)
     m_ui->cmdTOC->show();
     m_ui->cmdPrev->show();
     m_ui->cmdNext->show();
+    // A topic opened from the list: the next page is the likely next step.
+    if (m_ui->fraContents->hasFocus())
+        m_ui->cmdNext->setFocus(Qt::OtherFocusReason);
+    m_ui->fraContents->hide();
     m_ui->lblTitle->setText(m_topicTitle);
     m_ui->lblPage->setText(text.join(QLatin1Char('\n')));
     m_ui->lblPage->show();
@@ -157,11 +181,7 @@ void HelpWindow::mark(int index)
         QFont font = label->font();
         font.setUnderline(marked);
         label->setFont(font);
-        QPalette palette = label->palette();
-        palette.setColor(QPalette::WindowText, marked
-                                                   ? palette.color(QPalette::Link)
-                                                   : this->palette().color(QPalette::WindowText));
-        label->setPalette(palette);
+        label->update(); // the mark's ground is drawn with the label (eventFilter)
     }
 }
 
@@ -180,7 +200,30 @@ void HelpWindow::moveMark(int step)
 
 bool HelpWindow::eventFilter(QObject* watched, QEvent* event)
 {
+    if (watched == m_ui->fraContents) {
+        if (event->type() == QEvent::KeyPress && contentsKey(static_cast<QKeyEvent*>(event)->key()))
+            return true;
+        if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+            m_ui->fraContents->update();
+        if (event->type() == QEvent::Paint && m_ui->fraContents->hasFocus()) {
+            // The list is one stop of the Tab chain; the frame says where the keys go.
+            QPainter painter(m_ui->fraContents);
+            QStyleOptionFocusRect option;
+            option.initFrom(m_ui->fraContents);
+            option.backgroundColor = palette().color(QPalette::Base);
+            style()->drawPrimitive(QStyle::PE_FrameFocusRect, &option, &painter, m_ui->fraContents);
+        }
+        return QDialog::eventFilter(watched, event);
+    }
     const int index = int(m_lines.indexOf(qobject_cast<QLabel*>(watched)));
+    if (index >= 0 && event->type() == QEvent::Paint && index == m_marked) {
+        // The marked line stands on a tint of the theme's selection colour under the text
+        // colour: unlike the selection's own pair, it reads as well as the other lines in any
+        // theme. The label then draws its text over it.
+        QPainter painter(m_lines[index]);
+        painter.fillRect(m_lines[index]->rect(), blend(palette().color(QPalette::Base),
+                                                       palette().color(QPalette::Highlight), 0.3));
+    }
     if (index >= 0 && m_showsContents) {
         if (event->type() == QEvent::Enter || event->type() == QEvent::MouseMove) {
             if (index != m_marked)
@@ -193,23 +236,31 @@ bool HelpWindow::eventFilter(QObject* watched, QEvent* event)
     return QDialog::eventFilter(watched, event);
 }
 
+bool HelpWindow::contentsKey(int key)
+{
+    if (!m_showsContents)
+        return false;
+    if (key >= Qt::Key_1 && key <= Qt::Key_9) {
+        openTopic(key - Qt::Key_1);
+        return true;
+    }
+    if (key == Qt::Key_Down || key == Qt::Key_Up) {
+        moveMark(key == Qt::Key_Down ? 1 : -1);
+        return true;
+    }
+    if ((key == Qt::Key_Return || key == Qt::Key_Enter) && m_marked >= 0) {
+        openTopic(m_marked);
+        return true;
+    }
+    return false;
+}
+
 void HelpWindow::keyPressEvent(QKeyEvent* event)
 {
     const int key = event->key();
-    if (m_showsContents) {
-        if (key >= Qt::Key_1 && key <= Qt::Key_9) {
-            openTopic(key - Qt::Key_1);
-            return;
-        }
-        if (key == Qt::Key_Down || key == Qt::Key_Up) {
-            moveMark(key == Qt::Key_Down ? 1 : -1);
-            return;
-        }
-        if ((key == Qt::Key_Return || key == Qt::Key_Enter) && m_marked >= 0) {
-            openTopic(m_marked);
-            return;
-        }
-    } else {
+    if (contentsKey(key))
+        return;
+    if (!m_showsContents) {
         if (key == Qt::Key_Right || key == Qt::Key_PageDown) {
             cmdNext();
             return;
@@ -228,12 +279,15 @@ void HelpWindow::keyPressEvent(QKeyEvent* event)
 
 void HelpWindow::paintEvent(QPaintEvent* event)
 {
-    // The table of contents stands on a background picture; pages on the plain window.
+    // The table of contents stands on a background picture; pages on the plain ground. The
+    // picture is a faint tint of the theme's selection colour over its text ground, so the
+    // text stays as readable as anywhere else in a light theme and a dark one alike.
     if (m_showsContents) {
         QPainter painter(this);
+        const QColor ground = palette().color(QPalette::Base);
         QLinearGradient gradient(rect().topLeft(), rect().bottomRight());
-        gradient.setColorAt(0, QColor(0xe8, 0xf1, 0xf8));
-        gradient.setColorAt(1, QColor(0xfb, 0xfc, 0xfd));
+        gradient.setColorAt(0, blend(ground, palette().color(QPalette::Highlight), 0.12));
+        gradient.setColorAt(1, ground);
         painter.fillRect(rect(), gradient);
         const QIcon icon = windowIcon();
         if (!icon.isNull()) {

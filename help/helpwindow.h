@@ -48,6 +48,8 @@ private:
     void showContents(const QStringList& titles);
     void showPage(const QStringList& text);
     void mark(int index);
+    // The keys of the table of contents; true when the key did something there.
+    bool contentsKey(int key);
     void moveMark(int step);
 
     std::unique_ptr<Ui::HelpWindow> m_ui;

@@ -1,18 +1,32 @@
 #include <QApplication>
 #include <QFile>
+#include <QFileDialog>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScopeGuard>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
+#include <cmath>
 #include <functional>
+#include <map>
 
 #include "app/appicon.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "app/startup.h"
+#include "core/settingkeys.h"
+#include "core/settings.h"
+#include "dialogs/dialogchoosers.h"
 #include "help/helplocator.h"
+#include "help/helpwindow.h"
 #include "navigator/navwindow.h"
 #include "tests/support/scriptedchoosers.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedprompter.h"
+#include "tests/support/shots.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
@@ -35,6 +49,44 @@ void noteModal(QObject* context, std::function<void(QWidget*)> act, int tries = 
             noteModal(context, act, tries - 1);
         }
     });
+}
+
+// The contrast ratio of two colours as the accessibility guidelines define it (1 to 21).
+double contrast(QRgb a, QRgb b)
+{
+    const auto luminance = [](QRgb c) {
+        const auto channel = [](int v) {
+            const double s = v / 255.0;
+            return s <= 0.03928 ? s / 12.92 : std::pow((s + 0.055) / 1.055, 2.4);
+        };
+        return 0.2126 * channel(qRed(c)) + 0.7152 * channel(qGreen(c)) + 0.0722 * channel(qBlue(c));
+    };
+    const double la = luminance(a), lb = luminance(b);
+    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
+}
+
+// How well a control's text stands out from its ground, as the window draws them: the ground
+// is the commonest colour of the control's rectangle, the text the colour farthest from it.
+double drawnContrast(QWidget* window, const char* name)
+{
+    auto* control = window->findChild<QWidget*>(QLatin1String(name));
+    if (!control || control->isHidden())
+        return 0;
+    const QImage shot = window->grab().toImage().convertToFormat(QImage::Format_RGB32);
+    const QRect area(control->mapTo(window, QPoint(0, 0)), control->size());
+    std::map<QRgb, int> counts;
+    for (int y = area.top(); y <= area.bottom(); ++y)
+        for (int x = area.left(); x <= area.right(); ++x)
+            ++counts[shot.pixel(x, y)];
+    QRgb ground = 0;
+    int most = 0;
+    for (const auto& [colour, count] : counts)
+        if (count > most)
+            ground = colour, most = count;
+    double best = 1;
+    for (const auto& entry : counts)
+        best = qMax(best, contrast(ground, entry.first));
+    return best;
 }
 
 } // namespace
@@ -78,6 +130,206 @@ private slots:
             run.window()->menus().action(entry)->trigger();
         }
         QCOMPARE(seen, (QStringList{"frmAbout", "frmPrintSettings", "frmHelp"}));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        run.window()->close();
+    }
+
+    // Help reads in a light and a dark theme, and is worked with the keys alone: Tab reaches
+    // the list of topics, the arrows move in it, Enter opens the topic.
+    void helpInAnyThemeByKeys_data()
+    {
+        QTest::addColumn<bool>("dark");
+        QTest::newRow("light theme") << false;
+        QTest::newRow("dark theme") << true;
+    }
+    void helpInAnyThemeByKeys()
+    {
+        QFETCH(bool, dark);
+        const QPalette before = QApplication::palette();
+        const auto restore = qScopeGuard([&] { QApplication::setPalette(before); });
+        if (dark)
+            QApplication::setPalette(test::darkPalette());
+        test::TestHome home;
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers choosers;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(run.start());
+
+        QStringList steps, unreadable;
+        test::whenModal(run.window(), [&](QWidget* w) {
+            auto* help = qobject_cast<HelpWindow*>(w);
+            if (!help)
+                return;
+            const auto focus = [&] {
+                return help->focusWidget() ? help->focusWidget()->objectName() : QString("none");
+            };
+            const auto readable = [&](const char* name) {
+                const double ratio = drawnContrast(help, name);
+                if (ratio < 4.5)
+                    unreadable << QStringLiteral("%1 %2").arg(name).arg(ratio, 0, 'f', 2);
+            };
+            const auto press = [&](Qt::Key key, const QString& name) {
+                QTest::keyClick(help->windowHandle(), key);
+                steps << name + ":" + focus();
+            };
+            QTRY_VERIFY(help->isActiveWindow());
+            steps << "open:" + focus();
+            readable("lblTitle");
+            readable("lblLine0");
+            press(Qt::Key_Tab, "Tab");
+            press(Qt::Key_Tab, "Tab");
+            press(Qt::Key_Down, "Down");
+            press(Qt::Key_Down, "Down");
+            steps << QString("marked %1").arg(help->markedLine());
+            readable("lblLine0");
+            readable("lblLine1"); // marked
+            press(Qt::Key_Return, "Return");
+            steps << QString("topic %1").arg(help->topicNumber());
+            readable("lblTitle");
+            readable("lblPage");
+            press(Qt::Key_Home, "Home");
+            steps << QString("contents %1").arg(help->showsContents());
+            w->close();
+        });
+        run.window()->menus().action("mnuHelpHelpTopics")->trigger();
+        QVERIFY2(unreadable.isEmpty(), qPrintable(unreadable.join(", ")));
+        QCOMPARE(steps.join(' '),
+                 QString("open:fraContents Tab:cmdClose Tab:fraContents Down:fraContents "
+                         "Down:fraContents marked 1 Return:cmdNext topic 2 Home:fraContents "
+                         "contents 1"));
+        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        run.window()->close();
+    }
+
+    // Every Browse button asks the folder chooser: it starts at the box's folder, else at the
+    // last one chosen; the answer goes into the box and is remembered; Cancel changes nothing.
+    // The scripted rows state this of the seam; the desktop rows drive the real chooser (its
+    // own widgets, as offscreen and where the desktop has none of its own).
+    void browseButtonsAskTheFolderChooser_data()
+    {
+        QTest::addColumn<QString>("entry");
+        QTest::addColumn<bool>("desktop");
+        QTest::addColumn<QString>("box");    // "stale": a folder that is not there
+        QTest::addColumn<QString>("answer"); // "": Cancel
+        QTest::addColumn<QString>("start");  // "usual": where the chooser opens by itself
+        QTest::addColumn<QString>("boxAfter");
+        QTest::addColumn<QString>("remembered");
+        const QString cabinet = "mnuPopupRootNewFileCabinet", exports = "mnuToolsExportCabinet";
+        QTest::newRow("cabinet, empty box: the last folder; chosen") << cabinet << false << ""
+                                                                     << "A"
+                                                                     << "S"
+                                                                     << "A"
+                                                                     << "A";
+        QTest::newRow("cabinet, empty box; cancelled") << cabinet << false << ""
+                                                       << ""
+                                                       << "S"
+                                                       << ""
+                                                       << "S";
+        QTest::newRow("export, stale box: the usual place; chosen") << exports << false << "stale"
+                                                                    << "A"
+                                                                    << "usual"
+                                                                    << "A"
+                                                                    << "A";
+        QTest::newRow("export, the box's folder; cancelled") << exports << false << "B"
+                                                             << ""
+                                                             << "B"
+                                                             << "B"
+                                                             << "S";
+        QTest::newRow("desktop chooser: cabinet, empty box; typed") << cabinet << true << ""
+                                                                    << "A"
+                                                                    << "S"
+                                                                    << "A"
+                                                                    << "A";
+        QTest::newRow("desktop chooser: export, the box's folder; cancelled")
+            << exports << true << "B"
+            << ""
+            << "B"
+            << "B"
+            << "S";
+        QTest::newRow("desktop chooser: export, stale box: at home; typed")
+            << exports << true << "stale"
+            << "A"
+            << "usual"
+            << "A"
+            << "A";
+    }
+    void browseButtonsAskTheFolderChooser()
+    {
+        QFETCH(QString, entry);
+        QFETCH(bool, desktop);
+        QFETCH(QString, box);
+        QFETCH(QString, answer);
+        QFETCH(QString, start);
+        QFETCH(QString, boxAfter);
+        QFETCH(QString, remembered);
+        QTemporaryDir places;
+        const auto place = [&](const QString& name) -> QString {
+            if (name.isEmpty())
+                return {};
+            if (name == "stale")
+                return places.filePath("gone");
+            if (name == "usual")
+                return desktop ? QDir::homePath() : QString();
+            QDir(places.path()).mkdir(name);
+            return places.filePath(name);
+        };
+        // A platform theme from the environment could bring a chooser of its own, which no
+        // test can answer.
+        QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, true);
+        const auto nativeAgain =
+            qScopeGuard([] { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false); });
+
+        test::TestHome home;
+        home.settings().set(keys::PathSelect, place("S"));
+        test::ScriptedPrompter prompter;
+        test::ScriptedChoosers scripted;
+        DialogChoosers real;
+        Choosers& choosers = desktop ? static_cast<Choosers&>(real) : scripted;
+        Startup run(home.home(), home.settings(), prompter, choosers);
+        QVERIFY(run.start());
+        real.setParent(run.window());
+        if (!desktop)
+            scripted.queueDirectory(answer.isEmpty() ? std::nullopt
+                                                     : std::optional<QString>(place(answer)));
+
+        QString opened, shown = "<no dialog>";
+        const bool cabinet = entry == "mnuPopupRootNewFileCabinet";
+        const char* const boxName = cabinet ? "txtSaveTo" : "txtOutputPath";
+        test::whenModal(run.window(), [&](QWidget* dialog) {
+            if (cabinet)
+                dialog->findChild<QRadioButton*>("optStorage1")->click();
+            auto* text = dialog->findChild<QLineEdit*>(boxName);
+            text->setText(place(box));
+            if (desktop) {
+                test::whenModal(dialog, [&](QWidget* w) {
+                    auto* chooser = qobject_cast<QFileDialog*>(w);
+                    if (!chooser)
+                        return;
+                    opened = QString("%1|%2|%3")
+                                 .arg(chooser->windowTitle(), chooser->directory().path())
+                                 .arg(chooser->fileMode() == QFileDialog::Directory);
+                    auto* typed = chooser->findChild<QLineEdit*>("fileNameEdit");
+                    if (answer.isEmpty() || !typed) {
+                        QTest::keyClick(chooser, Qt::Key_Escape);
+                        return;
+                    }
+                    typed->clear();
+                    QTest::keyClicks(typed, place(answer));
+                    QTest::keyClick(typed, Qt::Key_Return);
+                });
+            }
+            dialog->findChild<QPushButton*>(cabinet ? "cmdBrowse" : "cmdLookup")->click();
+            shown = text->text();
+            dialog->findChild<QPushButton*>("cmdCancel")->click();
+        });
+        run.window()->menus().action(entry)->trigger();
+
+        if (desktop)
+            QCOMPARE(opened, "Select Path|" + place(start) + "|1");
+        else
+            QCOMPARE(scripted.directoryStarts(), QStringList{place(start)});
+        QCOMPARE(shown, place(boxAfter));
+        QCOMPARE(home.settings().get(keys::PathSelect), place(remembered));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         run.window()->close();
     }

@@ -7,7 +7,6 @@
 #include "dialogharness.h"
 #include "dialogs/pagenumberdialog.h"
 #include "dialogs/passworddialog.h"
-#include "dialogs/pathselectdialog.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -98,7 +97,6 @@ private slots:
             std::make_unique<ItemDialog>(Level::Document, h.services(), nullptr, true));
         dialogs.push_back(std::make_unique<PasswordDialog>());
         dialogs.push_back(std::make_unique<PageNumberDialog>(3));
-        dialogs.push_back(std::make_unique<PathSelectDialog>(h.home.settings(), h.home.path()));
         for (const auto& dialog : dialogs) {
             auto* cancel = child<QPushButton>(dialog.get(), "cmdCancel");
             QVERIFY(cancel);

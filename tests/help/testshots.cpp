@@ -1,3 +1,5 @@
+#include <QApplication>
+#include <QScopeGuard>
 #include <QTest>
 
 #include "core/textfile.h"
@@ -29,6 +31,23 @@ private slots:
         test::saveShot(&help, "help-page");
         help.cmdNext();
         test::saveShot(&help, "help-page-2");
+
+        // The same in a dark theme, with a line marked by the arrow keys.
+        const QPalette light = QApplication::palette();
+        const auto restore = qScopeGuard([&] { QApplication::setPalette(light); });
+        QApplication::setPalette(test::darkPalette());
+        HelpWindow dark(home.file("qmrhelp.txt"), &main);
+        dark.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dark));
+        dark.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&dark));
+        // Tab away and back: the list shows the frame of keyboard focus.
+        for (const Qt::Key key : {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Down, Qt::Key_Down})
+            QTest::keyClick(dark.windowHandle(), key);
+        test::saveShot(&dark, "help-contents-dark");
+        dark.openTopic(1);
+        test::saveShot(&dark, "help-page-dark");
+        QApplication::setPalette(light);
 
         AboutDialog about(1234567);
         about.show();

@@ -15,7 +15,6 @@
 #include "dialogs/itemdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "dialogs/passworddialog.h"
-#include "dialogs/pathselectdialog.h"
 #include "navharness.h"
 #include "navigator/navigator.h"
 #include "navigator/pagepane.h"
@@ -203,12 +202,6 @@ private slots:
         sample.show();
         QVERIFY(QTest::qWaitForWindowExposed(&sample));
         test::saveShot(&sample, "dialog-sample-cabinet");
-
-        PathSelectDialog path(h.home.settings(), h.home.path());
-        path.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&path));
-        QTest::qWait(300); // the directory tree reads in the background
-        test::saveShot(&path, "dialog-path-select");
     }
 
     void popupMenus()

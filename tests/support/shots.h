@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPalette>
 #include <QString>
 
 class QWidget;
@@ -12,5 +13,7 @@ namespace qmr::test {
 QString shotsDirectory();
 // Saves the window's picture as NAME.png; fails the test when nothing was drawn.
 void saveShot(QWidget* window, const QString& name);
+// A dark theme's palette: dark grounds, light text, a blue selection.
+QPalette darkPalette();
 
 } // namespace qmr::test
