@@ -1,10 +1,12 @@
 #include "navigator/navwindow.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QCloseEvent>
 #include <QFrame>
 #include <QGuiApplication>
 #include <QHBoxLayout>
+#include <QMenu>
 #include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
@@ -148,6 +150,9 @@ void NavWindow::buildMenus()
     m_exchangeCommands->addTo(commands);
     m_clipboardCommands = std::make_unique<ClipboardCommands>(m_navigator->context());
     m_clipboardCommands->addTo(commands);
+    // Paste is offered whenever there is something to put: pages cut or copied here, or files
+    // on the desktop's clipboard.
+    m_navigator->popups().setPasteQuery([this] { return m_clipboardCommands->canPaste(); });
     m_dragDrop = std::make_unique<NavDragDrop>(m_navigator->context(), *m_tree, *m_list, *m_pages);
     // Pages coming in from files bring their thumbnails; the page pane waits for those.
     for (PageFileAdder* files : {&m_dragDrop->files(), &m_clipboardCommands->clipboard().files()}) {
@@ -170,8 +175,19 @@ void NavWindow::buildMenus()
         connect(button, &QPushButton::clicked, this, [run = command.value()] { run(); });
     }
 
-    connect(m_pages, &PagePane::commandRequested, this,
-            [this](const QString& name) { m_menus.run(name); });
+    // The entries follow the clipboard, and are asked again as their menus open and before a
+    // key runs one, since a cut here changes nothing on the desktop's clipboard.
+    const auto updatePaste = [this] { m_navigator->popups().updatePaste(); };
+    connect(QGuiApplication::clipboard(), &QClipboard::dataChanged, this, updatePaste);
+    for (const char* name : {"mnuPopupDocument", "mnuPopupPage"})
+        if (QMenu* menu = m_menus.menu(QLatin1String(name)))
+            connect(menu, &QMenu::aboutToShow, this, updatePaste);
+    updatePaste();
+    connect(m_pages, &PagePane::commandRequested, this, [this](const QString& name) {
+        if (name.endsWith(QLatin1String("Paste")))
+            m_navigator->popups().updatePaste();
+        m_menus.run(name);
+    });
     connect(m_navigator.get(), &Navigator::documentActivated, this,
             [this](qint32 id) { m_itemCommands->properties(Level::Document, id); });
     auto* refresh = new QShortcut(QKeySequence(Qt::Key_F5), m_tree);
