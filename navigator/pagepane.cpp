@@ -324,8 +324,7 @@ void PagePane::tileReady(qint32 pageId, const QImage& tile)
     if (entry == m_entries.cend() || QFileInfo::exists(entry->pagePath))
         return;
     m_list->setTile(pageId, missingTile());
-    m_list->setPageToolTip(pageId,
-                           tr("The file of this page is missing: %1").arg(entry->pagePath));
+    m_list->setPageToolTip(pageId, tr("The file of this page is missing: %1").arg(entry->pagePath));
 }
 
 // ---- the buttons --------------------------------------------------------------------------
