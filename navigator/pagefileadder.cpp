@@ -45,6 +45,20 @@ QString takenReason(const QString& target)
     return QStringLiteral("Another file appeared at %1 while the page was copied").arg(target);
 }
 
+// Moves a written part file to the page's name; "" when done, else the reason.
+QString placeWithoutReplacing(PartFile& part, const QString& target)
+{
+    switch (part.place(PartFile::Placing::NoReplace)) {
+    case PartFile::Placed::Done:
+        return QString();
+    case PartFile::Placed::TargetExists:
+        return takenReason(target);
+    case PartFile::Placed::Failed:
+        break;
+    }
+    return part.errorString();
+}
+
 // Puts a file read whole into the page store; nothing half-copied ever stands under the
 // page's name. "" when done, else the system's reason.
 QString writeIntoPlace(const DirectFile& contents, const QString& target)
@@ -66,15 +80,7 @@ QString writeIntoPlace(const DirectFile& contents, const QString& target)
     const QByteArray bytes = contents.bytes();
     if (!part.open() || !part.write(bytes.constData(), bytes.size()))
         return part.errorString();
-    switch (part.place(PartFile::Placing::NoReplace)) {
-    case PartFile::Placed::Done:
-        return QString();
-    case PartFile::Placed::TargetExists:
-        return takenReason(target);
-    case PartFile::Placed::Failed:
-        break;
-    }
-    return part.errorString();
+    return placeWithoutReplacing(part, target);
 }
 
 // Copies a file too large to be held whole, a piece at a time.
@@ -93,15 +99,7 @@ QString copyIntoPlace(QFile& in, const QString& target)
         if (!part.write(buffer.constData(), n))
             return part.errorString();
     }
-    switch (part.place(PartFile::Placing::NoReplace)) {
-    case PartFile::Placed::Done:
-        return QString();
-    case PartFile::Placed::TargetExists:
-        return takenReason(target);
-    case PartFile::Placed::Failed:
-        break;
-    }
-    return part.errorString();
+    return placeWithoutReplacing(part, target);
 }
 
 } // namespace
