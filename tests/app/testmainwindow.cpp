@@ -88,7 +88,8 @@ bool withPopup(const std::function<void()>& open, const std::function<void(QMenu
 {
     bool seen = false;
     QTimer::singleShot(0, [&] {
-        QTest::qWaitFor([] { return QApplication::activePopupWidget() != nullptr; });
+        if (!QTest::qWaitFor([] { return QApplication::activePopupWidget() != nullptr; }))
+            return; // no menu came up: `seen` says so
         if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
             seen = true;
             look(menu);
@@ -96,8 +97,9 @@ bool withPopup(const std::function<void()>& open, const std::function<void(QMenu
         }
     });
     open();
-    QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; });
-    return seen;
+    const bool closed =
+        QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; });
+    return seen && closed;
 }
 
 } // namespace
