@@ -2,23 +2,33 @@
 // main window's tree: keywords by any word (one and two words), all words, and a date range
 // with an amount and no keywords (which brings every document through the folder pass).
 //
-//   build/bench/bench_find [cabinets drawers folders documents pages]
+//   build/bench/bench_find [--documents N] [--only TEXT] [cabinets drawers folders documents
+//                          pages]
 //
 // Defaults: 10 cabinets x 5 drawers x 20 folders x 20 documents x 5 pages: 20,000 documents
-// and 100,000 pages. Each search runs five times, each time after the result of the one
-// before; the figures are of the median run. "clear" takes that result away, "query" is the
-// search in the store, "branch" the found branch built, sorted and laid out; "cpu" is the
-// thread's own processor time for both, which is what the wall clock shows on an idle
-// machine.
+// and 100,000 pages. --documents N keeps the cabinets, drawers and folders and puts N
+// documents in all into the folders (--documents 100000: 100 a folder, 500,000 pages).
+// --only runs the searches whose name holds TEXT.
+//
+// Each search runs five times, each time after the result of the one before; the figures
+// are of the median run. "clear" takes that result away, "query" is the search in the store,
+// "branch" the found branch built, sorted and laid out; "cpu" is the thread's own processor
+// time for both, which is what the wall clock shows on an idle machine. "LIKE" is SQLite's
+// own LIKE over the same columns for the same keywords, on a connection of its own with the
+// same page cache, reading the matching rows of Document and Folder: the one pass that a
+// search by keywords cannot do without; "x LIKE" is the query's time over it.
 
 #include <QApplication>
+#include <QCommandLineParser>
 #include <QElapsedTimer>
 #include <QRandomGenerator>
 #include <algorithm>
 #include <cstdio>
 #include <functional>
+#include <sqlite3.h>
 
 #include "benchsupport.h"
+#include "core/findcriteria.h"
 #include "core/findrecord.h"
 #include "core/progress.h"
 #include "core/viewsettings.h"
@@ -124,6 +134,38 @@ qint64 cpuMicroseconds()
     return qint64(bench::cpuTimeMs(RUSAGE_THREAD) * 1000);
 }
 
+// SQLite's own LIKE: the rows of Document and of Folder whose name or description holds any
+// of the pieces, each field of them read. Milliseconds, the median of five runs.
+double sqliteLikeMs(sqlite3* db, const QStringList& pieces)
+{
+    QStringList tests;
+    for (int i = 1; i <= pieces.size(); ++i)
+        tests << QString("Name LIKE ?%1 OR Description LIKE ?%1").arg(i);
+    const QString where = " WHERE " + tests.join(" OR ");
+    QVector<double> runs;
+    for (int run = 0; run < 5; ++run) {
+        QElapsedTimer timer;
+        timer.start();
+        for (const QString& sql : {"SELECT DocumentId, FolderId, Name FROM Document" + where,
+                                   "SELECT FolderId, DrawerId, Name FROM Folder" + where}) {
+            sqlite3_stmt* stmt = nullptr;
+            sqlite3_prepare_v2(db, sql.toUtf8().constData(), -1, &stmt, nullptr);
+            for (int i = 0; i < pieces.size(); ++i)
+                sqlite3_bind_text(stmt, i + 1, ('%' + pieces.at(i) + '%').toUtf8().constData(), -1,
+                                  SQLITE_TRANSIENT);
+            while (sqlite3_step(stmt) == SQLITE_ROW) {
+                sqlite3_column_int(stmt, 0);
+                sqlite3_column_int(stmt, 1);
+                sqlite3_column_text(stmt, 2);
+            }
+            sqlite3_finalize(stmt);
+        }
+        runs << timer.nsecsElapsed() / 1e6;
+    }
+    std::sort(runs.begin(), runs.end());
+    return runs.at(runs.size() / 2);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -131,9 +173,18 @@ int main(int argc, char** argv)
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);
+    QCommandLineParser parser;
+    const QCommandLineOption documentsOption("documents", "Documents in all.", "N");
+    const QCommandLineOption onlyOption("only", "Only the searches whose name holds TEXT.", "TEXT");
+    parser.addOptions({documentsOption, onlyOption});
+    parser.addPositionalArgument("sizes", "cabinets drawers folders documents pages");
+    parser.process(app);
     int n[5] = {10, 5, 20, 20, 5};
-    for (int i = 1; i < argc && i <= 5; ++i)
-        n[i - 1] = QString::fromLocal8Bit(argv[i]).toInt();
+    const QStringList sizes = parser.positionalArguments();
+    for (int i = 0; i < sizes.size() && i < 5; ++i)
+        n[i] = sizes.at(i).toInt();
+    if (parser.isSet(documentsOption))
+        n[3] = std::max(1, parser.value(documentsOption).toInt() / (n[0] * n[1] * n[2]));
 
     test::TestHome home;
     Session session(home.home(), home.settings());
@@ -189,11 +240,22 @@ int main(int argc, char** argv)
         {"scan dates + amount", datesAndAmount},
         {"doc dates + amount", documentDates},
     };
+    // SQLite's own LIKE, on a connection of its own with a page cache as large as the
+    // session's.
+    sqlite3* plain = nullptr;
+    sqlite3_open_v2(session.db().path().toUtf8().constData(), &plain, SQLITE_OPEN_READONLY,
+                    nullptr);
+    const QString cacheSize = session.db().scalar("PRAGMA cache_size").toString();
+    sqlite3_exec(plain, ("PRAGMA cache_size = " + cacheSize).toUtf8().constData(), nullptr, nullptr,
+                 nullptr);
+
     // The found branch's own nodes: the filing tree's are there before.
     const int filingNodes = window.tree()->nodeCount();
-    std::printf("%-24s %8s %8s %8s %8s %8s %10s %8s\n", "search", "clear", "query", "branch",
-                "total", "cpu", "documents", "nodes");
+    std::printf("%-24s %8s %8s %8s %8s %8s %10s %8s %8s %7s\n", "search", "clear", "query",
+                "branch", "total", "cpu", "documents", "nodes", "LIKE", "x LIKE");
     for (const auto& [name, criteria] : searches) {
+        if (!QString(name).contains(parser.value(onlyOption)))
+            continue;
         std::vector<Figures> runs;
         for (int run = 0; run < 5; ++run) {
             Figures f;
@@ -215,9 +277,16 @@ int main(int argc, char** argv)
             return a.clear + a.search + a.branch < b.clear + b.search + b.branch;
         });
         const Figures& m = runs.at(runs.size() / 2);
-        std::printf("%-24s %5.1f ms %5.1f ms %5.1f ms %5.1f ms %5.1f ms %10d %8d\n", name,
+        std::printf("%-24s %5.1f ms %5.1f ms %5.1f ms %5.1f ms %5.1f ms %10d %8d", name,
                     m.clear / 1000.0, m.search / 1000.0, m.branch / 1000.0,
                     (m.clear + m.search + m.branch) / 1000.0, m.cpu / 1000.0, m.documents, m.nodes);
+        const QStringList pieces = FindCriteria::fromRecord(criteria, 0).keywordPieces();
+        if (!pieces.isEmpty()) {
+            const double like = sqliteLikeMs(plain, pieces);
+            std::printf(" %5.1f ms %6.2f", like, m.search / 1000.0 / like);
+        }
+        std::printf("\n");
     }
+    sqlite3_close(plain);
     return prompter.verify() ? 0 : 1;
 }

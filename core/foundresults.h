@@ -35,3 +35,6 @@ public:
 };
 
 } // namespace qmr
+
+// Kept in vectors of many thousands: moved by memory copy.
+Q_DECLARE_TYPEINFO(qmr::FoundDocument, Q_RELOCATABLE_TYPE);

@@ -1,32 +1,16 @@
 #pragma once
 
-#include <QString>
-#include <QStringList>
+#include "core/pagefilter.h"
 
 namespace qmr {
 
-// What a found document's page list keeps of the running search: its scan-date and
-// file-size conditions, in the store's form. A new search empties them first; each cabinet
-// searched writes them again.
+// What a found document's page list keeps of the running search: what it asked of the
+// pages. A new search empties it first, and sets it when it searches any cabinet.
 struct FoundSet
 {
-    QString scanDateCondition;
-    QString fileSizeCondition;
+    PageFilter pageFilter;
 
-    void clear()
-    {
-        scanDateCondition.clear();
-        fileSizeCondition.clear();
-    }
-    // The conditions that are set, scan date first.
-    QStringList pageConditions() const
-    {
-        QStringList conditions;
-        for (const QString& c : {scanDateCondition, fileSizeCondition})
-            if (!c.isEmpty())
-                conditions << c;
-        return conditions;
-    }
+    void clear() { pageFilter = PageFilter(); }
 };
 
 } // namespace qmr

@@ -265,9 +265,8 @@ void Navigator::showPagesInListView(qint32 documentId, bool found)
     m_list.hide();
     m_pages.show();
     // A found document shows the pages its search looked for.
-    const QStringList conditions =
-        found ? m_context.session.foundSet().pageConditions() : QStringList();
-    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, conditions), found);
+    const PageFilter filter = found ? m_context.session.foundSet().pageFilter : PageFilter();
+    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, filter), found);
     // A caller that did not come from the tree leaves the tree in step; a found document's
     // node stays where it is.
     const QString key = NodeKey::of(Level::Document, documentId).text();

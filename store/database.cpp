@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QStringDecoder>
+#include <cstring>
 #include <sqlite3.h>
 
 #include "core/nameorder.h"
@@ -71,6 +72,102 @@ bool isAscii(const unsigned char* text)
     return true;
 }
 
+// A pattern of the form %piece% whose piece is plain ASCII without wildcards: what a search
+// for a word binds. It is looked for as it is, read once per statement rather than once per
+// row, which makes a search over many rows several times faster than the general matching.
+class PiecePattern
+{
+public:
+    enum class Match { Yes, No, Unknown };
+
+    // Null when the pattern has another form.
+    static PiecePattern* compile(const unsigned char* pattern, int size)
+    {
+        if (!pattern || size < 2 || pattern[0] != '%' || pattern[size - 1] != '%')
+            return nullptr;
+        auto* compiled = new PiecePattern;
+        for (int i = 1; i < size - 1; ++i) {
+            const unsigned char c = pattern[i];
+            if (c == 0 || c >= 0x80 || c == '%' || c == '_') {
+                delete compiled;
+                return nullptr;
+            }
+            compiled->m_piece += char(lower(c));
+        }
+        if (!compiled->m_piece.isEmpty()) {
+            const char first = compiled->m_piece.at(0);
+            compiled->m_first += first;
+            if (first >= 'a' && first <= 'z')
+                compiled->m_first += char(first - 32);
+        }
+        return compiled;
+    }
+    static void destroy(void* pattern) { delete static_cast<PiecePattern*>(pattern); }
+
+    // Found without regard to ASCII case is a match under any folding of case. Not found in
+    // a text that is not all ASCII is for the general matching to decide: folding beyond
+    // ASCII may yet make it match. `text` ends with a zero byte after `size` bytes, as the
+    // engine gives it.
+    Match find(const unsigned char* text, int size) const
+    {
+        const qsizetype length = m_piece.size();
+        if (length == 0)
+            return Match::Yes;
+        const char* start = reinterpret_cast<const char*>(text);
+        const char* piece = m_piece.constData();
+        const char* first = m_first.constData();
+        // The first letter in either case is looked for by the C library, many bytes at once.
+        for (qsizetype at = qsizetype(std::strcspn(start, first)); at + length <= size;
+             at += 1 + qsizetype(std::strcspn(start + at + 1, first))) {
+            qsizetype k = 0;
+            while (k < length && lower(start[at + k]) == piece[k])
+                ++k;
+            if (k == length)
+                return Match::Yes;
+        }
+        return isAscii(text, size) ? Match::No : Match::Unknown;
+    }
+
+private:
+    static char lower(char c) { return c >= 'A' && c <= 'Z' ? char(c + 32) : c; }
+    static bool isAscii(const unsigned char* text, int size)
+    {
+        quint64 seen = 0;
+        int i = 0;
+        for (; i + 8 <= size; i += 8) {
+            quint64 word;
+            std::memcpy(&word, text + i, 8);
+            seen |= word;
+        }
+        for (; i < size; ++i)
+            seen |= text[i];
+        return (seen & 0x8080808080808080ULL) == 0;
+    }
+
+    QByteArray m_piece; // in lower case
+    QByteArray m_first; // its first character in either case
+};
+
+// The pattern of a call as compiled for its statement, compiled at the first row; null when
+// it has another form.
+const PiecePattern* piecePattern(sqlite3_context* context, sqlite3_value* pattern)
+{
+    // A pattern of another form is remembered as such, so as not to be read at every row.
+    static char otherForm;
+    void* known = sqlite3_get_auxdata(context, 0);
+    if (!known) {
+        PiecePattern* compiled =
+            PiecePattern::compile(sqlite3_value_text(pattern), sqlite3_value_bytes(pattern));
+        if (compiled)
+            sqlite3_set_auxdata(context, 0, compiled, PiecePattern::destroy);
+        else
+            sqlite3_set_auxdata(context, 0, &otherForm, nullptr);
+        // Setting may fail and free it at once; asking again is the safe answer.
+        known = sqlite3_get_auxdata(context, 0);
+    }
+    return known == &otherForm ? nullptr : static_cast<const PiecePattern*>(known);
+}
+
 void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv)
 {
     for (int i = 0; i < argc; ++i)
@@ -78,6 +175,17 @@ void likeFunction(sqlite3_context* context, int argc, sqlite3_value** argv)
             sqlite3_result_null(context);
             return;
         }
+    if (argc == 2) {
+        if (const PiecePattern* piece = piecePattern(context, argv[0])) {
+            const auto* text = sqlite3_value_text(argv[1]);
+            const PiecePattern::Match match = text ? piece->find(text, sqlite3_value_bytes(argv[1]))
+                                                   : PiecePattern::Match::Unknown;
+            if (match != PiecePattern::Match::Unknown) {
+                sqlite3_result_int(context, match == PiecePattern::Match::Yes);
+                return;
+            }
+        }
+    }
     const auto* pattern = sqlite3_value_text(argv[0]);
     const auto* text = sqlite3_value_text(argv[1]);
     const auto* escapeText = argc == 3 ? sqlite3_value_text(argv[2]) : nullptr;
@@ -259,21 +367,36 @@ sqlite3_stmt* Database::prepare(const QString& sql)
     return stmt;
 }
 
-Recordset Database::run(const QString& sql, const QVariantList& binds)
+sqlite3_stmt* Database::start(const QString& sql, const QVariantList& binds)
 {
     if (!m_db)
         throw StoreError(QStringLiteral("The store is not open."));
     sqlite3_stmt* stmt = prepare(sql);
     if (!stmt)
-        return Recordset();
-    // Reset at the end, so that a kept statement holds no read lock between commands.
-    struct Resetter
-    {
-        sqlite3_stmt* s;
-        ~Resetter() { sqlite3_reset(s); }
-    } resetter{stmt};
+        return nullptr;
     for (int i = 0; i < binds.size(); ++i)
         bindValue(stmt, i + 1, binds.at(i));
+    return stmt;
+}
+
+namespace {
+
+// Resets a statement at the end, so that a kept statement holds no read lock between
+// commands.
+struct Resetter
+{
+    sqlite3_stmt* s;
+    ~Resetter() { sqlite3_reset(s); }
+};
+
+} // namespace
+
+Recordset Database::run(const QString& sql, const QVariantList& binds)
+{
+    sqlite3_stmt* stmt = start(sql, binds);
+    if (!stmt)
+        return Recordset();
+    const Resetter resetter{stmt};
 
     QVector<QVector<QVariant>> rows;
     int rc = sqlite3_step(stmt);
@@ -293,6 +416,37 @@ Recordset Database::run(const QString& sql, const QVariantList& binds)
         rows << row;
     }
     return Recordset(columns, rows);
+}
+
+void Database::forEachRow(const QString& sql, const QVariantList& binds,
+                          const std::function<void(const Row&)>& visit)
+{
+    sqlite3_stmt* stmt = start(sql, binds);
+    if (!stmt)
+        return;
+    const Resetter resetter{stmt};
+    const Row row(stmt);
+    for (int rc = sqlite3_step(stmt); rc != SQLITE_DONE; rc = sqlite3_step(stmt)) {
+        if (rc != SQLITE_ROW)
+            fail();
+        visit(row);
+    }
+}
+
+bool Database::Row::isNull(int column) const
+{
+    return sqlite3_column_type(m_stmt, column) == SQLITE_NULL;
+}
+
+qint64 Database::Row::integer(int column) const
+{
+    return sqlite3_column_int64(m_stmt, column);
+}
+
+QString Database::Row::text(int column) const
+{
+    const unsigned char* text = sqlite3_column_text(m_stmt, column);
+    return text ? storedText(text, sqlite3_column_bytes(m_stmt, column)) : QString();
 }
 
 void Database::execute(const QString& sql, const QVariantList& binds)

@@ -2,6 +2,7 @@
 
 #include <QByteArray>
 #include <QHash>
+#include <functional>
 #include <QString>
 #include <QVariantList>
 
@@ -33,6 +34,24 @@ public:
     // The first field of the first row, or a null QVariant when there is no row.
     QVariant scalar(const QString& sql, const QVariantList& binds = {});
     qint32 lastInsertId() const;
+
+    // One row of a result as it is read; valid only during the call that receives it.
+    class Row
+    {
+    public:
+        bool isNull(int column) const;
+        qint64 integer(int column) const;
+        QString text(int column) const; // "" for Null
+
+    private:
+        friend class Database;
+        explicit Row(sqlite3_stmt* stmt) : m_stmt(stmt) {}
+        sqlite3_stmt* m_stmt;
+    };
+    // Reads a result row by row without keeping it, for results too large to copy whole.
+    // `visit` may run other statements, but not this one.
+    void forEachRow(const QString& sql, const QVariantList& binds,
+                    const std::function<void(const Row&)>& visit);
     bool hasColumn(const QString& table, const QString& column);
 
     // Groups statements: commits at commit(), rolls back when destroyed without it. Groups
@@ -60,6 +79,8 @@ public:
 
 private:
     Recordset run(const QString& sql, const QVariantList& binds);
+    // The statement prepared, with its values bound; null for a text without a statement.
+    sqlite3_stmt* start(const QString& sql, const QVariantList& binds);
     // A prepared statement from the cache, reset and unbound, or a new one.
     sqlite3_stmt* prepare(const QString& sql);
     void finalizeAll();

@@ -2,6 +2,7 @@
 
 #include "core/progress.h"
 #include "store/database.h"
+#include "store/pageconditions.h"
 #include "store/storecolumns.h"
 
 namespace qmr {
@@ -30,15 +31,15 @@ PageRow rowAt(const Recordset& rs, int i)
 
 } // namespace
 
-QVector<PageRow> PageStore::pages(qint32 documentId, const QStringList& extraConditions) const
+QVector<PageRow> PageStore::pages(qint32 documentId, const PageFilter& filter) const
 {
-    QString where = QStringLiteral("Page.DocumentId = ?");
-    for (const QString& condition : extraConditions)
-        where += QStringLiteral(" AND ") + condition;
+    QStringList conditions{QStringLiteral("Page.DocumentId = ?")};
+    QVariantList binds{documentId};
+    PageConditions::add(filter, conditions, binds);
     const Recordset rs = m_db.openRecordset(
         QStringLiteral("SELECT %1 FROM Page WHERE %2 ORDER BY PageNumber, PageId")
-            .arg(kColumns, where),
-        {documentId});
+            .arg(kColumns, conditions.join(QStringLiteral(" AND "))),
+        binds);
     QVector<PageRow> rows;
     rows.reserve(rs.recordCount());
     for (int i = 0; i < rs.recordCount(); ++i)

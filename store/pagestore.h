@@ -2,9 +2,10 @@
 
 #include <QDate>
 #include <QString>
-#include <QStringList>
 #include <QVector>
 #include <optional>
+
+#include "core/pagefilter.h"
 
 namespace qmr {
 
@@ -44,10 +45,9 @@ class PageStore
 public:
     explicit PageStore(Database& db) : m_db(db) {}
 
-    // A document's pages in page order (ties by id), in one query. `extraConditions` (SQL
-    // conditions on the Page row, as the find clause builders make them) narrow the list to
-    // the pages a search looked for.
-    QVector<PageRow> pages(qint32 documentId, const QStringList& extraConditions = {}) const;
+    // A document's pages in page order (ties by id), in one query; with a filter, only the
+    // pages that meet it (those a search looked for).
+    QVector<PageRow> pages(qint32 documentId, const PageFilter& filter = {}) const;
     // The pages numbered from `from` to `to`, both included, in page order (ties by id).
     QVector<PageRow> pagesInRange(qint32 documentId, qint32 from, qint32 to) const;
     std::optional<PageRow> page(qint32 pageId) const;

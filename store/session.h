@@ -31,7 +31,7 @@ public:
     const PagePaths& paths() const { return m_paths; }
     SelectionRecord& selection() { return m_selection; }
     FindRecord& findRecord() { return m_find; }
-    // The page conditions of the last search, for its found documents.
+    // What the last search asked of the pages, for its found documents.
     FoundSet& foundSet() { return m_foundSet; }
     // The pages cut and waiting for a paste.
     ClipPages& clipPages() { return m_clipPages; }

@@ -322,10 +322,9 @@ private slots:
         QCOMPARE(r.fileSizeThru, 5001); // rounded to a whole number
         QCOMPARE(r.amountFrom, 1234.5); // not 1: a group separator does not stop the number
         QCOMPARE(r.amountThru, 2000.0);
-        QCOMPARE(h.session.foundSet().pageConditions(),
-                 (QStringList{"(Page.ScanDate BETWEEN '2026-01-01 00:00:00' AND '2026-12-31 "
-                              "00:00:00')",
-                              "(Page.FileSize BETWEEN 1000 AND 5001)"}));
+        const PageFilter& pages = h.session.foundSet().pageFilter;
+        QVERIFY(pages.scanDate == (ValueRange<QDate>{QDate(2026, 1, 1), QDate(2026, 12, 31)}));
+        QVERIFY(pages.fileSize == (ValueRange<qint64>{1000, 5001}));
     }
 
     void numbersThatAreNoNumbers_data()

@@ -1,7 +1,6 @@
 #include <QTest>
 
 #include "core/findrecord.h"
-#include "find/findquery.h"
 #include "find/findsearch.h"
 #include "findfixture.h"
 #include "tests/support/testrunner.h"
@@ -70,6 +69,19 @@ private slots:
             << keywords("ÄRZTEKAMMER") << 0 << 0 << QStringList{"DOC7"} << 1;
         QTest::newRow("quote in a keyword")
             << keywords("O'Brien") << 0 << 0 << QStringList{"DOC2"} << 1;
+        QTest::newRow("all words: quotes and blanks")
+            << keywords("O'Brien's letter", false) << 0 << 0 << QStringList{"DOC2"} << 1;
+        // What is typed is matched as typed: % and _ stand for any text and any character.
+        QTest::newRow("percent in a keyword")
+            << keywords("statement%March") << 0 << 0 << QStringList{"DOC1"} << 1;
+        QTest::newRow("underscore in a keyword")
+            << keywords("Acme_tax") << 0 << 0 << QStringList{"DOC6"} << 1;
+        QTest::newRow("all words: underscore")
+            << keywords("tax_bill", false) << 0 << 0 << QStringList{"DOC6"} << 1;
+        // Every document and every folder of the open cabinets: 6 documents and 4 folders.
+        QTest::newRow("percent alone")
+            << keywords("%") << 0 << 0
+            << QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"} << 10;
         // The folder Checking matches, so all its documents come, and "Checking fees" twice.
         QTest::newRow("folder hit brings its documents")
             << keywords("checking") << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC5"} << 2;
@@ -100,16 +112,48 @@ private slots:
         QTest::newRow("scan date") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
         scan.scanThru = QDate(2026, 2, 3); // the day itself, at midnight
         QTest::newRow("scan date, last day") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        scan.scanFrom = QDate(2026, 2, 3);
+        QTest::newRow("scan date, one day") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        scan.scanFrom = scan.scanThru = QDate(2026, 2, 4);
+        QTest::newRow("scan date, the day after") << scan << 0 << 0 << QStringList{} << 0;
+        scan.scanFrom = QDate(2026, 2, 3);
+        scan.scanThru = scan.defaultThru; // one limit at its default counts
+        QTest::newRow("scan date, first day, default thru")
+            << scan << 0 << 0 << QStringList{"DOC1", "DOC5"} << 2;
+        scan.scanFrom = scan.defaultFrom;
+        scan.scanThru = QDate(2004, 1, 10);
+        QTest::newRow("scan date, default from, last day")
+            << scan << 0 << 0 << QStringList{"DOC6"} << 1;
+        // A range that does not count asks nothing: documents without pages come too.
+        const QStringList everyMatch{"DOC1", "DOC2", "DOC5", "DOC6"};
+        scan.scanFrom = QDate(2026, 3, 1);
+        scan.scanThru = QDate(2026, 2, 1);
+        QTest::newRow("scan date, from past thru") << scan << 0 << 0 << everyMatch << 4;
         FindRecord doc = keywords("statement fees bill letter");
         doc.docFrom = QDate(2004, 3, 1);
         doc.docThru = QDate(2004, 4, 1);
         QTest::newRow("date on document") << doc << 0 << 0 << QStringList{"DOC6"} << 1;
+        doc.docFrom = doc.docThru = QDate(2026, 2, 1);
+        QTest::newRow("date on document, one day") << doc << 0 << 0 << QStringList{"DOC5"} << 1;
+        doc.docFrom = QDate(2026, 2, 2);
+        QTest::newRow("date on document, from past thru") << doc << 0 << 0 << everyMatch << 4;
         FindRecord amount = keywords("statement fees bill letter");
         amount.amountFrom = 10;
         amount.amountThru = 20;
         // O'Brien's letter has the amount 15 but no page: not found this way.
         QTest::newRow("amount, pages needed")
             << amount << 0 << 0 << QStringList{"DOC5", "DOC6"} << 2;
+        amount.amountFrom = amount.amountThru = 12;
+        QTest::newRow("amount, one value") << amount << 0 << 0 << QStringList{"DOC5"} << 1;
+        amount.amountThru = 15;
+        QTest::newRow("amount, both limits")
+            << amount << 0 << 0 << QStringList{"DOC5", "DOC6"} << 2;
+        amount.amountFrom = -20;
+        amount.amountThru = -0.25;
+        QTest::newRow("amount, below zero") << amount << 0 << 0 << QStringList{} << 0;
+        amount.amountFrom = 20;
+        amount.amountThru = 10;
+        QTest::newRow("amount, from past thru") << amount << 0 << 0 << everyMatch << 4;
         FindRecord size = keywords("statement fees bill letter");
         size.fileSizeFrom = 100;
         size.fileSizeThru = 200;
@@ -118,6 +162,23 @@ private slots:
         size.fileSizeThru = 1000;
         QTest::newRow("file size, two pages, one row")
             << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        size.fileSizeFrom = 0;
+        size.fileSizeThru = 150;
+        QTest::newRow("file size, from 0") << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        size.fileSizeFrom = 3000;
+        size.fileSizeThru = 4000;
+        QTest::newRow("file size, both limits")
+            << size << 0 << 0 << QStringList{"DOC1", "DOC5"} << 2;
+        size.fileSizeFrom = 4001;
+        size.fileSizeThru = 3000;
+        QTest::newRow("file size, from past thru") << size << 0 << 0 << everyMatch << 4;
+        // The pages that meet the scan date must meet the size too.
+        size = scan;
+        size.scanFrom = QDate(2004, 1, 1);
+        size.scanThru = QDate(2004, 1, 31);
+        size.fileSizeFrom = 900;
+        size.fileSizeThru = 900;
+        QTest::newRow("scan date and size, not one page") << size << 0 << 0 << QStringList{} << 0;
         FindRecord all = keywords("tax bill");
         all.scanFrom = QDate(2004, 1, 1);
         all.scanThru = QDate(2004, 2, 1);
@@ -172,29 +233,33 @@ private slots:
                  QStringList{"DOC4"});
     }
 
-    void pageConditionsOfTheSearch()
+    void pageFilterOfTheSearch()
     {
         Session& session = m_fixture.open();
         FindRecord r = keywords("bill");
         r.scanFrom = QDate(2004, 2, 1);
-        r.scanThru = QDate(2004, 2, 29);
+        r.scanThru = QDate(2004, 2, 20);
         r.fileSizeFrom = 500;
-        r.fileSizeThru = 1000;
-        r.amountThru = 100; // not a page condition
+        r.fileSizeThru = 900;
+        r.amountThru = 100; // not about pages
         FindSearch(session).run(r, 0, 0);
-        QCOMPARE(session.foundSet().pageConditions(),
-                 (QStringList{"(Page.ScanDate BETWEEN '2004-02-01 00:00:00' AND '2004-02-29 "
-                              "00:00:00')",
-                              "(Page.FileSize BETWEEN 500 AND 1000)"}));
-        // The found document's pages are those the search asked for.
-        const QVector<PageRow> pages =
-            session.pages().pages(6, session.foundSet().pageConditions());
+        PageFilter asked;
+        asked.scanDate = ValueRange<QDate>{QDate(2004, 2, 1), QDate(2004, 2, 20)};
+        asked.fileSize = ValueRange<qint64>{500, 900};
+        QVERIFY(session.foundSet().pageFilter == asked);
+        // The found document's pages are those the search asked for, the limits included.
+        const QVector<PageRow> pages = session.pages().pages(6, session.foundSet().pageFilter);
         QCOMPARE(pages.size(), 1);
         QCOMPARE(pages.first().pageNumber, 2);
         QCOMPARE(session.pages().pages(6).size(), 2);
-        // A new search empties them first.
+        asked.fileSize->thru = 899;
+        QVERIFY(session.pages().pages(6, asked).isEmpty());
+        asked.fileSize.reset();
+        asked.scanDate->thru = QDate(2004, 2, 19);
+        QVERIFY(session.pages().pages(6, asked).isEmpty());
+        // A new search empties it first.
         FindSearch(session).run(keywords("bill"), 0, 0);
-        QVERIFY(session.foundSet().pageConditions().isEmpty());
+        QVERIFY(session.foundSet().pageFilter.isEmpty());
     }
 
     void noCabinetsFindsNothing()

@@ -1,0 +1,226 @@
+#include "store/documentsearch.h"
+
+#include <QHash>
+#include <QStringList>
+#include <QVariantList>
+
+#include "core/findcriteria.h"
+#include "store/database.h"
+#include "store/pageconditions.h"
+
+namespace qmr {
+
+namespace {
+
+// The columns that both passes read, in this order: the ids of the places and of the
+// document, then their names.
+const QString kColumns = QStringLiteral(
+    "Drawer.CabinetId, Folder.DrawerId, Folder.FolderId, Document.DocumentId, Cabinet.Name, "
+    "Drawer.Name, Folder.Name, Document.Name");
+enum Column {
+    CabinetId,
+    DrawerId,
+    FolderId,
+    DocumentId,
+    CabinetName,
+    DrawerName,
+    FolderName,
+    DocumentName
+};
+
+const QString kPlaces = QStringLiteral("JOIN Drawer ON Drawer.DrawerId = Folder.DrawerId "
+                                       "JOIN Cabinet ON Cabinet.CabinetId = Drawer.CabinetId");
+
+// A statement's conditions and the values they bind, in order.
+struct Conditions
+{
+    QStringList text;
+    QVariantList binds;
+
+    QString where() const
+    {
+        return text.isEmpty() ? QString() : QStringLiteral(" WHERE ") + text.join(" AND ");
+    }
+};
+
+// A name or description holding any of the pieces. The pieces are bound as they are, so an
+// apostrophe is an apostrophe, and % and _ typed into them stay wildcards.
+void addKeywords(Conditions& c, const QStringList& pieces, const QString& table)
+{
+    if (pieces.isEmpty())
+        return;
+    QStringList tests;
+    for (const QString& piece : pieces) {
+        const QString pattern = QLatin1Char('%') + piece + QLatin1Char('%');
+        tests << table + QStringLiteral(".Name LIKE ?")
+              << table + QStringLiteral(".Description LIKE ?");
+        c.binds << pattern << pattern;
+    }
+    c.text << QLatin1Char('(') + tests.join(QStringLiteral(" OR ")) + QLatin1Char(')');
+}
+
+// The cabinet and folder in scope. A single cabinet is searched from its drawers; several are
+// one pass over the table, which costs less than one per cabinet.
+void addPlace(Conditions& c, const FindCriteria& criteria, const QVector<qint32>& cabinets)
+{
+    if (cabinets.size() == 1) {
+        c.text << QStringLiteral("Drawer.CabinetId = ?");
+        c.binds << cabinets.first();
+    }
+    if (criteria.folderId != 0) {
+        c.text << QStringLiteral("Folder.FolderId = ?");
+        c.binds << criteria.folderId;
+    }
+}
+
+// The found documents of one cabinet, each pass apart.
+struct CabinetHits
+{
+    int count = 0;
+    QVector<FoundDocument> documentPass;
+    QVector<FoundDocument> folderPass;
+};
+
+// Reads the found rows into the hits of their cabinets. The names of the places are read
+// once each: many documents share them.
+class HitReader
+{
+public:
+    explicit HitReader(const QVector<qint32>& cabinets)
+    {
+        for (const qint32 id : cabinets)
+            m_hits.insert(id, CabinetHits());
+    }
+
+    // The hits of the row's cabinet; null for a cabinet out of scope.
+    CabinetHits* cabinetOf(const Database::Row& row)
+    {
+        const auto it = m_hits.find(qint32(row.integer(CabinetId)));
+        return it == m_hits.end() ? nullptr : &*it;
+    }
+    FoundDocument document(const Database::Row& row)
+    {
+        FoundDocument d;
+        d.cabinetId = qint32(row.integer(CabinetId));
+        d.drawerId = qint32(row.integer(DrawerId));
+        d.folderId = qint32(row.integer(FolderId));
+        d.documentId = qint32(row.integer(DocumentId));
+        d.cabinetName = m_places[0].name(d.cabinetId, row, CabinetName);
+        d.drawerName = m_places[1].name(d.drawerId, row, DrawerName);
+        d.folderName = m_places[2].name(d.folderId, row, FolderName);
+        d.documentName = row.text(DocumentName);
+        return d;
+    }
+    QHash<qint32, CabinetHits>& hits() { return m_hits; }
+
+private:
+    // The names of the places of one level met so far. Rows come place by place, so the
+    // last one asked for is mostly the next one too.
+    struct Names
+    {
+        QHash<qint32, QString> byId;
+        qint32 lastId = -1;
+        QString last;
+
+        const QString& name(qint32 id, const Database::Row& row, int column)
+        {
+            if (id != lastId) {
+                auto it = byId.find(id);
+                if (it == byId.end())
+                    it = byId.insert(id, row.text(column));
+                lastId = id;
+                last = *it;
+            }
+            return last;
+        }
+    };
+
+    QHash<qint32, CabinetHits> m_hits;
+    Names m_places[3]; // cabinets, drawers, folders
+};
+
+} // namespace
+
+FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint32>& cabinets)
+{
+    FindOutcome outcome;
+    if (cabinets.isEmpty())
+        return outcome;
+    const QStringList pieces = criteria.keywordPieces();
+    HitReader reader(cabinets);
+    Database::Transaction read(m_db);
+
+    // The document pass. A document without pages cannot meet a range, not even one that is
+    // not about pages.
+    Conditions documents;
+    addKeywords(documents, pieces, QStringLiteral("Document"));
+    addPlace(documents, criteria, cabinets);
+    if (criteria.documentDate) {
+        documents.text << QStringLiteral("Document.DateOnDocument BETWEEN ? AND ?");
+        documents.binds << criteria.documentDate->from << criteria.documentDate->thru;
+    }
+    if (criteria.amount) {
+        documents.text << QStringLiteral("Document.Amount BETWEEN ? AND ?");
+        documents.binds << criteria.amount->from << criteria.amount->thru;
+    }
+    if (criteria.needsPages()) {
+        Conditions pages;
+        pages.text << QStringLiteral("Page.DocumentId = Document.DocumentId");
+        PageConditions::add(criteria.pages, pages.text, pages.binds);
+        documents.text << QStringLiteral("EXISTS (SELECT 1 FROM Page") + pages.where() +
+                              QLatin1Char(')');
+        documents.binds << pages.binds;
+    }
+    m_db.forEachRow(QStringLiteral("SELECT ") + kColumns +
+                        QStringLiteral(" FROM Document JOIN Folder ON Folder.FolderId = "
+                                       "Document.FolderId ") +
+                        kPlaces + documents.where(),
+                    documents.binds, [&](const Database::Row& row) {
+                        if (CabinetHits* hits = reader.cabinetOf(row)) {
+                            ++hits->count;
+                            hits->documentPass << reader.document(row);
+                        }
+                    });
+
+    // The folder pass: no range, so every document of a matching folder comes, and a
+    // matching folder counts even when it holds none.
+    Conditions folders;
+    addKeywords(folders, pieces, QStringLiteral("Folder"));
+    addPlace(folders, criteria, cabinets);
+    qint32 lastFolder = -1;
+    m_db.forEachRow(QStringLiteral("SELECT ") + kColumns + QStringLiteral(" FROM Folder ") +
+                        kPlaces +
+                        QStringLiteral(" LEFT JOIN Document ON Document.FolderId = "
+                                       "Folder.FolderId") +
+                        folders.where(),
+                    folders.binds, [&](const Database::Row& row) {
+                        CabinetHits* hits = reader.cabinetOf(row);
+                        if (!hits)
+                            return;
+                        // A folder's rows come together, each document of it in one.
+                        const qint32 folder = qint32(row.integer(FolderId));
+                        if (folder != lastFolder) {
+                            lastFolder = folder;
+                            ++hits->count;
+                        }
+                        if (row.isNull(DocumentId))
+                            return; // a folder without documents
+                        hits->folderPass << reader.document(row);
+                    });
+    read.commit();
+
+    qsizetype total = 0;
+    for (const CabinetHits& hits : std::as_const(reader.hits()))
+        total += hits.documentPass.size() + hits.folderPass.size();
+    outcome.documents.reserve(total);
+    for (const qint32 id : cabinets) {
+        CabinetHits& hits = reader.hits()[id];
+        outcome.foundCount += hits.count;
+        outcome.documents.append(std::move(hits.documentPass));
+        outcome.documents.append(std::move(hits.folderPass));
+        hits = CabinetHits(); // a cabinet listed twice comes once
+    }
+    return outcome;
+}
+
+} // namespace qmr
