@@ -46,6 +46,15 @@ private slots:
         });
         document.findChild<QPushButton*>("cmdPreview")->click();
         QVERIFY(previewed);
+        // The system's print dialog, offered beside the program's own.
+        bool shown = false;
+        test::whenModal(this, [&](QWidget* system) {
+            test::saveShot(system, "dialog-print-system");
+            shown = true;
+            system->close();
+        });
+        document.findChild<QPushButton*>("cmdSystemDialog")->click();
+        QVERIFY(shown);
 
         PrintSettingsDialog settings(h.home.settings(), h.prompter);
         settings.show();
