@@ -314,6 +314,30 @@ private slots:
         }
     }
 
+    // Ending the program closes the viewer as its own Close does: edits not saved are asked
+    // about, and Cancel keeps the program running.
+    void endingTheRunAsksForTheViewersEdits()
+    {
+        ViewerRun r;
+        QVERIFY(r.start({writeCornered}));
+        QPointer<PageViewWindow> viewer = r.open(r.pages.first());
+        QVERIFY(viewer);
+        QVERIFY(click(viewer, "cmdRotateClockwise"));
+        r.prompter.expect("Exit the Quillmere?", Prompter::Answer::Yes);
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
+        r.run->window()->mnuFileExit();
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
+        r.run->window()->close();
+        QVERIFY(r.run->window()->isVisible());
+        QVERIFY(viewer && viewer->isVisible() && viewer->edited());
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
+        r.run->window()->close();
+        QVERIFY(!r.run->window()->isVisible());
+        QVERIFY(!viewer || !viewer->isVisible());
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
+    }
+
     // The viewer opens wholly on the screen and comes back where it was left.
     void viewerKeepsItsPlaceOnTheScreen()
     {
