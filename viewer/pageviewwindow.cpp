@@ -52,6 +52,8 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     m_ui->cmdPrev->setEnabled(false);
     m_ui->cmdNext->setEnabled(false);
     m_ui->cmdPrint->setEnabled(false);
+    // The status line is there from the start, so that its first message moves nothing.
+    statusBar();
 
     const auto on = [this](QPushButton* button, void (PageViewWindow::*command)()) {
         connect(button, &QPushButton::clicked, this, command);
