@@ -10,7 +10,8 @@ namespace qmr {
 class Prompter
 {
 public:
-    enum class Buttons { Ok, YesNo, YesNoCancel, OkCancel };
+    // SaveDiscardCancel asks about unsaved work: Save answers Yes, Discard answers No.
+    enum class Buttons { Ok, YesNo, YesNoCancel, OkCancel, SaveDiscardCancel };
     enum class Answer { Ok, Yes, No, Cancel };
 
     virtual ~Prompter() = default;

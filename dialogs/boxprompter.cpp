@@ -9,13 +9,14 @@ namespace qmr {
 
 namespace {
 
-QMessageBox::StandardButton buttonOf(Prompter::Answer answer)
+QMessageBox::StandardButton buttonOf(Prompter::Answer answer, Prompter::Buttons buttons)
 {
+    const bool saving = buttons == Prompter::Buttons::SaveDiscardCancel;
     switch (answer) {
     case Prompter::Answer::Yes:
-        return QMessageBox::Yes;
+        return saving ? QMessageBox::Save : QMessageBox::Yes;
     case Prompter::Answer::No:
-        return QMessageBox::No;
+        return saving ? QMessageBox::Discard : QMessageBox::No;
     case Prompter::Answer::Cancel:
         return QMessageBox::Cancel;
     case Prompter::Answer::Ok:
@@ -72,16 +73,24 @@ Prompter::Answer BoxPrompter::show(const QString& text, Buttons buttons,
         box->setStandardButtons(QMessageBox::Ok | QMessageBox::Cancel);
         box->setEscapeButton(QMessageBox::Cancel);
         break;
+    case Buttons::SaveDiscardCancel:
+        box->setIcon(QMessageBox::Question);
+        box->setStandardButtons(QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        box->setDefaultButton(QMessageBox::Save);
+        box->setEscapeButton(QMessageBox::Cancel);
+        break;
     }
     if (defaultAnswer)
-        if (QAbstractButton* button = box->button(buttonOf(*defaultAnswer)))
+        if (QAbstractButton* button = box->button(buttonOf(*defaultAnswer, buttons)))
             box->setDefaultButton(static_cast<QPushButton*>(button));
     const int chosen = box->exec();
     delete box;
     switch (chosen) {
     case QMessageBox::Yes:
+    case QMessageBox::Save:
         return Answer::Yes;
     case QMessageBox::No:
+    case QMessageBox::Discard:
         return Answer::No;
     case QMessageBox::Ok:
         return Answer::Ok;

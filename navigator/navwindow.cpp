@@ -299,7 +299,17 @@ void NavWindow::mnuFileExit()
     if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?"),
                                  Prompter::Buttons::YesNoCancel, Prompter::Answer::No))
         return;
+    if (!closeOtherWindows())
+        return;
     exitRun();
+}
+
+bool NavWindow::closeOtherWindows()
+{
+    for (QWidget* w : QApplication::topLevelWidgets())
+        if (w != this && w->isVisible() && !w->close())
+            return false;
+    return true;
 }
 
 void NavWindow::exitRun()
@@ -310,10 +320,12 @@ void NavWindow::exitRun()
 
 void NavWindow::closeEvent(QCloseEvent* event)
 {
-    // Closing the window asks nothing; the other windows go with it.
-    for (QWidget* w : QApplication::topLevelWidgets())
-        if (w != this && w->isVisible())
-            w->close();
+    // Closing the window asks nothing of its own; the other windows go with it, and one that
+    // keeps unsaved work open keeps the run going.
+    if (!closeOtherWindows()) {
+        event->ignore();
+        return;
+    }
     finishRun();
     event->accept();
 }

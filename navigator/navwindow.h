@@ -80,6 +80,9 @@ private:
     void savePlacement();
     // Saves what must outlive the run and closes the store.
     void finishRun();
+    // Closes the program's other windows; false when one stays open (a viewer whose edits the
+    // person chose to keep), and the run then goes on.
+    bool closeOtherWindows();
 
     CommandContext m_base;
     DrawerTemplates& m_templates;

@@ -45,7 +45,10 @@ PrintOutcome PagePrinter::print(const QVector<PageRow>& pages, PrintTarget& targ
         const FileResolution dpi = ImageResolution::read(path, image);
         const QSize size = PrintScale::printSize(image.size(), dpi.x, dpi.y, target.dpiX(),
                                                  target.dpiY(), m_scale);
-        if (!target.beginSheet()) {
+        // A page wider than it is tall goes across the sheet, so that it is not cut off.
+        const QPageLayout::Orientation orientation =
+            size.width() > size.height() ? QPageLayout::Landscape : QPageLayout::Portrait;
+        if (!target.beginSheet(orientation)) {
             outcome.error = target.errorText();
             break;
         }

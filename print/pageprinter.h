@@ -21,7 +21,8 @@ struct PrintOutcome
 };
 
 // The one printing routine, for a single page and for a document's range alike: each page's
-// picture is read from its file and drawn on a sheet of its own at its true size.
+// picture is read from its file and drawn on a sheet of its own at its true size, the sheet
+// turned across for a page wider than it is tall.
 class PagePrinter
 {
 public:

@@ -8,12 +8,12 @@ namespace qmr {
 
 PrintDialog::PrintDialog(const CommandContext& context, PageLayouts& layouts, qint32 pageId,
                          const QStringList& printers, QWidget* parent)
-    : PrintWindow(context, layouts, parent), m_ui(std::make_unique<Ui::PrintDialog>()),
+    : PrintWindow(context, layouts, false, parent), m_ui(std::make_unique<Ui::PrintDialog>()),
       m_pageId(pageId)
 {
     m_ui->setupUi(this);
     wire({m_ui->cboPrinter, m_ui->cmdSetup, m_ui->cmdPrint, m_ui->cmdCancel, m_ui->lblScale,
-          m_ui->lblItem},
+          m_ui->lblItem, m_ui->cmdPreview, m_ui->cmdSystemDialog},
          printers);
     Session& session = context.session;
     if (const std::optional<PageRow> page = session.pages().page(pageId)) {
@@ -26,15 +26,14 @@ PrintDialog::PrintDialog(const CommandContext& context, PageLayouts& layouts, qi
 
 PrintDialog::~PrintDialog() = default;
 
-void PrintDialog::cmdPrint()
+QVector<PageRow> PrintDialog::pagesToPrint()
 {
     const std::optional<PageRow> page = m_context.session.pages().page(m_pageId);
     if (!page) {
         m_context.prompter.tell(QStringLiteral("Nothing found to print."));
-        return;
+        return {};
     }
-    if (printPages({*page}, m_title, false))
-        accept();
+    return {*page};
 }
 
 } // namespace qmr

@@ -22,7 +22,8 @@ public:
     ~PrintDialog() override;
 
 protected:
-    void cmdPrint() override;
+    QVector<PageRow> pagesToPrint() override;
+    QString jobTitle() const override { return m_title; }
 
 private:
     std::unique_ptr<Ui::PrintDialog> m_ui;

@@ -11,12 +11,12 @@ namespace qmr {
 PrintDocumentDialog::PrintDocumentDialog(const CommandContext& context, PageLayouts& layouts,
                                          qint32 documentId, const QStringList& printers,
                                          QWidget* parent)
-    : PrintWindow(context, layouts, parent), m_ui(std::make_unique<Ui::PrintDocumentDialog>()),
-      m_documentId(documentId)
+    : PrintWindow(context, layouts, true, parent),
+      m_ui(std::make_unique<Ui::PrintDocumentDialog>()), m_documentId(documentId)
 {
     m_ui->setupUi(this);
     wire({m_ui->cboPrinter, m_ui->cmdSetup, m_ui->cmdPrint, m_ui->cmdCancel, m_ui->lblScale,
-          m_ui->lblItem},
+          m_ui->lblItem, m_ui->cmdPreview, m_ui->cmdSystemDialog},
          printers);
     for (QLineEdit* edit : {m_ui->txtFrom, m_ui->txtTo})
         edit->setValidator(new QIntValidator(edit));
@@ -29,7 +29,7 @@ PrintDocumentDialog::PrintDocumentDialog(const CommandContext& context, PageLayo
 
 PrintDocumentDialog::~PrintDocumentDialog() = default;
 
-void PrintDocumentDialog::cmdPrint()
+QVector<PageRow> PrintDocumentDialog::pagesToPrint()
 {
     bool fromIsNumber = false;
     bool toIsNumber = false;
@@ -38,12 +38,9 @@ void PrintDocumentDialog::cmdPrint()
     const QVector<PageRow> pages =
         fromIsNumber && toIsNumber ? m_context.session.pages().pagesInRange(m_documentId, from, to)
                                    : QVector<PageRow>();
-    if (pages.isEmpty()) {
+    if (pages.isEmpty())
         m_context.prompter.tell(QStringLiteral("Nothing found to print."));
-        return;
-    }
-    if (printPages(pages, m_name, true))
-        accept();
+    return pages;
 }
 
 } // namespace qmr

@@ -22,7 +22,8 @@ public:
     ~PrintDocumentDialog() override;
 
 protected:
-    void cmdPrint() override;
+    QVector<PageRow> pagesToPrint() override;
+    QString jobTitle() const override { return m_name; }
 
 private:
     std::unique_ptr<Ui::PrintDocumentDialog> m_ui;

@@ -36,11 +36,15 @@ QString PrinterTarget::where() const
     return QStringLiteral("the printer ") + m_printer.printerName();
 }
 
-bool PrinterTarget::beginSheet()
+bool PrinterTarget::beginSheet(QPageLayout::Orientation orientation)
 {
+    // The sheet turns before it begins; the paper size and margins stay as set up.
+    m_printer.setPageOrientation(orientation);
     if (!m_started) {
         m_started = true;
-        if (m_printer.outputFormat() == QPrinter::PdfFormat) {
+        // A preview has no file: its sheets are only drawn on the screen.
+        if (m_printer.outputFormat() == QPrinter::PdfFormat &&
+            !m_printer.outputFileName().isEmpty()) {
             m_pdf = std::make_unique<PdfOutput>(m_printer.outputFileName());
             if (!m_pdf->open()) {
                 m_error = QStringLiteral("Cannot print to ") + where() + QStringLiteral(".");

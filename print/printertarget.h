@@ -21,7 +21,7 @@ public:
 
     int dpiX() const override;
     int dpiY() const override;
-    bool beginSheet() override;
+    bool beginSheet(QPageLayout::Orientation orientation) override;
     void drawImage(const QImage& image, const QSize& size) override;
     bool finish() override;
     QString errorText() const override { return m_error; }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QPageLayout>
 #include <QSize>
 #include <QString>
 
@@ -7,17 +8,17 @@ class QImage;
 
 namespace qmr {
 
-// Where printed pages go: a sheet a page, each picture drawn at its top left corner at a
-// size in the target's own dots.
+// Where printed pages go: a sheet a page, turned to suit its picture, each picture drawn at
+// its top left corner at a size in the target's own dots.
 class PrintTarget
 {
 public:
     virtual ~PrintTarget() = default;
     virtual int dpiX() const = 0;
     virtual int dpiY() const = 0;
-    // Starts the next sheet (the first one starts the job); false when the target refuses,
-    // with the reason in errorText().
-    virtual bool beginSheet() = 0;
+    // Starts the next sheet (the first one starts the job) in `orientation`; false when the
+    // target refuses, with the reason in errorText().
+    virtual bool beginSheet(QPageLayout::Orientation orientation) = 0;
     virtual void drawImage(const QImage& image, const QSize& size) = 0;
     // Ends the job; false when it could not be completed.
     virtual bool finish() = 0;

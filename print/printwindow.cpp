@@ -6,6 +6,8 @@
 #include <QFileInfo>
 #include <QLabel>
 #include <QPageSetupDialog>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
 #include <QPrinter>
 #include <QPrinterInfo>
 #include <QPushButton>
@@ -19,8 +21,9 @@
 
 namespace qmr {
 
-PrintWindow::PrintWindow(const CommandContext& context, PageLayouts& layouts, QWidget* parent)
-    : QDialog(parent), m_context(context), m_layouts(layouts)
+PrintWindow::PrintWindow(const CommandContext& context, PageLayouts& layouts, bool range,
+                         QWidget* parent)
+    : QDialog(parent), m_context(context), m_layouts(layouts), m_range(range)
 {
 }
 
@@ -37,6 +40,7 @@ void PrintWindow::wire(const Controls& controls, const QStringList& printers)
     m_controls.printer->setCurrentText(PrinterChoice::initial(entries, settings.get(keys::Printer),
                                                               PrinterChoice::systemDefault()));
     m_controls.print->setEnabled(m_controls.printer->count() > 0);
+    m_controls.preview->setEnabled(m_controls.printer->count() > 0);
     QFont bold = font();
     bold.setBold(true);
     m_controls.item->setFont(bold);
@@ -54,6 +58,10 @@ void PrintWindow::wire(const Controls& controls, const QStringList& printers)
     connect(m_controls.print, &QPushButton::clicked, this,
             [this] { guarded(m_context.prompter, [this] { cmdPrint(); }); });
     connect(m_controls.cancel, &QPushButton::clicked, this, &QDialog::reject);
+    connect(m_controls.preview, &QPushButton::clicked, this,
+            [this] { guarded(m_context.prompter, [this] { preview(); }); });
+    connect(m_controls.systemDialog, &QPushButton::clicked, this,
+            [this] { guarded(m_context.prompter, [this] { systemDialog(); }); });
 }
 
 QString PrintWindow::printerEntry() const
@@ -71,24 +79,34 @@ bool PrintWindow::choosePrinter(const QString& entry)
     return true;
 }
 
+void PrintWindow::prepare(QPrinter& printer, const QString& entry, const QString& pdfFile) const
+{
+    PrinterChoice::configure(printer, entry, pdfFile);
+    if (m_layouts.contains(entry))
+        printer.setPageLayout(m_layouts.value(entry));
+    printer.setDocName(jobTitle());
+}
+
 void PrintWindow::printSetup()
 {
     const QString entry = printerEntry();
     QPrinter printer(QPrinter::HighResolution);
-    PrinterChoice::configure(printer, entry, QString());
-    if (m_layouts.contains(entry))
-        printer.setPageLayout(m_layouts.value(entry));
+    prepare(printer, entry, QString());
     QPageSetupDialog dialog(&printer, this);
     if (dialog.exec() == QDialog::Accepted)
         m_layouts.insert(entry, printer.pageLayout());
 }
 
+QString PrintWindow::pdfDirectory() const
+{
+    const QString directory = m_context.session.settings().get(keys::PrintPdfPath);
+    return directory.isEmpty() || !QFileInfo(directory).isDir() ? QDir::homePath() : directory;
+}
+
 std::optional<QString> PrintWindow::askPdfFile(const QString& title)
 {
     Settings& settings = m_context.session.settings();
-    QString directory = settings.get(keys::PrintPdfPath);
-    if (directory.isEmpty() || !QFileInfo(directory).isDir())
-        directory = QDir::homePath();
+    const QString directory = pdfDirectory();
     std::optional<QString> path = m_context.choosers.saveFile(
         {PrinterChoice::pdfEntry(),
          directory + QLatin1Char('/') + PrinterChoice::pdfFileName(title),
@@ -104,13 +122,20 @@ std::optional<QString> PrintWindow::askPdfFile(const QString& title)
     return path;
 }
 
-bool PrintWindow::printPages(const QVector<PageRow>& pages, const QString& title, bool withProgress)
+void PrintWindow::cmdPrint()
+{
+    const QVector<PageRow> pages = pagesToPrint();
+    if (!pages.isEmpty() && printPages(pages))
+        accept();
+}
+
+bool PrintWindow::printPages(const QVector<PageRow>& pages)
 {
     const QString entry = printerEntry();
     m_context.session.settings().set(keys::Printer, entry);
     QString pdfFile;
     if (entry == PrinterChoice::pdfEntry()) {
-        const std::optional<QString> chosen = askPdfFile(title);
+        const std::optional<QString> chosen = askPdfFile(jobTitle());
         if (!chosen)
             return false;
         pdfFile = *chosen;
@@ -119,19 +144,21 @@ bool PrintWindow::printPages(const QVector<PageRow>& pages, const QString& title
                                 QStringLiteral("' is not available."));
         return false;
     }
-
     QPrinter printer(QPrinter::HighResolution);
-    PrinterChoice::configure(printer, entry, pdfFile);
-    if (m_layouts.contains(entry))
-        printer.setPageLayout(m_layouts.value(entry));
-    printer.setDocName(title);
+    prepare(printer, entry, pdfFile);
+    runPrint(printer, pages);
+    return true;
+}
+
+void PrintWindow::runPrint(QPrinter& printer, const QVector<PageRow>& pages)
+{
     PrinterTarget target(printer);
     const PagePrinter routine(m_context.session.paths(),
                               PrintScale::fromSettings(m_context.session.settings()));
     PrintOutcome outcome;
-    if (withProgress) {
-        outcome =
-            routine.print(pages, target, &m_context.progress, QStringLiteral("Printing ") + title);
+    if (m_range) {
+        outcome = routine.print(pages, target, &m_context.progress,
+                                QStringLiteral("Printing ") + jobTitle());
     } else {
         QApplication::setOverrideCursor(Qt::WaitCursor);
         outcome = routine.print(pages, target);
@@ -139,7 +166,82 @@ bool PrintWindow::printPages(const QVector<PageRow>& pages, const QString& title
     }
     if (!outcome.error.isEmpty())
         m_context.prompter.tell(outcome.error);
-    return true;
+}
+
+void PrintWindow::preview()
+{
+    const QVector<PageRow> pages = pagesToPrint();
+    if (pages.isEmpty())
+        return;
+    // The sheets of the chosen printer; nothing is written while they are only looked at.
+    QPrinter printer(QPrinter::HighResolution);
+    prepare(printer, printerEntry(), QString());
+    QPrintPreviewDialog dialog(&printer, this);
+    dialog.setWindowTitle(QStringLiteral("Preview of ") + jobTitle());
+    const PagePrinter routine(m_context.session.paths(),
+                              PrintScale::fromSettings(m_context.session.settings()));
+    connect(&dialog, &QPrintPreviewDialog::paintRequested, this, [&](QPrinter* shown) {
+        PrinterTarget target(*shown);
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+        const PrintOutcome outcome = routine.print(pages, target);
+        QApplication::restoreOverrideCursor();
+        if (!outcome.error.isEmpty())
+            m_context.prompter.tell(outcome.error);
+    });
+    dialog.exec();
+}
+
+void PrintWindow::systemDialog()
+{
+    const QVector<PageRow> pages = pagesToPrint();
+    if (pages.isEmpty())
+        return;
+    const QString entry = printerEntry();
+    QPrinter printer(QPrinter::HighResolution);
+    // The system's dialog starts on the chosen printer; for a PDF file it offers one in the
+    // folder of the last.
+    prepare(printer, entry,
+            pdfDirectory() + QLatin1Char('/') + PrinterChoice::pdfFileName(jobTitle()));
+    QPrintDialog dialog(&printer, this);
+    dialog.setOption(QAbstractPrintDialog::PrintToFile);
+    dialog.setOption(QAbstractPrintDialog::PrintCollateCopies);
+    dialog.setOption(QAbstractPrintDialog::PrintShowPageSize);
+    dialog.setOption(QAbstractPrintDialog::PrintPageRange, m_range);
+    dialog.setOption(QAbstractPrintDialog::PrintSelection, false);
+    dialog.setOption(QAbstractPrintDialog::PrintCurrentPage, false);
+    // The range is one of page numbers, within those this window stands for.
+    dialog.setMinMax(pages.first().pageNumber, pages.last().pageNumber);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+
+    QVector<PageRow> chosen;
+    for (const PageRow& page : pages)
+        if (printer.printRange() != QPrinter::PageRange ||
+            (page.pageNumber >= printer.fromPage() && page.pageNumber <= printer.toPage()))
+            chosen << page;
+    if (chosen.isEmpty()) {
+        m_context.prompter.tell(QStringLiteral("Nothing found to print."));
+        return;
+    }
+    // A printer that cannot make copies itself (a PDF file) gets each sheet as often.
+    const int copies = printer.supportsMultipleCopies() ? 1 : qMax(1, printer.copyCount());
+    QVector<PageRow> sheets;
+    for (int c = 0; c < copies && printer.collateCopies(); ++c)
+        sheets << chosen;
+    if (!printer.collateCopies())
+        for (const PageRow& page : chosen)
+            for (int c = 0; c < copies; ++c)
+                sheets << page;
+
+    const bool toFile = printer.outputFormat() == QPrinter::PdfFormat;
+    Settings& settings = m_context.session.settings();
+    if (toFile && !printer.outputFileName().isEmpty())
+        settings.set(keys::PrintPdfPath, QFileInfo(printer.outputFileName()).absolutePath());
+    const QString used = toFile ? PrinterChoice::pdfEntry() : printer.printerName();
+    if (!choosePrinter(used))
+        settings.set(keys::Printer, used);
+    runPrint(printer, sheets);
+    accept();
 }
 
 } // namespace qmr

@@ -8,12 +8,14 @@
 
 class QComboBox;
 class QLabel;
+class QPrinter;
 class QPushButton;
 
 namespace qmr {
 
 // What the page and the document print windows share: the printer list, whose choice is kept
-// as "Printer" for the next print, Print Setup, and the print run itself.
+// as "Printer" for the next print, Print Setup, Preview, the system's print dialog (copies,
+// a range) and the print run itself.
 class PrintWindow : public QDialog
 {
     Q_OBJECT
@@ -23,7 +25,8 @@ public:
     bool choosePrinter(const QString& entry);
 
 protected:
-    PrintWindow(const CommandContext& context, PageLayouts& layouts, QWidget* parent);
+    // `range`: the window prints a document's range, a page at a time with the progress.
+    PrintWindow(const CommandContext& context, PageLayouts& layouts, bool range, QWidget* parent);
 
     struct Controls
     {
@@ -33,21 +36,34 @@ protected:
         QPushButton* cancel;
         QLabel* scale;
         QLabel* item;
+        QPushButton* preview;
+        QPushButton* systemDialog;
     };
     // Fills the list (the system's printers, then the PDF entry) and connects the buttons.
     void wire(const Controls& controls, const QStringList& printers);
-    // Prints `pages` on the chosen printer. False when nothing was started because the
-    // person cancelled the PDF file name or the printer is gone: the window then stays.
-    bool printPages(const QVector<PageRow>& pages, const QString& title, bool withProgress);
-    virtual void cmdPrint() = 0;
+    // The pages the window stands for, in their order, with the job's title; none after the
+    // message "Nothing found to print.".
+    virtual QVector<PageRow> pagesToPrint() = 0;
+    virtual QString jobTitle() const = 0;
 
     CommandContext m_context;
 
 private:
+    void cmdPrint();
+    // Prints on the chosen printer. False when nothing was started because the person
+    // cancelled the PDF file name or the printer is gone: the window then stays.
+    bool printPages(const QVector<PageRow>& pages);
+    void runPrint(QPrinter& printer, const QVector<PageRow>& pages);
+    // A printer for the chosen entry with the sheet set up for it in this run.
+    void prepare(QPrinter& printer, const QString& entry, const QString& pdfFile) const;
     void printSetup();
+    void preview();
+    void systemDialog();
+    QString pdfDirectory() const;
     std::optional<QString> askPdfFile(const QString& title);
 
     PageLayouts& m_layouts;
+    bool m_range;
     Controls m_controls{};
 };
 

@@ -83,6 +83,11 @@ ImageEdit ImageEdit::rotateClockwise()
     return ImageEdit(Kind::RotateClockwise);
 }
 
+ImageEdit ImageEdit::rotateCounterClockwise()
+{
+    return ImageEdit(Kind::RotateCounterClockwise);
+}
+
 ImageEdit ImageEdit::replace(const QImage& image)
 {
     ImageEdit edit(Kind::Replace);
@@ -113,6 +118,9 @@ bool ImageEdit::apply(QImage& image)
     case Kind::RotateClockwise:
         image = turned(image, 90);
         return true;
+    case Kind::RotateCounterClockwise:
+        image = turned(image, -90);
+        return true;
     case Kind::Replace:
         if (m_other.isNull())
             return false;
@@ -141,6 +149,9 @@ void ImageEdit::undo(QImage& image)
     }
     case Kind::RotateClockwise:
         image = turned(image, -90);
+        break;
+    case Kind::RotateCounterClockwise:
+        image = turned(image, 90);
         break;
     case Kind::Replace:
         std::swap(image, m_other);

@@ -7,20 +7,22 @@
 namespace qmr {
 
 // One change to a page image that can be taken back: a crop (the band's or the automatic
-// trim's), a quarter turn clockwise, or a whole new image (a paste). Each keeps only what its
+// trim's), a quarter turn either way, or a whole new image (a paste). Each keeps only what its
 // undo needs: a crop keeps the strips it cut off, so the strips and the cropped image together
 // are never more than the image before; a turn keeps nothing.
 class ImageEdit
 {
 public:
-    enum class Kind { Crop, RotateClockwise, Replace };
+    enum class Kind { Crop, RotateClockwise, RotateCounterClockwise, Replace };
 
     static ImageEdit crop(const QRect& rect);
     static ImageEdit rotateClockwise();
+    static ImageEdit rotateCounterClockwise();
     static ImageEdit replace(const QImage& image);
 
     Kind kind() const { return m_kind; }
-    // Changes `image`; false (and `image` untouched) when the edit would change nothing.
+    // Changes `image`; false (and `image` untouched) when the edit would change nothing. An
+    // edit taken back by undo() may be applied again (a redo).
     bool apply(QImage& image);
     // Gives back the image as it was before apply().
     void undo(QImage& image);

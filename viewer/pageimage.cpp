@@ -4,8 +4,14 @@ namespace qmr {
 
 void PageImage::setImage(const QImage& image)
 {
-    m_edits.clear();
+    forgetEdits();
     m_image = image;
+}
+
+void PageImage::forgetEdits()
+{
+    m_edits.clear();
+    m_undone.clear();
 }
 
 void PageImage::clear()
@@ -18,6 +24,7 @@ bool PageImage::apply(ImageEdit edit)
     if (!edit.apply(m_image))
         return false;
     m_edits.push_back(std::move(edit));
+    m_undone.clear();
     return true;
 }
 
@@ -26,7 +33,20 @@ bool PageImage::undo()
     if (m_edits.empty())
         return false;
     m_edits.back().undo(m_image);
+    m_undone.push_back(std::move(m_edits.back()));
     m_edits.pop_back();
+    return true;
+}
+
+bool PageImage::redo()
+{
+    if (m_undone.empty())
+        return false;
+    ImageEdit edit = std::move(m_undone.back());
+    m_undone.pop_back();
+    if (!edit.apply(m_image))
+        return false;
+    m_edits.push_back(std::move(edit));
     return true;
 }
 
@@ -34,6 +54,8 @@ qint64 PageImage::memoryBytes() const
 {
     qint64 bytes = m_image.sizeInBytes();
     for (const ImageEdit& edit : m_edits)
+        bytes += edit.undoBytes();
+    for (const ImageEdit& edit : m_undone)
         bytes += edit.undoBytes();
     return bytes;
 }

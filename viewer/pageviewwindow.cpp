@@ -5,6 +5,7 @@
 #include <QCloseEvent>
 #include <QFile>
 #include <QShortcut>
+#include <QStatusBar>
 #include <QTimer>
 
 #include "core/prompter.h"
@@ -15,6 +16,7 @@
 #include "store/session.h"
 #include "viewer/imagefile.h"
 #include "viewer/pagecanvas.h"
+#include "viewer/windowplacement.h"
 #include "viewer/zoomrules.h"
 #include "ui_pageviewwindow.h"
 
@@ -50,6 +52,8 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     m_ui->cmdPrev->setEnabled(false);
     m_ui->cmdNext->setEnabled(false);
     m_ui->cmdPrint->setEnabled(false);
+    // The status line is there from the start, so that its first message moves nothing.
+    statusBar();
 
     const auto on = [this](QPushButton* button, void (PageViewWindow::*command)()) {
         connect(button, &QPushButton::clicked, this, command);
@@ -64,6 +68,7 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     on(m_ui->cmdZoomFitWidth, &PageViewWindow::cmdZoomFitWidth);
     on(m_ui->cmdZoomFitHeight, &PageViewWindow::cmdZoomFitHeight);
     on(m_ui->cmdRotateClockwise, &PageViewWindow::cmdRotateClockwise);
+    on(m_ui->cmdRotateCounterClockwise, &PageViewWindow::cmdRotateCounterClockwise);
     on(m_ui->cmdCrop, &PageViewWindow::cmdCrop);
     on(m_ui->cmdAutoTrim, &PageViewWindow::cmdAutoTrim);
     on(m_ui->cmdInfo, &PageViewWindow::cmdInfo);
@@ -76,6 +81,7 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     connect(m_ui->mnuEditCopy, &QAction::triggered, this, &PageViewWindow::mnuEditCopy);
     connect(m_ui->mnuEditPaste, &QAction::triggered, this, &PageViewWindow::mnuEditPaste);
     connect(m_ui->mnuEditUndo, &QAction::triggered, this, &PageViewWindow::mnuEditUndo);
+    connect(m_ui->mnuEditRedo, &QAction::triggered, this, &PageViewWindow::mnuEditRedo);
     connect(m_ui->LEAD1, &PageCanvas::wheelZoom, this, [this](int steps, const QPoint& at) {
         double percent = m_ui->LEAD1->zoomPercent();
         for (int i = 0; i < qAbs(steps); ++i) {
@@ -106,6 +112,11 @@ PageCanvas* PageViewWindow::canvas() const
 
 void PageViewWindow::openPage(qint32 pageId)
 {
+    if (!mayLeaveEdits()) {
+        raise();
+        activateWindow();
+        return;
+    }
     m_mode = ViewerMode::Edit;
     m_key = NodeKey::of(Level::Page, pageId);
     showAndLoad();
@@ -140,6 +151,10 @@ void PageViewWindow::startNextPage()
 
 void PageViewWindow::showAndLoad()
 {
+    if (!m_placed) {
+        WindowPlacement::restore(this, m_context.session.settings(), objectName());
+        m_placed = true;
+    }
     show();
     raise();
     activateWindow();
@@ -166,8 +181,7 @@ bool PageViewWindow::preResolveDbId()
     const bool named = m_location.storage == 1;
     m_ui->lblSaveTo->setVisible(named);
     m_ui->txtFilename->setVisible(named);
-    setWindowTitle(
-        QStringLiteral("Page # %1 (ID = %2)").arg(m_location.pageNumber).arg(m_location.pageId));
+    updateTitle();
     return true;
 }
 
@@ -210,13 +224,21 @@ void PageViewWindow::loadImage()
 void PageViewWindow::showImage(const QImage& image)
 {
     m_page.setImage(image);
-    m_ui->LEAD1->setImage(m_page.image());
-    m_ui->mnuEditUndo->setEnabled(false);
+    imageEdited();
+}
+
+void PageViewWindow::updateTitle()
+{
+    if (m_location.pageId < 0)
+        return;
+    const QString caption =
+        QStringLiteral("Page # %1 (ID = %2)").arg(m_location.pageNumber).arg(m_location.pageId);
+    setWindowTitle(m_page.edited() ? QLatin1Char('*') + caption : caption);
 }
 
 void PageViewWindow::cmdPrev()
 {
-    if (!m_ui->cmdPrev->isEnabled())
+    if (!m_ui->cmdPrev->isEnabled() || !mayLeaveEdits())
         return;
     m_key = NodeKey::of(Level::Page, m_location.prevPageId);
     loadImage();
@@ -224,7 +246,7 @@ void PageViewWindow::cmdPrev()
 
 void PageViewWindow::cmdNext()
 {
-    if (!m_ui->cmdNext->isEnabled())
+    if (!m_ui->cmdNext->isEnabled() || !mayLeaveEdits())
         return;
     m_key = NodeKey::of(Level::Page, m_location.nextPageId);
     loadImage();
@@ -282,14 +304,26 @@ void PageViewWindow::imageEdited()
 {
     m_ui->LEAD1->setImage(m_page.image());
     m_ui->mnuEditUndo->setEnabled(m_page.canUndo());
+    m_ui->mnuEditRedo->setEnabled(m_page.canRedo());
+    updateTitle();
+}
+
+void PageViewWindow::rotate(ImageEdit turn)
+{
+    if (m_page.apply(std::move(turn))) {
+        imageEdited();
+        m_imageChanged = true;
+    }
 }
 
 void PageViewWindow::cmdRotateClockwise()
 {
-    if (m_page.apply(ImageEdit::rotateClockwise())) {
-        imageEdited();
-        m_imageChanged = true;
-    }
+    rotate(ImageEdit::rotateClockwise());
+}
+
+void PageViewWindow::cmdRotateCounterClockwise()
+{
+    rotate(ImageEdit::rotateCounterClockwise());
 }
 
 void PageViewWindow::cmdCrop()
@@ -330,6 +364,14 @@ void PageViewWindow::mnuEditPaste()
 void PageViewWindow::mnuEditUndo()
 {
     if (m_page.undo()) {
+        imageEdited();
+        m_ui->LEAD1->clearBand();
+    }
+}
+
+void PageViewWindow::mnuEditRedo()
+{
+    if (m_page.redo()) {
         imageEdited();
         m_ui->LEAD1->clearBand();
     }
@@ -394,7 +436,8 @@ PageSaver::Result PageViewWindow::save()
         m_ui->txtFilename->setFocus();
     if (result == PageSaver::Result::Saved) {
         m_page.forgetEdits();
-        m_ui->mnuEditUndo->setEnabled(false);
+        imageEdited();
+        statusBar()->showMessage(QStringLiteral("Page %1 saved.").arg(m_location.pageNumber));
         if (m_mode == ViewerMode::Add)
             m_newPageSaved = true;
         // A scan into a folder goes on in the document made for its first page.
@@ -422,10 +465,23 @@ void PageViewWindow::cmdSaveAs()
             [&] { PageSaver(m_context).saveAs(m_page.image(), target, reresolve); });
 }
 
+bool PageViewWindow::mayLeaveEdits()
+{
+    if (!m_page.edited())
+        return true;
+    const Prompter::Answer answer = m_context.prompter.ask(
+        QStringLiteral("Save the changes to page %1?").arg(m_location.pageNumber),
+        Prompter::Buttons::SaveDiscardCancel);
+    if (answer == Prompter::Answer::No)
+        return true;
+    // A save that stopped or failed keeps the page and its edits.
+    return answer == Prompter::Answer::Yes && save() == PageSaver::Result::Saved;
+}
+
 bool PageViewWindow::mayClose()
 {
     if (m_mode != ViewerMode::Add || m_newPageSaved || m_location.pageId < 0)
-        return true;
+        return mayLeaveEdits();
     bool removed = false;
     guarded(m_context.prompter, [&] { removed = PageSaver(m_context).cancelNewPage(m_location); });
     return removed;
@@ -435,7 +491,9 @@ void PageViewWindow::discardNewPage()
 {
     if (m_mode == ViewerMode::Add && !m_newPageSaved && m_location.pageId >= 0)
         guarded(m_context.prompter, [this] { PageSaver(m_context).removeNewPage(m_location); });
-    m_newPageSaved = true; // nothing is left to ask about
+    // Nothing is left to ask about.
+    m_newPageSaved = true;
+    m_page.forgetEdits();
     close();
 }
 
@@ -451,6 +509,7 @@ void PageViewWindow::closeEvent(QCloseEvent* event)
         return;
     }
     m_closing = true;
+    WindowPlacement::save(this, m_context.session.settings(), objectName());
     event->accept();
 }
 

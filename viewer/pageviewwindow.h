@@ -64,6 +64,8 @@ public:
     PageCanvas* canvas() const;
     // A quarter turn was made since the load.
     bool imageChanged() const { return m_imageChanged; }
+    // The image has edits that are not saved.
+    bool edited() const { return m_page.edited(); }
     bool newPageSaved() const { return m_newPageSaved; }
 
     // The commands of the buttons and the Edit menu.
@@ -74,6 +76,7 @@ public:
     void cmdZoomFitWidth();
     void cmdZoomFitHeight();
     void cmdRotateClockwise();
+    void cmdRotateCounterClockwise();
     void cmdCrop();
     void cmdAutoTrim();
     void cmdInfo();
@@ -83,6 +86,7 @@ public:
     void mnuEditCopy();
     void mnuEditPaste();
     void mnuEditUndo();
+    void mnuEditRedo();
 
 signals:
     // A save wrote the page's image and its row.
@@ -94,9 +98,14 @@ protected:
 private:
     void setZoom(double percent);
     void imageEdited();
+    void rotate(ImageEdit turn);
+    // "Page # N (ID = I)", marked with a star while the page has edits not saved.
+    void updateTitle();
     void showImage(const QImage& image);
     // A new page not saved yet: leaving asks, and a Yes removes its rows and files.
     bool mayClose();
+    // Edits not saved: asks whether to save them first. False when the page must stay.
+    bool mayLeaveEdits();
     SaveTarget saveTarget() const;
     void takeBack(const SaveTarget& target);
 
@@ -113,6 +122,7 @@ private:
     bool m_imageChanged = false;
     bool m_newPageSaved = false;
     bool m_closing = false;
+    bool m_placed = false;
 };
 
 } // namespace qmr

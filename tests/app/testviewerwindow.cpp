@@ -1,14 +1,22 @@
+#include <QAction>
 #include <QApplication>
+#include <QDir>
+#include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QPainter>
+#include <QPointer>
 #include <QRadioButton>
+#include <QScreen>
+#include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
 #include <functional>
 #include <memory>
 
 #include "app/startup.h"
+#include "core/settings.h"
 #include "core/pageopener.h"
 #include "dialogs/boxprompter.h"
 #include "navigator/navigator.h"
@@ -105,6 +113,29 @@ struct ViewerRun
         viewer->findChild<QPushButton*>("cmdEmail")->click();
     }
 };
+
+// A landscape sheet with a dark block in its top left corner, which shows how it is turned.
+bool writeCornered(const QString& path)
+{
+    QImage image(300, 200, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    QPainter(&image).fillRect(0, 0, 60, 60, Qt::black);
+    return QDir().mkpath(QFileInfo(path).path()) && image.save(path, "JPG", 90);
+}
+
+// Clicks the named button of a window; false when it has none.
+bool click(QWidget* window, const char* name)
+{
+    auto* button = window->findChild<QPushButton*>(name);
+    if (button)
+        button->click();
+    return button != nullptr;
+}
+
+bool darkAt(const QImage& image, int x, int y)
+{
+    return qGray(image.pixel(x, y)) < 64;
+}
 
 QByteArray fileBytes(const QString& path)
 {
@@ -214,6 +245,129 @@ private slots:
         r.mail(viewer, sendmail);
         QVERIFY(sendmail.message().isEmpty());
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+    }
+
+    // Rotate Left turns the other way from Rotate; Ctrl+Z and Ctrl+Shift+Z take an edit back
+    // and make it again; the caption marks a page with edits not saved, and closing asks
+    // whether to save them.
+    void editsAreKeptUntilTheyAreSavedOrDropped_data()
+    {
+        QTest::addColumn<int>("answer"); // to "Save the changes to page 1?"
+        QTest::addColumn<bool>("staysOpen");
+        QTest::addColumn<bool>("fileTurned");
+        QTest::newRow("save") << int(Prompter::Answer::Yes) << false << true;
+        QTest::newRow("discard") << int(Prompter::Answer::No) << false << false;
+        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << true << false;
+    }
+    void editsAreKeptUntilTheyAreSavedOrDropped()
+    {
+        QFETCH(int, answer);
+        QFETCH(bool, staysOpen);
+        QFETCH(bool, fileTurned);
+        ViewerRun r;
+        QVERIFY(r.start({writeCornered}));
+        const qint32 page = r.pages.first();
+        QPointer<PageViewWindow> viewer = r.open(page);
+        QVERIFY(viewer);
+        const QString caption = QString("Page # 1 (ID = %1)").arg(page);
+        QCOMPARE(viewer->windowTitle(), caption);
+        QVERIFY(QTest::qWaitForWindowActive(viewer));
+
+        QVERIFY(click(viewer, "cmdRotateCounterClockwise"));
+        QImage shown = viewer->pageImage().image();
+        QCOMPARE(shown.size(), QSize(200, 300));
+        QVERIFY(darkAt(shown, 10, 290)); // the corner went down the left side
+        QCOMPARE(viewer->windowTitle(), "*" + caption);
+        QTest::keyClick(viewer, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(viewer->pageImage().image().size(), QSize(300, 200));
+        QCOMPARE(viewer->windowTitle(), caption);
+        QTest::keyClick(viewer, Qt::Key_Z, Qt::ControlModifier | Qt::ShiftModifier);
+        QCOMPARE(viewer->pageImage().image().size(), QSize(200, 300));
+        QVERIFY(viewer->findChild<QAction*>("mnuEditRedo"));
+        QVERIFY(!viewer->findChild<QAction*>("mnuEditRedo")->isEnabled());
+        QCOMPARE(viewer->windowTitle(), "*" + caption);
+        // Rotate stays clockwise: the corner comes back to the top left.
+        QVERIFY(click(viewer, "cmdRotateClockwise") && click(viewer, "cmdRotateClockwise"));
+        shown = viewer->pageImage().image();
+        QCOMPARE(shown.size(), QSize(200, 300));
+        QVERIFY(darkAt(shown, 190, 10));
+
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer(answer));
+        if (fileTurned) // the page has no name of its own yet
+            r.prompter.expect("No filename entered.  Do you want to auto-assign a filename?",
+                              Prompter::Answer::Yes);
+        viewer->close();
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        QCOMPARE(viewer && viewer->isVisible(), staysOpen);
+        QCOMPARE(QImage(r.path(page)).size(), fileTurned ? QSize(200, 300) : QSize(300, 200));
+        if (staysOpen) {
+            QCOMPARE(viewer->windowTitle(), "*" + caption);
+            // Save says so in the status line, and the page has nothing left to ask about.
+            r.prompter.expect("No filename entered.  Do you want to auto-assign a filename?",
+                              Prompter::Answer::Yes);
+            QVERIFY(click(viewer, "cmdSave"));
+            QCOMPARE(viewer->statusBar()->currentMessage(), QString("Page 1 saved."));
+            QCOMPARE(viewer->windowTitle(), caption);
+            viewer->close();
+            QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+            QVERIFY(!viewer || !viewer->isVisible());
+        }
+    }
+
+    // Ending the program closes the viewer as its own Close does: edits not saved are asked
+    // about, and Cancel keeps the program running.
+    void endingTheRunAsksForTheViewersEdits()
+    {
+        ViewerRun r;
+        QVERIFY(r.start({writeCornered}));
+        QPointer<PageViewWindow> viewer = r.open(r.pages.first());
+        QVERIFY(viewer);
+        QVERIFY(click(viewer, "cmdRotateClockwise"));
+        r.prompter.expect("Exit the Quillmere?", Prompter::Answer::Yes);
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
+        r.run->window()->mnuFileExit();
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
+        r.run->window()->close();
+        QVERIFY(r.run->window()->isVisible());
+        QVERIFY(viewer && viewer->isVisible() && viewer->edited());
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
+        r.run->window()->close();
+        QVERIFY(!r.run->window()->isVisible());
+        QVERIFY(!viewer || !viewer->isVisible());
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
+    }
+
+    // The viewer opens wholly on the screen and comes back where it was left.
+    void viewerKeepsItsPlaceOnTheScreen()
+    {
+        ViewerRun r;
+        QVERIFY(r.start({writeCornered}));
+        const qint32 page = r.pages.first();
+        QPointer<PageViewWindow> viewer = r.open(page);
+        QVERIFY(viewer);
+        const QRect screen = viewer->screen()->availableGeometry();
+        QVERIFY2(screen.contains(viewer->frameGeometry()), qPrintable(QString("%1,%2 %3x%4")
+                                                                          .arg(viewer->x())
+                                                                          .arg(viewer->y())
+                                                                          .arg(viewer->width())
+                                                                          .arg(viewer->height())));
+        const QRect left(screen.topLeft() + QPoint(6, 40),
+                         QSize(420, 330).expandedTo(viewer->minimumSizeHint()));
+        viewer->setGeometry(left);
+        viewer->close();
+        QTRY_VERIFY(!viewer);
+        viewer = r.open(page);
+        QVERIFY(viewer);
+        QCOMPARE(viewer->geometry(), left);
+        viewer->close();
+        QTRY_VERIFY(!viewer);
+
+        // A place from a larger screen than this one.
+        r.home.settings().savePlacement("frmPageView", Placement{5000, 9000, 2400, 3200, 0});
+        viewer = r.open(page);
+        QVERIFY(viewer);
+        QVERIFY(screen.contains(viewer->frameGeometry()));
     }
 
     void saveLeavesTheViewerInFront()

@@ -72,6 +72,9 @@ private slots:
         QTest::newRow("yes no cancel")
             << int(Prompter::Buttons::YesNoCancel) << QList<B>{B::Yes, B::No, B::Cancel}
             << int(Prompter::Answer::Cancel);
+        QTest::newRow("save discard cancel")
+            << int(Prompter::Buttons::SaveDiscardCancel) << QList<B>{B::Save, B::Discard, B::Cancel}
+            << int(Prompter::Answer::Cancel);
     }
     void buttonsAndEscape()
     {
@@ -107,6 +110,10 @@ private slots:
             << int(Prompter::Buttons::YesNoCancel) << int(B::No) << int(A::No);
         QTest::newRow("cancel") << int(Prompter::Buttons::YesNoCancel) << int(B::Cancel)
                                 << int(A::Cancel);
+        QTest::newRow("save") << int(Prompter::Buttons::SaveDiscardCancel) << int(B::Save)
+                              << int(A::Yes);
+        QTest::newRow("discard") << int(Prompter::Buttons::SaveDiscardCancel) << int(B::Discard)
+                                 << int(A::No);
     }
     void eachButtonGivesItsAnswer()
     {
@@ -143,6 +150,8 @@ private slots:
         QTest::newRow("yes/no/cancel, default cancel")
             << int(B::YesNoCancel) << int(A::Cancel) << int(A::Cancel);
         QTest::newRow("yes/no/cancel, plain") << int(B::YesNoCancel) << -1 << int(A::Yes);
+        QTest::newRow("save/discard/cancel, plain")
+            << int(B::SaveDiscardCancel) << -1 << int(A::Yes);
         QTest::newRow("ok") << int(B::Ok) << -1 << int(A::Ok);
     }
     void enterPressesTheDefault()

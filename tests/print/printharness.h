@@ -66,6 +66,7 @@ struct Sheet
 {
     QSize imageSize;
     QSize drawnSize;
+    QPageLayout::Orientation orientation = QPageLayout::Portrait;
 };
 
 // A print target that keeps what was drawn, at a stated printer resolution.
@@ -75,16 +76,17 @@ public:
     explicit RecordingTarget(int dpi = 600) : m_dpi(dpi) {}
     int dpiX() const override { return m_dpi; }
     int dpiY() const override { return m_dpi; }
-    bool beginSheet() override
+    bool beginSheet(QPageLayout::Orientation orientation) override
     {
         if (refuseSheet == int(sheets.size()) + 1)
             return false;
-        sheets.push_back({});
+        sheets.push_back({QSize(), QSize(), orientation});
         return true;
     }
     void drawImage(const QImage& image, const QSize& size) override
     {
-        sheets.back() = {image.size(), size};
+        sheets.back().imageSize = image.size();
+        sheets.back().drawnSize = size;
         if (onDraw)
             onDraw();
     }
@@ -183,6 +185,7 @@ struct PdfFacts
 {
     int pages = -1;
     QSizeF pageSize;                   // points, of the first page
+    QVector<QSizeF> pageSizes;         // points, per page, turned as the page is shown
     QVector<QPair<int, int>> imagePpi; // x and y, per image, in page order
     QVector<QSize> imageSizes;         // pixels, per image, in page order
     QString error;
@@ -192,7 +195,8 @@ inline PdfFacts readPdf(const QString& path)
 {
     PdfFacts facts;
     QProcess info;
-    info.start(QStringLiteral("pdfinfo"), {path});
+    info.start(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"),
+                                           QStringLiteral("-l"), QStringLiteral("100000"), path});
     if (!info.waitForFinished(30000) || info.exitCode() != 0) {
         facts.error = QStringLiteral("pdfinfo (poppler-utils) failed or is missing: ") +
                       QString::fromLocal8Bit(info.readAllStandardError()) + info.errorString();
@@ -203,12 +207,23 @@ inline PdfFacts readPdf(const QString& path)
         QRegularExpression(QStringLiteral("^Pages:\\s+(\\d+)"), QRegularExpression::MultilineOption)
             .match(text);
     facts.pages = pages.hasMatch() ? pages.captured(1).toInt() : -1;
-    const QRegularExpressionMatch size =
-        QRegularExpression(QStringLiteral("^Page size:\\s+([\\d.]+) x ([\\d.]+) pts"),
+    QRegularExpressionMatchIterator sizes =
+        QRegularExpression(QStringLiteral("^Page +\\d+ size:\\s+([\\d.]+) x ([\\d.]+) pts"),
                            QRegularExpression::MultilineOption)
-            .match(text);
-    if (size.hasMatch())
-        facts.pageSize = QSizeF(size.captured(1).toDouble(), size.captured(2).toDouble());
+            .globalMatch(text);
+    QRegularExpressionMatchIterator turns =
+        QRegularExpression(QStringLiteral("^Page +\\d+ rot:\\s+(\\d+)"),
+                           QRegularExpression::MultilineOption)
+            .globalMatch(text);
+    while (sizes.hasNext()) {
+        const QRegularExpressionMatch size = sizes.next();
+        QSizeF points(size.captured(1).toDouble(), size.captured(2).toDouble());
+        if (turns.hasNext() && turns.next().captured(1).toInt() % 180 == 90)
+            points.transpose();
+        facts.pageSizes.push_back(points);
+    }
+    if (!facts.pageSizes.isEmpty())
+        facts.pageSize = facts.pageSizes.first();
 
     QProcess images;
     images.start(QStringLiteral("pdfimages"), {QStringLiteral("-list"), path});

@@ -158,6 +158,14 @@ private slots:
         const test::PdfFacts pdf = test::readPdf(dir.filePath("three.pdf"));
         QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
         QCOMPARE(pdf.pages, 3);
+        // The page wider than it is tall goes across its sheet; the others stand upright.
+        QCOMPARE(pdf.pageSizes.size(), 3);
+        for (int i = 0; i < 3; ++i)
+            QVERIFY2((pdf.pageSizes[i].width() > pdf.pageSizes[i].height()) == (i == 1),
+                     qPrintable(QString("sheet %1: %2 x %3")
+                                    .arg(i + 1)
+                                    .arg(pdf.pageSizes[i].width())
+                                    .arg(pdf.pageSizes[i].height())));
         QCOMPARE(pdf.imagePpi.size(), 3);
         // True size less 5%: a picture of R dots per inch shows at R / 0.95 on paper.
         const QVector<QPair<int, int>> expected = {

@@ -1,7 +1,12 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
+#include <QCheckBox>
+#include <QDialog>
+#include <QPrintPreviewWidget>
 #include <QPushButton>
+#include <QRadioButton>
+#include <QSpinBox>
 #include <QTemporaryDir>
 #include <QTest>
 
@@ -366,19 +371,82 @@ private slots:
             QCOMPARE(opened, QString("QPageSetupDialog"));
             QVERIFY(layouts.contains("Print to PDF file"));
         }
-        // What the setup chose (here: landscape) shapes the sheets of the next print.
-        QPageLayout landscape = layouts.value("Print to PDF file");
-        landscape.setOrientation(QPageLayout::Landscape);
-        layouts.insert("Print to PDF file", landscape);
+        // The paper the setup chose (here A5) is that of the next print; the sheet turns to
+        // suit the page, which is wider than it is tall.
+        QPageLayout a5 = layouts.value("Print to PDF file");
+        a5.setPageSize(QPageSize(QPageSize::A5));
+        a5.setOrientation(QPageLayout::Portrait);
+        layouts.insert("Print to PDF file", a5);
         QTemporaryDir dir;
         h.choosers.queueSaveFile(dir.filePath("wide.pdf"));
         PrintDialog dialog(h.context(), layouts, page, kPrinters);
         child<QPushButton>(&dialog, "cmdPrint")->click();
         const test::PdfFacts pdf = test::readPdf(dir.filePath("wide.pdf"));
         QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
-        QVERIFY2(
-            pdf.pageSize.width() > pdf.pageSize.height(),
-            qPrintable(QString("%1 x %2").arg(pdf.pageSize.width()).arg(pdf.pageSize.height())));
+        QCOMPARE(pdf.pageSize.toSize(), QSize(595, 420));
+    }
+
+    // Preview shows the sheets of the chosen printer and writes nothing.
+    void previewShowsTheSheets()
+    {
+        PrintHarness h;
+        h.page(1, QSize(850, 1100), 100, 100);
+        h.page(2, QSize(1100, 850), 100, 100);
+        h.page(3, QSize(850, 1100), 100, 100);
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        PageLayouts layouts;
+        PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
+        int sheets = -1;
+        QString title;
+        test::whenModal(this, [&](QWidget* w) {
+            title = w->windowTitle();
+            if (auto* view = w->findChild<QPrintPreviewWidget*>()) {
+                (void)QTest::qWaitFor([&] { return view->pageCount() == 3; }, 10000);
+                sheets = view->pageCount();
+            }
+            w->close();
+        });
+        child<QPushButton>(&dialog, "cmdPreview")->click();
+        QCOMPARE(title, QString("Preview of Tax return"));
+        QCOMPARE(sheets, 3);
+        QVERIFY(h.choosers.saveStarts().isEmpty());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    // The system's print dialog: two collated copies of pages 2 to 3 into a PDF file, each
+    // sheet turned to suit its page.
+    void systemDialogPrintsCopiesOfARange()
+    {
+        PrintHarness h;
+        h.page(1, QSize(850, 1100), 100, 100);
+        h.page(2, QSize(850, 1100), 100, 100);
+        h.page(3, QSize(1100, 850), 100, 100);
+        QTemporaryDir dir;
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.home.settings().set(keys::PrintPdfPath, dir.path());
+        PageLayouts layouts;
+        PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
+        QString opened;
+        test::whenModal(this, [&](QWidget* w) {
+            opened = w->metaObject()->className();
+            child<QSpinBox>(w, "copies")->setValue(2);
+            child<QCheckBox>(w, "collate")->setChecked(true);
+            child<QRadioButton>(w, "printRange")->setChecked(true);
+            child<QSpinBox>(w, "to")->setValue(3);
+            child<QSpinBox>(w, "from")->setValue(2);
+            qobject_cast<QDialog*>(w)->accept();
+        });
+        child<QPushButton>(&dialog, "cmdSystemDialog")->click();
+        QCOMPARE(opened, QString("QPrintDialog"));
+        QCOMPARE(dialog.result(), int(QDialog::Accepted));
+        const test::PdfFacts pdf = test::readPdf(dir.filePath("Tax return.pdf"));
+        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+        QCOMPARE(pdf.pages, 4);
+        QCOMPARE(pdf.imageSizes,
+                 (QVector<QSize>{{850, 1100}, {1100, 850}, {850, 1100}, {1100, 850}}));
+        for (int i = 0; i < 4; ++i)
+            QCOMPARE(pdf.pageSizes.at(i).width() > pdf.pageSizes.at(i).height(), i % 2 == 1);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
     void commandsOpenTheirWindows()

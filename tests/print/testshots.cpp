@@ -1,3 +1,5 @@
+#include <QPrintPreviewWidget>
+#include <QPushButton>
 #include <QTest>
 
 #include "print/printdialog.h"
@@ -19,7 +21,7 @@ private slots:
         test::PrintHarness h;
         h.page(1, QSize(100, 100), 100, 100);
         const qint32 page = h.page(2, QSize(100, 100), 100, 100);
-        h.page(3, QSize(100, 100), 100, 100);
+        h.page(3, QSize(1100, 850), 100, 100);
         const QStringList printers = {"Office_Laser", "Hall_Inkjet"};
         PageLayouts layouts;
 
@@ -32,6 +34,27 @@ private slots:
         document.show();
         QVERIFY(QTest::qWaitForWindowExposed(&document));
         test::saveShot(&document, "dialog-print-document");
+        // The preview of the document: the third page lies across its sheet.
+        bool previewed = false;
+        test::whenModal(this, [&](QWidget* preview) {
+            preview->resize(900, 600);
+            auto* view = preview->findChild<QPrintPreviewWidget*>();
+            (void)QTest::qWaitFor([&] { return view && view->pageCount() == 3; });
+            test::saveShot(preview, "dialog-print-preview");
+            previewed = true;
+            preview->close();
+        });
+        document.findChild<QPushButton*>("cmdPreview")->click();
+        QVERIFY(previewed);
+        // The system's print dialog, offered beside the program's own.
+        bool shown = false;
+        test::whenModal(this, [&](QWidget* system) {
+            test::saveShot(system, "dialog-print-system");
+            shown = true;
+            system->close();
+        });
+        document.findChild<QPushButton*>("cmdSystemDialog")->click();
+        QVERIFY(shown);
 
         PrintSettingsDialog settings(h.home.settings(), h.prompter);
         settings.show();

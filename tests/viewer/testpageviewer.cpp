@@ -377,9 +377,10 @@ private slots:
         test::ViewerHarness h;
         auto w = openViewer(h, h.singlePage);
         w->cmdRotateClockwise();
+        // An edit not saved is asked about; Discard drops the change on the screen.
+        h.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
         QTest::keyClick(w.get(), Qt::Key_Escape);
         QVERIFY(!w->isVisible());
-        // Mode "Edit" closes without asking, and the change on the screen is dropped.
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(QImage(h.session->paths().computedPagePath(h.singlePage)).size(),
                  QSize(850, 1100));

@@ -89,6 +89,12 @@ private slots:
 
         w.cmdCrop();
         test::saveShot(&w, "viewer-cropped");
+
+        // Saved: the status line says so.
+        h.prompter.expect("No filename entered.  Do you want to auto-assign a filename?",
+                          Prompter::Answer::Yes);
+        QCOMPARE(w.save(), PageSaver::Result::Saved);
+        test::saveShot(&w, "viewer-saved");
     }
 
     void viewerNamedPage()
