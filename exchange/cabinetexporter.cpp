@@ -21,16 +21,6 @@ QString inside(const QString& dir, const QString& name)
 
 } // namespace
 
-QString ExportReport::reportText() const
-{
-    return QStringLiteral("Export complete. %1 pages copied.").arg(pagesCopied);
-}
-
-QString ExportReport::endedEarlyText() const
-{
-    return QStringLiteral("Export not complete. %1 pages copied before it ended.").arg(pagesCopied);
-}
-
 bool CabinetExporter::isWithinHome(const QString& path, const QString& home)
 {
     return path.toUpper().contains(home.toUpper());
@@ -216,15 +206,18 @@ void CabinetExporter::walkDocument(const ItemManifest& document, const QString& 
             // The store's own files are never read through a link; a shortcut's file lies
             // wherever its owner keeps it.
             const LinkRule links = page.shortcut ? LinkRule::Follow : LinkRule::Refuse;
-            bool link = false;
-            if (run([&] {
-                    const FileOutcome outcome = m_writer.copyPageFile(source, target, links);
-                    link = outcome.kind == FileOutcome::Kind::Link;
-                    return outcome;
-                }) == Next::Halt)
-                return;
-            if (!link)
+            // Counted only when written: a copy that failed and was passed over is named among
+            // the problems, not among the pages copied.
+            bool written = false;
+            const Next next = run([&] {
+                const FileOutcome outcome = m_writer.copyPageFile(source, target, links);
+                written = outcome.ok();
+                return outcome;
+            });
+            if (written)
                 ++m_report.pagesCopied;
+            if (next == Next::Halt)
+                return;
         }
         m_progress->step(stepText);
     }

@@ -7,6 +7,7 @@
 #include <functional>
 
 #include "exchange/exchangefilesystem.h"
+#include "exchange/exportreport.h"
 #include "exchange/exchangewriter.h"
 
 namespace qmr {
@@ -14,19 +15,6 @@ namespace qmr {
 class ExchangeQuestions;
 class Progress;
 class Session;
-
-// What an export did.
-struct ExportReport
-{
-    int pagesCopied = 0;
-    bool stopped = false;       // the user stopped it
-    bool diskRefused = false;   // the target filled up and no further disk was given
-    QString error;              // what ended it early, "" for nothing
-    QStringList problems;       // files that could not be written, each with the reason
-    QString reportText() const; // "Export complete. N pages copied."
-    // For an export that an error or a full disk ended: what it wrote before that.
-    QString endedEarlyText() const;
-};
 
 // Writes one cabinet to an exchange directory, one file at a time. The progress's stop flag
 // is heard at the head of every loop; a stop keeps what has been written. When the target

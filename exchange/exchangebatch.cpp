@@ -101,15 +101,14 @@ int ExchangeBatch::exportCabinet(const QString& cabinetName, const QString& dir)
             ConsoleProgress progress(m_err, m_terminal, m_stopWhen);
             report = exporter.exportCabinet(cabinetId, path, progress);
         }
-        // An export that something ended early does not call itself complete.
-        const bool endedEarly = !report.error.isEmpty() || report.diskRefused || report.stopped;
-        m_out << (endedEarly ? report.endedEarlyText() : report.reportText()) << '\n' << Qt::flush;
+        m_out << report.reportText() << '\n' << Qt::flush;
+        QStringList failures = report.failures();
         if (report.stopped)
-            report.problems << stoppedMessage(QStringLiteral("export"));
+            failures << stoppedMessage(QStringLiteral("export"));
         if (report.diskRefused)
-            report.problems << QStringLiteral("The output path is full. Another disk can be "
-                                              "given only in the program's window.");
-        return finish(report.problems, report.error);
+            failures << QStringLiteral("The output path is full. Another disk can be "
+                                       "given only in the program's window.");
+        return finish(failures, QString());
     } catch (const StoreError& e) {
         return fail(e.message());
     }

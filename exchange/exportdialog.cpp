@@ -133,7 +133,8 @@ void ExportDialog::exportCabinet(qint32 cabinetId, const QString& path)
     const ExportReport report = exporter.exportCabinet(cabinetId, path, *m_progress);
     m_exporting = false;
     showProgressLayout(false);
-    m_context.prompter.tell(report.reportText());
+    // What was written, and what failed: never a count of pages that are not there.
+    m_context.prompter.tell(report.messageText());
     accept();
 }
 

@@ -1,20 +1,12 @@
 #include "exchange/importreport.h"
 
+#include "exchange/reportlist.h"
+
 namespace qmr {
-
-namespace {
-
-// The skipped entries a message names; a message is no place for a long list.
-constexpr int kNamedSkips = 15;
-
-} // namespace
 
 QString ImportReport::skippedText() const
 {
-    QStringList lines = skipped.mid(0, kNamedSkips);
-    if (skipped.size() > kNamedSkips)
-        lines << QStringLiteral("... and %1 more.").arg(skipped.size() - kNamedSkips);
-    return lines.join(QStringLiteral("\r\n"));
+    return reportList(skipped);
 }
 
 QString ImportReport::reportText() const

@@ -3,6 +3,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 
+#include "navigator/emptyhint.h"
 #include "store/itemstore.h"
 
 namespace qmr {
@@ -26,10 +27,40 @@ ContainerList::ContainerList(QWidget* parent) : QListWidget(parent)
 void ContainerList::showItems(Level level, const QVector<ItemRow>& rows,
                               const std::function<QIcon(Level, qint32)>& iconFor)
 {
-    clear();
+    clearFor(level);
     // The list shows bare names: unlike the tree, no date on a document.
     for (const ItemRow& row : rows)
         addItem(NodeKey::of(level, row.id), row.name, iconFor(level, row.id));
+}
+
+void ContainerList::clearFor(Level level)
+{
+    clear();
+    QString hint;
+    switch (level) {
+    case Level::Cabinet:
+        hint = tr("No file cabinets yet. Add one with New File Cabinet in the Cabinets menu.");
+        break;
+    case Level::Drawer:
+        hint = tr("No drawers yet. Add one with New Drawer in the Cabinet menu.");
+        break;
+    case Level::Folder:
+        hint = tr("No folders yet. Add one with New Folder in the Drawer menu.");
+        break;
+    case Level::Document:
+        hint = tr("No documents yet. Add one with New Document in the Folder menu, or drop "
+                  "image files here.");
+        break;
+    case Level::Page:
+        break;
+    }
+    EmptyHint::set(this, hint);
+}
+
+void ContainerList::paintEvent(QPaintEvent* event)
+{
+    QListWidget::paintEvent(event);
+    EmptyHint::paint(this);
 }
 
 void ContainerList::keyPressEvent(QKeyEvent* event)

@@ -22,6 +22,8 @@ public:
     // the root, drawers for a cabinet ...), each with its bare name and its level's icon.
     void showItems(Level level, const QVector<ItemRow>& rows,
                    const std::function<QIcon(Level, qint32)>& iconFor);
+    // Empties the list for the items of `level`; while none are there, it says how one is added.
+    void clearFor(Level level);
     QListWidgetItem* addItem(const NodeKey& key, const QString& text, const QIcon& icon);
     // The selected item's key; empty when nothing is selected.
     NodeKey selectedKey() const;
@@ -41,6 +43,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override;
     void startDrag(Qt::DropActions supportedActions) override;
+    void paintEvent(QPaintEvent* event) override;
 };
 
 } // namespace qmr

@@ -191,7 +191,11 @@ NodeKey NavDragDrop::dropTarget(Control control, const QPoint& pos, const QMimeD
     }
     if (m_outsideFiles.isEmpty())
         return NodeKey();
-    const NodeKey key = keyAt(control, pos);
+    NodeKey key = keyAt(control, pos);
+    // Files dropped on the list's free room (all of an empty folder's list) go to the folder
+    // on show, as files dropped on the page list go to its document.
+    if (key.isEmpty() && control == Control::List)
+        key = NodeKey::parse(m_tree.selectedKey());
     return MoveRules::canDrop(QStringLiteral("PAG"), key.text()) ? key : NodeKey();
 }
 

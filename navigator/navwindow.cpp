@@ -11,6 +11,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollBar>
 #include <QShortcut>
 #include <QSplitter>
 #include <QSplitterHandle>
@@ -263,8 +264,22 @@ void NavWindow::showAsLoaded()
         show();
     }
     // The splitter knows its real width only now.
-    const int tree = m_splitter->sizes().value(0);
+    int tree = m_splitter->sizes().value(0);
+    if (!m_base.session.settings().contains(QLatin1String(keys::TreeWidth.name)))
+        tree = fittedTreeWidth(tree);
     m_splitter->setSizes({tree, qMax(1, m_splitter->width() - tree)});
+}
+
+int NavWindow::fittedTreeWidth(int standard) const
+{
+    // Until the divider is first moved, the names in view are not cut: the tree is as wide as
+    // the widest, never narrower than its standard width, and takes at most a third of the
+    // window.
+    int needed = m_tree->namesWidth() + 2 * m_tree->frameWidth();
+    if (m_tree->verticalScrollBar()->maximum() > 0)
+        needed += m_tree->verticalScrollBar()->sizeHint().width();
+    const int third = qMax(m_tree->minimumWidth(), width() / 3);
+    return qMin(qMax(standard, needed), third);
 }
 
 // ---- end of a run -------------------------------------------------------------------------

@@ -77,6 +77,9 @@ private:
     void buildWidgets();
     void buildMenus();
     void restorePlacement();
+    // The tree's width that shows the names in view whole, from `standard` up to a third of
+    // the window.
+    int fittedTreeWidth(int standard) const;
     void savePlacement();
     // Saves what must outlive the run and closes the store.
     void finishRun();

@@ -29,7 +29,7 @@ struct PageEntry
     QString thumbnailText() const;
     // The first column of the list view: the number alone, nothing for a shortcut.
     QString listText() const;
-    // The hidden column the pane sorts on, as text: the number at least two digits wide.
+    // The text of the list's hidden column: the number at least two digits wide.
     QString sortKey() const;
 };
 

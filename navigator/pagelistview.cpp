@@ -2,11 +2,11 @@
 
 #include <QHeaderView>
 #include <QListView>
-#include <QResizeEvent>
 #include <QStandardItemModel>
 #include <QTreeView>
 
 #include "core/nodekey.h"
+#include "navigator/emptyhint.h"
 #include "navigator/pageentry.h"
 #include "viewer/thumbnailmaker.h"
 
@@ -18,7 +18,6 @@ constexpr int kKeyRole = Qt::UserRole + 1;
 constexpr int kIdRole = Qt::UserRole + 2;
 constexpr int kColumns = 6;
 // Page #, Filename, Size, Scan date, Page ID; the sort column stays hidden.
-constexpr double kShares[kColumns] = {0.08, 0.6, 0.12, 0.12, 0.08, 0.0};
 constexpr int kSortColumn = 5;
 
 // The two views hand the start of a drag to the page list, which hands it on.
@@ -29,6 +28,11 @@ public:
 
 protected:
     void startDrag(Qt::DropActions) override { emit m_owner->dragRequested(); }
+    void paintEvent(QPaintEvent* event) override
+    {
+        View::paintEvent(event);
+        EmptyHint::paint(this);
+    }
 
 private:
     PageListView* m_owner;
@@ -78,6 +82,10 @@ PageListView::PageListView(QWidget* parent)
     m_details->header()->setStretchLastSection(false);
     m_details->setColumnHidden(kSortColumn, true);
 
+    for (QAbstractItemView* view :
+         {static_cast<QAbstractItemView*>(m_thumbs), static_cast<QAbstractItemView*>(m_details)})
+        EmptyHint::set(view, tr("No pages yet. Scan one with Scan Page, drop image files here, "
+                                "or paste pages with Ctrl+V."));
     addWidget(m_thumbs);
     addWidget(m_details);
     setFocusProxy(m_thumbs);
@@ -145,8 +153,14 @@ void PageListView::setTile(qint32 pageId, const QIcon& tile)
 
 void PageListView::setPageText(qint32 pageId, const QString& text)
 {
-    if (QStandardItem* item = itemOf(pageId))
-        item->setText(text);
+    QStandardItem* item = itemOf(pageId);
+    if (!item)
+        return;
+    item->setText(text);
+    // A number grown by a digit must not be cut short.
+    if (m_mode == Mode::List)
+        m_details->setColumnWidth(
+            0, qMax(m_details->columnWidth(0), m_details->sizeHintForIndex(item->index()).width()));
 }
 
 void PageListView::setPageToolTip(qint32 pageId, const QString& text)
@@ -155,19 +169,30 @@ void PageListView::setPageToolTip(qint32 pageId, const QString& text)
         item->setToolTip(text);
 }
 
-void PageListView::shareColumns()
+void PageListView::fitColumns()
 {
-    const int width =
-        m_details->viewport()->width() > 0 ? m_details->viewport()->width() : m_details->width();
-    for (int c = 0; c < kSortColumn; ++c)
-        m_details->setColumnWidth(c, qMax(24, int(width * kShares[c])));
-}
-
-void PageListView::resizeEvent(QResizeEvent* event)
-{
-    QStackedWidget::resizeEvent(event);
-    if (event->size().width() != event->oldSize().width())
-        shareColumns();
+    // The widest value of a column is found by its text alone (every row's icon is the same),
+    // then measured as the view draws it; a count of rows a view would look at on its own
+    // could miss the last numbers of a long document.
+    m_details->ensurePolished();
+    const QFontMetrics metrics(m_details->font());
+    const int rows = m_model->rowCount();
+    for (int column = 0; column < kSortColumn; ++column) {
+        int widestRow = -1;
+        int widest = -1;
+        for (int row = 0; row < rows; ++row) {
+            const int advance = metrics.horizontalAdvance(m_model->item(row, column)->text());
+            if (advance > widest) {
+                widest = advance;
+                widestRow = row;
+            }
+        }
+        int width = m_details->header()->sectionSizeHint(column);
+        if (widestRow >= 0)
+            width =
+                qMax(width, m_details->sizeHintForIndex(m_model->index(widestRow, column)).width());
+        m_details->setColumnWidth(column, width);
+    }
 }
 
 int PageListView::count() const

@@ -35,8 +35,8 @@ public:
     void setTile(qint32 pageId, const QIcon& tile);
     void setPageText(qint32 pageId, const QString& text);
     void setPageToolTip(qint32 pageId, const QString& text);
-    // The list's columns as shares of the width the view has now.
-    void shareColumns();
+    // Makes each column of the list as wide as its heading and its widest value.
+    void fitColumns();
 
     int count() const;
     QString textAt(int row) const;
@@ -68,9 +68,6 @@ signals:
     void pageActivated(qint32 pageId);
     // A drag of the selected pages is beginning; whoever runs drags takes it from here.
     void dragRequested();
-
-protected:
-    void resizeEvent(QResizeEvent* event) override;
 
 private:
     QStandardItem* itemOf(qint32 pageId) const;

@@ -53,8 +53,9 @@ int PagePaging::currentBlock() const
 
 QString PagePaging::statusText() const
 {
+    // An empty document says in its list how pages arrive; the line has nothing to add.
     if (m_pageCount == 0)
-        return QStringLiteral("Showing %1 images (no images found)").arg(m_displayCount);
+        return QString();
     return QStringLiteral(" Showing %1 images (page %2 of %3)")
         .arg(m_displayCount)
         .arg(currentBlock())

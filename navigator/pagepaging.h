@@ -32,7 +32,7 @@ public:
     int blocks() const;
     int currentBlock() const;
     // " Showing 16 images (page 1 of 3)": the count is the block size, not the entries in
-    // the block. The empty text has no leading blank.
+    // the block. "" when there are no entries.
     QString statusText() const;
 
     // Whether First and Prev, and Next and Last, have somewhere to go.

@@ -273,10 +273,9 @@ void PagePane::showPageBlock()
     shown.reserve(to - from + 1);
     for (int i = from; i <= to; ++i)
         shown << &m_entries.at(i - 1);
-    // Sorted as text on the hidden column, so 100 comes before 11; equal numbers keep their
-    // order.
+    // Sorted by number, so 11 comes before 100; equal numbers keep their order.
     std::stable_sort(shown.begin(), shown.end(), [](const PageEntry* a, const PageEntry* b) {
-        return a->sortKey() < b->sortKey();
+        return a->pageNumber < b->pageNumber;
     });
 
     QHash<qint32, QImage> atHand;
@@ -301,7 +300,8 @@ void PagePane::showPageBlock()
             icon = framedTile(*tile);
         m_list->addPage(*e, e->thumbnailText(), icon);
     }
-    m_list->shareColumns();
+    if (!thumbnails)
+        m_list->fitColumns();
 
     m_cmdFirst->setEnabled(m_paging.canGoBack());
     m_cmdPrev->setEnabled(m_paging.canGoBack());

@@ -41,7 +41,7 @@ QString TreeFiller::nodeText(Level level, const QString& name, const QDate& date
 
 QString TreeFiller::loadNavTree(NavigatorCallbacks* navigator)
 {
-    m_list.clear();
+    m_list.clearFor(Level::Cabinet);
     m_tree.clearNodes();
     m_tree.addNode(QString(), kRoot, QStringLiteral("File Cabinets"),
                    m_icons.icon(QStringLiteral("root")));

@@ -1,8 +1,13 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
+#include <QDragEnterEvent>
 #include <QFile>
+#include <QHeaderView>
+#include <QLabel>
 #include <QMenu>
+#include <QMimeData>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
@@ -12,11 +17,14 @@
 #include "app/startup.h"
 #include "core/settings.h"
 #include "navigator/clipboardfiles.h"
+#include "navigator/containerlist.h"
+#include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
+#include "store/itemstore.h"
 #include "store/pagestore.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
@@ -100,6 +108,31 @@ bool withPopup(const std::function<void()>& open, const std::function<void(QMenu
     const bool closed =
         QTest::qWaitFor([] { return QApplication::activePopupWidget() == nullptr; });
     return seen && closed;
+}
+
+// Files dropped from outside on a view, as a drag from a file manager arrives.
+bool dropOn(QWidget* viewport, const QPoint& at, const QMimeData* data)
+{
+    const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
+    QDragEnterEvent enter(at, actions, data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &enter);
+    QDragMoveEvent move(at, actions, data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &move);
+    QDropEvent dropped(QPointF(at), actions, data, Qt::LeftButton, Qt::NoModifier);
+    QCoreApplication::sendEvent(viewport, &dropped);
+    return dropped.isAccepted();
+}
+
+// Whether anything but the background is drawn on a view's viewport.
+bool drawsOn(QAbstractItemView* view)
+{
+    const QImage image = view->viewport()->grab().toImage();
+    const QRgb background = image.pixel(1, 1);
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) != background)
+                return true;
+    return false;
 }
 
 } // namespace
@@ -186,6 +219,124 @@ private slots:
         QCOMPARE(run.session().pages().documentOf(rows.first().id), 2);
         QCOMPARE(run.pages()->count(), 1);
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+    }
+
+    void pageListShowsLongDocuments_data()
+    {
+        QTest::addColumn<bool>("atStart");
+        QTest::newRow("restored at start") << true;
+        QTest::newRow("chosen after start") << false;
+    }
+    void pageListShowsLongDocuments()
+    {
+        QFETCH(bool, atStart);
+        Run run;
+        test::FixtureStore store(run.home.home());
+        store.fillSample();
+        const qint32 doc = store.document(1, QStringLiteral("Long report"));
+        {
+            Database::Transaction tx(store.db());
+            for (int n = 120; n >= 1; --n)
+                store.pageRow(doc, n);
+            tx.commit();
+        }
+        store.close();
+        const QString key = QString("DOC%1").arg(doc);
+        run.home.settings().set(keys::ThumbView, "list");
+        run.home.settings().set(keys::LastNavTreeNodeKey, atStart ? key : QString("FLD1"));
+        QVERIFY(run.start());
+        if (!atStart)
+            run.click({key});
+        QCOMPARE(run.pages()->count(), 120);
+        // The numbers run as numbers: 9, 10, 11 ... 99, 100.
+        QStringList numbers, shown;
+        for (int n = 1; n <= 120; ++n)
+            numbers << QString::number(n);
+        for (int row = 0; row < run.pages()->count(); ++row)
+            shown << run.pages()->textAt(row);
+        QCOMPARE(shown, numbers);
+
+        // No heading and no value is cut short: each column is as wide as the view needs to
+        // draw them whole.
+        auto* details = qobject_cast<QTreeView*>(run.pageView());
+        QVERIFY(details && details->isVisible());
+        const QAbstractItemModel* model = details->model();
+        for (int column = 0; column < 5; ++column) {
+            int needed = details->header()->sectionSizeHint(column);
+            for (int row = 0; row < model->rowCount(); ++row)
+                needed = qMax(needed, details->sizeHintForIndex(model->index(row, column)).width());
+            QVERIFY2(details->columnWidth(column) >= needed,
+                     qPrintable(QString("column %1: %2 wide, %3 needed")
+                                    .arg(column)
+                                    .arg(details->columnWidth(column))
+                                    .arg(needed)));
+        }
+    }
+
+    void emptyPlacesSayHowTheyFill_data()
+    {
+        QTest::addColumn<QString>("node");
+        QTest::addColumn<QString>("hint");
+        QTest::newRow("document") << "CAB1,DRW1,DOC2"
+                                  << "No pages yet. Scan one with Scan Page, drop image files "
+                                     "here, or paste pages with Ctrl+V.";
+        QTest::newRow("folder") << "CAB1,FLD2"
+                                << "No documents yet. Add one with New Document in the Folder "
+                                   "menu, or drop image files here.";
+    }
+    void emptyPlacesSayHowTheyFill()
+    {
+        QFETCH(QString, node);
+        QFETCH(QString, hint);
+        Run run;
+        test::FixtureStore(run.home.home()).fillSample();
+        QVERIFY(run.start());
+        run.click(node.split(','));
+        const bool pages = node.endsWith("DOC2");
+        QAbstractItemView* view =
+            pages ? run.pageView() : static_cast<QAbstractItemView*>(run.window()->list());
+        QVERIFY(view->isVisible());
+        QCOMPARE(view->model()->rowCount(), 0);
+        QCOMPARE(view->property("emptyHint").toString(), hint);
+        QVERIFY(drawsOn(view));
+        QCOMPARE(run.window()->findChild<QLabel*>("lblStatus")->text(), QString());
+
+        // Files dropped on the empty place arrive there.
+        QImage image(40, 50, QImage::Format_RGB32);
+        image.fill(Qt::darkCyan);
+        QTemporaryDir outside;
+        const QString file = outside.filePath("dropped.jpg");
+        QVERIFY(image.save(file));
+        QMimeData data;
+        data.setUrls({QUrl::fromLocalFile(file)});
+        QSignalSpy done(&run.window()->dragDrop(), &NavDragDrop::dropDone);
+        QVERIFY(dropOn(view->viewport(), QPoint(20, 20), &data));
+        QTRY_COMPARE(done.size(), 1);
+        const qint32 document =
+            pages ? 2 : run.session().items().children(Level::Document, 2).value(0).id;
+        QCOMPARE(run.session().pages().pages(document).size(), 1);
+        // The document that took them is on show with its page.
+        QCOMPARE(run.window()->pageList()->documentId(), document);
+        QCOMPARE(run.pages()->count(), 1);
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+    }
+
+    void firstStartShowsTheSampleNamesWhole()
+    {
+        Run run;
+        QVERIFY(run.start());
+        NavTree* tree = run.tree();
+        QVERIFY(tree->node("ROOT")->childCount() > 0);
+        // The one column is as wide as the widest name in view; the tree shows it whole,
+        // unless that would take more than a third of the window.
+        const int names = tree->header()->sectionSize(0);
+        const int third = run.window()->width() / 3;
+        QVERIFY2(tree->viewport()->width() >= names || tree->width() >= third - 1,
+                 qPrintable(QString("names %1 wide, the tree's view %2")
+                                .arg(names)
+                                .arg(tree->viewport()->width())));
+        QVERIFY2(tree->width() <= third + 1,
+                 qPrintable(QString("tree %1, a third %2").arg(tree->width()).arg(third)));
     }
 };
 

@@ -1,7 +1,9 @@
 #include <QApplication>
 #include <QComboBox>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -281,6 +283,39 @@ private slots:
         h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
         QCOMPARE(h.session->items().count(Level::Document), before);
         QVERIFY(QApplication::activeModalWidget() == nullptr);
+    }
+
+    // Export to a place where nothing can be written: the report counts no page and names
+    // what failed.
+    void exportToAnUnwritableTarget()
+    {
+        NavHarness h;
+        h.openStore();
+        test::FixtureStore store(h.home.home());
+        const qint32 doc = store.document(
+            store.folder(store.drawer(store.cabinet("Papers"), "Drawer"), "Folder"), "Letter");
+        for (int n = 1; n <= 3; ++n)
+            store.page(doc, n, QSize(40, 50));
+        h.load();
+        QTemporaryDir out;
+        // A file stands where the output directory would be made.
+        QVERIFY(test::ExchangeFixture::writeBytes(out.filePath("blocked"), "in the way"));
+        const QString target = out.filePath("blocked/backup");
+        h.prompter.expect("'" + target + "' does not exist.  Do you want to create it?",
+                          Prompter::Answer::Yes);
+        whenModal(h.window.get(), [&](QWidget* w) {
+            w->findChild<QLineEdit*>("txtOutputPath")->setText(target);
+            w->findChild<QPushButton*>("cmdOK")->click();
+        });
+        h.window->menus().action("mnuToolsExportCabinet")->trigger();
+        QCOMPARE(h.prompter.seen().size(), 2);
+        const QString report = h.prompter.seen().last();
+        QVERIFY2(report.startsWith("Export complete. 0 pages copied.\r\n\r\n"), qPrintable(report));
+        const QString folder = target + "/Papers/Drawer/Folder/Letter";
+        QVERIFY2(report.contains("Cannot make the directory " + target + "/Papers\r\n"),
+                 qPrintable(report));
+        QVERIFY2(report.endsWith("Cannot make the directory of " + folder + "/Page 3.jpg"),
+                 qPrintable(report));
     }
 };
 

@@ -153,13 +153,17 @@ private slots:
     {
         QTest::addColumn<int>("answer");
         QTest::addColumn<int>("copied");
-        QTest::newRow("yes stops") << int(Prompter::Answer::Yes) << 2;
-        QTest::newRow("no goes on") << int(Prompter::Answer::No) << 6;
+        QTest::addColumn<QString>("report");
+        QTest::newRow("yes stops") << int(Prompter::Answer::Yes) << 2
+                                   << "Export not complete. 2 pages copied before it ended.";
+        QTest::newRow("no goes on")
+            << int(Prompter::Answer::No) << 6 << "Export complete. 6 pages copied.";
     }
     void cancelAsksThenStops()
     {
         QFETCH(int, answer);
         QFETCH(int, copied);
+        QFETCH(QString, report);
         ExchangeFixture f;
         f.filledCabinet("Papers", 3, 2);
         TestFileSystem fs;
@@ -171,7 +175,7 @@ private slots:
             }
         };
         f.prompter.expect("Stop the export?", Prompter::Answer(answer));
-        f.prompter.expect(QString("Export complete. %1 pages copied.").arg(copied));
+        f.prompter.expect(report);
         dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
         dialog.cmdOK();
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
@@ -194,19 +198,30 @@ private slots:
     {
         QTest::addColumn<QList<int>>("failing"); // copies that fail with a full disk
         QTest::addColumn<int>("answer");         // to "Please insert disk #2"
-        QTest::addColumn<int>("reported");
+        QTest::addColumn<QString>("report");     // "@doc" for the cabinet's folder
         QTest::addColumn<int>("onDisk");
         const int ok = int(Prompter::Answer::Ok), cancel = int(Prompter::Answer::Cancel);
-        QTest::newRow("cancel ends it") << QList<int>{3} << cancel << 2 << 2;
-        QTest::newRow("ok copies the same page again") << QList<int>{3} << ok << 6 << 6;
-        // Asked once only: a second full disk is passed over and the page counted.
-        QTest::newRow("later failures are not asked about") << QList<int>{3, 6} << ok << 6 << 5;
+        const QString full = ": No space left on device";
+        QTest::newRow("cancel ends it")
+            << QList<int>{3} << cancel
+            << "Export not complete. 2 pages copied before it ended.\r\n\r\nCannot write "
+               "@doc/Document 2/Page 1.jpg" +
+                   full
+            << 2;
+        QTest::newRow("ok copies the same page again")
+            << QList<int>{3} << ok << "Export complete. 6 pages copied." << 6;
+        // Asked once only: a second full disk is passed over, and named.
+        QTest::newRow("later failures are not asked about")
+            << QList<int>{3, 6} << ok
+            << "Export complete. 5 pages copied.\r\n\r\nCannot write @doc/Document 3/Page 1.jpg" +
+                   full
+            << 5;
     }
     void fullDisk()
     {
         QFETCH(QList<int>, failing);
         QFETCH(int, answer);
-        QFETCH(int, reported);
+        QFETCH(QString, report);
         QFETCH(int, onDisk);
         ExchangeFixture f;
         f.filledCabinet("Papers", 3, 2);
@@ -214,7 +229,7 @@ private slots:
         for (const int n : failing)
             fs.failCopy.insert(n, FileOutcome::Kind::DiskFull);
         f.prompter.expect("Please insert disk #2", Prompter::Answer(answer));
-        f.prompter.expect(QString("Export complete. %1 pages copied.").arg(reported));
+        f.prompter.expect(report.replace("@doc", f.outsidePath("Papers/Drawer/Folder")));
         ExportDialog dialog(f.context(), nullptr, &fs);
         dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
         dialog.cmdOK();
@@ -230,7 +245,10 @@ private slots:
         f.filledCabinet("Papers", 3, 2);
         TestFileSystem fs;
         fs.failCopy.insert(4, FileOutcome::Kind::WriteFailed);
-        f.prompter.expect("Export complete. 3 pages copied.");
+        f.prompter.expect("Export not complete. 3 pages copied before it ended.\r\n\r\n"
+                          "Cannot write " +
+                          f.outsidePath("Papers/Drawer/Folder/Document 2/Page 2.jpg") +
+                          ": No space left on device");
         ExportDialog dialog(f.context(), nullptr, &fs);
         dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
         dialog.cmdOK();

@@ -182,7 +182,7 @@ private slots:
         h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
         button(h, "cmdNext")->click();
         h.click("DOC2"); // O'Brien's letter has no pages
-        QCOMPARE(status(h), QString("Showing 16 images (no images found)"));
+        QCOMPARE(status(h), QString());
         QVERIFY(h.pageTexts().isEmpty());
         for (const char* name : {"cmdFirst", "cmdPrev", "cmdNext", "cmdLast"})
             QVERIFY2(button(h, name)->isEnabled(), name);
@@ -206,10 +206,10 @@ private slots:
         const PageListView* list = h.window->pageList()->list();
         QCOMPARE(list->mode(), PageListView::Mode::List);
         QCOMPARE(list->count(), 120);
-        // Sorted as text on the hidden column: 100 comes before 11.
+        // Sorted by number: 11 comes before 100.
         const QStringList texts = h.pageTexts();
-        QCOMPARE(texts.mid(8, 5), QStringList({"9", "10", "100", "101", "102"}));
-        QCOMPARE(texts.last(), QString("99"));
+        QCOMPARE(texts.mid(8, 4), QStringList({"9", "10", "11", "12"}));
+        QCOMPARE(texts.last(), QString("120"));
         const qint32 first = list->pageIdAt(0);
         QCOMPARE(list->columnText(0, 1), PagePaths(h.home.home()).computedPagePath(first));
         QCOMPARE(list->columnText(0, 4), QString::number(first));

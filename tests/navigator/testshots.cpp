@@ -132,6 +132,11 @@ private slots:
         h.window->findChild<QToolButton*>("imgList")->click();
         test::saveShot(h.window.get(), "pane-list");
         h.window->findChild<QToolButton*>("imgThumbnail")->click();
+        // Empty places say how they fill.
+        h.click("DOC2");
+        test::saveShot(h.window.get(), "pane-empty-document");
+        h.clickPath({"CAB1", "DRW1", "FLD2"});
+        test::saveShot(h.window.get(), "navigator-empty-folder");
     }
 
     void itemDialogs()

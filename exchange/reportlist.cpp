@@ -1,0 +1,17 @@
+#include "exchange/reportlist.h"
+
+namespace qmr {
+
+namespace {
+constexpr int kNamedEntries = 15;
+} // namespace
+
+QString reportList(const QStringList& entries)
+{
+    QStringList lines = entries.mid(0, kNamedEntries);
+    if (entries.size() > kNamedEntries)
+        lines << QStringLiteral("... and %1 more.").arg(entries.size() - kNamedEntries);
+    return lines.join(QStringLiteral("\r\n"));
+}
+
+} // namespace qmr
