@@ -75,6 +75,8 @@ void FindDialog::loadForm()
         setWindowIcon(m_context.parent->window()->windowIcon());
     m_ui->lblScanDate->setText(QStringLiteral("Scanned date:"));
     m_ui->tabFind->setCurrentIndex(kKeywordsTab);
+    // Typing starts in the keywords, not on the tab bar that leads the tab order.
+    m_ui->txtKeywords->setFocus();
 
     const FindRecord& record = m_context.session.findRecord();
     m_ui->txtKeywords->setText(record.keywords);

@@ -30,8 +30,8 @@ const std::initializer_list<MenuDef>& menuTable()
           {"mnuFileScanPicture", "Scan &Picture"},
           {"mnuFileFind", "&Find..."},
           {"mnuFileSep1", nullptr},
-          {"mnuScanSettings", "&Scanner Settings..."},
-          {"mnuPrintSettings", "&Print Settings..."},
+          {"mnuScanSettings", "S&canner Settings..."},
+          {"mnuPrintSettings", "P&rint Settings..."},
           {"mnuEmailSettings", "&Email Settings..."},
           {"mnuViewSettings", "&View Settings..."},
           {"mnuFileDash1", nullptr},
@@ -85,7 +85,7 @@ const std::initializer_list<MenuDef>& menuTable()
         {"mnuPopupPage",
          "&Page",
          {{"mnuPopupPageOpen", "&Open"},
-          {"mnuPopupPagePrint", "&Print"},
+          {"mnuPopupPagePrint", "Pr&int"},
           {"mnuPopupPageRenumber", "&Renumber"},
           {"mnuPopupPageDelete", "Delete"},
           {"mnuPopupPageDash1", nullptr},
@@ -188,6 +188,7 @@ const QStringList& NavMenus::levelMenus()
 
 void NavMenus::build(QMenuBar* bar, const Commands& commands)
 {
+    m_bar = bar;
     for (const MenuDef& def : menuTable()) {
         const QString menuName = QLatin1String(def.name);
         auto* menu = new QMenu(QString::fromUtf8(def.caption), bar);
@@ -258,9 +259,21 @@ void NavMenus::setKeyHint(const QString& name, const QKeySequence& keys)
 
 void NavMenus::showOnly(const QString& menuName)
 {
-    for (const QString& name : levelMenus())
-        if (QMenu* m = m_menus.value(name))
-            m->menuAction()->setVisible(name == menuName);
+    // The bar holds only the level menu on show: a hidden entry keeps its access key, so a
+    // hidden Drawer would take Alt+D from the Document on show.
+    QAction* before = m_menus.value(QStringLiteral("mnuTools"))->menuAction();
+    for (const QString& name : levelMenus()) {
+        QMenu* m = m_menus.value(name);
+        if (!m)
+            continue;
+        QAction* entry = m->menuAction();
+        const bool shown = name == menuName;
+        entry->setVisible(shown);
+        if (!shown)
+            m_bar->removeAction(entry);
+        else if (!m_bar->actions().contains(entry))
+            m_bar->insertAction(before, entry);
+    }
 }
 
 } // namespace qmr

@@ -39,6 +39,7 @@ public:
     void setKeyHint(const QString& name, const QKeySequence& keys);
 
 private:
+    QMenuBar* m_bar = nullptr;
     QHash<QString, QMenu*> m_menus;
     QHash<QString, QAction*> m_actions;
     QSet<QString> m_commands;

@@ -130,6 +130,9 @@ std::optional<Level> TreeFiller::restoreLastNode(const QString& saved, bool* rea
             return level;
         m_tree.expandNode(step.text());
     }
+    // The cabinet counts as opened in this run: opening it again later (a click, a drop on it)
+    // would rebuild its node and close the nodes just opened below it.
+    m_session.locks().recordOpen(chain.first().id());
     *reached = true;
     return level;
 }

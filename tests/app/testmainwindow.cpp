@@ -1,21 +1,35 @@
+#include <QAbstractButton>
+#include <QAbstractSpinBox>
 #include <QApplication>
 #include <QClipboard>
+#include <QComboBox>
+#include <QDateEdit>
 #include <QDir>
 #include <QDragEnterEvent>
 #include <QFile>
+#include <QGroupBox>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMimeData>
+#include <QPlainTextEdit>
+#include <QPushButton>
 #include <QSignalSpy>
+#include <QTabBar>
+#include <QTabWidget>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTextEdit>
 #include <QTimer>
 #include <QTreeView>
 #include <functional>
+#include <map>
 
 #include "app/startup.h"
 #include "core/settings.h"
+#include "dialogs/passworddialog.h"
 #include "navigator/clipboardfiles.h"
 #include "navigator/containerlist.h"
 #include "navigator/navdragdrop.h"
@@ -28,6 +42,7 @@
 #include "store/pagestore.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
@@ -110,7 +125,8 @@ bool withPopup(const std::function<void()>& open, const std::function<void(QMenu
     return seen && closed;
 }
 
-// Files dropped from outside on a view, as a drag from a file manager arrives.
+// A drop of `data` on a control's viewport, as a drag from a file manager or from the
+// window itself ends.
 bool dropOn(QWidget* viewport, const QPoint& at, const QMimeData* data)
 {
     const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
@@ -133,6 +149,136 @@ bool drawsOn(QAbstractItemView* view)
             if (image.pixel(x, y) != background)
                 return true;
     return false;
+}
+
+// ---- access keys and focus ---------------------------------------------------------------
+
+// Each access key ("&Find" takes F) and what takes it; a key taken twice is a clash.
+using KeyOwners = std::map<QString, QStringList>;
+
+void take(KeyOwners& owners, const QString& text, const QString& what)
+{
+    const QString key = QKeySequence::mnemonic(text).toString(QKeySequence::PortableText);
+    if (!key.isEmpty())
+        owners[key] << what + " \"" + text + "\"";
+}
+
+QStringList clashesOf(const KeyOwners& owners, const QString& where)
+{
+    QStringList clashes;
+    for (const auto& [key, what] : owners)
+        if (what.size() > 1)
+            clashes << where + ": " + key + " is taken by " + what.join(", ");
+    return clashes;
+}
+
+// The keys that a window's controls on show take: buttons, labels with a buddy, group boxes,
+// tabs, and every entry its menu bar holds (a hidden one keeps its key).
+KeyOwners windowKeys(QWidget* window)
+{
+    KeyOwners owners;
+    for (QWidget* w : window->findChildren<QWidget*>()) {
+        if (w->window() != window || !w->isVisible())
+            continue;
+        if (auto* button = qobject_cast<QAbstractButton*>(w))
+            take(owners, button->text(), button->objectName());
+        else if (auto* label = qobject_cast<QLabel*>(w); label && label->buddy())
+            take(owners, label->text(), label->objectName());
+        else if (auto* group = qobject_cast<QGroupBox*>(w))
+            take(owners, group->title(), group->objectName());
+        else if (auto* tabs = qobject_cast<QTabBar*>(w)) {
+            for (int i = 0; i < tabs->count(); ++i)
+                take(owners, tabs->tabText(i), "tab");
+        } else if (auto* bar = qobject_cast<QMenuBar*>(w)) {
+            for (QAction* a : bar->actions())
+                take(owners, a->text(), a->objectName() + (a->isVisible() ? "" : " (hidden)"));
+        }
+    }
+    return owners;
+}
+
+// The clashes of a window with each of its tabs on show, and those of each of its menus.
+QStringList keyClashes(QWidget* window, const QString& where)
+{
+    QStringList clashes = clashesOf(windowKeys(window), where);
+    for (QTabWidget* tabs : window->findChildren<QTabWidget*>()) {
+        const int shown = tabs->currentIndex();
+        for (int i = 0; tabs->isVisible() && i < tabs->count(); ++i) {
+            tabs->setCurrentIndex(i);
+            for (const QString& c :
+                 clashesOf(windowKeys(window), where + " on " + tabs->tabText(i)))
+                if (!clashes.contains(c))
+                    clashes << c;
+        }
+        tabs->setCurrentIndex(shown);
+    }
+    for (QMenuBar* bar : window->findChildren<QMenuBar*>()) {
+        for (QMenu* menu : bar->findChildren<QMenu*>()) {
+            KeyOwners owners;
+            for (QAction* a : menu->actions())
+                take(owners, a->text(), a->objectName());
+            clashes << clashesOf(owners, where + " menu " + menu->objectName());
+        }
+    }
+    return clashes;
+}
+
+// Whether a control is one to type into or choose from.
+bool isField(const QWidget* w)
+{
+    if (auto* line = qobject_cast<const QLineEdit*>(w))
+        return !line->isReadOnly();
+    if (auto* text = qobject_cast<const QPlainTextEdit*>(w))
+        return !text->isReadOnly();
+    if (auto* text = qobject_cast<const QTextEdit*>(w))
+        return !text->isReadOnly();
+    return qobject_cast<const QAbstractSpinBox*>(w) || qobject_cast<const QComboBox*>(w) ||
+           qobject_cast<const QAbstractItemView*>(w);
+}
+
+// "" when a window that has fields opened with the focus in the first of them by Tab.
+QString focusFault(QWidget* window, const QString& where)
+{
+    (void)QTest::qWaitFor(
+        [&] {
+            return QApplication::focusWidget() && QApplication::focusWidget()->window() == window;
+        },
+        2000);
+    QWidget* first = nullptr;
+    for (QWidget* w = window->nextInFocusChain(); w != window && !first; w = w->nextInFocusChain())
+        if (w->window() == window && w->isVisible() && w->isEnabled() &&
+            (w->focusPolicy() & Qt::TabFocus) && isField(w))
+            first = w;
+    QWidget* focus = QApplication::focusWidget();
+    if (!first || (focus && (focus == first || first->isAncestorOf(focus))))
+        return QString();
+    return where + ": the focus is on " +
+           (focus ? QString(focus->metaObject()->className()) + " " + focus->objectName()
+                  : QString("nothing")) +
+           ", not on " + first->objectName();
+}
+
+// The key clashes and the misplaced focus of the modal window that `open` brings up, which is
+// then closed.
+QStringList modalFaults(const QString& what, const std::function<void()>& open)
+{
+    QStringList faults;
+    bool seen = false;
+    QObject watch; // no look after the return
+    test::whenModal(&watch, [&](QWidget* w) {
+        seen = true;
+        const QString where = what + " (" + w->objectName() + ")";
+        faults << focusFault(w, where) << keyClashes(w, where);
+        faults.removeAll(QString());
+        if (auto* dialog = qobject_cast<QDialog*>(w))
+            dialog->reject();
+        else
+            w->close();
+    });
+    open();
+    if (!seen)
+        faults << what + ": no window came up";
+    return faults;
 }
 
 } // namespace
@@ -337,6 +483,148 @@ private slots:
                                 .arg(tree->viewport()->width())));
         QVERIFY2(tree->width() <= third + 1,
                  qPrintable(QString("tree %1, a third %2").arg(tree->width()).arg(third)));
+    }
+
+    void altOpensTheMenuOfItsLetter_data()
+    {
+        QTest::addColumn<QString>("node");
+        for (const char* path : {"ROOT", "CAB1", "CAB1,DRW1", "CAB1,FLD1", "CAB1,DRW1,DOC1"})
+            QTest::newRow(path) << path;
+    }
+    void altOpensTheMenuOfItsLetter()
+    {
+        QFETCH(QString, node);
+        Run run;
+        test::FixtureStore(run.home.home()).fillSample();
+        QVERIFY(run.start());
+        run.click(node.split(','));
+        for (QAction* entry : run.window()->menuBar()->actions()) {
+            if (!entry->isVisible())
+                continue;
+            const QKeySequence keys = QKeySequence::mnemonic(entry->text());
+            QVERIFY2(!keys.isEmpty(), qPrintable(entry->text()));
+            // The offscreen platform leaves no window active after a pop-up; a desktop does.
+            QApplication::setActiveWindow(run.window());
+            QVERIFY(QTest::qWaitForWindowActive(run.window()));
+            QString opened;
+            withPopup([&] { QTest::keyClick(run.window(), keys[0].key(), Qt::AltModifier); },
+                      [&](QMenu* menu) { opened = menu->objectName(); });
+            QVERIFY2(opened == entry->objectName(),
+                     qPrintable(keys.toString() + " opened \"" + opened + "\", not " +
+                                entry->objectName()));
+        }
+    }
+
+    // Access keys are unique among what shows at once, and each dialog opens with the focus in
+    // its first field.
+    void dialogsOpenWithUniqueKeysAndTheFocusInTheirFirstField()
+    {
+        Run run;
+        test::FixtureStore(run.home.home()).fillSample();
+        // Mail is set up, so that the page viewer's Email shows its dialog.
+        run.home.settings().set(keys::EmailSystem, "CDONTS");
+        QVERIFY(run.start());
+        NavWindow* w = run.window();
+        QStringList faults;
+        auto dialog = [&](const char* command) {
+            faults << modalFaults(command, [&] { w->menus().run(command); });
+        };
+        for (const char* node : {"ROOT", "CAB1", "DRW1", "FLD1", "DOC1"}) {
+            run.click({node});
+            faults << keyClashes(w, QString("main window at ") + node);
+        }
+        run.click({"ROOT"});
+        dialog("mnuPopupRootNewFileCabinet");
+        run.click({"CAB1"});
+        dialog("mnuPopupCabinetProperties");
+        dialog("mnuPopupCabinetNewDrawer");
+        run.click({"DRW1"});
+        dialog("mnuPopupDrawerProperties");
+        dialog("mnuPopupDrawerNewFolder");
+        run.click({"FLD1"});
+        dialog("mnuPopupFolderProperties");
+        dialog("mnuPopupFolderNewDocument");
+        run.choosers.queueDirectory(run.home.path());
+        dialog("mnuPopupFolderImportFiles");
+        run.click({"DOC1"});
+        dialog("mnuPopupDocumentProperties");
+        dialog("mnuPopupDocumentPrint");
+        run.pages()->selectPage(1);
+        for (const char* command :
+             {"mnuPopupPageProperties", "mnuPopupPageRenumber", "mnuPopupPagePrint", "mnuFileFind",
+              "mnuScanSettings", "mnuPrintSettings", "mnuEmailSettings", "mnuViewSettings",
+              "mnuToolsImportFiles", "mnuToolsExportCabinet", "mnuToolsDrawerTemplates",
+              "mnuToolsCreateSampleCabinet", "mnuHelpAbout"})
+            dialog(command);
+
+        // The page viewer and what it opens.
+        w->menus().run("mnuPopupPageOpen");
+        QWidget* viewer = nullptr;
+        QTRY_VERIFY(viewer = w->findChild<QWidget*>("frmPageView"));
+        QVERIFY(QTest::qWaitForWindowExposed(viewer));
+        faults << keyClashes(viewer, "page viewer");
+        for (const char* button : {"cmdInfo", "cmdEmail"})
+            faults << modalFaults(button,
+                                  [&] { viewer->findChild<QPushButton*>(button)->click(); });
+        viewer->close();
+
+        // The password dialog that the desktop's choosers bring up.
+        PasswordDialog password(w);
+        faults << modalFaults("password", [&] { password.exec(); });
+        QVERIFY2(faults.isEmpty(), qPrintable(faults.join('\n')));
+    }
+
+    // Month, day and year are typed into Find's date boxes, entered by Tab as a person does.
+    void findDatesTakeTypedMonths()
+    {
+        Run run;
+        test::FixtureStore(run.home.home()).fillSample();
+        QVERIFY(run.start());
+        QDate typed;
+        test::whenModal(this, [&](QWidget* find) {
+            find->findChild<QTabWidget*>("tabFind")->setCurrentIndex(2);
+            auto* from = find->findChild<QDateEdit*>("dtScanFrom");
+            from->setFocus(Qt::TabFocusReason);
+            if (QTest::qWaitFor([&] { return from->hasFocus(); }, 2000))
+                QTest::keyClicks(from, "03152021");
+            typed = from->date();
+            qobject_cast<QDialog*>(find)->reject();
+        });
+        QTest::keyClick(run.window(), Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(typed, QDate(2021, 3, 15));
+    }
+
+    void droppingADrawerOnItsOwnCabinetChangesNothing()
+    {
+        Run run;
+        test::FixtureStore(run.home.home()).fillSample();
+        run.home.settings().set(keys::LastNavTreeNodeKey, "DRW1");
+        QVERIFY(run.start());
+        QTreeWidgetItem* drawer = run.tree()->node("DRW1");
+        QVERIFY(drawer && drawer->isExpanded());
+        QCOMPARE(run.tree()->selectedKey(), QString("DRW1"));
+        const auto listed = [&] {
+            QStringList texts;
+            for (int i = 0; i < run.window()->list()->count(); ++i)
+                texts << run.window()->list()->item(i)->text();
+            return texts;
+        };
+        const QStringList before = listed();
+
+        NavDragDrop& drags = run.window()->dragDrop();
+        QVERIFY(drags.beginDrag(DropSource::Tree));
+        std::unique_ptr<QMimeData> data(drags.dragData());
+        QSignalSpy done(&drags, &NavDragDrop::dropDone);
+        QVERIFY(dropOn(run.tree()->viewport(), run.nodePoint("CAB1"), data.get()));
+        QTRY_COMPARE(done.size(), 1);
+
+        // The same node, open as it was with its folders, and the list as it was.
+        QCOMPARE(run.tree()->node("DRW1"), drawer);
+        QVERIFY(drawer->isExpanded());
+        QCOMPARE(drawer->childCount(), 2);
+        QCOMPARE(listed(), before);
+        QCOMPARE(run.session().items().parentOf(Level::Drawer, 1), 1);
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 };
 
