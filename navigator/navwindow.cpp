@@ -35,6 +35,7 @@
 #include "navigator/renamecontroller.h"
 #include "navigator/thumbnailcache.h"
 #include "print/printcommands.h"
+#include "resources/buttonicons.h"
 #include "scan/scancommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
@@ -91,6 +92,7 @@ void NavWindow::buildWidgets()
         b->setToolTip(QStringLiteral("Not available in this version yet"));
         buttons->addWidget(b);
     }
+    ButtonIcons::apply(central);
     buttons->addStretch(1);
     outer->addLayout(buttons);
 

@@ -16,6 +16,7 @@
 #include "navigator/navicons.h"
 #include "navigator/pagelistview.h"
 #include "navigator/thumbnailcache.h"
+#include "resources/buttonicons.h"
 #include "store/pagepaths.h"
 #include "store/pagestore.h"
 #include "viewer/thumbnailmaker.h"
@@ -138,8 +139,11 @@ void PagePane::buildControls()
                        &PagePane::next);
     m_cmdLast = button("cmdLast", QStringLiteral(">|"), QStringLiteral("Last images (End)"),
                        &PagePane::last);
+    ButtonIcons::apply(this);
+    // The paging buttons are narrow: a short caption and its icon, not a word's width.
     for (QPushButton* b : {m_cmdFirst, m_cmdPrev, m_cmdNext, m_cmdLast})
-        b->setFixedWidth(qMax(36, b->sizeHint().height() + 8));
+        b->setFixedWidth(qMax(36, b->sizeHint().height() + 8) +
+                         (b->icon().isNull() ? 0 : b->iconSize().width() + 4));
     m_lblStatus = new QLabel(this);
     m_lblStatus->setObjectName(QStringLiteral("lblStatus"));
     m_lblStatus->setTextFormat(Qt::PlainText);

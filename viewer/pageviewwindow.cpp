@@ -12,6 +12,7 @@
 #include "core/viewsettings.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "mail/sendemaildialog.h"
+#include "resources/buttonicons.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 #include "viewer/imagefile.h"
@@ -44,6 +45,7 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
       m_ui(std::make_unique<Ui::PageViewWindow>()), m_resolver(m_context)
 {
     m_ui->setupUi(this);
+    ButtonIcons::apply(this);
     setAttribute(Qt::WA_DeleteOnClose);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
