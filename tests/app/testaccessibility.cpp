@@ -1,3 +1,4 @@
+#include <QAbstractButton>
 #include <QAccessible>
 #include <QApplication>
 #include <QDialog>
@@ -99,10 +100,12 @@ QStringList unnamedIn(QWidget* window, const QString& where)
 {
     QStringList faults;
     unnamedUnder(QAccessible::queryAccessibleInterface(window), where, faults);
-    // Those whose name is set read it, on show or not (the paging buttons hide for a short
-    // document).
+    // Buttons whose caption is a sign read the name given, on show or not (the paging buttons
+    // hide for a short document); those of the same name captioned in words read their words.
     for (const auto& [object, expected] : expectedNames())
-        for (QWidget* c : window->findChildren<QWidget*>(object)) {
+        for (QAbstractButton* c : window->findChildren<QAbstractButton*>(object)) {
+            if (saysSomething(c->text()))
+                continue;
             const QString name = QAccessible::queryAccessibleInterface(c)->text(QAccessible::Name);
             if (name != expected)
                 faults << where + ": " + object + " reads \"" + name + "\", not \"" + expected +
