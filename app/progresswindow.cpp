@@ -5,6 +5,7 @@
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QPushButton>
+#include <QTimer>
 #include <QVBoxLayout>
 
 #include "app/barwidget.h"
@@ -91,6 +92,13 @@ void ProgressWindow::stopProgress()
     m_statusLater.stop();
     m_bar->draw(m_bar->maximum());
     hide();
+    // Idle, the window keeps no native window: a screen reader would list it as one of the
+    // program's windows. It goes once the events under way are through (one of them may be
+    // this window's own); the next start makes it again.
+    QTimer::singleShot(0, this, [this] {
+        if (!isVisible())
+            destroy();
+    });
 }
 
 void ProgressWindow::end()

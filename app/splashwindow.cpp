@@ -60,4 +60,10 @@ void SplashWindow::splashStep(const QString& status)
     QCoreApplication::processEvents();
 }
 
+void SplashWindow::finish()
+{
+    close();
+    destroy();
+}
+
 } // namespace qmr

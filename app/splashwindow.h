@@ -18,6 +18,9 @@ public:
     void showSplash(const QString& status, int minimum, int maximum);
     void splashStep(const QString& status);
     void setStatus(const QString& status);
+    // Closes the window for good: its native window goes, so that no screen reader is told
+    // of a window that is not there.
+    void finish();
     QString status() const;
     const BarWidget* bar() const { return m_bar; }
 

@@ -5,6 +5,7 @@
 #include <QTimer>
 #include <QTreeWidget>
 
+#include "app/accessiblenames.h"
 #include "app/appicon.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
@@ -63,6 +64,8 @@ bool Startup::start(bool showWindow)
     }
 
     QApplication::setWindowIcon(AppIcon::icon());
+    m_names = std::make_unique<AccessibleNames>();
+    qApp->installEventFilter(m_names.get());
     m_splash = std::make_unique<SplashWindow>();
     try {
         m_splash->setStatus(QStringLiteral("Opening database"));
@@ -97,7 +100,7 @@ bool Startup::start(bool showWindow)
     m_splash->splashStep(QStringLiteral("Initializing"));
     m_session->findRecord().initFindDefaults();
 
-    m_splash->close();
+    m_splash->finish();
     if (showWindow) {
         m_window->showAsLoaded();
         if (m_window->pageList()->isVisible())

@@ -6,6 +6,7 @@
 
 namespace qmr {
 
+class AccessibleNames;
 class Choosers;
 class DrawerTemplates;
 class HomeLock;
@@ -52,6 +53,7 @@ private:
     Choosers& m_choosers;
     // Released last, once the store is closed.
     std::unique_ptr<HomeLock> m_lock;
+    std::unique_ptr<AccessibleNames> m_names;
     std::unique_ptr<Session> m_session;
     std::unique_ptr<ViewSettings> m_view;
     std::unique_ptr<DrawerTemplates> m_templates;

@@ -52,6 +52,7 @@ PageListView::PageListView(QWidget* parent)
 
     const int side = ThumbnailMaker::kThumbSide;
     m_thumbs->setObjectName(QStringLiteral("lvwThumbIcons"));
+    m_thumbs->setAccessibleName(QStringLiteral("Pages"));
     m_thumbs->setModel(m_model);
     m_thumbs->setViewMode(QListView::IconMode);
     m_thumbs->setIconSize(QSize(side, side));
@@ -66,6 +67,7 @@ PageListView::PageListView(QWidget* parent)
     m_thumbs->setEditTriggers(QAbstractItemView::NoEditTriggers);
 
     m_details->setObjectName(QStringLiteral("lvwThumbDetails"));
+    m_details->setAccessibleName(QStringLiteral("Pages"));
     m_details->setModel(m_model);
     // One selection for both views: what is selected does not depend on how it is shown.
     QItemSelectionModel* own = m_details->selectionModel();

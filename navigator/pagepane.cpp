@@ -144,6 +144,11 @@ void PagePane::buildControls()
     for (QPushButton* b : {m_cmdFirst, m_cmdPrev, m_cmdNext, m_cmdLast})
         b->setFixedWidth(qMax(36, b->sizeHint().height() + 8) +
                          (b->icon().isNull() ? 0 : b->iconSize().width() + 4));
+    // Their captions are signs; a screen reader reads what they do.
+    m_cmdFirst->setAccessibleName(QStringLiteral("First page"));
+    m_cmdPrev->setAccessibleName(QStringLiteral("Previous page"));
+    m_cmdNext->setAccessibleName(QStringLiteral("Next page"));
+    m_cmdLast->setAccessibleName(QStringLiteral("Last page"));
     m_lblStatus = new QLabel(this);
     m_lblStatus->setObjectName(QStringLiteral("lblStatus"));
     m_lblStatus->setTextFormat(Qt::PlainText);
