@@ -1,6 +1,8 @@
 #include "resources/buttonicons.h"
 
+#include <QFontMetrics>
 #include <QPushButton>
+#include <QStyle>
 #include <QWidget>
 
 #include "resources/appresources.h"
@@ -61,8 +63,21 @@ void ButtonIcons::apply(QWidget* root)
         if (button->text().isEmpty())
             continue;
         const QIcon found = icon(button->objectName());
-        if (!found.isNull())
-            button->setIcon(found);
+        if (found.isNull())
+            continue;
+        button->setIcon(found);
+        // The style keeps a captioned button at least about 80 px wide; a row of them then
+        // grows wider than a small screen. The button may shrink to its icon and caption.
+        if (button->minimumWidth() == 0) {
+            QStyle* style = button->style();
+            const int frame =
+                2 * (style->pixelMetric(QStyle::PM_ButtonMargin, nullptr, button) +
+                     style->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, button));
+            const int caption =
+                button->fontMetrics().size(Qt::TextShowMnemonic, button->text()).width();
+            button->setMinimumWidth(
+                qMin(button->sizeHint().width(), caption + button->iconSize().width() + 4 + frame));
+        }
     }
 }
 

@@ -206,9 +206,14 @@ private slots:
             // Clicked as a person clicks it, so that the window follows.
             w->tree()->scrollToItem(item);
             const QRect r = w->tree()->visualItemRect(item);
-            QTest::mouseClick(w->tree()->viewport(), Qt::LeftButton, {},
-                              QPoint(r.left() + 12, r.center().y()));
-            return w->tree()->currentItem() == item;
+            QTest::mouseClick(
+                w->tree()->viewport(), Qt::LeftButton, {},
+                QPoint(qMin(r.left() + 12, w->tree()->viewport()->width() - 2), r.center().y()));
+            // Opened, so that the next level down is filled and can be reached (opening a
+            // cabinet may build its node anew).
+            if (QTreeWidgetItem* current = w->tree()->currentItem())
+                current->setExpanded(true);
+            return w->tree()->selectedKey() == key;
         };
         auto dialog = [&](const char* command) {
             faults << modalUnnamed(command, [&] { w->menus().run(command); });
@@ -221,7 +226,7 @@ private slots:
             {"FLD1", "mnuPopupFolderProperties"},
             {"DOC1", "mnuPopupDocumentProperties"}};
         for (const auto& [node, properties] : levels) {
-            QVERIFY(select(node));
+            QVERIFY2(select(node), node);
             faults << unnamedIn(w, QString("main window at ") + node);
             dialog(properties);
         }
