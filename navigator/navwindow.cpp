@@ -266,10 +266,25 @@ void NavWindow::showAsLoaded()
         show();
     }
     // The splitter knows its real width only now.
-    int tree = m_splitter->sizes().value(0);
-    if (!m_base.session.settings().contains(QLatin1String(keys::TreeWidth.name)))
-        tree = fittedTreeWidth(tree);
+    const int tree = m_splitter->sizes().value(0);
     m_splitter->setSizes({tree, qMax(1, m_splitter->width() - tree)});
+    refitTree();
+}
+
+void NavWindow::refitTree()
+{
+    if (!m_splitter || m_base.session.settings().contains(QLatin1String(keys::TreeWidth.name)))
+        return;
+    const int tree = m_splitter->sizes().value(0);
+    const int fitted = fittedTreeWidth(tree);
+    if (fitted != tree)
+        m_splitter->setSizes({fitted, qMax(1, m_splitter->width() - fitted)});
+}
+
+void NavWindow::resizeEvent(QResizeEvent* event)
+{
+    QMainWindow::resizeEvent(event);
+    refitTree();
 }
 
 int NavWindow::fittedTreeWidth(int standard) const

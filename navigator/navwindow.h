@@ -72,6 +72,7 @@ signals:
 protected:
     void closeEvent(QCloseEvent* event) override;
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
 
 private:
     void buildWidgets();
@@ -80,6 +81,9 @@ private:
     // The tree's width that shows the names in view whole, from `standard` up to a third of
     // the window.
     int fittedTreeWidth(int standard) const;
+    // Until the person sets the divider, the tree keeps its names whole as the window's size
+    // changes.
+    void refitTree();
     void savePlacement();
     // Saves what must outlive the run and closes the store.
     void finishRun();

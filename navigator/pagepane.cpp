@@ -140,10 +140,9 @@ void PagePane::buildControls()
     m_cmdLast = button("cmdLast", QStringLiteral(">|"), QStringLiteral("Last images (End)"),
                        &PagePane::last);
     ButtonIcons::apply(this);
-    // The paging buttons are narrow: a short caption and its icon, not a word's width.
+    // The paging buttons are narrow: a short caption of signs, not a word's width.
     for (QPushButton* b : {m_cmdFirst, m_cmdPrev, m_cmdNext, m_cmdLast})
-        b->setFixedWidth(qMax(36, b->sizeHint().height() + 8) +
-                         (b->icon().isNull() ? 0 : b->iconSize().width() + 4));
+        b->setFixedWidth(qMax(36, b->sizeHint().height() + 8));
     // Their captions are signs; a screen reader reads what they do.
     m_cmdFirst->setAccessibleName(QStringLiteral("First page"));
     m_cmdPrev->setAccessibleName(QStringLiteral("Previous page"));

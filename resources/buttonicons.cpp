@@ -1,5 +1,7 @@
 #include "resources/buttonicons.h"
 
+#include <algorithm>
+
 #include <QFontMetrics>
 #include <QPushButton>
 #include <QStyle>
@@ -25,10 +27,8 @@ constexpr ButtonIcon kButtonIcons[] = {
     {"cmdFind", "edit-find", "find"},
     {"cmdShowLess", "list-remove", "showless"},
     {"cmdShowMore", "list-add", "showmore"},
-    {"cmdFirst", "go-first", "first"},
     {"cmdPrev", "go-previous", "previous"},
     {"cmdNext", "go-next", "next"},
-    {"cmdLast", "go-last", "last"},
     {"cmdPrint", "document-print", "print"},
     {"cmdEmail", "mail-send", "mail"},
     {"cmdSave", "document-save", "save"},
@@ -60,7 +60,9 @@ QIcon ButtonIcons::icon(const QString& objectName)
 void ButtonIcons::apply(QWidget* root)
 {
     for (QPushButton* button : root->findChildren<QPushButton*>()) {
-        if (button->text().isEmpty())
+        // A caption of signs alone ("|<", ">") is its own picture; an icon beside it says it twice.
+        const QString caption = button->text();
+        if (std::none_of(caption.begin(), caption.end(), [](QChar c) { return c.isLetter(); }))
             continue;
         const QIcon found = icon(button->objectName());
         if (found.isNull())

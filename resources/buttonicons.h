@@ -15,7 +15,7 @@ class ButtonIcons
 public:
     // The icon for a button of that objectName; a null icon for a name the table lacks.
     static QIcon icon(const QString& objectName);
-    // Gives every push button under `root` that has a caption and an entry its icon.
+    // Gives every push button under `root` that has a caption in words and an entry its icon.
     static void apply(QWidget* root);
 };
 

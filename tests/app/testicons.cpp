@@ -1,5 +1,6 @@
 #include <QImage>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QTest>
 
 #include "app/startup.h"
@@ -38,6 +39,13 @@ QStringList captionsOf(QWidget* window, QStringList& faults)
             continue;
         const QString what = window->objectName() + '/' + b->objectName();
         captions << b->objectName() + ' ' + b->text();
+        const bool words = b->text().contains(QRegularExpression("[A-Za-z]"));
+        if (!words) {
+            // A caption of signs is a picture already.
+            if (!b->icon().isNull())
+                faults << what + " shows an icon beside its signs";
+            continue;
+        }
         if (b->icon().isNull() || !drawsSomething(b->icon()))
             faults << what + " has no icon";
         const int caption = b->fontMetrics().horizontalAdvance(QString(b->text()).remove('&'));

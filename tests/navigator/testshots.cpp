@@ -29,34 +29,6 @@
 
 using namespace qmr;
 
-namespace {
-
-// A page that looks scanned: a coloured letterhead, lines of text, its number; no thumbnail,
-// so that the pane makes one.
-void scannedPage(const AppHome& home, qint32 id, int number, const QSize& size, QColor head)
-{
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(QColor(250, 248, 240));
-    QPainter p(&image);
-    p.fillRect(QRect(0, 0, size.width(), size.height() / 7), head);
-    p.setPen(QPen(QColor(60, 60, 60), qMax(2, size.height() / 180)));
-    for (int y = size.height() / 4; y < size.height() * 9 / 10; y += size.height() / 24)
-        p.drawLine(size.width() / 10, y, size.width() * (number % 3 == 0 ? 6 : 9) / 10, y);
-    QFont font = p.font();
-    font.setPixelSize(size.height() / 6);
-    font.setBold(true);
-    p.setFont(font);
-    p.setPen(Qt::white);
-    p.drawText(QRect(0, 0, size.width(), size.height() / 7), Qt::AlignCenter,
-               QString::number(number));
-    p.end();
-    const QString file = PagePaths(home).computedPagePath(id);
-    QDir().mkpath(QFileInfo(file).path());
-    image.save(file, "JPG", 85);
-}
-
-} // namespace
-
 // Renders windows on a filled store to PNG files, so that anyone can look at them without a
 // display. The files go to $QMR_SHOTS_DIR (default: shots/ in the working directory).
 class Shots : public QObject
@@ -110,7 +82,7 @@ private slots:
             if (n == 6)
                 continue; // its file has gone: a blank tile
             const QSize size = n % 5 == 2 ? QSize(1100, 850) : QSize(850, 1100);
-            scannedPage(h.home.home(), id, n, size, heads[n % 4]);
+            test::scannedPage(h.home.home(), id, n, size, heads[n % 4]);
             store.db().execute(
                 "UPDATE Page SET FileSize = ? WHERE PageId = ?",
                 {QFileInfo(PagePaths(h.home.home()).computedPagePath(id)).size(), id});

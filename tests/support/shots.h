@@ -1,9 +1,15 @@
 #pragma once
 
+#include <QColor>
 #include <QPalette>
+#include <QSize>
 #include <QString>
 
 class QWidget;
+
+namespace qmr {
+class AppHome;
+}
 
 namespace qmr::test {
 
@@ -15,5 +21,8 @@ QString shotsDirectory();
 void saveShot(QWidget* window, const QString& name);
 // A dark theme's palette: dark grounds, light text, a blue selection.
 QPalette darkPalette();
+// A page that looks scanned (a coloured letterhead, lines of text, its number) written as the
+// file of page `id`, without a thumbnail, so that the pane makes one.
+void scannedPage(const AppHome& home, qint32 id, int number, const QSize& size, QColor head);
 
 } // namespace qmr::test
