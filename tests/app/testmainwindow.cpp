@@ -483,6 +483,23 @@ private slots:
                                 .arg(tree->viewport()->width())));
         QVERIFY2(tree->width() <= third + 1,
                  qPrintable(QString("tree %1, a third %2").arg(tree->width()).arg(third)));
+        // Made narrow, the window cuts the names; made wide again, it shows them whole.
+        NavWindow* w = run.window();
+        w->showNormal();
+        w->resize(360, w->height());
+        QTRY_VERIFY(tree->width() <= w->width() / 3 + 1);
+        QVERIFY(tree->viewport()->width() < names);
+        w->resize(1000, w->height());
+        QTRY_VERIFY2(tree->viewport()->width() >= names,
+                     qPrintable(QString("names %1 wide, the tree's view %2")
+                                    .arg(names)
+                                    .arg(tree->viewport()->width())));
+        // Once the person has set the divider, the tree keeps the width they gave it.
+        run.home.settings().set(keys::TreeWidth, QString::number(w->treeWidthTwips()));
+        const int set = tree->width();
+        w->resize(700, w->height());
+        QTRY_COMPARE(w->width(), 700);
+        QCOMPARE(tree->width(), set);
     }
 
     void altOpensTheMenuOfItsLetter_data()
