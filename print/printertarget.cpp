@@ -6,7 +6,8 @@
 
 namespace qmr {
 
-PrinterTarget::PrinterTarget(QPrinter& printer) : m_printer(printer)
+PrinterTarget::PrinterTarget(QPrinter& printer, Sheets sheets)
+    : m_printer(printer), m_sheets(sheets)
 {
 }
 
@@ -39,7 +40,10 @@ QString PrinterTarget::where() const
 bool PrinterTarget::beginSheet(QPageLayout::Orientation orientation)
 {
     // The sheet turns before it begins; the paper size and margins stay as set up.
-    m_printer.setPageOrientation(orientation);
+    if (m_sheets == Sheets::Turned)
+        m_printer.setPageOrientation(orientation);
+    else
+        m_across = orientation != m_printer.pageLayout().orientation();
     if (!m_started) {
         m_started = true;
         // A preview has no file: its sheets are only drawn on the screen.
@@ -68,7 +72,18 @@ bool PrinterTarget::beginSheet(QPageLayout::Orientation orientation)
 void PrinterTarget::drawImage(const QImage& image, const QSize& size)
 {
     m_painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    if (!m_across) {
+        m_painter.drawImage(QRect(QPoint(0, 0), size), image);
+        return;
+    }
+    // A quarter turn clockwise: the page's top runs down the sheet's right edge, and what
+    // would have stood across the turned sheet's printable area stands on this one's.
+    const int width = m_printer.pageLayout().paintRectPixels(m_printer.resolution()).width();
+    m_painter.save();
+    m_painter.translate(width, 0);
+    m_painter.rotate(90);
     m_painter.drawImage(QRect(QPoint(0, 0), size), image);
+    m_painter.restore();
 }
 
 bool PrinterTarget::finish()

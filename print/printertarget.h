@@ -16,7 +16,12 @@ class PdfOutput;
 class PrinterTarget : public PrintTarget
 {
 public:
-    explicit PrinterTarget(QPrinter& printer);
+    // How a page whose orientation is not the sheet's is put on paper: the sheet turned
+    // (printing), or the page turned a quarter on a sheet that keeps the printer's
+    // orientation (Qt's preview shows every sheet at one size).
+    enum class Sheets { Turned, Fixed };
+
+    explicit PrinterTarget(QPrinter& printer, Sheets sheets = Sheets::Turned);
     ~PrinterTarget() override;
 
     int dpiX() const override;
@@ -32,6 +37,8 @@ private:
     QPrinter& m_printer;
     std::unique_ptr<PdfOutput> m_pdf;
     QPainter m_painter;
+    Sheets m_sheets;
+    bool m_across = false; // this page lies turned on a fixed sheet
     bool m_started = false;
     QString m_error;
 };

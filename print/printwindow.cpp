@@ -181,7 +181,7 @@ void PrintWindow::preview()
     const PagePrinter routine(m_context.session.paths(),
                               PrintScale::fromSettings(m_context.session.settings()));
     connect(&dialog, &QPrintPreviewDialog::paintRequested, this, [&](QPrinter* shown) {
-        PrinterTarget target(*shown);
+        PrinterTarget target(*shown, PrinterTarget::Sheets::Fixed);
         QApplication::setOverrideCursor(Qt::WaitCursor);
         const PrintOutcome outcome = routine.print(pages, target);
         QApplication::restoreOverrideCursor();

@@ -41,6 +41,22 @@ QStringList comboEntries(QComboBox* box)
     return entries;
 }
 
+// The outline of what is drawn in dark blue (the test pictures' frame) in `shown`: "tall",
+// "wide" or "none".
+QString drawnShape(const QImage& shown)
+{
+    QRect box;
+    for (int y = 0; y < shown.height(); ++y)
+        for (int x = 0; x < shown.width(); ++x) {
+            const QRgb c = shown.pixel(x, y);
+            if (qBlue(c) > qRed(c) + 50 && qBlue(c) > qGreen(c) + 50)
+                box |= QRect(x, y, 1, 1);
+        }
+    if (box.isEmpty())
+        return QStringLiteral("none");
+    return box.height() > box.width() * 1.15 ? QStringLiteral("tall") : QStringLiteral("wide");
+}
+
 } // namespace
 
 class TestPrintDialogs : public QObject
@@ -398,17 +414,28 @@ private slots:
         PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
         int sheets = -1;
         QString title;
+        QStringList shapes;
         test::whenModal(this, [&](QWidget* w) {
             title = w->windowTitle();
             if (auto* view = w->findChild<QPrintPreviewWidget*>()) {
                 (void)QTest::qWaitFor([&] { return view->pageCount() == 3; }, 10000);
                 sheets = view->pageCount();
+                view->setViewMode(QPrintPreviewWidget::SinglePageView);
+                for (int n = 1; n <= sheets; ++n) {
+                    view->setCurrentPage(n);
+                    view->fitInView();
+                    QCoreApplication::processEvents();
+                    shapes << drawnShape(view->grab().toImage());
+                }
             }
             w->close();
         });
         child<QPushButton>(&dialog, "cmdPreview")->click();
         QCOMPARE(title, QString("Preview of Tax return"));
         QCOMPARE(sheets, 3);
+        // The preview has one sheet size for all; the sideways page lies turned on its sheet,
+        // whole, as it comes out of the printer.
+        QCOMPARE(shapes, QStringList({"tall", "tall", "tall"}));
         QVERIFY(h.choosers.saveStarts().isEmpty());
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }

@@ -34,12 +34,16 @@ private slots:
         document.show();
         QVERIFY(QTest::qWaitForWindowExposed(&document));
         test::saveShot(&document, "dialog-print-document");
-        // The preview of the document: the third page lies across its sheet.
+        // The preview of the document: the third page lies turned on its sheet.
         bool previewed = false;
         test::whenModal(this, [&](QWidget* preview) {
             preview->resize(900, 600);
             auto* view = preview->findChild<QPrintPreviewWidget*>();
             (void)QTest::qWaitFor([&] { return view && view->pageCount() == 3; });
+            if (view) {
+                view->setViewMode(QPrintPreviewWidget::AllPagesView);
+                view->fitInView();
+            }
             test::saveShot(preview, "dialog-print-preview");
             previewed = true;
             preview->close();
