@@ -16,6 +16,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTabWidget>
@@ -465,6 +466,84 @@ private slots:
         QCOMPARE(run.window()->pageList()->documentId(), document);
         QCOMPARE(run.pages()->count(), 1);
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+    }
+
+    // Every captioned entry of the assembled window's menus runs a command, and each can be
+    // chosen in some state of the window: a walk over the levels, their pop-ups and a
+    // clipboard holding a copied file sees each one enabled at least once.
+    void everyMenuEntryRunsACommandSomewhere()
+    {
+        Run run;
+        test::FixtureStore(run.home.home()).fillSample();
+        QVERIFY(run.start());
+        NavWindow* w = run.window();
+        // A picture copied in a file manager, so that Paste has something to take.
+        QImage picture(40, 50, QImage::Format_RGB32);
+        picture.fill(Qt::darkCyan);
+        const QString copied = run.home.file("copied.png");
+        QVERIFY(picture.save(copied));
+        auto* data = new QMimeData;
+        data->setUrls({QUrl::fromLocalFile(copied)});
+        QApplication::clipboard()->setMimeData(data);
+        const auto emptied = qScopeGuard([] { QApplication::clipboard()->clear(); });
+
+        QSet<QString> enabled;
+        auto note = [&](QMenu* menu) {
+            for (QAction* a : menu->actions())
+                if (!a->isSeparator() && a->isVisible() && a->isEnabled()) {
+                    enabled.insert(a->objectName());
+                }
+        };
+        auto look = [&](QWidget* control) {
+            for (QAction* top : w->menuBar()->actions()) {
+                if (!top->isVisible() || !top->menu())
+                    continue;
+                QMenu* menu = top->menu();
+                menu->popup(w->mapToGlobal(QPoint(40, 40)));
+                if (QTest::qWaitForWindowExposed(menu))
+                    note(menu);
+                menu->close();
+            }
+            if (control) {
+                control->setFocus();
+                (void)withPopup([&] { QTest::keyClick(control, Qt::Key_Menu); }, note);
+            }
+        };
+        for (const char* node : {"ROOT", "CAB1", "DRW1", "FLD1", "DOC1"}) {
+            run.click({node});
+            look(run.tree());
+            if (ContainerList* list = w->list(); list->isVisible() && list->count() > 0) {
+                list->setCurrentRow(0);
+                look(list);
+            }
+        }
+        // The pages of the document, none and then one selected.
+        look(run.pageView());
+        run.pages()->selectPage(1);
+        look(run.pageView());
+        // The branch of what Find found, and a document in it.
+        test::whenModal(this, [&](QWidget* find) {
+            find->findChild<QLineEdit*>("txtKeywords")->setText("statement");
+            find->findChild<QPushButton*>("cmdFind")->click();
+        });
+        w->menus().run("mnuFileFind");
+        QTRY_VERIFY(run.tree()->node("ROOTFOUND"));
+        run.click({"ROOTFOUND"});
+        look(run.tree());
+        QStringList faults;
+        // Every menu the window has, those of the levels not now in the bar too.
+        for (QMenu* menu : w->menuBar()->findChildren<QMenu*>()) {
+            for (QAction* a : menu->actions()) {
+                if (a->isSeparator() || a->text().isEmpty() || a->menu())
+                    continue; // a submenu's entries are walked as a menu of their own
+                const QString name = a->objectName();
+                if (!w->menus().hasCommand(name))
+                    faults << name + " runs no command";
+                else if (!enabled.contains(name))
+                    faults << name + " is never enabled";
+            }
+        }
+        QVERIFY2(faults.isEmpty(), qPrintable(faults.join('\n')));
     }
 
     void firstStartShowsTheSampleNamesWhole()
