@@ -2,6 +2,7 @@
 
 #include <QThread>
 
+#include "core/workerpriority.h"
 #include "viewer/thumbnailmaker.h"
 
 namespace qmr {
@@ -23,6 +24,7 @@ void ThumbnailQueue::add(const QString& pagePath, const QString& thumbPath)
 {
     m_room.acquire();
     m_pool.start([this, pagePath, thumbPath] {
+        WorkerPriority::lowerCurrentThread();
         if (ThumbnailMaker::makeThumbnail(pagePath, thumbPath, m_home))
             ++m_made;
         m_room.release();
@@ -33,6 +35,7 @@ void ThumbnailQueue::addFromData(const QByteArray& page, const QString& thumbPat
 {
     m_room.acquire();
     m_pool.start([this, page, thumbPath] {
+        WorkerPriority::lowerCurrentThread();
         if (ThumbnailMaker::makeThumbnailFromData(page, thumbPath, m_home))
             ++m_made;
         m_room.release();

@@ -10,6 +10,7 @@
 
 #include "core/directfile.h"
 #include "core/partfile.h"
+#include "core/workerpriority.h"
 #include "core/pagenotifier.h"
 #include "store/commandcontext.h"
 #include "store/itemrules.h"
@@ -297,6 +298,7 @@ void PageFileAdder::deliver(const NewRow& row)
     const auto makeThumbnail = [thumbPath, home, noThumbnails, joint,
                                 finishPart](const std::optional<DirectFile>& contents,
                                             const QString& pagePath) {
+        WorkerPriority::lowerCurrentThread();
         // A thumbnail left by an earlier page of this id must not stand for this one.
         QFile::remove(thumbPath);
         if (!noThumbnails->load()) {
@@ -309,6 +311,7 @@ void PageFileAdder::deliver(const NewRow& row)
         finishPart();
     };
     m_copyPool.start(QRunnable::create([this, row, pagePath, joint, finishPart, makeThumbnail] {
+        WorkerPriority::lowerCurrentThread();
         QFile in(row.fileName);
         QString error;
         if (!in.open(QIODevice::ReadOnly)) {

@@ -9,6 +9,7 @@
 #include <QRunnable>
 
 #include "core/imageloader.h"
+#include "core/workerpriority.h"
 #include "viewer/thumbnailmaker.h"
 
 namespace qmr {
@@ -160,6 +161,7 @@ void ThumbnailCache::startJob(const Request& request)
     const std::shared_ptr<Shared> shared = m_shared;
     const QString home = m_home;
     m_pool.start(QRunnable::create([this, shared, home, request] {
+        WorkerPriority::lowerCurrentThread();
         const QString& path = request.thumbPath;
         QImage tile;
         const bool skipped = !shared->isWanted(path);

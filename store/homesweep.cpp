@@ -10,6 +10,7 @@
 #include <cstring>
 #include <unistd.h>
 
+#include "core/workerpriority.h"
 #include "store/database.h"
 #include "store/storeerror.h"
 #include "store/storelog.h"
@@ -57,15 +58,17 @@ void HomeSweep::start()
     m_missing.clear();
     const PagePaths paths = m_paths;
     auto entries = std::make_shared<QVector<StoreFiles::Entry>>();
-    m_thread = QThread::create([paths, entries] { *entries = StoreFiles(paths).list(); });
+    m_thread = QThread::create([paths, entries] {
+        WorkerPriority::lowerCurrentThread();
+        *entries = StoreFiles(paths).list();
+    });
     // Delivered on this object's thread, and not at all once this object is gone.
     connect(m_thread, &QThread::finished, this, [this, entries] {
         m_thread->deleteLater();
         m_thread = nullptr;
         listed(*entries);
     });
-    // Below the window's priority: it only tidies.
-    m_thread->start(QThread::LowPriority);
+    m_thread->start();
 }
 
 void HomeSweep::listed(const QVector<StoreFiles::Entry>& entries)
