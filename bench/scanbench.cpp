@@ -62,7 +62,7 @@ struct FlowRun
 FlowRun flowRun()
 {
     test::ScanHarness h;
-    h.settings().set(keys::ScanFeeder, QStringLiteral("Y"));
+    h.settings().setFlag(keys::ScanFeeder, true);
     h.settings().set(keys::DocDpi, QStringLiteral("150"));
     SaneSource source;
     ScanFlow flow(h.context(), source);

@@ -1,5 +1,9 @@
 #pragma once
 
+#include <array>
+#include <cstddef>
+#include <utility>
+
 namespace qmr {
 
 // A key of the per-user settings and the value a reader gets when it is absent.
@@ -9,12 +13,33 @@ struct SettingKey
     const char* defaultValue;
 };
 
+// A yes-or-no key, written "Y" or "N" in the file and read as a bool.
+struct FlagKey
+{
+    const char* name;
+    bool defaultValue;
+};
+
+// A key whose value is one of a few words, read as an enum: each mode with the word that the
+// file holds for it. An absent key, or a word the table lacks, reads as the default.
+template <typename Mode, std::size_t N> struct ModeKey
+{
+    const char* name;
+    Mode defaultValue;
+    std::array<std::pair<Mode, const char*>, N> words;
+};
+
+// What follows a scan: the page opens in the viewer, or the window comes back.
+enum class AfterScanMode { OpenViewer, Return };
+// When a new document's details are asked for: after its pages are scanned, or before.
+enum class DocInfoTime { AfterScan, BeforeScan };
+
 // Every key the program reads or writes, in one place. Path keys default to "" and their
 // readers start at the user's home directory.
 namespace keys {
 
 // Main window
-inline constexpr SettingKey FirstShow{"FirstShow", "Y"};
+inline constexpr FlagKey FirstShow{"FirstShow", true};
 inline constexpr SettingKey TreeWidth{"tvwMainWidth", "3000"}; // twips
 inline constexpr SettingKey LastNavTreeNodeKey{"LastNavTreeNodeKey", ""};
 
@@ -30,12 +55,18 @@ inline constexpr SettingKey ImageType{"TWAINImageType", "document"}; // "documen
 inline constexpr SettingKey SetupScanSettings{"SetupScanSettings", ""};
 inline constexpr SettingKey ScanSource{"TWAINSource", ""};
 inline constexpr SettingKey CameraSource{"TWAINCameraSource", ""};
-inline constexpr SettingKey ScanFeeder{"TWAINADF", "N"};
-inline constexpr SettingKey ScanDuplex{"ScanDuplex", "Y"};
-inline constexpr SettingKey ScanShowUi{"TWAINShowUI", "N"};
-inline constexpr SettingKey ScanNativeTransfer{"TWAINNativeTransfer", "N"};
-inline constexpr SettingKey GetDocInfo{"TwainGetDocInfo", "afterscan"}; // "beforescan"
-inline constexpr SettingKey AfterScan{"AfterScan", "IMAGEEDIT"};        // "RETURN"
+inline constexpr FlagKey ScanFeeder{"TWAINADF", false};
+inline constexpr FlagKey ScanDuplex{"ScanDuplex", true};
+inline constexpr FlagKey ScanShowUi{"TWAINShowUI", false};
+inline constexpr FlagKey ScanNativeTransfer{"TWAINNativeTransfer", false};
+inline constexpr ModeKey<DocInfoTime, 2> GetDocInfo{
+    "TwainGetDocInfo",
+    DocInfoTime::AfterScan,
+    {{{DocInfoTime::AfterScan, "afterscan"}, {DocInfoTime::BeforeScan, "beforescan"}}}};
+inline constexpr ModeKey<AfterScanMode, 2> AfterScan{
+    "AfterScan",
+    AfterScanMode::OpenViewer,
+    {{{AfterScanMode::OpenViewer, "IMAGEEDIT"}, {AfterScanMode::Return, "RETURN"}}}};
 inline constexpr SettingKey PicScanType{"PicScanType", "Color"};
 inline constexpr SettingKey DocScanType{"DocScanType", "Color"};
 inline constexpr SettingKey PicDpi{"PicDPIOverride", "300"};

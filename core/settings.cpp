@@ -54,6 +54,19 @@ double Settings::number(const SettingKey& key) const
     return ok ? value : QString::fromUtf8(key.defaultValue).toDouble();
 }
 
+bool Settings::flag(const FlagKey& key) const
+{
+    const QString name = QLatin1String(key.name);
+    if (!contains(name))
+        return key.defaultValue;
+    return getSetting(name) == QLatin1String("Y");
+}
+
+void Settings::setFlag(const FlagKey& key, bool on)
+{
+    saveSetting(QLatin1String(key.name), on ? QStringLiteral("Y") : QStringLiteral("N"));
+}
+
 bool Settings::contains(const QString& key) const
 {
     return m_settings->contains(kGroup + key);

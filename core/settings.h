@@ -39,6 +39,24 @@ public:
     void remove(const SettingKey& key);
     // A number; the key's default when absent or not a number.
     double number(const SettingKey& key) const;
+    // A yes-or-no key: true for "Y", false for any other word, the default when absent.
+    bool flag(const FlagKey& key) const;
+    void setFlag(const FlagKey& key, bool on);
+    // A mode key: the mode whose word the file holds, the default for an absent or unknown one.
+    template <typename Mode, std::size_t N> Mode mode(const ModeKey<Mode, N>& key) const
+    {
+        const QString word = getSetting(QLatin1String(key.name));
+        for (const auto& [mode, written] : key.words)
+            if (word == QLatin1String(written))
+                return mode;
+        return key.defaultValue;
+    }
+    template <typename Mode, std::size_t N> void setMode(const ModeKey<Mode, N>& key, Mode mode)
+    {
+        for (const auto& [each, written] : key.words)
+            if (each == mode)
+                saveSetting(QLatin1String(key.name), QLatin1String(written));
+    }
     bool contains(const QString& key) const;
     void sync();
     QString fileName() const;

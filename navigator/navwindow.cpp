@@ -215,7 +215,7 @@ int NavWindow::treeWidthTwips() const
 void NavWindow::restorePlacement()
 {
     Settings& settings = m_base.session.settings();
-    m_firstShow = settings.get(keys::FirstShow) == QLatin1String("Y");
+    m_firstShow = settings.flag(keys::FirstShow);
     if (!m_firstShow) {
         Placement current{y(), x(), height(), width(), 0};
         const Placement p = settings.restorePlacement(kFormName, current);
@@ -227,7 +227,7 @@ void NavWindow::restorePlacement()
         if (p.windowState == 2)
             setWindowState(windowState() | Qt::WindowMaximized);
     }
-    settings.set(keys::FirstShow, QStringLiteral("N"));
+    settings.setFlag(keys::FirstShow, false);
 
     const double twips = settings.number(keys::TreeWidth);
     const int treePixels = twips > 0 ? int(twips / kTwipsPerPixel) : 3000 / kTwipsPerPixel;

@@ -100,7 +100,7 @@ void ScanFlow::scanToViewer(const NodeKey& key)
     m_taken = 0;
     m_saved = 0;
     if (prepareViewer(key)) {
-        if (!isFolder(key) || settings.get(keys::GetDocInfo) != QLatin1String("beforescan") ||
+        if (!isFolder(key) || settings.mode(keys::GetDocInfo) != DocInfoTime::BeforeScan ||
             askDetailsBeforeScan())
             acquire();
     }
@@ -264,7 +264,7 @@ void ScanFlow::acquire()
         return;
     }
 
-    if (m_context.session.settings().get(keys::ScanShowUi) == QLatin1String("Y")) {
+    if (m_context.session.settings().flag(keys::ScanShowUi)) {
         ScanOptionsDialog dialog(m_deviceLabel, m_source, m_context.parent);
         dialog.setOptions(m_options);
         if (dialog.exec() != QDialog::Accepted) {
@@ -317,7 +317,7 @@ bool ScanFlow::handlePage(const QImage& image)
     ++m_taken;
     Settings& settings = m_context.session.settings();
     if (isFolder(m_key) && m_taken == 1 &&
-        settings.get(keys::GetDocInfo) != QLatin1String("beforescan"))
+        settings.mode(keys::GetDocInfo) != DocInfoTime::BeforeScan)
         askDetailsAfterScan();
     if (!m_viewer)
         return false;
@@ -326,7 +326,7 @@ bool ScanFlow::handlePage(const QImage& image)
     if (image.isNull())
         return false;
 
-    if (settings.get(keys::AfterScan) == QLatin1String("RETURN")) {
+    if (settings.mode(keys::AfterScan) == AfterScanMode::Return) {
         if (m_quiet)
             m_quiet->setQuiet(true);
         const PageSaver::Result result = m_viewer->save();
@@ -376,7 +376,7 @@ void ScanFlow::finishViewer()
     const bool saved = viewer->newPageSaved();
     const bool hasImage = !viewer->pageImage().isNull();
     const bool editing =
-        m_context.session.settings().get(keys::AfterScan) != QLatin1String("RETURN");
+        m_context.session.settings().mode(keys::AfterScan) != AfterScanMode::Return;
     // One page taken for editing stays; so does any page that has an image and no file yet,
     // so that nothing scanned is lost.
     if (hasImage && ((editing && m_taken == 1) || !saved)) {

@@ -76,8 +76,8 @@ ScanRequest ScanSettings::request() const
     const bool picture = usesPictureValues();
     r.dpi = picture ? picDpi() : docDpi();
     r.colour = colourOf(picture ? picScanType() : docScanType());
-    r.feeder = !isCamera() && m_settings.get(keys::ScanFeeder) == QLatin1String("Y");
-    r.duplex = r.feeder && m_settings.get(keys::ScanDuplex) == QLatin1String("Y");
+    r.feeder = !isCamera() && m_settings.flag(keys::ScanFeeder);
+    r.duplex = r.feeder && m_settings.flag(keys::ScanDuplex);
     return r;
 }
 

@@ -47,12 +47,12 @@ void ScanSettingsDialog::load()
 {
     const ScanSettings scan(m_settings);
     m_ui->cboAfterScan->setCurrentIndex(
-        m_settings.get(keys::AfterScan) == QLatin1String("RETURN") ? 1 : 0);
+        m_settings.mode(keys::AfterScan) == AfterScanMode::Return ? 1 : 0);
     m_ui->cboGetDocInfo->setCurrentIndex(
-        m_settings.get(keys::GetDocInfo) == QLatin1String("beforescan") ? 1 : 0);
-    m_ui->chkADF->setChecked(m_settings.get(keys::ScanFeeder) == QLatin1String("Y"));
-    m_ui->chkDuplex->setChecked(m_settings.get(keys::ScanDuplex) == QLatin1String("Y"));
-    m_ui->chkShowUI->setChecked(m_settings.get(keys::ScanShowUi) == QLatin1String("Y"));
+        m_settings.mode(keys::GetDocInfo) == DocInfoTime::BeforeScan ? 1 : 0);
+    m_ui->chkADF->setChecked(m_settings.flag(keys::ScanFeeder));
+    m_ui->chkDuplex->setChecked(m_settings.flag(keys::ScanDuplex));
+    m_ui->chkShowUI->setChecked(m_settings.flag(keys::ScanShowUi));
     feederChanged();
     fillDevices(m_ui->cboScanner, m_settings.get(keys::ScanSource));
     fillDevices(m_ui->cboCamera, m_settings.get(keys::CameraSource));
@@ -128,19 +128,18 @@ void ScanSettingsDialog::showDevices(const QVector<ScanDevice>& devices, const Q
 
 void ScanSettingsDialog::cmdOK()
 {
-    const auto yesNo = [](bool on) { return on ? QStringLiteral("Y") : QStringLiteral("N"); };
     m_settings.set(keys::ScanSource, chosenDevice(m_ui->cboScanner));
-    m_settings.set(keys::AfterScan, m_ui->cboAfterScan->currentIndex() == 1
-                                        ? QStringLiteral("RETURN")
-                                        : QStringLiteral("IMAGEEDIT"));
-    m_settings.set(keys::GetDocInfo, m_ui->cboGetDocInfo->currentIndex() == 1
-                                         ? QStringLiteral("beforescan")
-                                         : QStringLiteral("afterscan"));
-    m_settings.set(keys::ScanFeeder, yesNo(m_ui->chkADF->isChecked()));
+    m_settings.setMode(keys::AfterScan, m_ui->cboAfterScan->currentIndex() == 1
+                                            ? AfterScanMode::Return
+                                            : AfterScanMode::OpenViewer);
+    m_settings.setMode(keys::GetDocInfo, m_ui->cboGetDocInfo->currentIndex() == 1
+                                             ? DocInfoTime::BeforeScan
+                                             : DocInfoTime::AfterScan);
+    m_settings.setFlag(keys::ScanFeeder, m_ui->chkADF->isChecked());
     // What else the dialog shows is kept too: a change made here must not be lost.
     m_settings.set(keys::CameraSource, chosenDevice(m_ui->cboCamera));
-    m_settings.set(keys::ScanDuplex, yesNo(m_ui->chkDuplex->isChecked()));
-    m_settings.set(keys::ScanShowUi, yesNo(m_ui->chkShowUI->isChecked()));
+    m_settings.setFlag(keys::ScanDuplex, m_ui->chkDuplex->isChecked());
+    m_settings.setFlag(keys::ScanShowUi, m_ui->chkShowUI->isChecked());
     m_settings.set(keys::DocScanType,
                    QLatin1String(kScanTypes[qBound(0, m_ui->cboDocScanType->currentIndex(), 2)]));
     m_settings.set(keys::PicScanType,

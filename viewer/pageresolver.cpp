@@ -13,7 +13,7 @@ qint32 PageResolver::makeDocument(qint32 folderId)
     const QString name = QStringLiteral("New document");
     const qint32 id = session.items().insertItem(Level::Document, folderId, name);
     m_madeDocumentId = id;
-    if (session.settings().get(keys::GetDocInfo) == QLatin1String("beforescan")) {
+    if (session.settings().mode(keys::GetDocInfo) == DocInfoTime::BeforeScan) {
         if (m_context.navigator)
             m_context.navigator->itemAdded(CreatedItem{Level::Document, folderId, id, name, {}});
         m_newDocument = true;

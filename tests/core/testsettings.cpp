@@ -160,6 +160,50 @@ private slots:
         QCOMPARE(s.number(keys::TreeWidth), 2250.5);
         QCOMPARE(s.getSetting("tvwMainWidth"), QStringLiteral("2250.5"));
     }
+
+    // Yes-or-no and mode keys read as values and write the file's own words.
+    void typedKeysReadAndWriteTheFilesWords_data()
+    {
+        QTest::addColumn<QString>("stored"); // "-": absent
+        QTest::addColumn<bool>("duplex");    // default true
+        QTest::addColumn<bool>("feeder");    // default false
+        QTest::addColumn<int>("afterScan");
+        QTest::newRow("absent: the defaults")
+            << "-" << true << false << int(AfterScanMode::OpenViewer);
+        QTest::newRow("Y") << "Y" << true << true << int(AfterScanMode::OpenViewer);
+        QTest::newRow("N") << "N" << false << false << int(AfterScanMode::OpenViewer);
+        QTest::newRow("another word is no")
+            << "yes" << false << false << int(AfterScanMode::OpenViewer);
+        QTest::newRow("empty is no") << "" << false << false << int(AfterScanMode::OpenViewer);
+        QTest::newRow("RETURN") << "RETURN" << false << false << int(AfterScanMode::Return);
+        QTest::newRow("the word as written only")
+            << "return" << false << false << int(AfterScanMode::OpenViewer);
+    }
+    void typedKeysReadAndWriteTheFilesWords()
+    {
+        QFETCH(QString, stored);
+        QFETCH(bool, duplex);
+        QFETCH(bool, feeder);
+        QFETCH(int, afterScan);
+        test::TestHome home;
+        Settings& s = home.settings();
+        if (stored != "-")
+            for (const char* key :
+                 {keys::ScanDuplex.name, keys::ScanFeeder.name, keys::AfterScan.name})
+                s.saveSetting(QLatin1String(key), stored);
+        QCOMPARE(s.flag(keys::ScanDuplex), duplex);
+        QCOMPARE(s.flag(keys::ScanFeeder), feeder);
+        QCOMPARE(int(s.mode(keys::AfterScan)), afterScan);
+
+        s.setFlag(keys::ScanDuplex, !duplex);
+        s.setMode(keys::GetDocInfo, DocInfoTime::BeforeScan);
+        s.setMode(keys::AfterScan, AfterScanMode::OpenViewer);
+        Settings& again = home.reopenSettings();
+        QCOMPARE(again.getSetting("ScanDuplex"), QString(duplex ? "N" : "Y"));
+        QCOMPARE(again.getSetting("TwainGetDocInfo"), QStringLiteral("beforescan"));
+        QCOMPARE(again.getSetting("AfterScan"), QStringLiteral("IMAGEEDIT"));
+        QCOMPARE(again.flag(keys::ScanDuplex), !duplex);
+    }
 };
 
 QMR_TEST(TestSettings)

@@ -113,7 +113,7 @@ struct ScanHarness
         view = std::make_unique<ViewSettings>(home.settings());
         view->read();
         Settings& s = settings();
-        s.set(keys::AfterScan, QStringLiteral("RETURN"));
+        s.setMode(keys::AfterScan, AfterScanMode::Return);
         if (settingsSeen) {
             s.set(keys::SetupScanSettings, QStringLiteral("True"));
             s.set(keys::ScanSource, QStringLiteral("test:0"));

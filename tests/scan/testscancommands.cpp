@@ -32,7 +32,7 @@ struct WindowStore
         }
         Settings& s = h.home.settings();
         s.set(keys::SetupScanSettings, QStringLiteral("True"));
-        s.set(keys::AfterScan, QStringLiteral("RETURN"));
+        s.setMode(keys::AfterScan, AfterScanMode::Return);
         if (scannerSet)
             s.set(keys::ScanSource, QStringLiteral("test:0"));
     }

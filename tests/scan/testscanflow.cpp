@@ -81,7 +81,7 @@ private slots:
         Settings& s = h.settings();
         s.set(keys::ImageType, kind);
         s.set(keys::CameraSource, QStringLiteral("test:1"));
-        s.set(keys::ScanFeeder, feeder ? QStringLiteral("Y") : QStringLiteral("N"));
+        s.setFlag(keys::ScanFeeder, feeder);
         if (!scanType.isEmpty())
             s.set(kind == QLatin1String("document") ? keys::DocScanType : keys::PicScanType,
                   scanType);
@@ -140,7 +140,7 @@ private slots:
     {
         SaneTestBackend backend({kPicture});
         ScanHarness h;
-        h.settings().set(keys::AfterScan, QStringLiteral("IMAGEEDIT"));
+        h.settings().setMode(keys::AfterScan, AfterScanMode::OpenViewer);
         SaneSource source;
         ScanFlow flow(h.context(), source);
         flow.scanToViewer(NodeKey::of(Level::Document, h.five));
@@ -173,8 +173,8 @@ private slots:
         QFETCH(int, saved);
         SaneTestBackend backend({kPicture});
         ScanHarness h;
-        h.settings().set(keys::AfterScan, QStringLiteral("IMAGEEDIT"));
-        h.settings().set(keys::ScanFeeder, QStringLiteral("Y"));
+        h.settings().setMode(keys::AfterScan, AfterScanMode::OpenViewer);
+        h.settings().setFlag(keys::ScanFeeder, true);
         h.settings().set(keys::DocDpi, QStringLiteral("50"));
         if (closeAt)
             h.prompter.expect(QStringLiteral("Cancel saving this new page?"),
@@ -245,7 +245,7 @@ private slots:
         // A sheet takes a while to come, so that Cancel lands while one is read.
         SaneTestBackend backend({kPicture, "read-delay true", "read-delay-duration 20000"});
         ScanHarness h;
-        h.settings().set(keys::ScanFeeder, QStringLiteral("Y"));
+        h.settings().setFlag(keys::ScanFeeder, true);
         h.settings().set(keys::DocDpi, QStringLiteral("75"));
         SaneSource source;
         ScanFlow flow(h.context(), source);
@@ -345,7 +345,7 @@ private slots:
         QFETCH(QString, message);
         SaneTestBackend backend({kPicture});
         ScanHarness h;
-        h.settings().set(keys::ScanFeeder, QStringLiteral("Y"));
+        h.settings().setFlag(keys::ScanFeeder, true);
         h.settings().set(keys::DocDpi, QStringLiteral("50"));
         SaneSource source;
         ScanFlow flow(h.context(), source);
@@ -384,7 +384,7 @@ private slots:
         QFETCH(bool, confirm);
         SaneTestBackend backend({kPicture});
         ScanHarness h;
-        h.settings().set(keys::GetDocInfo, QStringLiteral("beforescan"));
+        h.settings().setMode(keys::GetDocInfo, DocInfoTime::BeforeScan);
         h.settings().set(keys::DocDpi, QStringLiteral("50"));
         SaneSource source;
         ScanFlow flow(h.context(), source);
@@ -426,7 +426,7 @@ private slots:
         QFETCH(bool, scan);
         SaneTestBackend backend({kPicture});
         ScanHarness h;
-        h.settings().set(keys::ScanShowUi, QStringLiteral("Y"));
+        h.settings().setFlag(keys::ScanShowUi, true);
         SaneSource source;
         ScanFlow flow(h.context(), source);
         QStringList modes;

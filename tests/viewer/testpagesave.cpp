@@ -363,7 +363,7 @@ private slots:
     void addDocumentAskedBeforeTheScan()
     {
         test::ViewerHarness h;
-        h.home.settings().set(keys::GetDocInfo, "beforescan");
+        h.home.settings().setMode(keys::GetDocInfo, DocInfoTime::BeforeScan);
         PageViewWindow w(h.context());
         w.setAttribute(Qt::WA_DeleteOnClose, false);
         QVERIFY(w.beginAdd(NodeKey::of(Level::Folder, h.letters)));
