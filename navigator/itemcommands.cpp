@@ -7,7 +7,7 @@
 #include "dialogs/itemdialog.h"
 #include "dialogs/pagenumberdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
-#include "navigator/cabinetopener.h"
+#include "filing/cabinetopener.h"
 #include "store/commandguard.h"
 #include "store/itemrules.h"
 #include "store/session.h"

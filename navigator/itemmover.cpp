@@ -4,8 +4,8 @@
 
 #include "core/navigatorcallbacks.h"
 #include "core/pagenotifier.h"
-#include "navigator/cabinetopener.h"
-#include "navigator/moveview.h"
+#include "filing/cabinetopener.h"
+#include "filing/moveview.h"
 #include "navigator/pagefileadder.h"
 #include "store/commandcontext.h"
 #include "store/session.h"

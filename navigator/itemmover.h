@@ -4,7 +4,7 @@
 #include <QVector>
 
 #include "core/nodekey.h"
-#include "navigator/moverules.h"
+#include "filing/moverules.h"
 
 namespace qmr {
 

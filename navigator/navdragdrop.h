@@ -6,7 +6,7 @@
 
 #include "navigator/filedrop.h"
 #include "navigator/itemmover.h"
-#include "navigator/moveview.h"
+#include "filing/moveview.h"
 #include "navigator/pagefileadder.h"
 
 class QDropEvent;

@@ -9,7 +9,7 @@
 #include <QScopeGuard>
 
 #include "core/prompter.h"
-#include "navigator/cabinetopener.h"
+#include "filing/cabinetopener.h"
 #include "navigator/commandkeys.h"
 #include "navigator/containerlist.h"
 #include "navigator/defaultpageopener.h"

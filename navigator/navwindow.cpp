@@ -24,7 +24,7 @@
 #include "mail/mailcommands.h"
 #include "navigator/clipboardcommands.h"
 #include "navigator/containerlist.h"
-#include "navigator/deletecommand.h"
+#include "filing/deletecommand.h"
 #include "navigator/foundbranch.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navdragdrop.h"

@@ -7,7 +7,7 @@
 
 #include "core/nodekey.h"
 #include "navigator/emptyhint.h"
-#include "navigator/pageentry.h"
+#include "filing/pageentry.h"
 #include "viewer/thumbnailmaker.h"
 
 namespace qmr {

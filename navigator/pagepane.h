@@ -3,8 +3,8 @@
 #include <QVector>
 #include <QWidget>
 
-#include "navigator/pageentry.h"
-#include "navigator/pagepaging.h"
+#include "filing/pageentry.h"
+#include "filing/pagepaging.h"
 #include "navigator/shortcuticons.h"
 
 class QLabel;

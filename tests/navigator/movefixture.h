@@ -10,7 +10,7 @@
 #include "core/progress.h"
 #include "core/viewsettings.h"
 #include "navigator/itemmover.h"
-#include "navigator/moveview.h"
+#include "filing/moveview.h"
 #include "navigator/pagefileadder.h"
 #include "store/commandcontext.h"
 #include "store/schema.h"

@@ -3,7 +3,7 @@
 #include <QTest>
 
 #include "navharness.h"
-#include "navigator/deletecommand.h"
+#include "filing/deletecommand.h"
 #include "store/itemstore.h"
 #include "store/pagepaths.h"
 #include "tests/support/testrunner.h"

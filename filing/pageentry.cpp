@@ -1,4 +1,4 @@
-#include "navigator/pageentry.h"
+#include "filing/pageentry.h"
 
 #include <QLocale>
 

@@ -1,6 +1,6 @@
 #include <QTest>
 
-#include "navigator/moverules.h"
+#include "filing/moverules.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;

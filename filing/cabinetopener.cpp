@@ -1,4 +1,4 @@
-#include "navigator/cabinetopener.h"
+#include "filing/cabinetopener.h"
 
 #include "core/choosers.h"
 #include "core/navigatorcallbacks.h"

@@ -2,7 +2,7 @@
 
 #include "core/progress.h"
 #include "core/viewsettings.h"
-#include "navigator/cabinetopener.h"
+#include "filing/cabinetopener.h"
 #include "store/commandcontext.h"
 #include "store/session.h"
 #include "tests/support/fixturestore.h"

@@ -1,10 +1,10 @@
-#include "navigator/deletecommand.h"
+#include "filing/deletecommand.h"
 
 #include "core/commandtarget.h"
 #include "core/navigatorcallbacks.h"
 #include "core/progress.h"
 #include "core/prompter.h"
-#include "navigator/cabinetopener.h"
+#include "filing/cabinetopener.h"
 #include "store/commandguard.h"
 #include "store/deletion.h"
 #include "store/session.h"

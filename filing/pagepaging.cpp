@@ -1,4 +1,4 @@
-#include "navigator/pagepaging.h"
+#include "filing/pagepaging.h"
 
 #include <QtGlobal>
 

@@ -1,4 +1,4 @@
-#include "navigator/moverules.h"
+#include "filing/moverules.h"
 
 #include <QStringList>
 

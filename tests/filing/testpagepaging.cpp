@@ -1,7 +1,7 @@
 #include <QTest>
 
-#include "navigator/pageentry.h"
-#include "navigator/pagepaging.h"
+#include "filing/pageentry.h"
+#include "filing/pagepaging.h"
 #include "store/pagepaths.h"
 #include "store/pagestore.h"
 #include "tests/support/testrunner.h"
