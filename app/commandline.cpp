@@ -14,7 +14,7 @@
 #include "store/session.h"
 #include "store/storecheck.h"
 #include "store/storeerror.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

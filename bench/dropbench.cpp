@@ -42,7 +42,7 @@
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
 #include "navigator/navwindow.h"
-#include "navigator/pagefileadder.h"
+#include "filing/pagefileadder.h"
 #include "store/database.h"
 #include "store/pagestore.h"
 #include "store/schema.h"
@@ -51,7 +51,7 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 using namespace qmr;
 using namespace qmr::bench;

@@ -35,7 +35,7 @@
 #include "exchange/exchangequestions.h"
 #include "store/schema.h"
 #include "store/session.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 using namespace qmr;
 

@@ -3,7 +3,7 @@
 #include <QThread>
 
 #include "core/workerpriority.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

@@ -9,9 +9,9 @@
 #include "core/imageloader.h"
 #include "fuzzstore.h"
 #include "viewer/imageedit.h"
-#include "viewer/imagefile.h"
+#include "filing/imagefile.h"
 #include "viewer/pageimage.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 using namespace qmr;
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "core/commandtable.h"
-#include "navigator/pageclipboard.h"
+#include "filing/pageclipboard.h"
 
 namespace qmr {
 

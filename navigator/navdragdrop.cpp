@@ -11,7 +11,7 @@
 #include <QTimer>
 
 #include "core/prompter.h"
-#include "navigator/clipboardfiles.h"
+#include "filing/clipboardfiles.h"
 #include "navigator/containerlist.h"
 #include "navigator/navicons.h"
 #include "navigator/navtree.h"

@@ -4,10 +4,10 @@
 #include <QStringList>
 #include <functional>
 
-#include "navigator/filedrop.h"
-#include "navigator/itemmover.h"
+#include "filing/filedrop.h"
+#include "filing/itemmover.h"
 #include "filing/moveview.h"
-#include "navigator/pagefileadder.h"
+#include "filing/pagefileadder.h"
 
 class QDropEvent;
 class QMimeData;

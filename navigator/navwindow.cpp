@@ -30,7 +30,7 @@
 #include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
-#include "navigator/pagefileadder.h"
+#include "filing/pagefileadder.h"
 #include "navigator/pagepane.h"
 #include "navigator/renamecontroller.h"
 #include "navigator/thumbnailcache.h"

@@ -8,7 +8,7 @@
 #include "core/nodekey.h"
 #include "navigator/emptyhint.h"
 #include "filing/pageentry.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

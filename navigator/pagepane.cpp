@@ -19,7 +19,7 @@
 #include "resources/buttonicons.h"
 #include "store/pagepaths.h"
 #include "store/pagestore.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

@@ -5,7 +5,7 @@
 #include <QPainter>
 #include <QStyle>
 
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

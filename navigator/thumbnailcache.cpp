@@ -10,7 +10,7 @@
 
 #include "core/imageloader.h"
 #include "core/workerpriority.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

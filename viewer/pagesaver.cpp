@@ -13,8 +13,8 @@
 #include "store/session.h"
 #include "store/storecolumns.h"
 #include "store/storeerror.h"
-#include "viewer/imagefile.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/imagefile.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

@@ -15,7 +15,7 @@
 #include "resources/buttonicons.h"
 #include "store/commandguard.h"
 #include "store/session.h"
-#include "viewer/imagefile.h"
+#include "filing/imagefile.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/windowplacement.h"
 #include "viewer/zoomrules.h"

@@ -31,7 +31,7 @@
 #include "app/startup.h"
 #include "core/settings.h"
 #include "dialogs/passworddialog.h"
-#include "navigator/clipboardfiles.h"
+#include "filing/clipboardfiles.h"
 #include "navigator/containerlist.h"
 #include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"

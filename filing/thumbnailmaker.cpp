@@ -1,4 +1,4 @@
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 #include <QBuffer>
 #include <QFile>

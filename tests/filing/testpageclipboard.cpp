@@ -6,8 +6,8 @@
 
 #include "core/commandtarget.h"
 #include "movefixture.h"
-#include "navigator/clipboardfiles.h"
-#include "navigator/pageclipboard.h"
+#include "filing/clipboardfiles.h"
+#include "filing/pageclipboard.h"
 #include "store/pagestore.h"
 #include "tests/support/settargetview.h"
 #include "tests/support/testrunner.h"

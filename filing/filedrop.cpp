@@ -1,4 +1,4 @@
-#include "navigator/filedrop.h"
+#include "filing/filedrop.h"
 
 #include <QCoreApplication>
 #include <QCursor>
@@ -11,8 +11,8 @@
 #include "core/navigatorcallbacks.h"
 #include "core/progress.h"
 #include "core/prompter.h"
-#include "navigator/itemmover.h"
-#include "navigator/pagefileadder.h"
+#include "filing/itemmover.h"
+#include "filing/pagefileadder.h"
 #include "store/commandcontext.h"
 #include "store/commandguard.h"
 #include "store/database.h"

@@ -1,4 +1,4 @@
-#include "navigator/clipboardfiles.h"
+#include "filing/clipboardfiles.h"
 
 #include <QClipboard>
 #include <QGuiApplication>

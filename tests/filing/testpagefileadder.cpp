@@ -5,7 +5,7 @@
 #include <QTest>
 
 #include "movefixture.h"
-#include "navigator/filedrop.h"
+#include "filing/filedrop.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"

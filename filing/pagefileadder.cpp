@@ -1,4 +1,4 @@
-#include "navigator/pagefileadder.h"
+#include "filing/pagefileadder.h"
 
 #include <QCoreApplication>
 #include <QEventLoop>
@@ -17,7 +17,7 @@
 #include "store/pageplace.h"
 #include "store/session.h"
 #include "store/storeerror.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

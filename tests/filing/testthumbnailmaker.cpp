@@ -7,7 +7,7 @@
 
 #include "tests/support/bigpictures.h"
 #include "tests/support/testrunner.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 using namespace qmr;
 

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "navigator/filedrop.h"
-#include "navigator/pagefileadder.h"
+#include "filing/filedrop.h"
+#include "filing/pagefileadder.h"
 
 namespace qmr {
 

@@ -1,4 +1,4 @@
-#include "navigator/itemmover.h"
+#include "filing/itemmover.h"
 
 #include <QCoreApplication>
 
@@ -6,7 +6,7 @@
 #include "core/pagenotifier.h"
 #include "filing/cabinetopener.h"
 #include "filing/moveview.h"
-#include "navigator/pagefileadder.h"
+#include "filing/pagefileadder.h"
 #include "store/commandcontext.h"
 #include "store/session.h"
 

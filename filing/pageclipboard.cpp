@@ -1,4 +1,4 @@
-#include "navigator/pageclipboard.h"
+#include "filing/pageclipboard.h"
 
 #include <QCursor>
 #include <QGuiApplication>
@@ -8,7 +8,7 @@
 #include "core/navigatorcallbacks.h"
 #include "core/pagenotifier.h"
 #include "core/progress.h"
-#include "navigator/clipboardfiles.h"
+#include "filing/clipboardfiles.h"
 #include "store/commandcontext.h"
 #include "store/commandguard.h"
 #include "store/session.h"

@@ -1,4 +1,4 @@
-#include "viewer/imagefile.h"
+#include "filing/imagefile.h"
 
 #include <QBuffer>
 #include <QImageReader>
@@ -7,7 +7,7 @@
 #include <QFile>
 
 #include "core/imageloader.h"
-#include "viewer/thumbnailmaker.h"
+#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 
