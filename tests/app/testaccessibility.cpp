@@ -141,21 +141,8 @@ QStringList hiddenReported(const QList<QObject*>& before, const QString& when)
 // The unnamed controls of the modal window that `open` brings up, which is then closed.
 QStringList modalUnnamed(const QString& what, const std::function<void()>& open)
 {
-    QStringList faults;
-    bool seen = false;
-    QObject watch; // no look after the return
-    test::whenModal(&watch, [&](QWidget* w) {
-        seen = true;
-        faults << unnamedIn(w, what + " (" + w->objectName() + ")");
-        if (auto* dialog = qobject_cast<QDialog*>(w))
-            dialog->reject();
-        else
-            w->close();
-    });
-    open();
-    if (!seen)
-        faults << what + ": no window came up";
-    return faults;
+    return test::modalFaults(what, open,
+                             [](QWidget* w, const QString& where) { return unnamedIn(w, where); });
 }
 
 } // namespace

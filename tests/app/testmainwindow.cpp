@@ -263,23 +263,11 @@ QString focusFault(QWidget* window, const QString& where)
 // then closed.
 QStringList modalFaults(const QString& what, const std::function<void()>& open)
 {
-    QStringList faults;
-    bool seen = false;
-    QObject watch; // no look after the return
-    test::whenModal(&watch, [&](QWidget* w) {
-        seen = true;
-        const QString where = what + " (" + w->objectName() + ")";
-        faults << focusFault(w, where) << keyClashes(w, where);
-        faults.removeAll(QString());
-        if (auto* dialog = qobject_cast<QDialog*>(w))
-            dialog->reject();
-        else
-            w->close();
+    return test::modalFaults(what, open, [](QWidget* w, const QString& where) {
+        // The focus is read first: looking for clashes moves it.
+        QStringList faults{focusFault(w, where)};
+        return faults << keyClashes(w, where);
     });
-    open();
-    if (!seen)
-        faults << what + ": no window came up";
-    return faults;
 }
 
 } // namespace

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QApplication>
+#include <QDialog>
+#include <QStringList>
 #include <QTimer>
 #include <QWidget>
 #include <functional>
@@ -22,6 +24,29 @@ inline void whenModal(QObject* context, std::function<void(QWidget*)> act, int t
             whenModal(context, act, tries - 1);
         }
     });
+}
+
+// What `look` finds wrong with the modal window that `open` brings up (given with where it is,
+// "what (objectName)"), which is then closed; a window that never comes up is a fault too.
+inline QStringList modalFaults(const QString& what, const std::function<void()>& open,
+                               const std::function<QStringList(QWidget*, const QString&)>& look)
+{
+    QStringList faults;
+    bool seen = false;
+    QObject watch; // no look after the return
+    whenModal(&watch, [&](QWidget* w) {
+        seen = true;
+        faults << look(w, what + " (" + w->objectName() + ")");
+        faults.removeAll(QString());
+        if (auto* dialog = qobject_cast<QDialog*>(w))
+            dialog->reject();
+        else
+            w->close();
+    });
+    open();
+    if (!seen)
+        faults << what + ": no window came up";
+    return faults;
 }
 
 } // namespace qmr::test
