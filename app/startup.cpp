@@ -49,10 +49,9 @@ bool Startup::start(bool showWindow)
     if (!checkDataAccess(m_prompter, Database::runtimeVersion()))
         return false;
 
-    QString why;
-    if (!m_home.ensureExists(&why)) {
+    if (const Attempt<> made = m_home.ensureExists(); !made) {
         m_prompter.tell(
-            QStringLiteral("Cannot create the directory %1: %2.").arg(m_home.path(), why));
+            QStringLiteral("Cannot create the directory %1: %2.").arg(m_home.path(), made.why()));
         return false;
     }
     // Before the store is touched: a second run on this home would write the store under

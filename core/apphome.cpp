@@ -38,9 +38,9 @@ QString AppHome::file(const QString& relative) const
 
 namespace {
 
-// Why `path` cannot be made: the first of its directories that is missing and cannot be made,
-// or the first that is in the way as something else, tells.
-QString whyNotMade(const QString& path)
+// Makes `path` a directory at a time; when one is missing and cannot be made, or is in the way
+// as something else, the first such tells why.
+Attempt<> makeEachPart(const QString& path)
 {
     const QByteArray bytes = QFile::encodeName(path);
     for (qsizetype end = 1; end <= bytes.size(); ++end) {
@@ -59,28 +59,21 @@ QString whyNotMade(const QString& path)
             continue;
         const QString reason = QString::fromLocal8Bit(std::strerror(error));
         const QString at = QFile::decodeName(part);
-        return at == path ? reason : QStringLiteral("%1 (%2)").arg(reason, at);
+        return Failure(at == path ? reason : QStringLiteral("%1 (%2)").arg(reason, at));
     }
-    return QString();
+    return {};
 }
 
 } // namespace
 
-bool AppHome::ensureExists(QString* reason) const
+Attempt<> AppHome::ensureExists() const
 {
-    if (m_path.isEmpty()) {
-        if (reason)
-            *reason = QStringLiteral("No directory is named");
-        return false;
-    }
+    if (m_path.isEmpty())
+        return Failure(QStringLiteral("No directory is named"));
     if (QDir().mkpath(m_path))
-        return true;
-    const QString why = whyNotMade(m_path);
-    if (why.isEmpty()) // made by now after all
-        return true;
-    if (reason)
-        *reason = why;
-    return false;
+        return {};
+    // Again a part at a time, to find the one that cannot be made (or made by now after all).
+    return makeEachPart(m_path);
 }
 
 } // namespace qmr

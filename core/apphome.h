@@ -3,6 +3,8 @@
 #include <QString>
 #include <QStringList>
 
+#include "core/attempt.h"
+
 namespace qmr {
 
 // The directory that holds everything the program owns (store, page files, text files).
@@ -18,9 +20,9 @@ public:
     const QString& path() const { return m_path; }
     // A file or directory below the home; `relative` has no leading '/'.
     QString file(const QString& relative) const;
-    // Makes the directory with its parents; false when it cannot be, with the system's reason
-    // (and the part of the path it concerns, where that is not the home itself) in `reason`.
-    bool ensureExists(QString* reason = nullptr) const;
+    // Makes the directory with its parents; when it cannot be, the system's reason (and the
+    // part of the path it concerns, where that is not the home itself).
+    Attempt<> ensureExists() const;
 
 private:
     QString m_path;

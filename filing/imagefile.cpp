@@ -79,11 +79,12 @@ QImage ImageFile::load(QImageReader& reader, const QString& name, QString* tooLa
     return normalised(loaded.image);
 }
 
-std::optional<QString> ImageFile::writeJpeg(const QImage& image, const QString& path,
-                                            int qualityFactor, PartFile::Placing placing)
+Attempt<> ImageFile::writeJpeg(const QImage& image, const QString& path, int qualityFactor,
+                               PartFile::Placing placing)
 {
     const auto failure = [&](const QString& reason) {
-        return QStringLiteral("The image could not be written to '%1': %2").arg(path, reason);
+        return Failure(
+            QStringLiteral("The image could not be written to '%1': %2").arg(path, reason));
     };
     PartFile part(path);
     if (!part.open())
@@ -100,7 +101,7 @@ std::optional<QString> ImageFile::writeJpeg(const QImage& image, const QString& 
     file.close();
     switch (part.place(placing)) {
     case PartFile::Placed::Done:
-        return std::nullopt;
+        return {};
     case PartFile::Placed::TargetExists:
         return failure(QStringLiteral("another file stands there"));
     case PartFile::Placed::Failed:

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "core/partfile.h"
+#include "core/attempt.h"
 
 class QImageReader;
 
@@ -32,10 +33,9 @@ public:
     // Writes a JPEG at the quality factor of the settings (lower is better) to a file aside
     // (made anew, never through a link) and puts it at `path`, so that a failed write leaves
     // the old file whole. With NoReplace a file standing at `path` stays and is a failure.
-    // The failure's text, naming the path, or nothing.
-    static std::optional<QString> writeJpeg(const QImage& image, const QString& path,
-                                            int qualityFactor,
-                                            PartFile::Placing placing = PartFile::Placing::Replace);
+    // A failure's text names the path.
+    static Attempt<> writeJpeg(const QImage& image, const QString& path, int qualityFactor,
+                               PartFile::Placing placing = PartFile::Placing::Replace);
 
 private:
     static QImage load(QImageReader& reader, const QString& name, QString* tooLarge);

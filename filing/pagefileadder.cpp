@@ -10,6 +10,7 @@
 
 #include "core/directfile.h"
 #include "core/partfile.h"
+#include "core/attempt.h"
 #include "core/workerpriority.h"
 #include "core/pagenotifier.h"
 #include "store/commandcontext.h"
@@ -41,64 +42,65 @@ std::optional<DirectFile> readWhole(QFile& in, QString* reason)
 
 // A new page's file is never put over one that stands at its place: the window's thread
 // cleared the place, so a file found there now came from elsewhere and stays.
-QString takenReason(const QString& target)
+Failure taken(const QString& target)
 {
-    return QStringLiteral("Another file appeared at %1 while the page was copied").arg(target);
+    return Failure(
+        QStringLiteral("Another file appeared at %1 while the page was copied").arg(target));
 }
 
-// Moves a written part file to the page's name; "" when done, else the reason.
-QString placeWithoutReplacing(PartFile& part, const QString& target)
+// Moves a written part file to the page's name.
+Attempt<> placeWithoutReplacing(PartFile& part, const QString& target)
 {
     switch (part.place(PartFile::Placing::NoReplace)) {
     case PartFile::Placed::Done:
-        return QString();
+        return {};
     case PartFile::Placed::TargetExists:
-        return takenReason(target);
+        return taken(target);
     case PartFile::Placed::Failed:
         break;
     }
-    return part.errorString();
+    return Failure(part.errorString());
 }
 
 // Puts a file read whole into the page store; nothing half-copied ever stands under the
-// page's name. "" when done, else the system's reason.
-QString writeIntoPlace(const DirectFile& contents, const QString& target)
+// page's name. A failure carries the system's reason.
+Attempt<> writeIntoPlace(const DirectFile& contents, const QString& target)
 {
     QString reason;
     // Straight to the disk where the file system allows it: the copy then costs neither a
     // pass through the page cache nor its writing back.
     switch (contents.writeTo(target, PartFile::Placing::NoReplace, &reason)) {
     case DirectFile::Outcome::Written:
-        return QString();
+        return {};
     case DirectFile::Outcome::TargetExists:
-        return takenReason(target);
+        return taken(target);
     case DirectFile::Outcome::Failed:
-        return reason;
+        return Failure(reason);
     case DirectFile::Outcome::Unsupported:
         break;
     }
     PartFile part(target);
     const QByteArray bytes = contents.bytes();
     if (!part.open() || !part.write(bytes.constData(), bytes.size()))
-        return part.errorString();
+        return Failure(part.errorString());
     return placeWithoutReplacing(part, target);
 }
 
 // Copies a file too large to be held whole, a piece at a time.
-QString copyIntoPlace(QFile& in, const QString& target)
+Attempt<> copyIntoPlace(QFile& in, const QString& target)
 {
     PartFile part(target);
     if (!part.open())
-        return part.errorString();
+        return Failure(part.errorString());
     QByteArray buffer(1 << 20, Qt::Uninitialized);
     for (;;) {
         const qint64 n = in.read(buffer.data(), buffer.size());
         if (n < 0)
-            return in.errorString();
+            return Failure(in.errorString());
         if (n == 0)
             break;
         if (!part.write(buffer.constData(), n))
-            return part.errorString();
+            return Failure(part.errorString());
     }
     return placeWithoutReplacing(part, target);
 }
@@ -320,17 +322,19 @@ void PageFileAdder::deliver(const NewRow& row)
             // The thumbnail needs the contents alone: it is made while they go to the disk.
             m_thumbPool.start(
                 QRunnable::create([contents, makeThumbnail] { makeThumbnail(contents, {}); }));
-            joint->error = writeIntoPlace(*contents, pagePath);
+            if (const Attempt<> written = writeIntoPlace(*contents, pagePath); !written)
+                joint->error = written.why();
             finishPart();
             return;
         } else if (error.isEmpty()) {
-            error = copyIntoPlace(in, pagePath);
-            if (error.isEmpty()) {
+            const Attempt<> copied = copyIntoPlace(in, pagePath);
+            if (copied) {
                 m_thumbPool.start(QRunnable::create(
                     [pagePath, makeThumbnail] { makeThumbnail(std::nullopt, pagePath); }));
                 finishPart();
                 return;
             }
+            error = copied.why();
         }
         joint->error = error;
         // No thumbnail comes for a file that never arrived.

@@ -29,13 +29,9 @@ inline int sample(const uchar* line, int index, int depth)
 
 } // namespace
 
-bool FrameAssembler::beginFrame(const FrameFormat& format, QString* failure)
+Attempt<> FrameAssembler::beginFrame(const FrameFormat& format)
 {
-    auto refuse = [&](const QString& why) {
-        if (failure)
-            *failure = why;
-        return false;
-    };
+    auto refuse = [](const QString& why) { return Failure(why); };
     if (format.kind == FrameFormat::Kind::Other)
         return refuse(QStringLiteral("the device sends its pages in a form this program "
                                      "cannot read"));
@@ -53,7 +49,7 @@ bool FrameAssembler::beginFrame(const FrameFormat& format, QString* failure)
     m_data.clear();
     if (const qint64 expected = expectedBytes(); expected > 0 && expected < (qint64(1) << 31))
         m_data.reserve(qsizetype(expected));
-    return true;
+    return {};
 }
 
 qint64 FrameAssembler::expectedBytes() const

@@ -5,6 +5,8 @@
 #include <QString>
 #include <QVector>
 
+#include "core/attempt.h"
+
 namespace qmr {
 
 // The layout of one frame of image data as the device describes it.
@@ -25,8 +27,8 @@ struct FrameFormat
 class FrameAssembler
 {
 public:
-    // False, with the reason, for a layout that cannot be read.
-    bool beginFrame(const FrameFormat& format, QString* failure = nullptr);
+    // Fails, with the reason, for a layout that cannot be read.
+    Attempt<> beginFrame(const FrameFormat& format);
     void append(const char* data, qsizetype length);
     void endFrame();
 

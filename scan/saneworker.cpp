@@ -118,18 +118,15 @@ void SaneWorker::requestStop()
     m_queueChanged.notify_one();
 }
 
-bool SaneWorker::ensureLibrary(QString* failure)
+Attempt<> SaneWorker::ensureLibrary()
 {
     if (m_initialised)
-        return true;
+        return {};
     const SANE_Status status = m_library->init();
-    if (status != SANE_STATUS_GOOD) {
-        if (failure)
-            *failure = statusText(status);
-        return false;
-    }
+    if (status != SANE_STATUS_GOOD)
+        return Failure(statusText(status));
     m_initialised = true;
-    return true;
+    return {};
 }
 
 void SaneWorker::shutdown()
@@ -161,7 +158,9 @@ void SaneWorker::findDevices()
         return;
     QString failure;
     QVector<ScanDevice> devices;
-    if (ensureLibrary(&failure)) {
+    if (const Attempt<> library = ensureLibrary(); !library) {
+        failure = library.why();
+    } else {
         const SANE_Device** list = nullptr;
         const SANE_Status status = m_library->devices(&list);
         if (status != SANE_STATUS_GOOD)
@@ -355,9 +354,8 @@ void SaneWorker::open(const ScanRequest& request)
     m_cancelSent = false;
     m_request = request;
     m_sheet = 0;
-    QString failure;
-    if (!ensureLibrary(&failure)) {
-        finish(ScanEnd::Reason::Failed, failure, true);
+    if (const Attempt<> library = ensureLibrary(); !library) {
+        finish(ScanEnd::Reason::Failed, library.why(), true);
         return;
     }
     SANE_Handle handle = nullptr;
@@ -474,9 +472,8 @@ void SaneWorker::readSheet()
         format.bytesPerLine = p.bytes_per_line;
         format.pixelsPerLine = p.pixels_per_line;
         format.lines = p.lines;
-        QString why;
-        if (!assembler.beginFrame(format, &why)) {
-            finish(ScanEnd::Reason::Failed, why);
+        if (const Attempt<> begun = assembler.beginFrame(format); !begun) {
+            finish(ScanEnd::Reason::Failed, begun.why());
             return;
         }
         const bool bands = format.kind == FrameFormat::Kind::Red ||

@@ -9,6 +9,7 @@
 #include <memory>
 #include <mutex>
 
+#include "core/attempt.h"
 #include "scan/sanelibrary.h"
 #include "scan/scansource.h"
 
@@ -67,7 +68,7 @@ private:
     };
 
     SANE_Handle handle() const { return m_device->handle.load(); }
-    bool ensureLibrary(QString* failure);
+    Attempt<> ensureLibrary();
     // Closes the device and lets go of the library.
     void shutdown();
     QVector<ScanOption> readOptions();

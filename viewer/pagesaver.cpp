@@ -165,23 +165,23 @@ PageSaver::Result PageSaver::savePage(const QImage& image, SaveTarget& target, b
     // A new page's computed place may hold a file left by a run that ended early: never
     // this page's, so it goes, and nothing else is written over.
     const bool newFile = target.mode == ViewerMode::Add && stored.isEmpty();
-    std::optional<QString> failure;
+    Attempt<> written;
     if (!PagePaths::ensurePathExists(path, session.home().path()))
-        failure = QStringLiteral("The image could not be written to '%1': its directory could "
-                                 "not be made.")
-                      .arg(path);
+        written = Failure(QStringLiteral("The image could not be written to '%1': its directory "
+                                         "could not be made.")
+                              .arg(path));
     else if (const QString taken =
                  newFile ? PagePlace::clear(session.pages(), session.paths(), pageId, path)
                          : QString();
              !taken.isEmpty())
-        failure = taken;
+        written = Failure(taken);
     else
-        failure = ImageFile::writeJpeg(image, path, quality,
+        written = ImageFile::writeJpeg(image, path, quality,
                                        newFile ? PartFile::Placing::NoReplace
                                                : PartFile::Placing::Replace);
-    if (failure) {
+    if (!written) {
         progress.end();
-        m_context.prompter.tell(*failure);
+        m_context.prompter.tell(written.why());
         return Result::Failed;
     }
 
@@ -191,7 +191,7 @@ PageSaver::Result PageSaver::savePage(const QImage& image, SaveTarget& target, b
         const QImage reduced = image.scaled(ThumbnailMaker::reducedSize(image.size()),
                                             Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
         // A stale thumbnail would outlive a failed one: the pane makes a new one instead.
-        if (ImageFile::writeJpeg(reduced, thumb, 10))
+        if (!ImageFile::writeJpeg(reduced, thumb, 10))
             removeIfThere(thumb);
     }
 
@@ -250,8 +250,8 @@ bool PageSaver::saveAs(const QImage& image, SaveTarget& target,
     const int quality = qualityFactor(session.settings(), false);
     if (target.mode == ViewerMode::Add && reresolve)
         reresolve(target);
-    if (const std::optional<QString> failure = ImageFile::writeJpeg(image, name, quality)) {
-        prompter.tell(*failure);
+    if (const Attempt<> written = ImageFile::writeJpeg(image, name, quality); !written) {
+        prompter.tell(written.why());
         return false;
     }
     session.settings().set(keys::LastSaveAsPath, PagePaths::directoryPart(name));

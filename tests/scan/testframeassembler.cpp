@@ -146,8 +146,8 @@ private slots:
         if (!knownLines)
             data += QByteArray(format.bytesPerLine / 2, '\x11');
         FrameAssembler assembler;
-        QString failure;
-        QVERIFY2(assembler.beginFrame(format, &failure), qPrintable(failure));
+        const Attempt<> begun = assembler.beginFrame(format);
+        QVERIFY2(begun, begun ? "" : qPrintable(begun.why()));
         for (qsizetype at = 0; at < data.size(); at += chunk)
             assembler.append(data.constData() + at, qMin<qsizetype>(chunk, data.size() - at));
         assembler.endFrame();
@@ -227,9 +227,9 @@ private slots:
     {
         QFETCH(FrameFormat, format);
         FrameAssembler assembler;
-        QString failure;
-        QVERIFY(!assembler.beginFrame(format, &failure));
-        QVERIFY(!failure.isEmpty());
+        const Attempt<> begun = assembler.beginFrame(format);
+        QVERIFY(!begun);
+        QVERIFY(!begun.why().isEmpty());
     }
 
     void nothingCame()
