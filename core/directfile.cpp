@@ -19,7 +19,7 @@ qsizetype roundUp(qsizetype n)
 
 } // namespace
 
-std::optional<DirectFile> DirectFile::read(QFile& file, QString* error)
+Attempt<DirectFile> DirectFile::read(QFile& file)
 {
     const qint64 size = file.size();
     DirectFile whole;
@@ -36,21 +36,15 @@ std::optional<DirectFile> DirectFile::read(QFile& file, QString* error)
         got = 0;
         while (*got <= size) {
             const qint64 n = file.read(at + *got, size + 1 - *got);
-            if (n < 0) {
-                if (error)
-                    *error = file.errorString();
-                return std::nullopt;
-            }
+            if (n < 0)
+                return Failure(file.errorString());
             if (n == 0)
                 break;
             *got += n;
         }
     }
-    if (*got > size) {
-        if (error)
-            *error = QStringLiteral("The file changed while it was read");
-        return std::nullopt;
-    }
+    if (*got > size)
+        return Failure(QStringLiteral("The file changed while it was read"));
     whole.m_view = QByteArray::fromRawData(at, *got);
     return whole;
 }
@@ -103,15 +97,16 @@ std::optional<qint64> DirectFile::readDirect(const QString& path, char* at, qsiz
     return got;
 }
 
-DirectFile::Outcome DirectFile::writeTo(const QString& target, PartFile::Placing placing,
-                                        QString* error) const
+Attempt<DirectFile::Outcome> DirectFile::writeTo(const QString& target,
+                                                 PartFile::Placing placing) const
 {
     PartFile part(target);
-    const auto fail = [&] {
-        if (error)
-            *error = part.errorString();
+    const auto fail = [&]() -> Attempt<Outcome> {
+        const QString why = part.errorString();
         part.discard();
-        return part.error() == EINVAL ? Outcome::Unsupported : Outcome::Failed;
+        if (part.error() == EINVAL)
+            return Outcome::Unsupported;
+        return Failure(why);
     };
     if (!part.open(O_DIRECT))
         return fail();
@@ -159,15 +154,11 @@ DirectFile::Outcome DirectFile::writeTo(const QString& target, PartFile::Placing
     case PartFile::Placed::Done:
         return Outcome::Written;
     case PartFile::Placed::TargetExists:
-        if (error)
-            *error = part.errorString();
         return Outcome::TargetExists;
     case PartFile::Placed::Failed:
         break;
     }
-    if (error)
-        *error = part.errorString();
-    return Outcome::Failed;
+    return Failure(part.errorString());
 }
 
 } // namespace qmr

@@ -4,6 +4,7 @@
 #include <QString>
 #include <optional>
 
+#include "core/attempt.h"
 #include "core/partfile.h"
 
 class QFile;
@@ -21,10 +22,10 @@ public:
     // The disk takes writes in blocks of this size, from memory aligned to it.
     static constexpr qsizetype kBlock = 4096;
 
-    enum class Outcome { Written, TargetExists, Unsupported, Failed };
+    enum class Outcome { Written, TargetExists, Unsupported };
 
-    // Reads the whole of an open file; nothing, with the reason in `error`, when it cannot.
-    static std::optional<DirectFile> read(QFile& file, QString* error);
+    // Reads the whole of an open file; the system's reason when it cannot.
+    static Attempt<DirectFile> read(QFile& file);
 
     // The contents; valid while this or a copy of it lives.
     QByteArray bytes() const { return m_view; }
@@ -32,8 +33,8 @@ public:
     // Writes the contents under a name aside next to `target`, makes them durable, and puts
     // them in place. Unsupported when the file system does not take direct writes (nothing
     // is left behind, and the caller writes the usual way); TargetExists when `placing` keeps
-    // a file that stands there; Failed with the system's reason.
-    Outcome writeTo(const QString& target, PartFile::Placing placing, QString* error) const;
+    // a file that stands there; a Failure with the system's reason.
+    Attempt<Outcome> writeTo(const QString& target, PartFile::Placing placing) const;
 
 private:
     // Bytes read out of the page cache into `at`, up to `room`; nothing when any of them

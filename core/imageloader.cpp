@@ -53,21 +53,23 @@ qint64 ImageLoader::bytesFor(const QSize& size, QImage::Format format)
     return qint64(size.width()) * size.height() * bits / 8;
 }
 
-std::optional<QString> ImageLoader::refusal(QImageReader& reader)
+Attempt<> ImageLoader::checkSize(QImageReader& reader)
 {
     applyLimit();
     // A decoder that cannot tell the size before decoding answers QSize().
     const QSize size = reader.size();
     if (size == QSize())
-        return std::nullopt;
-    return sizeRefusal(size, reader.imageFormat());
+        return {};
+    if (const std::optional<QString> refused = sizeRefusal(size, reader.imageFormat()))
+        return Failure(*refused);
+    return {};
 }
 
 LoadedImage ImageLoader::read(QImageReader& reader)
 {
     reader.setAutoTransform(true);
-    if (const std::optional<QString> refused = refusal(reader))
-        return {QImage(), *refused, true};
+    if (const Attempt<> sized = checkSize(reader); !sized)
+        return {QImage(), sized.why(), true};
     QImage image = reader.read();
     if (image.isNull())
         return {QImage(), reader.errorString(), false};
@@ -77,14 +79,14 @@ LoadedImage ImageLoader::read(QImageReader& reader)
     return {image, QString(), false};
 }
 
-std::optional<QString> ImageLoader::checkFile(const QString& path)
+Attempt<> ImageLoader::checkFile(const QString& path)
 {
     QImageReader reader(path);
     if (!reader.canRead())
-        return std::nullopt;
-    if (const std::optional<QString> refused = refusal(reader))
-        return tooLargeMessage(path, *refused);
-    return std::nullopt;
+        return {};
+    if (const Attempt<> sized = checkSize(reader); !sized)
+        return Failure(tooLargeMessage(path, sized.why()));
+    return {};
 }
 
 QString ImageLoader::tooLargeMessage(const QString& path, const QString& reason)

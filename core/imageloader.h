@@ -5,6 +5,8 @@
 #include <QString>
 #include <optional>
 
+#include "core/attempt.h"
+
 class QImageReader;
 
 namespace qmr {
@@ -38,14 +40,14 @@ public:
     // The bytes a picture of `size` takes in the form the program keeps it: one a pixel for
     // grey, four for colour, more for a deeper stated format.
     static qint64 bytesFor(const QSize& size, QImage::Format format);
-    // Why the reader's picture is refused before decoding, when its stated size is too large;
-    // nothing when it fits or states no size.
-    static std::optional<QString> refusal(QImageReader& reader);
+    // Whether the reader's picture may be decoded: refused, with the reason, when its stated
+    // size is too large; it goes on when it fits or states no size.
+    static Attempt<> checkSize(QImageReader& reader);
     // The whole picture, turned as its camera noted.
     static LoadedImage read(QImageReader& reader);
-    // For a file handed on without decoding (a mail's attachment): the message naming it when
-    // it is a picture too large to open.
-    static std::optional<QString> checkFile(const QString& path);
+    // For a file handed on without decoding (a mail's attachment): refused, with the message
+    // naming it, when it is a picture too large to open.
+    static Attempt<> checkFile(const QString& path);
     // "The picture '<path>' is too large to open: <reason>."
     static QString tooLargeMessage(const QString& path, const QString& reason);
 };

@@ -1,10 +1,10 @@
 #include "filing/imagefile.h"
 
 #include <QBuffer>
+#include <QFile>
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
-#include <QFile>
 
 #include "core/imageloader.h"
 #include "filing/thumbnailmaker.h"
@@ -48,34 +48,31 @@ QImage ImageFile::normalised(const QImage& image)
     return image.convertToFormat(QImage::Format_RGB32);
 }
 
-QImage ImageFile::load(const QString& path, QString* tooLarge)
+Attempt<QImage> ImageFile::load(const QString& path)
 {
     QImageReader reader(path);
-    return load(reader, path, tooLarge);
+    return load(reader, path);
 }
 
-QImage ImageFile::loadFromData(const QByteArray& page, const QString& name, QString* tooLarge)
+Attempt<QImage> ImageFile::loadFromData(const QByteArray& page, const QString& name)
 {
     QBuffer buffer;
     buffer.setData(page);
     buffer.open(QIODevice::ReadOnly);
     QImageReader reader(&buffer);
-    return load(reader, name, tooLarge);
+    return load(reader, name);
 }
 
-QImage ImageFile::load(QImageReader& reader, const QString& name, QString* tooLarge)
+Attempt<QImage> ImageFile::load(QImageReader& reader, const QString& name)
 {
     // A picture too large to open is named whatever its kind; the refused kinds stay silent.
-    if (const std::optional<QString> refused = ImageLoader::refusal(reader)) {
-        if (tooLarge)
-            *tooLarge = ImageLoader::tooLargeMessage(name, *refused);
-        return QImage();
-    }
+    if (const Attempt<> sized = ImageLoader::checkSize(reader); !sized)
+        return Failure(ImageLoader::tooLargeMessage(name, sized.why()));
     if (isRefusedFormat(reader.format()))
         return QImage();
     const LoadedImage loaded = ImageLoader::read(reader);
-    if (loaded.refused && tooLarge)
-        *tooLarge = ImageLoader::tooLargeMessage(name, loaded.error);
+    if (loaded.refused)
+        return Failure(ImageLoader::tooLargeMessage(name, loaded.error));
     return normalised(loaded.image);
 }
 

@@ -5,8 +5,8 @@
 #include <QString>
 #include <optional>
 
-#include "core/partfile.h"
 #include "core/attempt.h"
+#include "core/partfile.h"
 
 class QImageReader;
 
@@ -18,12 +18,11 @@ class ImageFile
 {
 public:
     // The page image in a form the edits work on (24-bit colour, or 8-bit grey as the file
-    // has it); a null image when the file is missing, unreadable, of a refused kind or too
-    // large to open. In the last case `tooLarge` receives the message naming the file.
-    static QImage load(const QString& path, QString* tooLarge = nullptr);
+    // has it); a null image when the file is missing, unreadable or of a refused kind (these
+    // stay silent); refused with the message naming the file when it is too large to open.
+    static Attempt<QImage> load(const QString& path);
     // The same from a page file's contents; `name` stands for the file in the message.
-    static QImage loadFromData(const QByteArray& page, const QString& name,
-                               QString* tooLarge = nullptr);
+    static Attempt<QImage> loadFromData(const QByteArray& page, const QString& name);
     // Whether the viewer leaves a format (by Qt's format name) to other programs.
     static bool isRefusedFormat(const QByteArray& format);
     // An image from elsewhere (the clipboard) in the form of a loaded page: transparency
@@ -38,7 +37,7 @@ public:
                                PartFile::Placing placing = PartFile::Placing::Replace);
 
 private:
-    static QImage load(QImageReader& reader, const QString& name, QString* tooLarge);
+    static Attempt<QImage> load(QImageReader& reader, const QString& name);
 };
 
 } // namespace qmr

@@ -8,17 +8,17 @@
 #include <QTimer>
 #include <utility>
 
-#include "core/directfile.h"
-#include "core/partfile.h"
 #include "core/attempt.h"
-#include "core/workerpriority.h"
+#include "core/directfile.h"
 #include "core/pagenotifier.h"
+#include "core/partfile.h"
+#include "core/workerpriority.h"
+#include "filing/thumbnailmaker.h"
 #include "store/commandcontext.h"
 #include "store/itemrules.h"
 #include "store/pageplace.h"
 #include "store/session.h"
 #include "store/storeerror.h"
-#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 
@@ -31,13 +31,10 @@ constexpr int kAhead = 4;
 // Names listed in one report; the rest are counted.
 constexpr int kReportedNames = 15;
 
-// Reads a file small enough to be held whole; nothing, with the system's reason, when it
-// cannot be read.
-std::optional<DirectFile> readWhole(QFile& in, QString* reason)
+// Whether a file is small enough to be read and held whole.
+bool fitsWhole(const QFile& in)
 {
-    if (in.size() > ThumbnailMaker::kReadWhole)
-        return std::nullopt;
-    return DirectFile::read(in, reason);
+    return in.size() <= ThumbnailMaker::kReadWhole;
 }
 
 // A new page's file is never put over one that stands at its place: the window's thread
@@ -66,16 +63,17 @@ Attempt<> placeWithoutReplacing(PartFile& part, const QString& target)
 // page's name. A failure carries the system's reason.
 Attempt<> writeIntoPlace(const DirectFile& contents, const QString& target)
 {
-    QString reason;
     // Straight to the disk where the file system allows it: the copy then costs neither a
     // pass through the page cache nor its writing back.
-    switch (contents.writeTo(target, PartFile::Placing::NoReplace, &reason)) {
+    const Attempt<DirectFile::Outcome> direct =
+        contents.writeTo(target, PartFile::Placing::NoReplace);
+    if (!direct)
+        return Failure(direct.why());
+    switch (direct.value()) {
     case DirectFile::Outcome::Written:
         return {};
     case DirectFile::Outcome::TargetExists:
         return taken(target);
-    case DirectFile::Outcome::Failed:
-        return Failure(reason);
     case DirectFile::Outcome::Unsupported:
         break;
     }
@@ -318,15 +316,20 @@ void PageFileAdder::deliver(const NewRow& row)
         QString error;
         if (!in.open(QIODevice::ReadOnly)) {
             error = in.errorString();
-        } else if (const std::optional<DirectFile> contents = readWhole(in, &error)) {
-            // The thumbnail needs the contents alone: it is made while they go to the disk.
-            m_thumbPool.start(
-                QRunnable::create([contents, makeThumbnail] { makeThumbnail(contents, {}); }));
-            if (const Attempt<> written = writeIntoPlace(*contents, pagePath); !written)
-                joint->error = written.why();
-            finishPart();
-            return;
-        } else if (error.isEmpty()) {
+        } else if (fitsWhole(in)) {
+            const Attempt<DirectFile> read = DirectFile::read(in);
+            if (read) {
+                const std::optional<DirectFile> contents = read.value();
+                // The thumbnail needs the contents alone: it is made while they go to the disk.
+                m_thumbPool.start(
+                    QRunnable::create([contents, makeThumbnail] { makeThumbnail(contents, {}); }));
+                if (const Attempt<> written = writeIntoPlace(*contents, pagePath); !written)
+                    joint->error = written.why();
+                finishPart();
+                return;
+            }
+            error = read.why();
+        } else {
             const Attempt<> copied = copyIntoPlace(in, pagePath);
             if (copied) {
                 m_thumbPool.start(QRunnable::create(

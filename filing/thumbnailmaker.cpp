@@ -7,8 +7,9 @@
 #include <QPainter>
 #include <QtMath>
 
-#include "core/partfile.h"
 #include "core/imageloader.h"
+#include "core/partfile.h"
+#include "filing/filinglog.h"
 #include "store/pagepaths.h"
 
 namespace qmr {
@@ -52,7 +53,7 @@ QImage ThumbnailMaker::reduce(QImageReader& reader)
 {
     reader.setAutoTransform(true);
     // A picture too large to open gets no tile, even where the decoder could reduce it.
-    if (ImageLoader::refusal(reader))
+    if (!ImageLoader::checkSize(reader))
         return QImage();
     const QSize stored = reader.size();
     if (stored.isValid()) {
@@ -112,21 +113,26 @@ bool ThumbnailMaker::writeThumbnail(const QImage& reduced, const QString& thumbP
     // Written aside and renamed into place: the page pane and a paste may make one thumbnail
     // at once, and a reader must never find half a file. Not synced: a thumbnail lost to a
     // power cut is made again when it is missed.
+    const auto failed = [&](const QString& reason) {
+        qCWarning(lcFiling).noquote() << "No thumbnail written to" << thumbPath + ':' << reason;
+        return false;
+    };
     PartFile part(thumbPath);
     if (!part.open())
-        return false;
+        return failed(part.errorString());
     QFile file;
     if (!file.open(part.handle(), QIODevice::WriteOnly, QFileDevice::DontCloseHandle))
-        return false;
+        return failed(file.errorString());
     QImageWriter writer(&file, "jpeg");
     writer.setQuality(qtJpegQuality(10));
     const QImage tiled = tile(reduced);
     const bool written = writer.write(tiled) && file.flush();
     file.close();
     if (!written)
-        return false;
+        return failed(writer.error() != QImageWriter::UnknownError ? writer.errorString()
+                                                                   : file.errorString());
     if (part.place(PartFile::Placing::Replace, false) != PartFile::Placed::Done)
-        return false;
+        return failed(part.errorString());
     if (made)
         *made = tiled;
     return true;

@@ -17,14 +17,14 @@ bool MailAddress::holdsControl(const QString& address)
     return false;
 }
 
-std::optional<QString> MailAddress::refusal(const QStringList& addresses, const QString& field)
+Attempt<> MailAddress::check(const QStringList& addresses, const QString& field)
 {
     for (const QString& address : addresses)
         if (holdsControl(address))
-            return QStringLiteral("The address in %1 holds a line break or another control "
-                                  "character.")
-                .arg(field);
-    return std::nullopt;
+            return Failure(QStringLiteral("The address in %1 holds a line break or another "
+                                          "control character.")
+                               .arg(field));
+    return {};
 }
 
 } // namespace qmr

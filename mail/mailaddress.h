@@ -2,7 +2,8 @@
 
 #include <QString>
 #include <QStringList>
-#include <optional>
+
+#include "core/attempt.h"
 
 namespace qmr {
 
@@ -15,8 +16,8 @@ class MailAddress
 public:
     // True when `address` holds a control character or a line or paragraph separator.
     static bool holdsControl(const QString& address);
-    // The message that refuses an address of `field`, or nothing when every address may go.
-    static std::optional<QString> refusal(const QStringList& addresses, const QString& field);
+    // Whether every address of `field` may go; refused with the message naming the field.
+    static Attempt<> check(const QStringList& addresses, const QString& field);
 
     // The fields that addresses come from, as a refusal names them.
     static QString sendToField() { return QStringLiteral("'Send to'"); }

@@ -85,15 +85,15 @@ std::optional<MailFailure> MailSender::transfer(MailTransport& transport, const 
 
 bool MailSender::refused(const QString& from, const QStringList& recipients)
 {
-    std::optional<QString> refusal = MailAddress::refusal(recipients, m_recipientField);
-    if (!refusal)
-        refusal = MailAddress::refusal({from}, MailAddress::senderField());
-    if (!refusal)
+    Attempt<> allowed = MailAddress::check(recipients, m_recipientField);
+    if (allowed)
+        allowed = MailAddress::check({from}, MailAddress::senderField());
+    if (allowed)
         return false;
     if (m_logPrefix.isEmpty())
-        m_prompter.tell(*refusal);
+        m_prompter.tell(allowed.why());
     else
-        qCWarning(lcMail).noquote() << m_logPrefix + QLatin1Char(' ') + *refusal;
+        qCWarning(lcMail).noquote() << m_logPrefix + QLatin1Char(' ') + allowed.why();
     return true;
 }
 
@@ -115,8 +115,8 @@ bool MailSender::send(const MailSettings& settings, const QString& sendTo, const
     message.attachments = AttachmentList::paths(attachments);
     // A picture no one could open is not sent on: the message names it, and nothing goes.
     for (const QString& path : message.attachments) {
-        if (const std::optional<QString> refused = ImageLoader::checkFile(path)) {
-            m_prompter.tell(*refused);
+        if (const Attempt<> fits = ImageLoader::checkFile(path); !fits) {
+            m_prompter.tell(fits.why());
             return false;
         }
     }

@@ -11,11 +11,11 @@
 #include "core/prompter.h"
 #include "core/viewsettings.h"
 #include "dialogs/pagepropertiesdialog.h"
+#include "filing/imagefile.h"
 #include "mail/sendemaildialog.h"
 #include "resources/buttonicons.h"
 #include "store/commandguard.h"
 #include "store/session.h"
-#include "filing/imagefile.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/windowplacement.h"
 #include "viewer/zoomrules.h"
@@ -201,7 +201,11 @@ void PageViewWindow::loadImage()
         QString tooLarge;
         if (QFile::exists(path)) {
             BusyPointer busy;
-            image = ImageFile::load(path, &tooLarge);
+            const Attempt<QImage> loaded = ImageFile::load(path);
+            if (loaded)
+                image = loaded.value();
+            else
+                tooLarge = loaded.why();
         }
         if (!image.isNull()) {
             m_currentFile = path;

@@ -118,19 +118,19 @@ private slots:
 
         QFile in(source);
         QVERIFY(in.open(QIODevice::ReadOnly));
-        QString error;
-        const std::optional<DirectFile> whole = DirectFile::read(in, &error);
-        QVERIFY2(whole, qPrintable(error));
-        QCOMPARE(whole->bytes(), bytes);
+        const Attempt<DirectFile> whole = DirectFile::read(in);
+        QVERIFY2(whole, qPrintable(whole ? QString() : whole.why()));
+        QCOMPARE(whole.value().bytes(), bytes);
         // The contents start on a block, as the disk takes them.
-        QCOMPARE(quintptr(whole->bytes().constData()) % DirectFile::kBlock, quintptr(0));
-        const DirectFile copy = *whole; // shares the contents, which stay valid
+        QCOMPARE(quintptr(whole.value().bytes().constData()) % DirectFile::kBlock, quintptr(0));
+        const DirectFile copy = whole.value(); // shares the contents, which stay valid
         // Made as any other file is, under the umask (one that lets the group write, here).
         const mode_t umaskWas = ::umask(0002);
-        const DirectFile::Outcome outcome =
-            copy.writeTo(target, PartFile::Placing::Replace, &error);
+        const Attempt<DirectFile::Outcome> outcome =
+            copy.writeTo(target, PartFile::Placing::Replace);
         ::umask(umaskWas);
-        QCOMPARE(outcome, DirectFile::Outcome::Written);
+        QVERIFY(outcome);
+        QCOMPARE(outcome.value(), DirectFile::Outcome::Written);
         QCOMPARE(readFile(target), bytes);
         QCOMPARE(QFile::permissions(target) & QFile::WriteGroup, QFile::WriteGroup);
         QCOMPARE(copy.bytes(), bytes);
@@ -145,12 +145,12 @@ private slots:
         QVERIFY(writeFile(source, noise(5000)));
         QFile in(source);
         QVERIFY(in.open(QIODevice::ReadOnly));
-        const std::optional<DirectFile> whole = DirectFile::read(in, nullptr);
+        const Attempt<DirectFile> whole = DirectFile::read(in);
         QVERIFY(whole);
-        QString error;
-        QCOMPARE(whole->writeTo(dir.filePath("gone/page.jpg"), PartFile::Placing::Replace, &error),
-                 DirectFile::Outcome::Failed);
-        QCOMPARE(error, QString::fromLocal8Bit(std::strerror(ENOENT)));
+        const Attempt<DirectFile::Outcome> written =
+            whole.value().writeTo(dir.filePath("gone/page.jpg"), PartFile::Placing::Replace);
+        QVERIFY(!written);
+        QCOMPARE(written.why(), QString::fromLocal8Bit(std::strerror(ENOENT)));
         QVERIFY(!QFile::exists(dir.filePath("gone")));
     }
 
@@ -164,18 +164,19 @@ private slots:
         QFile in(source);
         QVERIFY(in.open(QIODevice::ReadOnly));
         QVERIFY(QFile::remove(source));
-        QString error;
-        const std::optional<DirectFile> whole = DirectFile::read(in, &error);
-        QVERIFY2(whole, qPrintable(error));
-        QCOMPARE(whole->bytes(), bytes);
+        const Attempt<DirectFile> whole = DirectFile::read(in);
+        QVERIFY2(whole, qPrintable(whole ? QString() : whole.why()));
+        QCOMPARE(whole.value().bytes(), bytes);
         const QString target = dir.filePath("page.jpg");
-        QCOMPARE(whole->writeTo(target, PartFile::Placing::Replace, &error),
-                 DirectFile::Outcome::Written);
+        const auto place = [&](PartFile::Placing placing) {
+            const Attempt<DirectFile::Outcome> written = whole.value().writeTo(target, placing);
+            return written ? written.value() : DirectFile::Outcome::Unsupported;
+        };
+        QCOMPARE(place(PartFile::Placing::Replace), DirectFile::Outcome::Written);
         QCOMPARE(readFile(target), bytes);
         // A new page's copy never takes the place of a file that stands there.
         QVERIFY(writeFile(target, "another page"));
-        QCOMPARE(whole->writeTo(target, PartFile::Placing::NoReplace, &error),
-                 DirectFile::Outcome::TargetExists);
+        QCOMPARE(place(PartFile::Placing::NoReplace), DirectFile::Outcome::TargetExists);
         QCOMPARE(readFile(target), QByteArray("another page"));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
     }
@@ -184,9 +185,9 @@ private slots:
     {
         QTemporaryDir dir;
         QFile notOpen(dir.filePath("never.jpg"));
-        QString error;
-        QVERIFY(!DirectFile::read(notOpen, &error));
-        QVERIFY(!error.isEmpty());
+        const Attempt<DirectFile> read = DirectFile::read(notOpen);
+        QVERIFY(!read);
+        QVERIFY(!read.why().isEmpty());
     }
 };
 

@@ -14,7 +14,7 @@ class TestImageLoader : public QObject
 {
     Q_OBJECT
 private slots:
-    void refusal_data()
+    void checkSize_data()
     {
         QTest::addColumn<QByteArray>("picture");
         QTest::addColumn<QString>("reason"); // "" when it opens
@@ -33,14 +33,15 @@ private slots:
             << "it is 1 by 167771647 pixels, and no side may be longer than 65535 pixels";
         QTest::newRow("no picture") << QByteArray("no picture at all") << "";
     }
-    void refusal()
+    void checkSize()
     {
         QFETCH(QByteArray, picture);
         QFETCH(QString, reason);
         QBuffer buffer(&picture);
         buffer.open(QIODevice::ReadOnly);
         QImageReader reader(&buffer);
-        QCOMPARE(ImageLoader::refusal(reader).value_or(QString()), reason);
+        const Attempt<> sized = ImageLoader::checkSize(reader);
+        QCOMPARE(sized ? QString() : sized.why(), reason);
         QCOMPARE(QImageReader::allocationLimit(), ImageLoader::kLimitMb);
     }
 };

@@ -1,13 +1,15 @@
 #include <QBuffer>
+#include <QDir>
 #include <QFileInfo>
 #include <QImage>
 #include <QImageReader>
+#include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "filing/thumbnailmaker.h"
 #include "tests/support/bigpictures.h"
 #include "tests/support/testrunner.h"
-#include "filing/thumbnailmaker.h"
 
 using namespace qmr;
 
@@ -71,6 +73,23 @@ private slots:
         QImage(10, 10, QImage::Format_RGB32).save(dst, "JPG"); // a stale one
         QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
         QVERIFY(!QFile::exists(dst));
+    }
+
+    // A thumbnail that cannot be put in place is made again when it is missed; the reason
+    // goes to the log, and nothing is left aside.
+    void oneThatCannotBePutInPlaceIsLogged()
+    {
+        QTemporaryDir dir;
+        QImage page(300, 200, QImage::Format_RGB32);
+        page.fill(Qt::gray);
+        const QString src = dir.filePath("page.jpg");
+        QVERIFY(page.save(src, "JPG"));
+        const QString dst = dir.filePath("Thumbs/1.jpg");
+        QVERIFY(QDir().mkpath(dst + "/in the way"));
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression("^No thumbnail written to .*/Thumbs/1\\.jpg: "));
+        QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
+        QCOMPARE(QDir(dir.filePath("Thumbs")).entryList(QDir::Files | QDir::Hidden).size(), 0);
     }
 
     void everyWayToTheSameTile_data()

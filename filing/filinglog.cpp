@@ -1,0 +1,7 @@
+#include "filing/filinglog.h"
+
+namespace qmr {
+
+Q_LOGGING_CATEGORY(lcFiling, "qmr.filing", QtWarningMsg)
+
+} // namespace qmr
