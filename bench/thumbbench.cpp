@@ -27,17 +27,17 @@
 #include "benchsupport.h"
 #include "core/progress.h"
 #include "core/viewsettings.h"
+#include "filing/thumbnailcache.h"
+#include "filing/thumbnailmaker.h"
 #include "navigator/navigator.h"
 #include "navigator/navwindow.h"
 #include "navigator/pagepane.h"
-#include "navigator/thumbnailcache.h"
 #include "store/schema.h"
 #include "store/session.h"
 #include "templates/drawertemplates.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-#include "filing/thumbnailmaker.h"
 
 using namespace qmr;
 using namespace qmr::bench;

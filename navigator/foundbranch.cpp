@@ -3,8 +3,8 @@
 #include <QSet>
 
 #include "core/nodekey.h"
-#include "navigator/navicons.h"
 #include "navigator/navtree.h"
+#include "resources/navicons.h"
 
 namespace qmr {
 

@@ -10,15 +10,15 @@
 
 #include "core/prompter.h"
 #include "filing/cabinetopener.h"
-#include "navigator/commandkeys.h"
+#include "filing/commandkeys.h"
+#include "filing/defaultpageopener.h"
 #include "navigator/containerlist.h"
-#include "navigator/defaultpageopener.h"
-#include "navigator/navicons.h"
 #include "navigator/navmenus.h"
 #include "navigator/navtree.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
 #include "navigator/renamecontroller.h"
+#include "resources/navicons.h"
 #include "store/commandguard.h"
 #include "store/session.h"
 

@@ -4,8 +4,8 @@
 #include <functional>
 #include <memory>
 
-#include "navigator/navicons.h"
 #include "navigator/navmenus.h"
+#include "resources/navicons.h"
 #include "store/commandcontext.h"
 
 class QPushButton;

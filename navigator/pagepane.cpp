@@ -1,10 +1,10 @@
 #include "navigator/pagepane.h"
 
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
-#include <QFileInfo>
 #include <QPainter>
 #include <QPushButton>
 #include <QScopedValueRollback>
@@ -13,13 +13,13 @@
 #include <algorithm>
 
 #include "core/viewsettings.h"
-#include "navigator/navicons.h"
+#include "filing/thumbnailcache.h"
+#include "filing/thumbnailmaker.h"
 #include "navigator/pagelistview.h"
-#include "navigator/thumbnailcache.h"
 #include "resources/buttonicons.h"
+#include "resources/navicons.h"
 #include "store/pagepaths.h"
 #include "store/pagestore.h"
-#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

@@ -1,8 +1,8 @@
 #include "navigator/treefiller.h"
 
 #include "navigator/containerlist.h"
-#include "navigator/navicons.h"
 #include "navigator/navtree.h"
+#include "resources/navicons.h"
 #include "store/cipher.h"
 #include "store/itemrules.h"
 #include "store/session.h"

@@ -8,10 +8,10 @@
 
 #include "app/startup.h"
 #include "core/settingkeys.h"
+#include "filing/thumbnailcache.h"
 #include "navigator/navwindow.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
-#include "navigator/thumbnailcache.h"
 #include "store/database.h"
 #include "store/pagepaths.h"
 #include "tests/support/fixturestore.h"

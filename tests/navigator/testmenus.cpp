@@ -1,12 +1,12 @@
 #include <QApplication>
+#include <QFile>
 #include <QMenu>
 #include <QMenuBar>
-#include <QFile>
 #include <QTest>
 #include <QTimer>
 
+#include "filing/commandkeys.h"
 #include "navharness.h"
-#include "navigator/commandkeys.h"
 #include "navigator/popupmenus.h"
 #include "tests/support/testrunner.h"
 

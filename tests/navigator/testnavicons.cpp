@@ -1,8 +1,8 @@
 #include <QImage>
 #include <QTest>
 
-#include "navigator/navicons.h"
 #include "resources/appresources.h"
+#include "resources/navicons.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;

@@ -11,12 +11,12 @@
 #include <QTreeView>
 
 #include "core/pageopener.h"
+#include "filing/defaultpageopener.h"
+#include "filing/thumbnailcache.h"
 #include "navharness.h"
-#include "navigator/defaultpageopener.h"
-#include "navigator/navicons.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
-#include "navigator/thumbnailcache.h"
+#include "resources/navicons.h"
 #include "store/pagepaths.h"
 #include "tests/support/testrunner.h"
 

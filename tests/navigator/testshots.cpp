@@ -1,24 +1,24 @@
+#include <QApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QApplication>
 #include <QIcon>
 #include <QImage>
 #include <QMenu>
 #include <QPainter>
 #include <QTabWidget>
 #include <QTest>
-#include <QToolButton>
 #include <QTimer>
+#include <QToolButton>
 #include <functional>
 
 #include "core/textfile.h"
 #include "dialogs/itemdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "dialogs/passworddialog.h"
+#include "filing/thumbnailcache.h"
 #include "navharness.h"
 #include "navigator/navigator.h"
 #include "navigator/pagepane.h"
-#include "navigator/thumbnailcache.h"
 #include "store/pagepaths.h"
 #include "templates/outlinefile.h"
 #include "templates/samplecabinets.h"

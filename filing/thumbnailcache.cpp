@@ -1,4 +1,4 @@
-#include "navigator/thumbnailcache.h"
+#include "filing/thumbnailcache.h"
 
 #include <QElapsedTimer>
 #include <QFileInfo>

@@ -1,4 +1,4 @@
-#include "navigator/defaultpageopener.h"
+#include "filing/defaultpageopener.h"
 
 #include <QFileInfo>
 

@@ -1,4 +1,4 @@
-#include "navigator/navicons.h"
+#include "resources/navicons.h"
 
 #include <QPixmap>
 

@@ -6,7 +6,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
-#include "navigator/thumbnailcache.h"
+#include "filing/thumbnailcache.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;

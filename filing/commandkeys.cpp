@@ -1,4 +1,4 @@
-#include "navigator/commandkeys.h"
+#include "filing/commandkeys.h"
 
 namespace qmr {
 

@@ -1,4 +1,4 @@
-#include "navigator/clipboardcommands.h"
+#include "filing/clipboardcommands.h"
 
 namespace qmr {
 
