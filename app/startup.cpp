@@ -89,10 +89,11 @@ bool Startup::start(bool showWindow)
 
     m_splash->splashStep(QStringLiteral("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
-    CommandContext base{*m_session, m_prompter, m_choosers, *m_progress, *m_view};
-    m_notifier = std::make_unique<MailPageNotifier>(base);
-    base.pageNotifier = m_notifier.get();
-    m_window = std::make_unique<NavWindow>(base, *m_templates);
+    m_base = std::make_unique<CommandContext>(
+        CommandContext{*m_session, m_prompter, m_choosers, *m_progress, *m_view});
+    m_notifier = std::make_unique<MailPageNotifier>(*m_base);
+    m_base->pageNotifier = m_notifier.get();
+    m_window = std::make_unique<NavWindow>(*m_base, *m_templates);
     m_window->load([this](const QString& text) { m_splash->splashStep(text); });
     m_progress->setWindowIcon(m_window->windowIcon());
 

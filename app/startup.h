@@ -8,6 +8,7 @@ namespace qmr {
 
 class AccessibleNames;
 class Choosers;
+struct CommandContext;
 class DrawerTemplates;
 class HomeLock;
 class HomeSweep;
@@ -59,6 +60,8 @@ private:
     std::unique_ptr<DrawerTemplates> m_templates;
     std::unique_ptr<SplashWindow> m_splash;
     std::unique_ptr<ProgressWindow> m_progress;
+    // The services every command works with, held for the run: the mail notifier keeps it.
+    std::unique_ptr<CommandContext> m_base;
     std::unique_ptr<MailPageNotifier> m_notifier;
     std::unique_ptr<NavWindow> m_window;
     std::unique_ptr<HomeSweep> m_sweep;

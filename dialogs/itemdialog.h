@@ -51,6 +51,9 @@ public:
     // `collectOnly` makes frmDocumentNew: it checks and returns the fields, and writes nothing.
     ItemDialog(Level level, const CommandContext& context, QWidget* parent = nullptr,
                bool collectOnly = false);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ItemDialog(Level level, CommandContext&& context, QWidget* parent = nullptr,
+               bool collectOnly = false) = delete;
     ~ItemDialog() override;
 
     // Mode "Add" below `parentId` (ignored for cabinets).
@@ -85,7 +88,7 @@ private:
     void write();
 
     Level m_level;
-    CommandContext m_services;
+    const CommandContext& m_services;
     bool m_collectOnly;
     QString m_mode = QStringLiteral("Add");
     qint32 m_id = -1;

@@ -15,6 +15,8 @@ class ExchangeCommands
 {
 public:
     explicit ExchangeCommands(const CommandContext& context);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ExchangeCommands(CommandContext&& context) = delete;
 
     void addTo(CommandTable& table);
 
@@ -29,7 +31,7 @@ public:
     void importFiles(Level level);
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
     // The directory of the last loose-file import, where the chooser opens next.
     QString m_importFilesPath;
 };

@@ -23,6 +23,9 @@ public:
     // `fs` stands in for the real file system (tests); the dialog does not own it.
     explicit ExportDialog(const CommandContext& context, QWidget* parent = nullptr,
                           ExchangeFileSystem* fs = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ExportDialog(CommandContext&& context, QWidget* parent = nullptr,
+                 ExchangeFileSystem* fs = nullptr) = delete;
     ~ExportDialog() override;
 
     void selectCabinet(qint32 cabinetId);
@@ -44,7 +47,7 @@ private:
     void showProgressLayout(bool exporting);
     void exportCabinet(qint32 cabinetId, const QString& path);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     std::unique_ptr<Ui::ExportDialog> m_ui;
     std::unique_ptr<ExchangeFileSystem> m_ownFs;
     ExchangeFileSystem* m_fs;

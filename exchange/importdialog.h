@@ -23,6 +23,9 @@ public:
     // `fs` stands in for the real file system (tests); the dialog does not own it.
     explicit ImportDialog(const CommandContext& context, QWidget* parent = nullptr,
                           ExchangeFileSystem* fs = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ImportDialog(CommandContext&& context, QWidget* parent = nullptr,
+                 ExchangeFileSystem* fs = nullptr) = delete;
     ~ImportDialog() override;
 
     void selectCabinet(qint32 cabinetId);
@@ -46,7 +49,7 @@ private:
     void showProgressLayout(bool importing);
     void importCabinet(qint32 cabinetId, const QString& path, int diskCount);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     std::unique_ptr<Ui::ImportDialog> m_ui;
     std::unique_ptr<ExchangeFileSystem> m_ownFs;
     ExchangeFileSystem* m_fs;

@@ -17,6 +17,8 @@ class DeleteCommand
 {
 public:
     explicit DeleteCommand(const CommandContext& context);
+    // The context is held by reference: a temporary one would be gone before its use.
+    DeleteCommand(CommandContext&& context) = delete;
 
     void addTo(CommandTable& table);
 
@@ -33,7 +35,7 @@ public:
 private:
     void deletePageIds(const QVector<qint32>& ids);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
 };
 
 } // namespace qmr

@@ -12,6 +12,8 @@ class FindCommands
 {
 public:
     FindCommands(const CommandContext& context, FoundResults& results);
+    // The context is held by reference: a temporary one would be gone before its use.
+    FindCommands(CommandContext&& context, FoundResults& results) = delete;
 
     // cmdFind, mnuFileFind, mnuPopupFoundClear, mnuPopupFoundProperties.
     void addTo(CommandTable& table);
@@ -22,7 +24,7 @@ public:
     void clearResults();
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
     FoundResults& m_results;
 };
 

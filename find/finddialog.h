@@ -28,6 +28,8 @@ class FindDialog : public QDialog
 public:
     // `results` may be null: the search then only counts.
     FindDialog(const CommandContext& context, FoundResults* results, QWidget* parent = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    FindDialog(CommandContext&& context, FoundResults* results, QWidget* parent = nullptr) = delete;
     ~FindDialog() override;
 
     // The form load: every control from the session's find criteria.
@@ -53,7 +55,7 @@ private:
     void selectTab(int step);
     QString zeroAmountText() const;
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     FoundResults* m_results;
     std::unique_ptr<Ui::FindDialog> m_ui;
     std::unique_ptr<LocationCombos> m_combos;

@@ -13,6 +13,8 @@ class HelpCommands
 {
 public:
     explicit HelpCommands(const CommandContext& context);
+    // The context is held by reference: a temporary one would be gone before its use.
+    HelpCommands(CommandContext&& context) = delete;
 
     void addTo(CommandTable& table);
 
@@ -24,7 +26,7 @@ public:
     void setLocator(const HelpLocator& locator) { m_locator = locator; }
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
     std::optional<HelpLocator> m_locator;
 };
 

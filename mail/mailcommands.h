@@ -10,12 +10,14 @@ class MailCommands
 {
 public:
     explicit MailCommands(const CommandContext& context) : m_context(context) {}
+    // The context is held by reference: a temporary one would be gone before its use.
+    MailCommands(CommandContext&& context) = delete;
 
     void addTo(CommandTable& commands) const;
     void emailSettings() const;
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
 };
 
 } // namespace qmr

@@ -11,11 +11,13 @@ class MailPageNotifier : public PageNotifier
 {
 public:
     explicit MailPageNotifier(const CommandContext& context) : m_context(context) {}
+    // The context is held by reference: a temporary one would be gone before its use.
+    MailPageNotifier(CommandContext&& context) = delete;
 
     void pageAdded(qint32 pageId) override;
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
 };
 
 } // namespace qmr

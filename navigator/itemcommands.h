@@ -15,6 +15,8 @@ class ItemCommands
 {
 public:
     ItemCommands(const CommandContext& context, DrawerTemplates& templates);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ItemCommands(CommandContext&& context, DrawerTemplates& templates) = delete;
 
     void addTo(CommandTable& table);
 
@@ -37,7 +39,7 @@ public:
 private:
     void addNewDocument(qint32 folderId, const NewDocumentResult& result);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     DrawerTemplates& m_templates;
 };
 

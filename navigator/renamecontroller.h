@@ -28,6 +28,9 @@ class RenameController : public QObject
 public:
     RenameController(const CommandContext& context, NavTree& tree, ContainerList& list,
                      QObject* parent = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    RenameController(CommandContext&& context, NavTree& tree, ContainerList& list,
+                     QObject* parent = nullptr) = delete;
 
     // The Rename entries of the level menus.
     void addTo(CommandTable& table);
@@ -55,7 +58,7 @@ private:
     void endEdit();
     QAbstractItemView* view(ContextSource control) const;
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     NavTree& m_tree;
     ContainerList& m_list;
     std::optional<ContextSource> m_control; // the control whose label is being edited

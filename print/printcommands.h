@@ -14,6 +14,8 @@ class PrintCommands
 {
 public:
     explicit PrintCommands(const CommandContext& context);
+    // The context is held by reference: a temporary one would be gone before its use.
+    PrintCommands(CommandContext&& context) = delete;
 
     void addTo(CommandTable& table);
 
@@ -31,7 +33,7 @@ public:
 private:
     QStringList printers() const;
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     PageLayouts m_layouts;
     std::optional<QStringList> m_printers;
 };

@@ -19,6 +19,10 @@ public:
     PrintDialog(const CommandContext& context, PageLayouts& layouts, qint32 pageId,
                 const QStringList& printers = PrinterChoice::systemPrinters(),
                 QWidget* parent = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    PrintDialog(CommandContext&& context, PageLayouts& layouts, qint32 pageId,
+                const QStringList& printers = PrinterChoice::systemPrinters(),
+                QWidget* parent = nullptr) = delete;
     ~PrintDialog() override;
 
 protected:

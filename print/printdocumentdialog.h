@@ -19,6 +19,10 @@ public:
     PrintDocumentDialog(const CommandContext& context, PageLayouts& layouts, qint32 documentId,
                         const QStringList& printers = PrinterChoice::systemPrinters(),
                         QWidget* parent = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    PrintDocumentDialog(CommandContext&& context, PageLayouts& layouts, qint32 documentId,
+                        const QStringList& printers = PrinterChoice::systemPrinters(),
+                        QWidget* parent = nullptr) = delete;
     ~PrintDocumentDialog() override;
 
 protected:

@@ -27,6 +27,9 @@ public:
 protected:
     // `range`: the window prints a document's range, a page at a time with the progress.
     PrintWindow(const CommandContext& context, PageLayouts& layouts, bool range, QWidget* parent);
+    // The context is held by reference: a temporary one would be gone before its use.
+    PrintWindow(CommandContext&& context, PageLayouts& layouts, bool range,
+                QWidget* parent) = delete;
 
     struct Controls
     {
@@ -46,7 +49,7 @@ protected:
     virtual QVector<PageRow> pagesToPrint() = 0;
     virtual QString jobTitle() const = 0;
 
-    CommandContext m_context;
+    const CommandContext& m_context;
 
 private:
     void cmdPrint();

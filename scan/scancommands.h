@@ -19,6 +19,8 @@ class ScanCommands
 public:
     // `source` stands in for the system's devices (tests); by default SANE is used.
     explicit ScanCommands(const CommandContext& context, ScanSource* source = nullptr);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ScanCommands(CommandContext&& context, ScanSource* source = nullptr) = delete;
     ~ScanCommands();
 
     void addTo(CommandTable& commands);
@@ -40,7 +42,7 @@ private:
     void scanFromTree(const QString& kind);
     void run(const NodeKey& key);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     std::unique_ptr<ScanSource> m_ownSource;
     ScanSource* m_source = nullptr;
     std::unique_ptr<ScanFlow> m_flow;

@@ -29,6 +29,8 @@ class ScanFlow : public QObject
     Q_OBJECT
 public:
     ScanFlow(const CommandContext& context, ScanSource& source);
+    // The context is held by reference: a temporary one would be gone before its use.
+    ScanFlow(CommandContext&& context, ScanSource& source) = delete;
     ~ScanFlow() override;
 
     void scanToViewer(const NodeKey& key);
@@ -67,7 +69,7 @@ private:
     QString deviceWord() const;
     void tellFailure(const ScanEnd& end);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     ScanSource& m_source;
     QPointer<PageViewWindow> m_viewer;
     QPointer<QuietProgress> m_quiet;

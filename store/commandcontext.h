@@ -16,7 +16,9 @@ class ViewSettings;
 
 // What every command and dialog works with. Start-up supplies the first five; the main window
 // adds the target, itself as the navigator, and itself as the parent of dialogs. Outside a
-// window (tests, batch runs) the last three may stay empty.
+// window (tests, batch runs) the last three may stay empty. The window's navigator owns the
+// one context of a run; commands and dialogs hold it by reference, so that what is set later
+// (the viewer's page opener) reaches every one of them whatever the order of their making.
 struct CommandContext
 {
     Session& session;

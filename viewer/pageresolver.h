@@ -35,6 +35,8 @@ class PageResolver
 {
 public:
     explicit PageResolver(const CommandContext& context) : m_context(context) {}
+    // The context is held by reference: a temporary one would be gone before its use.
+    PageResolver(CommandContext&& context) = delete;
 
     // False when nothing could be resolved: an "Add" key that names no folder, document or
     // page (after the message "Error!"), or an "Edit" key that names no page.
@@ -53,7 +55,7 @@ private:
     qint32 makeDocument(qint32 folderId);
     qint32 makePage(qint32 documentId);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
     qint32 m_madePageId = -1;
     qint32 m_madeDocumentId = -1;
     bool m_newDocument = false;

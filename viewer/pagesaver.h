@@ -31,6 +31,10 @@ public:
 
     explicit PageSaver(const CommandContext& context) : m_context(context) {}
 
+    // The context is held by reference: a temporary one would be gone before its use.
+
+    PageSaver(CommandContext&& context) = delete;
+
     // cmdSave_Click. `reresolve` runs PreResolveDbId again (mode "Add") and updates `target`.
     Result save(const QImage& image, SaveTarget& target,
                 const std::function<void(SaveTarget&)>& reresolve);
@@ -52,7 +56,7 @@ private:
     Result savePage(const QImage& image, SaveTarget& target, bool autoAssign,
                     const std::function<void(SaveTarget&)>& reresolve);
 
-    CommandContext m_context;
+    const CommandContext& m_context;
 };
 
 } // namespace qmr

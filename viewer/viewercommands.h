@@ -14,13 +14,15 @@ public:
     explicit ViewerCommands(const CommandContext& context) : m_context(context), m_opener(context)
     {
     }
+    // The context is held by reference: a temporary one would be gone before its use.
+    ViewerCommands(CommandContext&& context) = delete;
 
     void addTo(CommandTable& commands);
     ViewerPageOpener& pageOpener() { return m_opener; }
     void viewSettings();
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
     ViewerPageOpener m_opener;
 };
 

@@ -17,6 +17,8 @@ class ViewerPageOpener : public PageOpener
 {
 public:
     explicit ViewerPageOpener(const CommandContext& context) : m_context(context) {}
+    // The context is held by reference: a temporary one would be gone before its use.
+    ViewerPageOpener(CommandContext&& context) = delete;
 
     void openPage(qint32 pageId) override;
     // What the viewers' Print button does, from the next viewer opened on.
@@ -32,7 +34,7 @@ public:
     static void openShortcut(const CommandContext& context, const PageRow& page);
 
 private:
-    CommandContext m_context;
+    const CommandContext& m_context;
     QPointer<PageViewWindow> m_viewer;
     std::function<void(qint32)> m_printHandler;
 };

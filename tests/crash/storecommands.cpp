@@ -115,9 +115,10 @@ CommandStore::CommandStore(const AppHome& home, quint32 seed)
 
 CommandStore::~CommandStore() = default;
 
-CommandContext CommandStore::context()
+const CommandContext& CommandStore::context()
 {
-    return CommandContext{m_session, m_prompter, m_choosers, m_progress, m_view};
+    return m_contexts.emplace_back(
+        CommandContext{m_session, m_prompter, m_choosers, m_progress, m_view});
 }
 
 qint32 CommandStore::pick(Level level, QRandomGenerator& rng)

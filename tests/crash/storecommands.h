@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <QRandomGenerator>
 
 #include "core/apphome.h"
@@ -33,7 +34,8 @@ public:
     Database& db() { return m_session.db(); }
 
 private:
-    CommandContext context();
+    // Commands hold their context by reference: each one handed out is kept here.
+    const CommandContext& context();
     // A random existing item of the level (by id order), or -1 when there is none.
     qint32 pick(Level level, QRandomGenerator& rng);
     QString newItem(Level level, qint32 parentId, int step, QRandomGenerator& rng);
@@ -56,6 +58,7 @@ private:
     test::ScriptedChoosers m_choosers;
     SilentProgress m_progress;
     ViewSettings m_view{m_settings};
+    std::deque<CommandContext> m_contexts;
 };
 
 } // namespace qmr::crash

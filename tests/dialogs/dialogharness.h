@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -47,10 +48,13 @@ struct DialogHarness
         StoreSchema::openDatabase(session->db(), home.home());
         view = std::make_unique<ViewSettings>(home.settings());
     }
-    CommandContext services()
+    // Dialogs hold their context by reference: the harness keeps each one it hands out.
+    const CommandContext& services()
     {
-        return CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav};
+        return contexts.emplace_back(
+            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
     }
+    std::deque<CommandContext> contexts;
     Database& db() { return session->db(); }
 };
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -104,12 +105,13 @@ struct ExchangeFixture
         StoreSchema::openDatabase(session->db(), home.home());
         view = std::make_unique<ViewSettings>(home.settings());
     }
-    CommandContext context()
+    // Dialogs hold their context by reference: the fixture keeps each one it hands out.
+    const CommandContext& context()
     {
-        CommandContext c{*session, prompter, choosers, progress, *view};
-        c.navigator = &nav;
-        return c;
+        return contexts.emplace_back(
+            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
     }
+    std::deque<CommandContext> contexts;
     Database& db() { return session->db(); }
     QString outsidePath(const QString& relative) const { return outside.filePath(relative); }
 

@@ -1,3 +1,4 @@
+#include <optional>
 #include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
@@ -61,6 +62,7 @@ struct DialogHarness
     std::unique_ptr<ViewSettings> view;
     RecordingResults results;
     Session& session;
+    std::optional<CommandContext> context; // the dialog holds it by reference
     std::unique_ptr<FindDialog> dialog;
 
     explicit DialogHarness(test::FindFixture& fixture,
@@ -70,8 +72,8 @@ struct DialogHarness
         if (prepare)
             prepare(session.findRecord());
         view = std::make_unique<ViewSettings>(fixture.home.settings());
-        dialog = std::make_unique<FindDialog>(
-            CommandContext{session, prompter, choosers, progress, *view}, &results);
+        context.emplace(CommandContext{session, prompter, choosers, progress, *view});
+        dialog = std::make_unique<FindDialog>(*context, &results);
     }
     template <typename T> T* child(const char* name) const
     {
@@ -587,7 +589,8 @@ private slots:
         test::ScriptedChoosers choosers;
         SilentProgress progress;
         ViewSettings view(home.settings());
-        FindDialog dialog(CommandContext{session, prompter, choosers, progress, view}, nullptr);
+        const CommandContext context{session, prompter, choosers, progress, view};
+        FindDialog dialog(context, nullptr);
         auto* cabinet = dialog.findChild<QComboBox*>("cboCabinet");
         QCOMPARE(items(cabinet), QStringList{"No file cabinets to find"});
         QVERIFY(!cabinet->isEnabled());

@@ -355,7 +355,8 @@ private slots:
         test::ScriptedChoosers choosers;
         SilentProgress progress;
         ViewSettings view(home.settings());
-        HelpCommands commands(CommandContext{session, prompter, choosers, progress, view});
+        const CommandContext context{session, prompter, choosers, progress, view};
+        HelpCommands commands(context);
         CommandTable table;
         commands.addTo(table);
         QVERIFY(table.contains("mnuHelpHelpTopics"));

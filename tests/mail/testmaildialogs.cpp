@@ -303,7 +303,8 @@ private slots:
         Session session(home.home(), home.settings());
         ViewSettings view(home.settings());
         CommandTable commands;
-        MailCommands(CommandContext{session, prompter, choosers, progress, view}).addTo(commands);
+        const CommandContext context{session, prompter, choosers, progress, view};
+        MailCommands(context).addTo(commands);
         QVERIFY(commands.contains("mnuEmailSettings"));
         bool shown = false;
         // The dialog asks the keyring before it is shown, letting events run meanwhile.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <QApplication>
 #include <QFile>
 #include <QImage>
@@ -173,11 +174,13 @@ struct PrintHarness
             qWarning("cannot write the picture of page %d", id);
         return id;
     }
-    CommandContext context(Progress* progressOverride = nullptr)
+    // Dialogs hold their context by reference: the harness keeps each one it hands out.
+    const CommandContext& context(Progress* progressOverride = nullptr)
     {
-        return CommandContext{*session, prompter, choosers,
-                              progressOverride ? *progressOverride : progress, *view};
+        return contexts.emplace_back(CommandContext{
+            *session, prompter, choosers, progressOverride ? *progressOverride : progress, *view});
     }
+    std::deque<CommandContext> contexts;
 };
 
 // What the PDF tools of poppler-utils say of a file.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
@@ -121,10 +122,13 @@ struct ScanHarness
     }
 
     Settings& settings() { return home.settings(); }
-    CommandContext context()
+    // Commands hold their context by reference: the harness keeps each one it hands out.
+    const CommandContext& context()
     {
-        return CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav};
+        return contexts.emplace_back(
+            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
     }
+    std::deque<CommandContext> contexts;
     QVector<PageRow> pages(qint32 documentId) const { return session->pages().pages(documentId); }
     QVector<qint32> documentsOf(qint32 folderId) const
     {

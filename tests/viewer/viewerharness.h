@@ -1,5 +1,6 @@
 #pragma once
 
+#include <deque>
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -78,10 +79,13 @@ struct ViewerHarness
         view->read();
     }
 
-    CommandContext context()
+    // The viewer's parts hold their context by reference: the harness keeps each one.
+    const CommandContext& context()
     {
-        return CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav};
+        return contexts.emplace_back(
+            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
     }
+    std::deque<CommandContext> contexts;
     QString outsideFile(const QString& name) const { return outside.filePath(name); }
     PageRow row(qint32 pageId) const { return session->pages().page(pageId).value_or(PageRow()); }
     int pageCount(qint32 documentId) const { return session->pages().count(documentId); }
