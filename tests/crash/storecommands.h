@@ -1,7 +1,7 @@
 #pragma once
 
-#include <deque>
 #include <QRandomGenerator>
+#include <deque>
 
 #include "core/apphome.h"
 #include "core/level.h"

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPlainTextEdit>
@@ -12,6 +11,7 @@
 #include "dialogs/itemdialog.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
@@ -27,16 +27,8 @@ namespace qmr::test {
 //   Folders: 1 "Checking", 2 "Savings" in 1; 3 "2025" in 2; 4 "Doctor" in 3.
 //   Documents: 1 "March statement" (1234.5), 2 "O'Brien's letter", 3 "Return".
 //   Pages: 1, 2 in document 1; 3 in document 3.
-struct DialogHarness
+struct DialogHarness : CommandHarness<>
 {
-    TestHome home;
-    ScriptedPrompter prompter;
-    ScriptedChoosers choosers;
-    NavRecorder nav;
-    SilentProgress progress;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
-
     DialogHarness()
     {
         FixtureStore store(home.home());
@@ -44,18 +36,8 @@ struct DialogHarness
         const qint32 empty = store.cabinet("Empty Drawers");
         store.drawer(empty, "One");
         store.drawer(empty, "Two");
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
+        openSession();
     }
-    // Dialogs hold their context by reference: the harness keeps each one it hands out.
-    const CommandContext& services()
-    {
-        return contexts.emplace_back(
-            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
-    }
-    std::deque<CommandContext> contexts;
-    Database& db() { return session->db(); }
 };
 
 template <class T> T* child(QWidget* w, const char* name)

@@ -67,7 +67,7 @@ private slots:
         QFETCH(bool, edit);
         QFETCH(bool, collectOnly);
         DialogHarness h;
-        ItemDialog dialog(Level(level), h.services(), nullptr, collectOnly);
+        ItemDialog dialog(Level(level), h.context(), nullptr, collectOnly);
         if (edit)
             QVERIFY(dialog.setEdit(1));
         else
@@ -92,9 +92,9 @@ private slots:
         DialogHarness h;
         std::vector<std::unique_ptr<QDialog>> dialogs;
         for (int level = 0; level < 4; ++level)
-            dialogs.push_back(std::make_unique<ItemDialog>(Level(level), h.services()));
+            dialogs.push_back(std::make_unique<ItemDialog>(Level(level), h.context()));
         dialogs.push_back(
-            std::make_unique<ItemDialog>(Level::Document, h.services(), nullptr, true));
+            std::make_unique<ItemDialog>(Level::Document, h.context(), nullptr, true));
         dialogs.push_back(std::make_unique<PasswordDialog>());
         dialogs.push_back(std::make_unique<PageNumberDialog>(3));
         for (const auto& dialog : dialogs) {

@@ -188,7 +188,7 @@ private slots:
         const int countBefore = items.count(lv);
         const std::optional<ItemFields> item1Before = items.fields(lv, 1);
 
-        ItemDialog dialog(lv, h.services());
+        ItemDialog dialog(lv, h.context());
         if (mode == "Add") {
             dialog.setAdd(parent);
             if (field != "name")
@@ -240,7 +240,7 @@ private slots:
         }
         if (lv == Level::Cabinet)
             QVERIFY(items.cabinetNameExists(name));
-        ItemDialog again(lv, h.services());
+        ItemDialog again(lv, h.context());
         QVERIFY(again.setEdit(id));
         if (field == "description")
             QCOMPARE(child<QPlainTextEdit>(&again, "txtDescription")->toPlainText(), stored);

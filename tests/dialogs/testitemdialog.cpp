@@ -115,7 +115,7 @@ private slots:
         QFETCH(QString, focus);
         QFETCH(QString, nameAfter);
         DialogHarness h;
-        ItemDialog dialog(Level(level), h.services());
+        ItemDialog dialog(Level(level), h.context());
         if (mode == "Add")
             dialog.setAdd(1);
         else
@@ -172,7 +172,7 @@ private slots:
         QFETCH(QString, message);
         QFETCH(int, tab);
         DialogHarness h;
-        ItemDialog dialog(Level(level), h.services());
+        ItemDialog dialog(Level(level), h.context());
         QVERIFY(dialog.setEdit(1));
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
@@ -212,7 +212,7 @@ private slots:
         QFETCH(int, parent);
         QFETCH(QString, call);
         DialogHarness h;
-        ItemDialog dialog(Level(level), h.services());
+        ItemDialog dialog(Level(level), h.context());
         dialog.setAdd(parent);
         QCOMPARE(dialog.windowTitle(),
                  QStringList({"Add File Cabinet", "Add Drawer", "Add Folder", "Add Document"})
@@ -258,7 +258,7 @@ private slots:
     void editShowsAndUpdates()
     {
         DialogHarness h;
-        ItemDialog dialog(Level::Document, h.services());
+        ItemDialog dialog(Level::Document, h.context());
         QVERIFY(dialog.setEdit(1));
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Document Properties (1)"));
         QCOMPARE(child<QLineEdit>(&dialog, "txtName")->text(), QStringLiteral("March statement"));
@@ -275,7 +275,7 @@ private slots:
         QCOMPARE(f.amount, 0.0);
         QVERIFY(f.hasAmount);
 
-        ItemDialog other(Level::Document, h.services());
+        ItemDialog other(Level::Document, h.context());
         QVERIFY(other.setEdit(2));
         QCOMPARE(child<QLineEdit>(&other, "txtAmount")->text(), QString()); // Null amount
         // Documents may share a name.
@@ -283,13 +283,13 @@ private slots:
         other.cmdOK();
         QCOMPARE(other.result(), QDialog::Accepted);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        QVERIFY(!ItemDialog(Level::Folder, h.services()).setEdit(99));
+        QVERIFY(!ItemDialog(Level::Folder, h.context()).setEdit(99));
     }
 
     void cabinetEdit()
     {
         DialogHarness h;
-        ItemDialog dialog(Level::Cabinet, h.services());
+        ItemDialog dialog(Level::Cabinet, h.context());
         QVERIFY(dialog.setEdit(2));
         QCOMPARE(dialog.windowTitle(), QStringLiteral("File Cabinet Properties (2)"));
         QCOMPARE(child<QLineEdit>(&dialog, "txtPassword")->text(), QStringLiteral("secret"));
@@ -343,7 +343,7 @@ private slots:
         DialogHarness h;
         // Folder 4 gets two documents and no pages.
         h.db().execute("INSERT INTO Document (FolderId, Name) VALUES (4, 'a'), (4, 'b')");
-        ItemDialog dialog(Level(level), h.services());
+        ItemDialog dialog(Level(level), h.context());
         QVERIFY(dialog.setEdit(id));
         auto* tabs = child<QTabWidget>(&dialog, "tabMain");
         QVERIFY(!dialog.statisticsLoaded());
@@ -376,7 +376,7 @@ private slots:
         for (int i = 0; i < 3; ++i)
             h.db().execute("INSERT INTO Page (DocumentId, FileSize) VALUES (2, 2000000000)");
         h.db().execute("UPDATE Document SET Amount = 1234567.891 WHERE DocumentId = 2");
-        ItemDialog dialog(Level::Folder, h.services());
+        ItemDialog dialog(Level::Folder, h.context());
         QVERIFY(dialog.setEdit(1));
         auto* tabs = child<QTabWidget>(&dialog, "tabMain");
         tabs->setCurrentIndex(tabs->count() - 1);
@@ -391,14 +391,14 @@ private slots:
     void todayAndTemplates()
     {
         DialogHarness h;
-        ItemDialog doc(Level::Document, h.services());
+        ItemDialog doc(Level::Document, h.context());
         doc.setAdd(1);
         child<QLineEdit>(&doc, "txtDateOnDocument")->setText("01/01/1999");
         child<QToolButton>(&doc, "imgNow")->click();
         QCOMPARE(child<QLineEdit>(&doc, "txtDateOnDocument")->text(),
                  QDate::currentDate().toString("MM/dd/yyyy"));
 
-        ItemDialog drawer(Level::Drawer, h.services());
+        ItemDialog drawer(Level::Drawer, h.context());
         drawer.setAdd(1);
         drawer.populateTemplates({}, {});
         QVERIFY(child<QComboBox>(&drawer, "cboTemplate")->isHidden());
@@ -421,7 +421,7 @@ private slots:
 
         // "(none)" leaves the drawer empty.
         h.nav.calls.clear();
-        ItemDialog plain(Level::Drawer, h.services());
+        ItemDialog plain(Level::Drawer, h.context());
         plain.setAdd(1);
         plain.populateTemplates({"Car"}, [&](const QString&, qint32, ItemStore&) {
             applied << "wrong";
@@ -436,7 +436,7 @@ private slots:
     void newDocumentCollectsOnly()
     {
         DialogHarness h;
-        ItemDialog dialog(Level::Document, h.services(), nullptr, true);
+        ItemDialog dialog(Level::Document, h.context(), nullptr, true);
         QCOMPARE(dialog.objectName(), QStringLiteral("frmDocumentNew"));
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Add Document"));
         QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->count(), 1);
@@ -453,7 +453,7 @@ private slots:
         QVERIFY(h.nav.calls.isEmpty());
 
         // Too long a name is refused here, before the caller could lose it.
-        ItemDialog tooLong(Level::Document, h.services(), nullptr, true);
+        ItemDialog tooLong(Level::Document, h.context(), nullptr, true);
         child<QLineEdit>(&tooLong, "txtName")->setText(QString(81, 'n'));
         h.prompter.expect("The name is too long: a document's name can have at most 80 "
                           "characters.");
@@ -461,7 +461,7 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QVERIFY(tooLong.newDocument().cancelled);
 
-        ItemDialog cancelled(Level::Document, h.services(), nullptr, true);
+        ItemDialog cancelled(Level::Document, h.context(), nullptr, true);
         child<QPushButton>(&cancelled, "cmdCancel")->click();
         QVERIFY(cancelled.newDocument().cancelled);
     }
@@ -498,7 +498,7 @@ private slots:
         QFETCH(double, stored);
         QLocale::setDefault(QLocale(locale));
         DialogHarness h;
-        ItemDialog dialog(Level::Document, h.services(), nullptr, collectOnly);
+        ItemDialog dialog(Level::Document, h.context(), nullptr, collectOnly);
         dialog.setAdd(1);
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
@@ -527,7 +527,7 @@ private slots:
     void browseForPath()
     {
         DialogHarness h;
-        ItemDialog dialog(Level::Cabinet, h.services());
+        ItemDialog dialog(Level::Cabinet, h.context());
         dialog.setAdd(-1);
         auto* saveTo = child<QLineEdit>(&dialog, "txtSaveTo");
         // Disabled while the program chooses the names.

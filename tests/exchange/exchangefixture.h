@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <QDir>
 #include <QFile>
 #include <QImage>
@@ -17,6 +16,7 @@
 #include "store/commandcontext.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
@@ -86,33 +86,16 @@ public:
 };
 
 // A home with a store, a second directory outside it, and the seams of a command.
-struct ExchangeFixture
+struct ExchangeFixture : CommandHarness<HookPrompter>
 {
-    TestHome home;
     QTemporaryDir outside;
-    HookPrompter prompter;
-    ScriptedChoosers choosers;
-    NavRecorder nav;
-    SilentProgress progress;
     std::unique_ptr<FixtureStore> store;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
 
     ExchangeFixture()
     {
         store = std::make_unique<FixtureStore>(home.home());
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
+        openSession();
     }
-    // Dialogs hold their context by reference: the fixture keeps each one it hands out.
-    const CommandContext& context()
-    {
-        return contexts.emplace_back(
-            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
-    }
-    std::deque<CommandContext> contexts;
-    Database& db() { return session->db(); }
     QString outsidePath(const QString& relative) const { return outside.filePath(relative); }
 
     // Writes a small JPEG (or any bytes) to a path, making its directory.

@@ -1,4 +1,3 @@
-#include <optional>
 #include <QApplication>
 #include <QComboBox>
 #include <QDateEdit>
@@ -11,6 +10,7 @@
 #include <QTest>
 #include <QTimer>
 #include <functional>
+#include <optional>
 
 #include "core/findrecord.h"
 #include "core/foundresults.h"

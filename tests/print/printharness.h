@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <QApplication>
 #include <QFile>
 #include <QImage>
@@ -19,6 +18,7 @@
 #include "store/pagepaths.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
@@ -145,15 +145,9 @@ private:
 
 // A store with one document ("Tax return") of pages whose pictures are real files, and the
 // seams of a command.
-struct PrintHarness
+struct PrintHarness : CommandHarness<>
 {
-    TestHome home;
-    ScriptedPrompter prompter;
-    ScriptedChoosers choosers;
-    SilentProgress progress;
     std::unique_ptr<FixtureStore> store;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
     qint32 document = -1;
 
     PrintHarness()
@@ -162,9 +156,7 @@ struct PrintHarness
         const qint32 cabinet = store->cabinet("Home");
         const qint32 folder = store->folder(store->drawer(cabinet, "Taxes"), "2025");
         document = store->document(folder, "Tax return");
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
+        openSession();
     }
     // A page of the document whose picture lies at its computed path.
     qint32 page(int number, const QSize& size, int dpiX, int dpiY, qint32 documentId = -1)
@@ -174,13 +166,6 @@ struct PrintHarness
             qWarning("cannot write the picture of page %d", id);
         return id;
     }
-    // Dialogs hold their context by reference: the harness keeps each one it hands out.
-    const CommandContext& context(Progress* progressOverride = nullptr)
-    {
-        return contexts.emplace_back(CommandContext{
-            *session, prompter, choosers, progressOverride ? *progressOverride : progress, *view});
-    }
-    std::deque<CommandContext> contexts;
 };
 
 // What the PDF tools of poppler-utils say of a file.

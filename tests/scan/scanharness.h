@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDialog>
@@ -16,6 +15,7 @@
 #include "scan/scanflow.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
@@ -86,15 +86,8 @@ private:
 // "Kept" holding document "Five" with pages numbered 1 to 5 (real small JPEGs). Pages are
 // saved at once; unless told otherwise the scan settings were seen and the scanner is the
 // test device.
-struct ScanHarness
+struct ScanHarness : CommandHarness<ScriptedPrompter, PressableProgress>
 {
-    TestHome home;
-    ScriptedPrompter prompter;
-    ScriptedChoosers choosers;
-    PressableProgress progress;
-    NavRecorder nav;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
     qint32 cabinet = -1, drawer = -1, letters = -1, kept = -1, five = -1;
 
     explicit ScanHarness(bool settingsSeen = true)
@@ -109,9 +102,7 @@ struct ScanHarness
             for (int n = 1; n <= 5; ++n)
                 store.page(five, n, QSize(60, 80));
         }
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
+        openSession();
         view->read();
         Settings& s = settings();
         s.setMode(keys::AfterScan, AfterScanMode::Return);
@@ -122,13 +113,6 @@ struct ScanHarness
     }
 
     Settings& settings() { return home.settings(); }
-    // Commands hold their context by reference: the harness keeps each one it hands out.
-    const CommandContext& context()
-    {
-        return contexts.emplace_back(
-            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
-    }
-    std::deque<CommandContext> contexts;
     QVector<PageRow> pages(qint32 documentId) const { return session->pages().pages(documentId); }
     QVector<qint32> documentsOf(qint32 folderId) const
     {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <deque>
 #include <QBuffer>
 #include <QDir>
 #include <QFile>
@@ -12,14 +11,15 @@
 
 #include "core/progress.h"
 #include "core/viewsettings.h"
+#include "filing/thumbnailmaker.h"
 #include "store/schema.h"
 #include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-#include "filing/thumbnailmaker.h"
 
 namespace qmr::test {
 
@@ -30,16 +30,9 @@ namespace qmr::test {
 //   Cabinet "Named" (storage 1 in `outside`, a directory beyond the home): folder "Mailed"
 //   (address "folder@example.org"), document "Named" with one page whose file is
 //   outside/first.jpg (named).
-struct ViewerHarness
+struct ViewerHarness : CommandHarness<>
 {
-    TestHome home;
     QTemporaryDir outside;
-    ScriptedPrompter prompter;
-    ScriptedChoosers choosers;
-    NavRecorder nav;
-    SilentProgress progress;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
     qint32 homeCabinet = -1, homeDrawer = -1, letters = -1;
     qint32 numbers = -1, single = -1, empty = -1;
     qint32 numbered4 = -1, twinA = -1, twinB = -1, singlePage = -1;
@@ -73,19 +66,10 @@ struct ViewerHarness
             store.db().execute("UPDATE Page SET Filename = ?, FileSize = ? WHERE PageId = ?",
                                {file, QFile(file).size(), named});
         }
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
+        openSession();
         view->read();
     }
 
-    // The viewer's parts hold their context by reference: the harness keeps each one.
-    const CommandContext& context()
-    {
-        return contexts.emplace_back(
-            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav});
-    }
-    std::deque<CommandContext> contexts;
     QString outsideFile(const QString& name) const { return outside.filePath(name); }
     PageRow row(qint32 pageId) const { return session->pages().page(pageId).value_or(PageRow()); }
     int pageCount(qint32 documentId) const { return session->pages().count(documentId); }
