@@ -5,6 +5,7 @@
 #include <algorithm>
 
 #include "core/progress.h"
+#include "exchange/exchangelog.h"
 #include "exchange/exchangequestions.h"
 #include "exchange/nativename.h"
 #include "exchange/thumbnailqueue.h"
@@ -178,8 +179,13 @@ void CabinetImporter::dropPending(int items, int files)
     // The rows of these files are gone: wait for their thumbnails, then take both away.
     if (m_pendingFiles.size() > files)
         m_thumbs->waitForDone();
-    while (m_pendingFiles.size() > files)
-        m_fs.remove(m_pendingFiles.takeLast());
+    while (m_pendingFiles.size() > files) {
+        const QString file = m_pendingFiles.takeLast();
+        // Left behind, the file is taken away by the home's tidying at a later start.
+        if (!m_fs.remove(file))
+            qCWarning(lcExchange).noquote()
+                << "A copied page file whose row was not written stays for now:" << file;
+    }
 }
 
 void CabinetImporter::flushPending()

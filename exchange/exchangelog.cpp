@@ -1,0 +1,7 @@
+#include "exchange/exchangelog.h"
+
+namespace qmr {
+
+Q_LOGGING_CATEGORY(lcExchange, "qmr.exchange", QtWarningMsg)
+
+} // namespace qmr
