@@ -114,7 +114,8 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
                 // Each row then commits on its own.
             }
         }
-        progress.step(QStringLiteral("Pasting ") + QFileInfo(file).fileName());
+        progress.step(QCoreApplication::translate("qmr::FileDrop", "Pasting %1")
+                          .arg(QFileInfo(file).fileName()));
         try {
             addOne(file);
         } catch (const StoreError& e) {

@@ -425,7 +425,8 @@ QString PageFileAdder::report() const
     for (int i = 0; i < m_problems.size() && i < kReportedNames; ++i)
         text += QLatin1Char('\n') + m_problems.at(i);
     if (m_problems.size() > kReportedNames)
-        text += QStringLiteral("\n... and %1 more.").arg(m_problems.size() - kReportedNames);
+        text += QCoreApplication::translate("qmr::PageFileAdder", "\n... and %1 more.")
+                    .arg(m_problems.size() - kReportedNames);
     return text;
 }
 

@@ -45,7 +45,7 @@ QString StoreCheck::Summary::text() const
             ? QCoreApplication::translate("qmr::StoreCheck", "1 problem found")
             : QCoreApplication::translate("qmr::StoreCheck", "%1 problems found").arg(problems);
     if (repaired > 0)
-        text += QStringLiteral(", %1 repaired").arg(repaired);
+        text += QCoreApplication::translate("qmr::StoreCheck", ", %1 repaired").arg(repaired);
     return text + QLatin1Char('.');
 }
 
