@@ -1,6 +1,7 @@
 #include "app/commandline.h"
 
 #include <QCommandLineParser>
+#include <QCoreApplication>
 #include <QFileInfo>
 #include <QTextStream>
 #include <cstdio>
@@ -20,10 +21,14 @@ namespace qmr {
 
 namespace {
 
-const QString kUsage = QStringLiteral("Usage: quillmere [--home DIR]\n"
-                                      "       quillmere [--home DIR] --export CABINET DIR\n"
-                                      "       quillmere [--home DIR] --import DIR CABINET\n"
-                                      "       quillmere [--home DIR] --check [--repair]\n");
+QString usage()
+{
+    return QCoreApplication::translate("qmr::CommandLine",
+                                       "Usage: quillmere [--home DIR]\n"
+                                       "       quillmere [--home DIR] --export CABINET DIR\n"
+                                       "       quillmere [--home DIR] --import DIR CABINET\n"
+                                       "       quillmere [--home DIR] --check [--repair]\n");
+}
 
 // Options that the toolkit reads for the window; they are accepted and left to it.
 void addToolkitOptions(QCommandLineParser& parser)
@@ -48,50 +53,50 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
 {
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.setApplicationDescription(QStringLiteral(
-        "Files scanned paper and image files in cabinets, drawers, folders and documents.\n"
-        "\n"
-        "Without --export or --import the program opens its window. The two commands run\n"
-        "without a window, for backups and scripts:\n"
-        "  --export CABINET DIR  writes the cabinet to an exchange directory below DIR\n"
-        "  --import DIR CABINET  merges the exchange directory DIR (the one that holds\n"
-        "                        QMR.txt) into the cabinet\n"
-        "  --check               checks the store and the page files against each other\n"
-        "  --check --repair      also mends what can be mended, never removing a page\n"
-        "They print a progress line and a report, and end with status 1 when something\n"
-        "could not be done (or --check found a problem); a wrong command line ends with\n"
-        "status 2."));
+    parser.setApplicationDescription(
+        tr("Files scanned paper and image files in cabinets, drawers, folders and documents.\n"
+           "\n"
+           "Without --export or --import the program opens its window. The two commands run\n"
+           "without a window, for backups and scripts:\n"
+           "  --export CABINET DIR  writes the cabinet to an exchange directory below DIR\n"
+           "  --import DIR CABINET  merges the exchange directory DIR (the one that holds\n"
+           "                        QMR.txt) into the cabinet\n"
+           "  --check               checks the store and the page files against each other\n"
+           "  --check --repair      also mends what can be mended, never removing a page\n"
+           "They print a progress line and a report, and end with status 1 when something\n"
+           "could not be done (or --check found a problem); a wrong command line ends with\n"
+           "status 2."));
     const QCommandLineOption help = parser.addHelpOption();
     const QCommandLineOption version = parser.addVersionOption();
     const QCommandLineOption home(QStringLiteral("home"),
-                                  QStringLiteral("The directory that holds the store and the "
-                                                 "page files (default: $QUILLMERE_HOME, else "
-                                                 "$XDG_DATA_HOME/Quillmere)."),
+                                  tr("The directory that holds the store and the "
+                                     "page files (default: $QUILLMERE_HOME, else "
+                                     "$XDG_DATA_HOME/Quillmere)."),
                                   QStringLiteral("DIR"));
     const QCommandLineOption exportOption(
         QStringLiteral("export"),
-        QStringLiteral("Export the cabinet CABINET to the directory DIR, without a window."),
+        tr("Export the cabinet CABINET to the directory DIR, without a window."),
         QStringLiteral("CABINET"));
     const QCommandLineOption importOption(
         QStringLiteral("import"),
-        QStringLiteral("Import the exchange directory DIR into the cabinet CABINET, without a "
-                       "window."),
+        tr("Import the exchange directory DIR into the cabinet CABINET, without a "
+           "window."),
         QStringLiteral("DIR"));
     const QCommandLineOption checkOption(
         QStringLiteral("check"),
-        QStringLiteral("Check the store and its page files, without a window: one line per "
-                       "problem, and status 1 when there is any."));
+        tr("Check the store and its page files, without a window: one line per "
+           "problem, and status 1 when there is any."));
     const QCommandLineOption repairOption(
         QStringLiteral("repair"),
-        QStringLiteral("With --check: remove files no page refers to and files left by "
-                       "copies that never ended, make thumbnails again, correct file sizes."));
+        tr("With --check: remove files no page refers to and files left by "
+           "copies that never ended, make thumbnails again, correct file sizes."));
     parser.addOption(home);
     parser.addOption(exportOption);
     parser.addOption(importOption);
     parser.addOption(checkOption);
     parser.addOption(repairOption);
     parser.addPositionalArgument(QStringLiteral("DIR|CABINET"),
-                                 QStringLiteral("The second value of --export or --import."));
+                                 tr("The second value of --export or --import."));
     addToolkitOptions(parser);
 
     CommandLineRequest request;
@@ -107,7 +112,7 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
         // The parser's own usage line cannot say that the commands take two values.
         const QString text = parser.helpText();
         request.message =
-            kUsage + QLatin1Char('\n') + text.mid(text.indexOf(QLatin1Char('\n')) + 1);
+            usage() + QLatin1Char('\n') + text.mid(text.indexOf(QLatin1Char('\n')) + 1);
         return request;
     }
     if (parser.isSet(version)) {
@@ -116,38 +121,38 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
         return request;
     }
     if (parser.values(home).size() > 1)
-        return error(QStringLiteral("--home is given more than once."));
+        return error(tr("--home is given more than once."));
     request.home = parser.value(home);
     const bool exporting = parser.isSet(exportOption);
     const bool importing = parser.isSet(importOption);
     const QStringList rest = parser.positionalArguments();
     if (parser.isSet(repairOption) && !parser.isSet(checkOption))
-        return error(QStringLiteral("--repair goes with --check."));
+        return error(tr("--repair goes with --check."));
     if (parser.isSet(checkOption)) {
         if (exporting || importing)
-            return error(QStringLiteral("--check cannot be given with --export or --import."));
+            return error(tr("--check cannot be given with --export or --import."));
         if (!rest.isEmpty())
-            return error(QStringLiteral("Unexpected argument '%1'.").arg(rest.first()));
+            return error(tr("Unexpected argument '%1'.").arg(rest.first()));
         request.action = CommandLineRequest::Action::Check;
         request.repair = parser.isSet(repairOption);
         return request;
     }
     if (!exporting && !importing) {
         if (!rest.isEmpty())
-            return error(QStringLiteral("Unexpected argument '%1'.").arg(rest.first()));
+            return error(tr("Unexpected argument '%1'.").arg(rest.first()));
         return request;
     }
     if (exporting && importing)
-        return error(QStringLiteral("--export and --import cannot be given together."));
+        return error(tr("--export and --import cannot be given together."));
     const QCommandLineOption& option = exporting ? exportOption : importOption;
     if (parser.values(option).size() > 1)
-        return error(QStringLiteral("--%1 is given more than once.")
+        return error(tr("--%1 is given more than once.")
                          .arg(exporting ? QStringLiteral("export") : QStringLiteral("import")));
     if (rest.size() != 1)
-        return error(exporting ? QStringLiteral("--export needs a cabinet and a directory: "
-                                                "--export CABINET DIR.")
-                               : QStringLiteral("--import needs a directory and a cabinet: "
-                                                "--import DIR CABINET."));
+        return error(exporting ? tr("--export needs a cabinet and a directory: "
+                                    "--export CABINET DIR.")
+                               : tr("--import needs a directory and a cabinet: "
+                                    "--import DIR CABINET."));
     if (exporting) {
         request.action = CommandLineRequest::Action::Export;
         request.cabinet = parser.value(exportOption);
@@ -174,7 +179,7 @@ int CommandLine::print(const CommandLineRequest& request)
     case CommandLineRequest::Action::Error: {
         QTextStream err(stderr);
         err << "quillmere: " << request.message << '\n'
-            << kUsage << "Try 'quillmere --help' for more.\n";
+            << usage() << tr("Try 'quillmere --help' for more.\n");
         return kUsageError;
     }
     default:
@@ -194,8 +199,10 @@ int CommandLine::runBatch(const CommandLineRequest& request)
     const AppHome home = homeOf(request);
     // A batch run never makes a store: there would be no cabinet in it to work on.
     if (!QFileInfo::exists(StoreSchema::storePath(home))) {
-        err << "quillmere: There is no store in " << home.path()
-            << "; start the program once, or name its home with --home DIR.\n";
+        err << "quillmere: "
+            << tr("There is no store in %1; start the program once, or name its home with "
+                  "--home DIR.\n")
+                   .arg(home.path());
         return 1;
     }
     // From here on a signal to quit stops the walk as Cancel would, and the lock goes with the
@@ -213,7 +220,7 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         StoreSchema::openDatabase(session.db(), home);
     } catch (const StoreError& e) {
         if (request.action == CommandLineRequest::Action::Check)
-            out << "The store cannot be opened: " << e.message() << '\n';
+            out << tr("The store cannot be opened: ") << e.message() << '\n';
         err << "quillmere: " << e.message() << '\n';
         return 1;
     }
@@ -224,7 +231,7 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         });
         const StoreCheck::Summary summary =
             check.run(request.repair, [&out](const QString& problem, bool repaired) {
-                out << problem << (repaired ? " (repaired)" : "") << '\n';
+                out << problem << (repaired ? tr(" (repaired)") : QString()) << '\n';
                 out.flush();
             });
         out << summary.text() << '\n';

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -24,6 +25,8 @@ struct CommandLineRequest
 // toolkit's own options (-platform, -style ...) pass through to the window.
 class CommandLine
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::CommandLine)
+
 public:
     static constexpr int kUsageError = 2;
 

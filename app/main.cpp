@@ -25,7 +25,9 @@ int printHelpFile(int argc, char* argv[])
         qmr::HelpLocator::forRun(qmr::AppHome::fromArguments(QCoreApplication::arguments()))
             .locate();
     if (path.isEmpty()) {
-        std::fprintf(stderr, "Cannot find help file QMRHELP.TXT.\n");
+        std::fprintf(stderr, "%s",
+                     qPrintable(QCoreApplication::translate(
+                         "qmr::Main", "Cannot find help file QMRHELP.TXT.\n")));
         return 1;
     }
     std::printf("%s\n", qPrintable(path));
@@ -72,8 +74,11 @@ int main(int argc, char* argv[])
 
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM") && qEnvironmentVariableIsEmpty("DISPLAY") &&
         qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY")) {
-        std::fprintf(stderr, "Quillmere needs a graphical display, and none is available here "
-                             "(neither DISPLAY nor WAYLAND_DISPLAY is set).\n");
+        std::fprintf(stderr, "%s",
+                     qPrintable(QCoreApplication::translate(
+                         "qmr::Main", "Quillmere needs a graphical display, and none is "
+                                      "available here (neither DISPLAY nor WAYLAND_DISPLAY is "
+                                      "set).\n")));
         return 2;
     }
     QApplication app(argc, argv);

@@ -15,13 +15,13 @@ namespace qmr {
 ProgressWindow::ProgressWindow(QWidget* parent) : QDialog(parent)
 {
     setObjectName(QStringLiteral("frmProgress"));
-    setWindowTitle(QStringLiteral("Progress"));
+    setWindowTitle(tr("Progress"));
     // The main window waits while work runs: events still pass at every 20th step, but no
     // second command and no close can start in the middle of this one.
     setWindowModality(Qt::ApplicationModal);
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     auto* layout = new QVBoxLayout(this);
-    m_status = new QLabel(QStringLiteral("Status"), this);
+    m_status = new QLabel(tr("Status"), this);
     m_status->setObjectName(QStringLiteral("lblStatus"));
     m_status->setMinimumWidth(320);
     layout->addWidget(m_status);
@@ -30,7 +30,7 @@ ProgressWindow::ProgressWindow(QWidget* parent) : QDialog(parent)
     layout->addWidget(m_bar);
     auto* row = new QHBoxLayout();
     row->addStretch(1);
-    m_cancel = new QPushButton(QStringLiteral("Cancel"), this);
+    m_cancel = new QPushButton(tr("Cancel"), this);
     m_cancel->setObjectName(QStringLiteral("cmdCancel"));
     m_cancel->hide();
     row->addWidget(m_cancel);

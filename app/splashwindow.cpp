@@ -12,10 +12,10 @@ SplashWindow::SplashWindow(QWidget* parent)
     : QWidget(parent, Qt::SplashScreen | Qt::FramelessWindowHint)
 {
     setObjectName(QStringLiteral("frmSplash"));
-    setWindowTitle(QStringLiteral("Starting"));
+    setWindowTitle(tr("Starting"));
     auto* layout = new QVBoxLayout(this);
     layout->setContentsMargins(24, 20, 24, 20);
-    auto* title = new QLabel(QStringLiteral("Quillmere"), this);
+    auto* title = new QLabel(tr("Quillmere"), this);
     QFont big = title->font();
     big.setPointSizeF(big.pointSizeF() * 2);
     big.setBold(true);

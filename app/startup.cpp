@@ -37,8 +37,8 @@ bool Startup::checkDataAccess(Prompter& prompter, int runtimeVersion)
 {
     if (runtimeVersion >= StoreSchema::kMinimumSqlite)
         return true;
-    prompter.tell(QStringLiteral("MDAC 2.7 is not installed.  Please visit our website and "
-                                 "select Download.  Then select MDAC."));
+    prompter.tell(tr("MDAC 2.7 is not installed.  Please visit our website and "
+                     "select Download.  Then select MDAC."));
     return false;
 }
 
@@ -50,8 +50,7 @@ bool Startup::start(bool showWindow)
         return false;
 
     if (const Attempt<> made = m_home.ensureExists(); !made) {
-        m_prompter.tell(
-            QStringLiteral("Cannot create the directory %1: %2.").arg(m_home.path(), made.why()));
+        m_prompter.tell(tr("Cannot create the directory %1: %2.").arg(m_home.path(), made.why()));
         return false;
     }
     // Before the store is touched: a second run on this home would write the store under
@@ -67,27 +66,27 @@ bool Startup::start(bool showWindow)
     qApp->installEventFilter(m_names.get());
     m_splash = std::make_unique<SplashWindow>();
     try {
-        m_splash->setStatus(QStringLiteral("Opening database"));
+        m_splash->setStatus(tr("Opening database"));
         StoreSchema::openDatabase(m_session->db(), m_home);
         // The home keeps a help text of its own for a program that runs without its
         // installed data; one that cannot be written only costs that fallback.
         HelpLocator::ensureInHome(m_home);
-        m_splash->setStatus(QStringLiteral("Opening database"));
+        m_splash->setStatus(tr("Opening database"));
     } catch (const StoreError& e) {
         m_prompter.tell(e.message());
         return false;
     }
 
     if (showWindow)
-        m_splash->showSplash(QStringLiteral("Starting"), 1, 8);
+        m_splash->showSplash(tr("Starting"), 1, 8);
     m_view = std::make_unique<ViewSettings>(m_settings);
     m_view->read();
 
-    m_splash->splashStep(QStringLiteral("Load templates"));
+    m_splash->splashStep(tr("Load templates"));
     m_templates = std::make_unique<DrawerTemplates>(m_home);
     m_templates->loadDrawerTemplates();
 
-    m_splash->splashStep(QStringLiteral("Loading main menu"));
+    m_splash->splashStep(tr("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
     m_base = std::make_unique<CommandContext>(
         CommandContext{*m_session, m_prompter, m_choosers, *m_progress, *m_view});
@@ -97,7 +96,7 @@ bool Startup::start(bool showWindow)
     m_window->load([this](const QString& text) { m_splash->splashStep(text); });
     m_progress->setWindowIcon(m_window->windowIcon());
 
-    m_splash->splashStep(QStringLiteral("Initializing"));
+    m_splash->splashStep(tr("Initializing"));
     m_session->findRecord().initFindDefaults();
 
     m_splash->finish();

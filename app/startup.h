@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include <memory>
 
 #include "core/apphome.h"
@@ -27,6 +29,8 @@ class ViewSettings;
 // main window shown.
 class Startup
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::Startup)
+
 public:
     Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers);
     ~Startup();

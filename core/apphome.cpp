@@ -1,5 +1,6 @@
 #include "core/apphome.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QStandardPaths>
@@ -69,7 +70,7 @@ Attempt<> makeEachPart(const QString& path)
 Attempt<> AppHome::ensureExists() const
 {
     if (m_path.isEmpty())
-        return Failure(QStringLiteral("No directory is named"));
+        return Failure(QCoreApplication::translate("qmr::AppHome", "No directory is named"));
     if (QDir().mkpath(m_path))
         return {};
     // Again a part at a time, to find the one that cannot be made (or made by now after all).

@@ -1,5 +1,6 @@
 #include "core/directfile.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <cerrno>
 #include <cstdio>
@@ -44,7 +45,8 @@ Attempt<DirectFile> DirectFile::read(QFile& file)
         }
     }
     if (*got > size)
-        return Failure(QStringLiteral("The file changed while it was read"));
+        return Failure(
+            QCoreApplication::translate("qmr::DirectFile", "The file changed while it was read"));
     whole.m_view = QByteArray::fromRawData(at, *got);
     return whole;
 }

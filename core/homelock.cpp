@@ -1,5 +1,6 @@
 #include "core/homelock.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <cerrno>
 #include <cstring>
@@ -35,23 +36,30 @@ bool HomeLock::acquire()
         QString host;
         QString program;
         if (m_lock.getLockInfo(&pid, &host, &program)) {
-            m_refusal = QStringLiteral("The home %1 is in use by Quillmere, process %2 on %3. "
-                                       "Only one Quillmere can work on a home at a time.")
-                            .arg(m_home)
-                            .arg(pid)
-                            .arg(host.isEmpty() ? QStringLiteral("this machine") : host);
+            m_refusal =
+                QCoreApplication::translate("qmr::HomeLock",
+                                            "The home %1 is in use by Quillmere, process %2 on %3. "
+                                            "Only one Quillmere can work on a home at a time.")
+                    .arg(m_home)
+                    .arg(pid)
+                    .arg(host.isEmpty()
+                             ? QCoreApplication::translate("qmr::HomeLock", "this machine")
+                             : host);
             return false;
         }
         // Unreadable: it was being written or removed just now, or is not a lock of ours.
-        m_refusal = QStringLiteral("The home %1 is in use by another Quillmere, and its lock "
-                                   "file %2 cannot be read. If no Quillmere is working on this "
-                                   "home, remove that file.")
-                        .arg(m_home, m_path);
+        m_refusal =
+            QCoreApplication::translate(
+                "qmr::HomeLock", "The home %1 is in use by another Quillmere, and its lock "
+                                 "file %2 cannot be read. If no Quillmere is working on this "
+                                 "home, remove that file.")
+                .arg(m_home, m_path);
         return false;
     }
     const QString why = whyNotMade();
-    m_refusal = QStringLiteral("The home %1 cannot be locked for this run: the lock file %2 "
-                               "cannot be made")
+    m_refusal = QCoreApplication::translate(
+                    "qmr::HomeLock", "The home %1 cannot be locked for this run: the lock file %2 "
+                                     "cannot be made")
                     .arg(m_home, m_path) +
                 (why.isEmpty() ? QStringLiteral(".") : QStringLiteral(": %1.").arg(why));
     return false;

@@ -1,5 +1,6 @@
 #include "core/imageloader.h"
 
+#include <QCoreApplication>
 #include <QImageReader>
 
 namespace qmr {
@@ -15,15 +16,19 @@ std::optional<QString> sizeRefusal(const QSize& size, QImage::Format format)
     const qint64 width = qAbs(qint64(size.width()));
     const qint64 height = qAbs(qint64(size.height()));
     if (width > ImageLoader::kMaxSide || height > ImageLoader::kMaxSide)
-        return QStringLiteral("it is %1 by %2 pixels, and no side may be longer than %3 pixels")
+        return QCoreApplication::translate(
+                   "qmr::ImageLoader",
+                   "it is %1 by %2 pixels, and no side may be longer than %3 pixels")
             .arg(width)
             .arg(height)
             .arg(ImageLoader::kMaxSide);
     const qint64 bytes = ImageLoader::bytesFor(QSize(int(width), int(height)), format);
     if (bytes <= kLimitBytes)
         return std::nullopt;
-    return QStringLiteral("it is %1 by %2 pixels, which would take %3 MB of memory, and at most "
-                          "%4 MB may be used")
+    return QCoreApplication::translate(
+               "qmr::ImageLoader",
+               "it is %1 by %2 pixels, which would take %3 MB of memory, and at most "
+               "%4 MB may be used")
         .arg(width)
         .arg(height)
         .arg((bytes + (1 << 20) - 1) >> 20)
@@ -91,7 +96,9 @@ Attempt<> ImageLoader::checkFile(const QString& path)
 
 QString ImageLoader::tooLargeMessage(const QString& path, const QString& reason)
 {
-    return QStringLiteral("The picture '%1' is too large to open: %2.").arg(path, reason);
+    return QCoreApplication::translate("qmr::ImageLoader",
+                                       "The picture '%1' is too large to open: %2.")
+        .arg(path, reason);
 }
 
 } // namespace qmr

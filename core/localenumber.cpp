@@ -1,5 +1,7 @@
 #include "core/localenumber.h"
 
+#include <QCoreApplication>
+
 #include <cmath>
 
 namespace qmr {
@@ -50,7 +52,8 @@ QString LocaleNumber::write(double value, int decimals) const
 
 QString LocaleNumber::notANumberMessage(const QString& fieldName) const
 {
-    return QStringLiteral("%1 must be a number, such as %2.").arg(fieldName, write(1234.5, 2));
+    return QCoreApplication::translate("qmr::LocaleNumber", "%1 must be a number, such as %2.")
+        .arg(fieldName, write(1234.5, 2));
 }
 
 } // namespace qmr

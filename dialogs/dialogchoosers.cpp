@@ -23,8 +23,7 @@ std::optional<QString> DialogChoosers::chooseDirectory(const QString& start)
     // the keys, places and typed paths people know from every other program. It opens at
     // home when the start is no directory, never at the top of the disk.
     const QString at = QFileInfo(start).isDir() ? start : QDir::homePath();
-    const QString chosen =
-        QFileDialog::getExistingDirectory(m_parent, QStringLiteral("Select Path"), at);
+    const QString chosen = QFileDialog::getExistingDirectory(m_parent, tr("Select Path"), at);
     if (chosen.isEmpty())
         return std::nullopt;
     return QDir::cleanPath(chosen);
@@ -34,7 +33,7 @@ std::optional<QString> DialogChoosers::chooseFileToOpen(const QString& start,
                                                         const QStringList& filters,
                                                         int selectedFilter)
 {
-    QFileDialog dialog(m_parent, QStringLiteral("Open"));
+    QFileDialog dialog(m_parent, tr("Open"));
     dialog.setFileMode(QFileDialog::ExistingFile);
     dialog.setAcceptMode(QFileDialog::AcceptOpen);
     dialog.setNameFilters(filters);
@@ -51,7 +50,7 @@ std::optional<QString> DialogChoosers::openFile(const QString& path)
     // A terminal editor started without a terminal never shows: the desktop's own program
     // for the file's type is what a person expects to see.
     if (!QDesktopServices::openUrl(QUrl::fromLocalFile(path)))
-        return QStringLiteral("No program could be started to open the file '%1'.").arg(path);
+        return tr("No program could be started to open the file '%1'.").arg(path);
     return std::nullopt;
 }
 

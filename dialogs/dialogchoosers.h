@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include "core/choosers.h"
 
 class QWidget;
@@ -10,6 +12,8 @@ namespace qmr {
 // opening files with the desktop's programs.
 class DialogChoosers : public Choosers
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::DialogChoosers)
+
 public:
     explicit DialogChoosers(QWidget* parent = nullptr) : m_parent(parent) {}
     void setParent(QWidget* parent) { m_parent = parent; }

@@ -46,14 +46,25 @@ struct LevelTexts
 const LevelTexts& textsOf(Level level)
 {
     static const LevelTexts texts[] = {
-        {"frmCabinet", "Cabinet", "Add File Cabinet", "File Cabinet Properties (",
-         "A file cabinet name is required.", "A file cabined named '%1' already exists."},
-        {"frmDrawer", "Drawer", "Add Drawer", "Drawer Properties (", "A drawer name is required.",
-         "A drawer named '%1' already exists."},
-        {"frmFolder", "Folder", "Add Folder", "Folder Properties (", "A folder name is required.",
-         "A folder named '%1' already exists."},
-        {"frmDocument", "Document", "Add Document", "Document Properties (",
-         "A document name is required.", nullptr},
+        {"frmCabinet", QT_TRANSLATE_NOOP("qmr::ItemDialog", "Cabinet"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Add File Cabinet"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "File Cabinet Properties ("),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A file cabinet name is required."),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A file cabined named '%1' already exists.")},
+        {"frmDrawer", QT_TRANSLATE_NOOP("qmr::ItemDialog", "Drawer"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Add Drawer"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Drawer Properties ("),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A drawer name is required."),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A drawer named '%1' already exists.")},
+        {"frmFolder", QT_TRANSLATE_NOOP("qmr::ItemDialog", "Folder"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Add Folder"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Folder Properties ("),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A folder name is required."),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A folder named '%1' already exists.")},
+        {"frmDocument", QT_TRANSLATE_NOOP("qmr::ItemDialog", "Document"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Add Document"),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "Document Properties ("),
+         QT_TRANSLATE_NOOP("qmr::ItemDialog", "A document name is required."), nullptr},
     };
     return texts[qBound(0, static_cast<int>(level), 3)];
 }
@@ -67,10 +78,10 @@ struct StatRow
 };
 
 constexpr StatRow kCountRows[] = {
-    {Level::Drawer, "Drawers:", "lblDRW", "lblDRWCount"},
-    {Level::Folder, "Folders:", "lblFLD", "lblFLDCount"},
-    {Level::Document, "Documents:", "lblDOC", "lblDOCCount"},
-    {Level::Page, "Pages:", "lblPAG", "lblPAGCount"},
+    {Level::Drawer, QT_TRANSLATE_NOOP("qmr::ItemDialog", "Drawers:"), "lblDRW", "lblDRWCount"},
+    {Level::Folder, QT_TRANSLATE_NOOP("qmr::ItemDialog", "Folders:"), "lblFLD", "lblFLDCount"},
+    {Level::Document, QT_TRANSLATE_NOOP("qmr::ItemDialog", "Documents:"), "lblDOC", "lblDOCCount"},
+    {Level::Page, QT_TRANSLATE_NOOP("qmr::ItemDialog", "Pages:"), "lblPAG", "lblPAGCount"},
 };
 
 } // namespace
@@ -98,7 +109,7 @@ void ItemDialog::buildWidgets()
     m_name = m_ui->txtName;
     m_description = m_ui->txtDescription;
     m_ok = m_ui->cmdOK;
-    m_tabs->setTabText(0, QLatin1String(textsOf(m_level).tab));
+    m_tabs->setTabText(0, tr(textsOf(m_level).tab));
 
     // The form holds the fields of every level; each level keeps its own.
     auto dropRow = [](QFormLayout* form, QWidget* label) {
@@ -190,9 +201,9 @@ void ItemDialog::updateCaption()
 {
     const LevelTexts& t = textsOf(m_level);
     if (m_collectOnly || m_mode == QLatin1String("Add"))
-        setWindowTitle(QLatin1String(t.addCaption));
+        setWindowTitle(tr(t.addCaption));
     else
-        setWindowTitle(QLatin1String(t.editCaption) + QString::number(m_id) + QLatin1Char(')'));
+        setWindowTitle(tr(t.editCaption) + QString::number(m_id) + QLatin1Char(')'));
     // Nothing to count before the item exists.
     if (m_statsTab)
         m_tabs->setTabEnabled(m_tabs->indexOf(m_statsTab), m_mode != QLatin1String("Add"));
@@ -244,7 +255,7 @@ void ItemDialog::populateTemplates(const QStringList& names, TemplateApplier app
         return;
     m_applyTemplate = std::move(apply);
     m_template->clear();
-    m_template->addItem(QStringLiteral("(none)"));
+    m_template->addItem(tr("(none)"));
     m_template->addItems(names);
     m_template->setCurrentIndex(0);
     m_templateLabel->show();
@@ -333,21 +344,21 @@ bool ItemDialog::validate()
         return refuse(ItemRules::badCharactersMessage(), m_name);
     m_name->setText(m_name->text().trimmed());
     if (m_name->text().isEmpty())
-        return refuse(QLatin1String(textsOf(m_level).required), m_name);
+        return refuse(tr(textsOf(m_level).required), m_name);
     if (m_storage1 && m_storage1->isChecked() && ItemRules::isBlank(m_saveTo->text()))
-        return refuse(QStringLiteral("A storage path is required."), m_saveTo);
+        return refuse(tr("A storage path is required."), m_saveTo);
     if (m_date && !ItemRules::isValidDate(m_date->text()))
-        return refuse(QStringLiteral("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
+        return refuse(tr("Please enter a date (mm/dd/yyyy) or leave blank."), m_date);
     // An amount is read with the locale's separators; what cannot be read is refused rather
     // than stored as some other number.
     if (m_amount && !ItemRules::isBlank(m_amount->text()) && !LocaleNumber().read(m_amount->text()))
-        return refuse(LocaleNumber().notANumberMessage(QStringLiteral("Amount")), m_amount);
+        return refuse(LocaleNumber().notANumberMessage(tr("Amount")), m_amount);
     const char* duplicate = textsOf(m_level).duplicate;
     if (duplicate && !m_collectOnly &&
         ItemStore(m_services.session.db())
             .nameTaken(m_level, m_parentId, m_name->text(),
                        m_mode == QLatin1String("Edit") ? m_id : -1))
-        return refuse(QString::fromUtf8(duplicate).arg(m_name->text()), m_name);
+        return refuse(tr(duplicate).arg(m_name->text()), m_name);
     // Over-long values get a plain message here rather than a failure from the store.
     try {
         ItemStore::checkWidths(m_level, fieldsFromControls());
@@ -379,7 +390,7 @@ void ItemDialog::write()
     m_id = items.insertItem(m_level, m_parentId, f);
     QVector<CreatedItem> created;
     if (m_template && m_applyTemplate && m_template->currentIndex() >= 1 &&
-        m_template->currentText() != QLatin1String("(none)"))
+        m_template->currentText() != tr("(none)"))
         created = m_applyTemplate(m_template->currentText(), m_id, items);
     tx.commit();
     if (!nav)

@@ -1,5 +1,6 @@
 #include "dialogs/pagepropertiesdialog.h"
 
+#include <QCoreApplication>
 #include <QLabel>
 #include <QLocale>
 #include <QPushButton>
@@ -16,7 +17,7 @@ namespace {
 QString bytes(qint64 size)
 {
     return QLocale(QLocale::English, QLocale::UnitedStates).toString(size) +
-           QStringLiteral(" bytes");
+           QCoreApplication::translate("qmr::PagePropertiesDialog", " bytes");
 }
 
 } // namespace
@@ -51,10 +52,8 @@ void PagePropertiesDialog::populate(qint32 pageId)
     const PageRow f = PageStore(m_db).page(pageId).value_or(PageRow());
     label("lblPageIdData")->setText(QString::number(pageId));
     label("lblScanDateData")
-        ->setText(f.scanDate.isValid() ? ItemRules::displayDate(f.scanDate)
-                                       : QStringLiteral("Not known"));
-    label("lblFileSizeData")
-        ->setText(f.hasFileSize ? bytes(f.fileSize) : QStringLiteral("Not known"));
+        ->setText(f.scanDate.isValid() ? ItemRules::displayDate(f.scanDate) : tr("Not known"));
+    label("lblFileSizeData")->setText(f.hasFileSize ? bytes(f.fileSize) : tr("Not known"));
     label("lblFileTypeData")->setText(f.fileType);
     if (f.shortcut)
         label("lblShortcutData")->setText(f.filename);
@@ -62,7 +61,7 @@ void PagePropertiesDialog::populate(qint32 pageId)
 
 void PagePropertiesDialog::populateMultiple(const QVector<qint32>& pageIds)
 {
-    label("lblPageId")->setText(QStringLiteral("Pages:"));
+    label("lblPageId")->setText(tr("Pages:"));
     PageStore pages(m_db);
     int count = 0;
     QString firstDate;
@@ -89,14 +88,14 @@ void PagePropertiesDialog::populateMultiple(const QVector<qint32>& pageIds)
             sizeSeen = true;
         }
     }
-    label("lblPageIdData")->setText(QString::number(count) + QStringLiteral(" pages"));
+    label("lblPageIdData")->setText(QString::number(count) + tr(" pages"));
     label("lblScanDateData")
-        ->setText(firstDate.isEmpty() ? QStringLiteral("Not known")
-                  : mixed             ? QStringLiteral("Various")
+        ->setText(firstDate.isEmpty() ? tr("Not known")
+                  : mixed             ? tr("Various")
                                       : ItemRules::displayDate(shownDate));
-    label("lblFileSizeData")->setText(sizeSeen ? bytes(total) : QStringLiteral("Not known"));
-    label("lblFileTypeData")->setText(QStringLiteral("Not konwn"));
-    label("lblShortcutData")->setText(QStringLiteral("Not known"));
+    label("lblFileSizeData")->setText(sizeSeen ? bytes(total) : tr("Not known"));
+    label("lblFileTypeData")->setText(tr("Not konwn"));
+    label("lblShortcutData")->setText(tr("Not known"));
 }
 
 } // namespace qmr

@@ -1,6 +1,7 @@
 #include "exchange/cabinetchoice.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 #include <QPushButton>
 
 #include "store/session.h"
@@ -16,7 +17,8 @@ void fillCabinetChoice(QComboBox* box, QPushButton* ok, Session& session)
     // A locked cabinet is not offered; with nothing to offer there is nothing to start.
     const bool any = box->count() > 0;
     if (!any)
-        box->addItem(QStringLiteral("No file cabinets to export"), -1);
+        box->addItem(
+            QCoreApplication::translate("qmr::CabinetChoice", "No file cabinets to export"), -1);
     box->setEnabled(any);
     ok->setEnabled(any);
     box->setCurrentIndex(0);

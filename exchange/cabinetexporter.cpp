@@ -28,9 +28,9 @@ bool CabinetExporter::isWithinHome(const QString& path, const QString& home)
 
 QString CabinetExporter::withinHomeMessage(const QString& home)
 {
-    return QStringLiteral("You cannot export a cabinet to a path within the Quillmere system.\n"
-                          "Please select another location that is not within the application "
-                          "path of:\n'%1'.")
+    return tr("You cannot export a cabinet to a path within the Quillmere system.\n"
+              "Please select another location that is not within the application "
+              "path of:\n'%1'.")
         .arg(home);
 }
 
@@ -62,16 +62,16 @@ ExportReport CabinetExporter::exportCabinet(qint32 cabinetId, const QString& pat
     m_halt = false;
     m_written.clear();
     try {
-        progress.start(QStringLiteral("Count files"), 1, 2);
+        progress.start(tr("Count files"), 1, 2);
         const ItemManifest cabinet = m_session.items().manifest(Level::Cabinet, cabinetId);
         if (cabinet.id >= 0) {
-            progress.step(QStringLiteral("Count files in cabinet"));
+            progress.step(tr("Count files in cabinet"));
             const int pages = m_session.pages().countCabinetPages(cabinetId);
             // Counted as the design does; free space is never judged ahead of time.
-            progress.step(QStringLiteral("Count bytes in cabinet"));
+            progress.step(tr("Count bytes in cabinet"));
             m_session.pages().sumCabinetBytes(cabinetId);
             if (pages > 0 || m_questions.exportEmptyCabinet()) {
-                progress.start(QStringLiteral("Preparing to export"), 1, pages + 1);
+                progress.start(tr("Preparing to export"), 1, pages + 1);
                 walkCabinet(cabinetId, path);
             }
         }
@@ -118,15 +118,15 @@ CabinetExporter::Next CabinetExporter::run(const std::function<FileOutcome()>& w
 
 void CabinetExporter::makeDirectory(const QString& directory)
 {
-    status(QStringLiteral("Create path"), directory);
+    status(tr("Create path"), directory);
     if (!m_fs.makePath(directory))
-        m_report.problems << QStringLiteral("Cannot make the directory %1").arg(directory);
+        m_report.problems << tr("Cannot make the directory %1").arg(directory);
 }
 
 CabinetExporter::Next CabinetExporter::writeManifest(const QString& path,
                                                      const std::function<FileOutcome()>& write)
 {
-    status(QStringLiteral("Create file"), path);
+    status(tr("Create file"), path);
     return run(write);
 }
 
@@ -194,12 +194,12 @@ void CabinetExporter::walkDocument(const ItemManifest& document, const QString& 
         if (halted())
             return;
         const QString source = paths.pagePath(page.id, page.filename);
-        QString stepText = QStringLiteral("Copy document ") + document.name;
+        QString stepText = tr("Copy document %1").arg(document.name);
         if (m_fs.isFile(source)) {
             // A page whose file has gone is left out and not counted.
             const QString fileName = PagePaths::filePart(source);
-            stepText = QStringLiteral("Copy file ") + fileName;
-            status(QStringLiteral("Copy file"), fileName);
+            stepText = tr("Copy file %1").arg(fileName);
+            status(tr("Copy file"), fileName);
             const QString target = inside(
                 directory, ExchangeWriter::distinctName(
                                ExchangeWriter::pageFileName(source, page.pageNumber), *taken));

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QSet>
 #include <QString>
@@ -23,6 +24,8 @@ class Session;
 // cannot be resumed in any other way.
 class CabinetExporter
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::CabinetExporter)
+
 public:
     CabinetExporter(Session& session, ExchangeFileSystem& fs, ExchangeQuestions& questions);
 

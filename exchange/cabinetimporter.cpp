@@ -95,13 +95,13 @@ private:
 
 QString CabinetImporter::missingPathMessage(const QString& path)
 {
-    return QStringLiteral("'%1' does not exist.").arg(path);
+    return tr("'%1' does not exist.").arg(path);
 }
 
 QString CabinetImporter::missingMarkerMessage()
 {
-    return QStringLiteral("Missing QMR.TXT. This file designates the starting point of a "
-                          "previously exported file cabinet.");
+    return tr("Missing QMR.TXT. This file designates the starting point of a "
+              "previously exported file cabinet.");
 }
 
 CabinetImporter::CabinetImporter(Session& session, ExchangeFileSystem& fs,
@@ -205,7 +205,7 @@ ImportReport CabinetImporter::importCabinet(qint32 cabinetId, const QString& pat
     try {
         for (int disk = 1;; ++disk) {
             const int count = countImportFiles(path);
-            progress.start(QStringLiteral("Import files"), 1, qMax(1, count));
+            progress.start(tr("Import files"), 1, qMax(1, count));
             if (count == 0 && !m_questions.importStructureOnly()) {
                 m_report.declined = true;
                 break;
@@ -226,7 +226,7 @@ DirectoryListing CabinetImporter::walked(const QString& dir)
 {
     DirectoryListing listing = m_fs.list(dir);
     for (const QString& link : std::as_const(listing.links))
-        m_report.skipped << QStringLiteral("'%1' is a link; it was not followed.")
+        m_report.skipped << tr("'%1' is a link; it was not followed.")
                                 .arg(NativeName::display(inside(dir, link)));
     return listing;
 }
@@ -235,7 +235,7 @@ int CabinetImporter::countImportFiles(const QString& path)
 {
     // The files the walk will step through, four levels down.
     const std::function<int(const QString&, int)> count = [&](const QString& dir, int level) {
-        status(QStringLiteral("Scan files"), NativeName::display(dir));
+        status(tr("Scan files"), NativeName::display(dir));
         const DirectoryListing listing = m_fs.list(dir);
         int files = 0;
         for (const QString& name : listing.files)
@@ -337,7 +337,7 @@ void CabinetImporter::importDocument(qint32 folderId, const QString& path)
         for (const QString& name : pageFiles(path, listing.files, {})) {
             if (halted())
                 break;
-            m_progress->step(QStringLiteral("Import ") + NativeName::display(name));
+            m_progress->step(tr("Import %1").arg(NativeName::display(name)));
             importFile(documentId, path, name);
         }
     }
@@ -351,8 +351,7 @@ qint32 CabinetImporter::getOrCreate(Level level, qint32 parentId, const QString&
                                     bool showStatus)
 {
     if (showStatus)
-        status(QStringLiteral("Create ") + QString::fromLatin1(levelInfo(level).word).toLower(),
-               name);
+        status(tr("Create ") + QString::fromLatin1(levelInfo(level).word).toLower(), name);
     ItemStore& items = m_session.items();
     const qint32 found = items.childNamed(level, parentId, name);
     if (found >= 0)
@@ -377,7 +376,7 @@ void CabinetImporter::applyDescription(Level level, qint32 id, const QString& di
     const QString path = inside(dir, name);
     const std::optional<QString> description = m_reader.readDescription(path);
     if (!description) {
-        problem(QStringLiteral("Cannot read %1").arg(NativeName::display(path)));
+        problem(tr("Cannot read %1").arg(NativeName::display(path)));
         return;
     }
     m_session.items().setDescription(level, id, *description);
@@ -391,14 +390,14 @@ void CabinetImporter::applyDocument(qint32 documentId, const QString& dir, const
     const QString path = inside(dir, name);
     const std::optional<DocumentValues> values = m_reader.readDocument(path);
     if (!values) {
-        problem(QStringLiteral("Cannot read %1").arg(NativeName::display(path)));
+        problem(tr("Cannot read %1").arg(NativeName::display(path)));
         return;
     }
     std::optional<QDate> date;
     if (!values->date.isEmpty()) {
         date = ItemRules::parseDate(values->date);
         if (!date->isValid()) {
-            problem(QStringLiteral("%1: '%2' is not a date; the document keeps its own")
+            problem(tr("%1: '%2' is not a date; the document keeps its own")
                         .arg(NativeName::display(path), values->date));
             date.reset();
         }
@@ -421,8 +420,8 @@ QStringList CabinetImporter::pageFiles(const QString& dir, const QStringList& fi
         // neither the file's nor a directory's on the way.
         const QString path = inside(dir, name);
         if (isShortcutName(shown) && NativeName::hasKeptBytes(path)) {
-            m_report.skipped << QStringLiteral("'%1' has a path that is not UTF-8, which a "
-                                               "shortcut cannot keep; it was not imported.")
+            m_report.skipped << tr("'%1' has a path that is not UTF-8, which a "
+                                   "shortcut cannot keep; it was not imported.")
                                     .arg(NativeName::display(path));
             continue;
         }
@@ -438,7 +437,7 @@ void CabinetImporter::importDirectoryFiles(qint32 parentId, const QString& dir, 
         if (halted())
             return;
         const QString shown = NativeName::display(name);
-        m_progress->step(QStringLiteral("Import ") + shown);
+        m_progress->step(tr("Import %1").arg(shown));
         if (level == Level::Document) {
             importFile(parentId, dir, name);
         } else {
@@ -458,7 +457,7 @@ void CabinetImporter::importFile(qint32 documentId, const QString& dir, const QS
     const QString path = inside(dir, name);
     const qint64 length = m_fs.fileSize(path);
     if (length < 0) {
-        problem(QStringLiteral("Cannot read %1").arg(NativeName::display(path)));
+        problem(tr("Cannot read %1").arg(NativeName::display(path)));
         return;
     }
     // A page whose file cannot be taken in leaves no row behind (nor a document made for it).
@@ -532,7 +531,7 @@ bool CabinetImporter::copyImportedPageFile(const QString& source, qint32 pageId,
         return false;
     };
     if (!m_fs.makePath(PagePaths::directoryPart(target)))
-        return halt(QStringLiteral("Cannot make the directory of %1").arg(target));
+        return halt(tr("Cannot make the directory of %1").arg(target));
     if (newRow) {
         if (const QString taken = PagePlace::clear(m_session.pages(), paths, pageId, target);
             !taken.isEmpty()) {
@@ -572,12 +571,12 @@ ImportReport CabinetImporter::importFiles(qint32 targetId, Level level, const QS
 {
     begin(progress);
     try {
-        progress.start(QStringLiteral("Count files to import"), 1, 2);
-        progress.step(QStringLiteral("Counting files to import"));
+        progress.start(tr("Count files to import"), 1, 2);
+        progress.step(tr("Counting files to import"));
         const QStringList names = pageFiles(dir, walked(dir).files, filter);
         progress.end();
         if (!names.isEmpty()) {
-            progress.start(QStringLiteral("Import files"), 1, int(names.size()));
+            progress.start(tr("Import files"), 1, int(names.size()));
             progress.showCancel();
             if (level == Level::Document) {
                 Unit unit(*this);

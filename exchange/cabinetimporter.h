@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QSet>
 #include <QString>
@@ -30,6 +31,8 @@ class ThumbnailQueue;
 // stop keeps what came in before it.
 class CabinetImporter
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::CabinetImporter)
+
 public:
     CabinetImporter(Session& session, ExchangeFileSystem& fs, ExchangeQuestions& questions,
                     NavigatorCallbacks* navigator = nullptr);

@@ -1,5 +1,6 @@
 #include "exchange/diskfilesystem.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -35,7 +36,9 @@ QString systemText(int error)
 
 FileOutcome writeError(int error, const QString& path)
 {
-    const QString message = QStringLiteral("Cannot write %1: %2").arg(path, systemText(error));
+    const QString message =
+        QCoreApplication::translate("qmr::DiskFileSystem", "Cannot write %1: %2")
+            .arg(path, systemText(error));
     return FileOutcome::failed(error == ENOSPC || error == EDQUOT ? FileOutcome::Kind::DiskFull
                                                                   : FileOutcome::Kind::WriteFailed,
                                message);
@@ -104,10 +107,13 @@ FileOutcome readError(int error, const QString& path)
     if (error == ELOOP)
         return FileOutcome::failed(
             FileOutcome::Kind::Link,
-            QStringLiteral("'%1' is a link; it was not followed.").arg(NativeName::display(path)));
+            QCoreApplication::translate("qmr::DiskFileSystem",
+                                        "'%1' is a link; it was not followed.")
+                .arg(NativeName::display(path)));
     return FileOutcome::failed(
         FileOutcome::Kind::ReadFailed,
-        QStringLiteral("Cannot read %1: %2").arg(NativeName::display(path), systemText(error)));
+        QCoreApplication::translate("qmr::DiskFileSystem", "Cannot read %1: %2")
+            .arg(NativeName::display(path), systemText(error)));
 }
 
 // Opens a copy's source for reading: a plain file only, so that a pipe or a device is never
@@ -130,9 +136,11 @@ int openSource(const QString& path, LinkRule links, FileOutcome& failure, qint64
     }
     if (!S_ISREG(info.st_mode)) {
         ::close(fd);
-        failure = FileOutcome::failed(
-            FileOutcome::Kind::ReadFailed,
-            QStringLiteral("Cannot read %1: it is no plain file").arg(NativeName::display(path)));
+        failure =
+            FileOutcome::failed(FileOutcome::Kind::ReadFailed,
+                                QCoreApplication::translate("qmr::DiskFileSystem",
+                                                            "Cannot read %1: it is no plain file")
+                                    .arg(NativeName::display(path)));
         return -1;
     }
     if (size)
@@ -302,7 +310,7 @@ FileOutcome DiskFileSystem::placed(PartFile& part, PartFile::Placing placing, bo
     case PartFile::Placed::TargetExists:
         return FileOutcome::failed(
             FileOutcome::Kind::TargetExists,
-            QStringLiteral("Cannot write %1: another file stands there").arg(part.target()));
+            tr("Cannot write %1: another file stands there").arg(part.target()));
     case PartFile::Placed::Failed:
         break;
     }

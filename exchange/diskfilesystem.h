@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include "core/partfile.h"
 #include "exchange/exchangefilesystem.h"
 
@@ -11,6 +13,8 @@ namespace qmr {
 // in place.
 class DiskFileSystem : public ExchangeFileSystem
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::DiskFileSystem)
+
 public:
     bool isDirectory(const QString& path) const override;
     bool isFile(const QString& path) const override;

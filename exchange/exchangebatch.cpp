@@ -1,5 +1,6 @@
 #include "exchange/exchangebatch.h"
 
+#include <QCoreApplication>
 #include <QDir>
 
 #include "exchange/cabinetexporter.h"
@@ -26,8 +27,10 @@ public:
 
 QString stoppedMessage(const QString& command)
 {
-    return QStringLiteral("The %1 was stopped before its end, as the program was asked to quit; "
-                          "what it had done by then is kept.")
+    return QCoreApplication::translate(
+               "qmr::ExchangeBatch",
+               "The %1 was stopped before its end, as the program was asked to quit; "
+               "what it had done by then is kept.")
         .arg(command);
 }
 
@@ -60,12 +63,12 @@ qint32 ExchangeBatch::findCabinet(const QString& name, const QString& verb)
 {
     const qint32 id = m_session.items().childNamed(Level::Cabinet, -1, name);
     if (id < 0) {
-        fail(QStringLiteral("There is no file cabinet named '%1'.").arg(name));
+        fail(tr("There is no file cabinet named '%1'.").arg(name));
         return -1;
     }
     if (!m_session.locks().isCabinetOpen(id)) {
-        fail(QStringLiteral("The file cabinet '%1' has a password; it can be %2 only in the "
-                            "program's window.")
+        fail(tr("The file cabinet '%1' has a password; it can be %2 only in the "
+                "program's window.")
                  .arg(name, verb));
         return -1;
     }
@@ -86,12 +89,12 @@ int ExchangeBatch::exportCabinet(const QString& cabinetName, const QString& dir)
 {
     try {
         if (dir.trimmed().isEmpty())
-            return fail(QStringLiteral("No output path was given."));
+            return fail(tr("No output path was given."));
         const QString path = absolute(dir);
         const QString home = m_session.home().path();
         if (CabinetExporter::isWithinHome(path, home))
             return fail(CabinetExporter::withinHomeMessage(home));
-        const qint32 cabinetId = findCabinet(cabinetName, QStringLiteral("exported"));
+        const qint32 cabinetId = findCabinet(cabinetName, tr("exported"));
         if (cabinetId < 0)
             return 1;
         FixedAnswers answers;
@@ -104,10 +107,10 @@ int ExchangeBatch::exportCabinet(const QString& cabinetName, const QString& dir)
         m_out << report.reportText() << '\n' << Qt::flush;
         QStringList failures = report.failures();
         if (report.stopped)
-            failures << stoppedMessage(QStringLiteral("export"));
+            failures << stoppedMessage(tr("export"));
         if (report.diskRefused)
-            failures << QStringLiteral("The output path is full. Another disk can be "
-                                       "given only in the program's window.");
+            failures << tr("The output path is full. Another disk can be "
+                           "given only in the program's window.");
         return finish(failures, QString());
     } catch (const StoreError& e) {
         return fail(e.message());
@@ -122,7 +125,7 @@ int ExchangeBatch::importCabinet(const QString& dir, const QString& cabinetName)
             return fail(CabinetImporter::missingPathMessage(dir.trimmed().isEmpty() ? dir : path));
         if (!ExchangeReader(*m_fs).hasMarker(path))
             return fail(CabinetImporter::missingMarkerMessage());
-        const qint32 cabinetId = findCabinet(cabinetName, QStringLiteral("imported into"));
+        const qint32 cabinetId = findCabinet(cabinetName, tr("imported into"));
         if (cabinetId < 0)
             return 1;
         FixedAnswers answers;
@@ -134,7 +137,7 @@ int ExchangeBatch::importCabinet(const QString& dir, const QString& cabinetName)
         }
         m_out << report.reportText() << '\n' << Qt::flush;
         if (report.stopped)
-            report.problems << stoppedMessage(QStringLiteral("import"));
+            report.problems << stoppedMessage(tr("import"));
         // What the walk passed over on purpose (a link) is named as a failure: the tree did
         // not come across whole.
         return finish(report.skipped + report.problems, report.error);

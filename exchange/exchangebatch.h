@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QTextStream>
 #include <functional>
@@ -17,6 +18,8 @@ class Session;
 // 1 with the reasons on the error stream otherwise.
 class ExchangeBatch
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ExchangeBatch)
+
 public:
     // `err` takes the progress line and the failures, `out` the report. `fs` stands in for
     // the real file system in tests.

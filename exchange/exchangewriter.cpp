@@ -129,7 +129,7 @@ FileOutcome ExchangeWriter::writeLines(const QString& path, const QStringList& l
 {
     if (!makeDirectoryOf(path))
         return FileOutcome::failed(FileOutcome::Kind::NoDirectory,
-                                   QStringLiteral("Cannot make the directory of %1").arg(path));
+                                   tr("Cannot make the directory of %1").arg(path));
     return m_fs.writeFile(path, TextFile::encodeLines(lines, kEol));
 }
 
@@ -158,7 +158,7 @@ FileOutcome ExchangeWriter::copyPageFile(const QString& source, const QString& t
 {
     if (!makeDirectoryOf(target))
         return FileOutcome::failed(FileOutcome::Kind::NoDirectory,
-                                   QStringLiteral("Cannot make the directory of %1").arg(target));
+                                   tr("Cannot make the directory of %1").arg(target));
     return m_fs.copyFile(source, target, links);
 }
 

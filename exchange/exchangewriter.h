@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QSet>
 #include <QString>
@@ -17,6 +18,8 @@ namespace qmr {
 // the same wherever the directory travels.
 class ExchangeWriter
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ExchangeWriter)
+
 public:
     static const QString kMarkerFile;   // "QMR.txt"
     static const QString kCabinetFile;  // "Cabinet.txt"

@@ -68,7 +68,7 @@ void ExportDialog::cmdCancel()
         QDialog::reject();
         return;
     }
-    if (m_context.prompter.confirm(QStringLiteral("Stop the export?"), Prompter::Buttons::YesNo))
+    if (m_context.prompter.confirm(tr("Stop the export?"), Prompter::Buttons::YesNo))
         m_progress->requestStop();
 }
 
@@ -94,7 +94,7 @@ void ExportDialog::cmdOK()
     const QString path = m_ui->txtOutputPath->text().trimmed();
     const QString home = m_context.session.home().path();
     if (path.isEmpty()) {
-        m_context.prompter.tell(QStringLiteral("Please enter the output path."));
+        m_context.prompter.tell(tr("Please enter the output path."));
         m_ui->txtOutputPath->setFocus();
         return;
     }
@@ -105,8 +105,7 @@ void ExportDialog::cmdOK()
     }
     if (!QFileInfo(path).isDir() &&
         !m_context.prompter.confirm(
-            QStringLiteral("'") + path +
-            QStringLiteral("' does not exist.  Do you want to create it?"))) {
+            tr("'%1' does not exist.  Do you want to create it?").arg(path))) {
         // Made by the export itself when it writes there.
         m_ui->txtOutputPath->setFocus();
         return;

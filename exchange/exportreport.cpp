@@ -8,9 +8,8 @@ QString ExportReport::reportText() const
 {
     // An export that something ended early does not call itself complete.
     if (endedEarly())
-        return QStringLiteral("Export not complete. %1 pages copied before it ended.")
-            .arg(pagesCopied);
-    return QStringLiteral("Export complete. %1 pages copied.").arg(pagesCopied);
+        return tr("Export not complete. %1 pages copied before it ended.").arg(pagesCopied);
+    return tr("Export complete. %1 pages copied.").arg(pagesCopied);
 }
 
 QStringList ExportReport::failures() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -8,6 +9,9 @@ namespace qmr {
 // What an export did, told alike in the window and on the command line.
 struct ExportReport
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ExportReport)
+
+public:
     int pagesCopied = 0;      // page files written whole at the target
     bool stopped = false;     // the user stopped it
     bool diskRefused = false; // the target filled up and no further disk was given

@@ -68,10 +68,7 @@ void ImportDialog::cmdLookup()
     const QString start =
         QDir(dir.isEmpty() ? QDir::homePath() : dir).filePath(QStringLiteral("QMR.txt"));
     const std::optional<QString> chosen = m_context.choosers.chooseFileToOpen(
-        start,
-        {QStringLiteral("All files (*)"),
-         QStringLiteral("File cabinets (qmr.txt QMR.txt QMR.TXT)")},
-        1);
+        start, {tr("All files (*)"), tr("File cabinets (qmr.txt QMR.txt QMR.TXT)")}, 1);
     if (!chosen)
         return;
     QString chosenDir = PagePaths::directoryPart(*chosen);
@@ -86,7 +83,7 @@ void ImportDialog::cmdCancel()
         QDialog::reject();
         return;
     }
-    if (m_context.prompter.confirm(QStringLiteral("Stop the import?"), Prompter::Buttons::YesNo))
+    if (m_context.prompter.confirm(tr("Stop the import?"), Prompter::Buttons::YesNo))
         m_progress->requestStop();
 }
 
@@ -124,14 +121,13 @@ void ImportDialog::cmdOK()
     const int diskCount = int(qBound(-1.0e9, typed, 1.0e9));
     m_ui->txtDiskCount->setText(QString::number(diskCount));
     if (diskCount >= 10 &&
-        !m_context.prompter.confirm(
-            QStringLiteral("You have designated over 10 disks to import.  Continue?"),
-            Prompter::Buttons::YesNo)) {
+        !m_context.prompter.confirm(tr("You have designated over 10 disks to import.  Continue?"),
+                                    Prompter::Buttons::YesNo)) {
         m_ui->txtDiskCount->setFocus();
         return;
     }
     if (diskCount < 1) {
-        m_context.prompter.tell(QStringLiteral("You have entered a disk count less than 1."));
+        m_context.prompter.tell(tr("You have entered a disk count less than 1."));
         m_ui->txtDiskCount->setFocus();
         return;
     }

@@ -11,11 +11,10 @@ QString ImportReport::skippedText() const
 
 QString ImportReport::reportText() const
 {
-    QString text = QStringLiteral("%1 files imported.\r\n%2 shortcuts created.")
-                       .arg(filesImported)
-                       .arg(shortcutsCreated);
+    QString text =
+        tr("%1 files imported.\r\n%2 shortcuts created.").arg(filesImported).arg(shortcutsCreated);
     if (stopped)
-        text += QStringLiteral("\r\nImport stopped by user.");
+        text += tr("\r\nImport stopped by user.");
     return text;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -8,6 +9,9 @@ namespace qmr {
 // What an import did.
 struct ImportReport
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ImportReport)
+
+public:
     int filesImported = 0;    // page files copied into the store
     int shortcutsCreated = 0; // new pages that point at a file where it lies
     int filesSkipped = 0;     // the page's file stood there already

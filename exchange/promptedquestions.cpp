@@ -6,26 +6,25 @@ namespace qmr {
 
 bool PromptedQuestions::exportEmptyCabinet()
 {
-    return m_prompter.confirm(
-        QStringLiteral("There are no images in this cabinet.  Export an empty cabinet?"));
+    return m_prompter.confirm(tr("There are no images in this cabinet.  Export an empty cabinet?"));
 }
 
 bool PromptedQuestions::importStructureOnly()
 {
-    return m_prompter.confirm(QStringLiteral(
-        "There are no image files to import.  Import the file cabinet's structure?"));
+    return m_prompter.confirm(
+        tr("There are no image files to import.  Import the file cabinet's structure?"));
 }
 
 bool PromptedQuestions::insertExportDisk(int number)
 {
-    return m_prompter.ask(QStringLiteral("Please insert disk #") + QString::number(number),
-                          Prompter::Buttons::OkCancel) == Prompter::Answer::Ok;
+    return m_prompter.ask(tr("Please insert disk #%1").arg(number), Prompter::Buttons::OkCancel) ==
+           Prompter::Answer::Ok;
 }
 
 bool PromptedQuestions::insertImportDisk(int number)
 {
-    return m_prompter.ask(QStringLiteral("Please insert disk # ") + QString::number(number),
-                          Prompter::Buttons::OkCancel) == Prompter::Answer::Ok;
+    return m_prompter.ask(tr("Please insert disk # %1").arg(number), Prompter::Buttons::OkCancel) ==
+           Prompter::Answer::Ok;
 }
 
 } // namespace qmr

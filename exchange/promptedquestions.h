@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include "exchange/exchangequestions.h"
 
 namespace qmr {
@@ -9,6 +11,8 @@ class Prompter;
 // The questions of export and import, put to a person.
 class PromptedQuestions : public ExchangeQuestions
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PromptedQuestions)
+
 public:
     explicit PromptedQuestions(Prompter& prompter) : m_prompter(prompter) {}
 

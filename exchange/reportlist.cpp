@@ -1,5 +1,7 @@
 #include "exchange/reportlist.h"
 
+#include <QCoreApplication>
+
 namespace qmr {
 
 namespace {
@@ -10,7 +12,8 @@ QString reportList(const QStringList& entries)
 {
     QStringList lines = entries.mid(0, kNamedEntries);
     if (entries.size() > kNamedEntries)
-        lines << QStringLiteral("... and %1 more.").arg(entries.size() - kNamedEntries);
+        lines << QCoreApplication::translate("qmr::ReportList", "... and %1 more.")
+                     .arg(entries.size() - kNamedEntries);
     return lines.join(QStringLiteral("\r\n"));
 }
 

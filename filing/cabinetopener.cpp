@@ -1,5 +1,7 @@
 #include "filing/cabinetopener.h"
 
+#include <QCoreApplication>
+
 #include "core/choosers.h"
 #include "core/navigatorcallbacks.h"
 #include "core/prompter.h"
@@ -18,7 +20,8 @@ bool CabinetOpener::openCabinet(const CommandContext& context, qint32 cabinetId)
         if (!typed)
             return false;
         if (!locks.passwordMatches(cabinetId, *typed)) {
-            context.prompter.tell(QStringLiteral("Access Denied"));
+            context.prompter.tell(
+                QCoreApplication::translate("qmr::CabinetOpener", "Access Denied"));
             return false;
         }
     }

@@ -1,5 +1,6 @@
 #include "filing/defaultpageopener.h"
 
+#include <QCoreApplication>
 #include <QFileInfo>
 
 #include "core/choosers.h"
@@ -14,12 +15,14 @@ void DefaultPageOpener::openPage(qint32 pageId)
     if (!page)
         return;
     if (page->shortcut && page->filename.isEmpty()) {
-        m_prompter.tell(QStringLiteral("This shortcut has no filename."));
+        m_prompter.tell(QCoreApplication::translate("qmr::DefaultPageOpener",
+                                                    "This shortcut has no filename."));
         return;
     }
     const QString path = m_session.paths().pagePath(page->id, page->filename);
     if (!QFileInfo(path).isFile()) {
-        m_prompter.tell(QStringLiteral("Missing file '") + path + QStringLiteral("'."));
+        m_prompter.tell(
+            QCoreApplication::translate("qmr::DefaultPageOpener", "Missing file '%1'.").arg(path));
         return;
     }
     if (const std::optional<QString> failure = m_choosers.openFile(path))

@@ -1,5 +1,7 @@
 #include "filing/deletecommand.h"
 
+#include <QCoreApplication>
+
 #include "core/commandtarget.h"
 #include "core/navigatorcallbacks.h"
 #include "core/progress.h"
@@ -46,7 +48,8 @@ QString DeleteCommand::pageName(const PageRow& page)
 {
     if (page.shortcut || (!page.filename.isEmpty() && page.pageNumber == 0))
         return PagePaths::filePart(page.filename);
-    return QStringLiteral("Page ") + QString::number(page.pageNumber);
+    return QCoreApplication::translate("qmr::DeleteCommand", "Page ") +
+           QString::number(page.pageNumber);
 }
 
 void DeleteCommand::deleteItem(Level level)
@@ -62,8 +65,8 @@ void DeleteCommand::deleteItem(Level level)
         const ItemRow item = session.items().item(level, id);
         if (item.id < 0)
             return;
-        if (!m_context.prompter.confirm(QStringLiteral("Delete '") + item.name +
-                                        QStringLiteral("'?")))
+        if (!m_context.prompter.confirm(
+                QCoreApplication::translate("qmr::DeleteCommand", "Delete '%1'?").arg(item.name)))
             return;
         Deletion deletion(session.db(), session.paths());
         Progress& progress = m_context.progress;
@@ -105,11 +108,14 @@ void DeleteCommand::deletePageIds(const QVector<qint32>& ids)
         return;
     QString question;
     if (ids.size() > 1)
-        question = QStringLiteral("Delete %1 pages?").arg(ids.size());
+        question =
+            QCoreApplication::translate("qmr::DeleteCommand", "Delete %1 pages?").arg(ids.size());
     else if (first->shortcut)
-        question = QStringLiteral("Delete shortcut to '") + pageName(*first) + QStringLiteral("'?");
+        question = QCoreApplication::translate("qmr::DeleteCommand", "Delete shortcut to '%1'?")
+                       .arg(pageName(*first));
     else
-        question = QStringLiteral("Delete '") + pageName(*first) + QStringLiteral("'?");
+        question =
+            QCoreApplication::translate("qmr::DeleteCommand", "Delete '%1'?").arg(pageName(*first));
     if (!m_context.prompter.confirm(question))
         return;
     Deletion deletion(session.db(), session.paths());

@@ -23,7 +23,10 @@ namespace qmr {
 
 namespace {
 
-const QString kTitle = QStringLiteral("Pasting files");
+QString title()
+{
+    return QCoreApplication::translate("qmr::FileDrop", "Pasting files");
+}
 
 } // namespace
 
@@ -76,7 +79,7 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
     auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
     Progress& progress = m_context.progress;
     m_files.begin();
-    progress.start(kTitle, 1, int(files.size()));
+    progress.start(title(), 1, int(files.size()));
     progress.showCancel();
     QElapsedTimer sinceShown;
     sinceShown.start();
@@ -111,7 +114,8 @@ void FileDrop::runBatch(const QStringList& files, const std::function<void(const
                 // Each row then commits on its own.
             }
         }
-        progress.step(QStringLiteral("Pasting ") + QFileInfo(file).fileName());
+        progress.step(QCoreApplication::translate("qmr::FileDrop", "Pasting %1")
+                          .arg(QFileInfo(file).fileName()));
         try {
             addOne(file);
         } catch (const StoreError& e) {

@@ -1,6 +1,7 @@
 #include "filing/imagefile.h"
 
 #include <QBuffer>
+#include <QCoreApplication>
 #include <QFile>
 #include <QImageReader>
 #include <QImageWriter>
@@ -80,8 +81,9 @@ Attempt<> ImageFile::writeJpeg(const QImage& image, const QString& path, int qua
                                PartFile::Placing placing)
 {
     const auto failure = [&](const QString& reason) {
-        return Failure(
-            QStringLiteral("The image could not be written to '%1': %2").arg(path, reason));
+        return Failure(QCoreApplication::translate("qmr::ImageFile",
+                                                   "The image could not be written to '%1': %2")
+                           .arg(path, reason));
     };
     PartFile part(path);
     if (!part.open())
@@ -100,7 +102,7 @@ Attempt<> ImageFile::writeJpeg(const QImage& image, const QString& path, int qua
     case PartFile::Placed::Done:
         return {};
     case PartFile::Placed::TargetExists:
-        return failure(QStringLiteral("another file stands there"));
+        return failure(QCoreApplication::translate("qmr::ImageFile", "another file stands there"));
     case PartFile::Placed::Failed:
         break;
     }

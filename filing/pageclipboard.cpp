@@ -1,5 +1,6 @@
 #include "filing/pageclipboard.h"
 
+#include <QCoreApplication>
 #include <QCursor>
 #include <QGuiApplication>
 #include <QScopeGuard>
@@ -73,7 +74,7 @@ void PageClipboard::pasteCutPages(qint32 documentId)
     ClipPages& clip = m_context.session.clipPages();
     PageStore& pages = m_context.session.pages();
     Progress& progress = m_context.progress;
-    const QString title = QStringLiteral("Pasting files");
+    const QString title = QCoreApplication::translate("qmr::PageClipboard", "Pasting files");
     progress.start(title, 1, clip.count());
     auto ended = qScopeGuard([&progress] { progress.end(); });
     // The pages move together or not at all; they keep their numbers, so two pages of the

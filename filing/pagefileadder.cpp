@@ -42,7 +42,9 @@ bool fitsWhole(const QFile& in)
 Failure taken(const QString& target)
 {
     return Failure(
-        QStringLiteral("Another file appeared at %1 while the page was copied").arg(target));
+        QCoreApplication::translate("qmr::PageFileAdder",
+                                    "Another file appeared at %1 while the page was copied")
+            .arg(target));
 }
 
 // Moves a written part file to the page's name.
@@ -191,11 +193,11 @@ std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fil
         page.pageNumber = row.shortcut ? 0 : nextPageNumber(documentId);
         // What cannot be read now is named at the end, not filed as a page without a file.
         if (!info.exists()) {
-            skip(path, QStringLiteral("No such file"));
+            skip(path, QCoreApplication::translate("qmr::PageFileAdder", "No such file"));
             return std::nullopt;
         }
         if (info.isDir()) {
-            skip(path, QStringLiteral("A folder, not a file"));
+            skip(path, QCoreApplication::translate("qmr::PageFileAdder", "A folder, not a file"));
             return std::nullopt;
         }
         QFile file(path);
@@ -274,7 +276,8 @@ void PageFileAdder::deliver(const NewRow& row)
     ++m_outstanding;
     emit thumbnailComing(thumbPath);
     if (!paths.ensurePathInHome(pagePath)) {
-        copyDone(row, QStringLiteral("The directory %1 could not be made")
+        copyDone(row, QCoreApplication::translate("qmr::PageFileAdder",
+                                                  "The directory %1 could not be made")
                           .arg(PagePaths::directoryPart(pagePath)));
         return;
     }
@@ -376,7 +379,8 @@ void PageFileAdder::removeOrphans()
         } catch (const StoreError& e) {
             if (orphan.problem >= 0 && orphan.problem < m_problems.size())
                 m_problems[orphan.problem] +=
-                    QStringLiteral(" (its page %1 stays without a file: %2)")
+                    QCoreApplication::translate("qmr::PageFileAdder",
+                                                " (its page %1 stays without a file: %2)")
                         .arg(orphan.pageId)
                         .arg(e.message());
         }
@@ -410,15 +414,19 @@ QString PageFileAdder::report() const
     if (m_problems.isEmpty())
         return QString();
     const int total = m_added + int(m_problems.size());
-    QString text = total == 1 ? QStringLiteral("The file could not be added:\n")
-                              : QStringLiteral("%1 of %2 files were added. These could not be "
-                                               "added:\n")
-                                    .arg(m_added)
-                                    .arg(total);
+    QString text =
+        total == 1
+            ? QCoreApplication::translate("qmr::PageFileAdder", "The file could not be added:\n")
+            : QCoreApplication::translate("qmr::PageFileAdder",
+                                          "%1 of %2 files were added. These could not be "
+                                          "added:\n")
+                  .arg(m_added)
+                  .arg(total);
     for (int i = 0; i < m_problems.size() && i < kReportedNames; ++i)
         text += QLatin1Char('\n') + m_problems.at(i);
     if (m_problems.size() > kReportedNames)
-        text += QStringLiteral("\n... and %1 more.").arg(m_problems.size() - kReportedNames);
+        text += QCoreApplication::translate("qmr::PageFileAdder", "\n... and %1 more.")
+                    .arg(m_problems.size() - kReportedNames);
     return text;
 }
 

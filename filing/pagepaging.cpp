@@ -1,5 +1,6 @@
 #include "filing/pagepaging.h"
 
+#include <QCoreApplication>
 #include <QtGlobal>
 
 namespace qmr {
@@ -56,7 +57,7 @@ QString PagePaging::statusText() const
     // An empty document says in its list how pages arrive; the line has nothing to add.
     if (m_pageCount == 0)
         return QString();
-    return QStringLiteral(" Showing %1 images (page %2 of %3)")
+    return QCoreApplication::translate("qmr::PagePaging", " Showing %1 images (page %2 of %3)")
         .arg(m_displayCount)
         .arg(currentBlock())
         .arg(blocks());

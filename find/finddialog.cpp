@@ -73,7 +73,7 @@ void FindDialog::loadForm()
     m_timer->stop();
     if (m_context.parent)
         setWindowIcon(m_context.parent->window()->windowIcon());
-    m_ui->lblScanDate->setText(QStringLiteral("Scanned date:"));
+    m_ui->lblScanDate->setText(tr("Scanned date:"));
     m_ui->tabFind->setCurrentIndex(kKeywordsTab);
     // Typing starts in the keywords, not on the tab bar that leads the tab order.
     m_ui->txtKeywords->setFocus();
@@ -161,8 +161,8 @@ void FindDialog::selectTab(int step)
 
 void FindDialog::reset()
 {
-    if (m_context.prompter.ask(QStringLiteral("Reset find parameters?"),
-                               Prompter::Buttons::YesNo) != Prompter::Answer::Yes)
+    if (m_context.prompter.ask(tr("Reset find parameters?"), Prompter::Buttons::YesNo) !=
+        Prompter::Answer::Yes)
         return;
     m_context.session.findRecord().initFindDefaults();
     loadForm();
@@ -184,7 +184,7 @@ bool FindDialog::readNumbers(FindRecord& record)
             return 0.0;
         return LocaleNumber().read(box->text());
     };
-    const QString sizeMessage = QStringLiteral("The file size must be a number of bytes.");
+    const QString sizeMessage = tr("The file size must be a number of bytes.");
     qint32* sizes[] = {&record.fileSizeFrom, &record.fileSizeThru};
     QLineEdit* sizeBoxes[] = {m_ui->txtFileSizeFrom, m_ui->txtFileSizeThru};
     for (int i = 0; i < 2; ++i) {
@@ -202,7 +202,7 @@ bool FindDialog::readNumbers(FindRecord& record)
     for (int i = 0; i < 2; ++i) {
         const std::optional<double> value = read(amountBoxes[i]);
         if (!value) {
-            showNumberError(amountBoxes[i], QStringLiteral("The amount must be a number."));
+            showNumberError(amountBoxes[i], tr("The amount must be a number."));
             return false;
         }
         *amounts[i] = *value;
@@ -214,7 +214,7 @@ void FindDialog::find()
 {
     m_ui->txtKeywords->setText(m_ui->txtKeywords->text().trimmed());
     if (m_ui->txtKeywords->text().isEmpty() &&
-        m_context.prompter.ask(QStringLiteral("No keywords entered.  Search without keywords?"),
+        m_context.prompter.ask(tr("No keywords entered.  Search without keywords?"),
                                Prompter::Buttons::YesNoCancel) != Prompter::Answer::Yes) {
         m_ui->tabFind->setCurrentIndex(kKeywordsTab);
         m_ui->txtKeywords->setFocus();
@@ -249,7 +249,7 @@ void FindDialog::runFind(const FindRecord& record)
         const FindOutcome outcome =
             FindSearch(m_context.session).run(record, m_combos->cabinetId(), m_combos->folderId());
         if (outcome.foundCount == 0) {
-            m_context.prompter.tell(QStringLiteral("Nothing found."));
+            m_context.prompter.tell(tr("Nothing found."));
             return;
         }
         if (m_results)

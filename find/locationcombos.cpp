@@ -1,6 +1,7 @@
 #include "find/locationcombos.h"
 
 #include <QComboBox>
+#include <QCoreApplication>
 
 #include "core/nameorder.h"
 #include "store/session.h"
@@ -63,7 +64,8 @@ void LocationCombos::fillCabinetCombo()
                 m_cabinet.addItem(cabinet.name);
         m_cabinet.setEnabled(true);
     } else {
-        m_cabinet.addItem(QStringLiteral("No file cabinets to find"));
+        m_cabinet.addItem(
+            QCoreApplication::translate("qmr::LocationCombos", "No file cabinets to find"));
         m_cabinet.setEnabled(false);
     }
     m_cabinet.setCurrentIndex(0);

@@ -15,8 +15,8 @@ AboutDialog::AboutDialog(qint64 pageCount, QWidget* parent)
     name.setPointSizeF(name.pointSizeF() * 1.4);
     name.setBold(true);
     m_ui->lblApp->setFont(name);
-    m_ui->lblApp->setText(QStringLiteral("Quillmere ") + version());
-    m_ui->lblPgCnt->setText(QStringLiteral("Pages stored: ") + formatPageCount(pageCount));
+    m_ui->lblApp->setText(tr("Quillmere ") + version());
+    m_ui->lblPgCnt->setText(tr("Pages stored: ") + formatPageCount(pageCount));
     const QIcon icon = windowIcon();
     if (!icon.isNull())
         m_ui->imgIcon->setPixmap(icon.pixmap(64, 64));

@@ -24,7 +24,7 @@ void HelpCommands::helpTopics()
         m_locator ? *m_locator : HelpLocator::forRun(m_context.session.home());
     const QString path = locator.locate();
     if (path.isEmpty()) {
-        m_context.prompter.tell(QStringLiteral("Cannot find help file QMRHELP.TXT."));
+        m_context.prompter.tell(tr("Cannot find help file QMRHELP.TXT."));
         return;
     }
     HelpWindow window(path, m_context.parent);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include <optional>
 
 #include "core/commandtable.h"
@@ -11,6 +13,8 @@ namespace qmr {
 // Help > Help Topics (also F1) and Help > About.
 class HelpCommands
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::HelpCommands)
+
 public:
     explicit HelpCommands(const CommandContext& context);
     // The context is held by reference: a temporary one would be gone before its use.

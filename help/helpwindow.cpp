@@ -110,7 +110,7 @@ void HelpWindow::showContents(const QStringList& titles)
     m_ui->cmdPrev->hide();
     m_ui->cmdNext->hide();
     m_ui->lblPage->hide();
-    m_ui->lblTitle->setText(QStringLiteral("Table of Contents"));
+    m_ui->lblTitle->setText(tr("Table of Contents"));
     for (int i = 0; i < m_lines.size(); ++i) {
         m_lines[i]->setText(titles.value(i));
         m_lines[i]->show();

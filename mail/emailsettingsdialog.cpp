@@ -1,5 +1,6 @@
 #include "mail/emailsettingsdialog.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QLocale>
 #include <QPushButton>
@@ -20,9 +21,12 @@ const QStringList kSecurity = {QStringLiteral("none"), QStringLiteral("starttls"
 QString placeText(SmtpPassword::Place place)
 {
     return place == SmtpPassword::Place::Keyring
-               ? QStringLiteral("The password is kept in the desktop's keyring.")
-               : QStringLiteral("No keyring is running: the password is kept in the settings "
-                                "file, readable by you alone.");
+               ? QCoreApplication::translate("qmr::EmailSettingsDialog",
+                                             "The password is kept in the desktop's keyring.")
+               : QCoreApplication::translate(
+                     "qmr::EmailSettingsDialog",
+                     "No keyring is running: the password is kept in the settings "
+                     "file, readable by you alone.");
 }
 
 } // namespace
@@ -88,15 +92,15 @@ void EmailSettingsDialog::sendTest()
 {
     MailSettings m = shown();
     if (m.system == MailSystem::None) {
-        m_prompter.tell(QStringLiteral("No email system is selected."));
+        m_prompter.tell(tr("No email system is selected."));
         return;
     }
     m.fromAddress = m.fromAddress.trimmed();
     m_ui->cmdTest->setEnabled(false);
     MailSender(m_prompter, this)
         .recipientField(MailAddress::testAddressField())
-        .send(m, m_ui->txtEmail->text(), QStringLiteral("Test Email"),
-              QStringLiteral("This is a test message from ") + Prompter::caption() +
+        .send(m, m_ui->txtEmail->text(), tr("Test Email"),
+              tr("This is a test message from ") + Prompter::caption() +
                   QLocale().toString(QDateTime::currentDateTime(), QLocale::ShortFormat),
               QString());
     m_ui->cmdTest->setEnabled(true);

@@ -21,8 +21,8 @@ Attempt<> MailAddress::check(const QStringList& addresses, const QString& field)
 {
     for (const QString& address : addresses)
         if (holdsControl(address))
-            return Failure(QStringLiteral("The address in %1 holds a line break or another "
-                                          "control character.")
+            return Failure(tr("The address in %1 holds a line break or another "
+                              "control character.")
                                .arg(field));
     return {};
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 
@@ -13,6 +14,8 @@ namespace qmr {
 // own, so such an address never goes out.
 class MailAddress
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::MailAddress)
+
 public:
     // True when `address` holds a control character or a line or paragraph separator.
     static bool holdsControl(const QString& address);
@@ -20,12 +23,9 @@ public:
     static Attempt<> check(const QStringList& addresses, const QString& field);
 
     // The fields that addresses come from, as a refusal names them.
-    static QString sendToField() { return QStringLiteral("'Send to'"); }
-    static QString senderField()
-    {
-        return QStringLiteral("'Your email address' of File/Email Settings");
-    }
-    static QString testAddressField() { return QStringLiteral("'Your email address'"); }
+    static QString sendToField() { return tr("'Send to'"); }
+    static QString senderField() { return tr("'Your email address' of File/Email Settings"); }
+    static QString testAddressField() { return tr("'Your email address'"); }
 };
 
 } // namespace qmr

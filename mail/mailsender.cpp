@@ -37,8 +37,8 @@ std::unique_ptr<MailTransport> MailSender::transportFor(const MailSettings& sett
 
 QString MailSender::failureText(MailSystem system, const MailFailure& failure)
 {
-    const QString prefix = system == MailSystem::Cdonts ? QStringLiteral("SendEmailNTS: Error  #")
-                                                        : QStringLiteral("SendEmail: Error  #");
+    const QString prefix =
+        system == MailSystem::Cdonts ? tr("SendEmailNTS: Error  #") : tr("SendEmail: Error  #");
     return prefix + QString::number(failure.number) + QLatin1Char(' ') + failure.text;
 }
 
@@ -61,8 +61,7 @@ std::optional<MailFailure> MailSender::transfer(MailTransport& transport, const 
     QTimer::singleShot(kQuietMs, &loop, &QEventLoop::quit);
     loop.exec(QEventLoop::ExcludeUserInputEvents);
     if (!done) {
-        QProgressDialog busy(QStringLiteral("Sending mail..."), QStringLiteral("Cancel"), 0, 0,
-                             m_parent);
+        QProgressDialog busy(tr("Sending mail..."), tr("Cancel"), 0, 0, m_parent);
         busy.setWindowTitle(Prompter::caption());
         busy.setWindowModality(Qt::ApplicationModal);
         busy.setMinimumDuration(0);
@@ -70,7 +69,7 @@ std::optional<MailFailure> MailSender::transfer(MailTransport& transport, const 
         busy.setAutoReset(false);
         QObject::connect(&busy, &QProgressDialog::canceled, &loop, [&] {
             cancel = true;
-            busy.setLabelText(QStringLiteral("Cancelling..."));
+            busy.setLabelText(tr("Cancelling..."));
         });
         busy.show();
         while (!done)
@@ -131,13 +130,13 @@ bool MailSender::send(const MailSettings& settings, const QString& sendTo, const
     }
     if (failure) {
         if (system == MailSystem::Cdonts && failure->number < 0)
-            m_prompter.tell(QStringLiteral("You do not have CDONTS loaded.  Try using MAPI email "
-                                           "system in File/Email Settings."));
+            m_prompter.tell(tr("You do not have CDONTS loaded.  Try using MAPI email "
+                               "system in File/Email Settings."));
         else
             m_prompter.tell(failureText(system, *failure));
         return false;
     }
-    m_prompter.tell(QStringLiteral("Message sent."));
+    m_prompter.tell(tr("Message sent."));
     return true;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <memory>
 
@@ -21,6 +22,8 @@ class Prompter;
 // whoever calls: nothing reaches a transport.
 class MailSender
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::MailSender)
+
 public:
     explicit MailSender(Prompter& prompter, QWidget* parent = nullptr)
         : m_prompter(prompter), m_parent(parent), m_recipientField(MailAddress::sendToField())

@@ -176,8 +176,8 @@ QByteArray MimeMessage::build(const MailMessage& message, std::optional<MailFail
     for (const QString& address : QStringList{message.from} + message.recipients()) {
         if (MailAddress::holdsControl(address)) {
             if (failure)
-                *failure = MailFailure{5, QStringLiteral("The address '%1' holds a line break or "
-                                                         "another control character.")
+                *failure = MailFailure{5, tr("The address '%1' holds a line break or "
+                                             "another control character.")
                                               .arg(visible(address))};
             return QByteArray();
         }
@@ -209,10 +209,10 @@ QByteArray MimeMessage::build(const MailMessage& message, std::optional<MailFail
         QFile file(path);
         if (!file.open(QIODevice::ReadOnly)) {
             if (failure)
-                *failure = file.exists()
-                               ? MailFailure{75, QStringLiteral("Cannot read '%1': %2")
-                                                     .arg(path, file.errorString())}
-                               : MailFailure{53, QStringLiteral("File not found: '%1'").arg(path)};
+                *failure =
+                    file.exists()
+                        ? MailFailure{75, tr("Cannot read '%1': %2").arg(path, file.errorString())}
+                        : MailFailure{53, tr("File not found: '%1'").arg(path)};
             return QByteArray();
         }
         out +=

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QByteArray>
+#include <QCoreApplication>
 #include <QString>
 #include <optional>
 
@@ -20,6 +21,8 @@ struct MailFailure
 // attachment in base64 with the MIME type of its file and its file name. Lines end in CRLF.
 class MimeMessage
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::MimeMessage)
+
 public:
     // The message text, or the failure (an attachment that cannot be read).
     static QByteArray build(const MailMessage& message, std::optional<MailFailure>* failure);

@@ -34,15 +34,14 @@ std::optional<PageNotice::Notice> PageNotice::compose(Session& session, qint32 p
         return std::nullopt;
 
     const QString crlf = QStringLiteral("\r\n");
-    notice.subject = QStringLiteral("Quillmere: new page added");
-    notice.body = QStringLiteral(" Cabinet: ") + cabinet.name + crlf +
-                  QStringLiteral("  Drawer: ") + drawer.name + crlf + QStringLiteral("  Folder: ") +
-                  folder->name + crlf + QStringLiteral("Document: ") + document.name + crlf + crlf;
+    notice.subject = tr("Quillmere: new page added");
+    notice.body = tr(" Cabinet: ") + cabinet.name + crlf + tr("  Drawer: ") + drawer.name + crlf +
+                  tr("  Folder: ") + folder->name + crlf + tr("Document: ") + document.name + crlf +
+                  crlf;
     if (page->shortcut)
-        notice.body += QStringLiteral("New file added: ") + page->filename;
+        notice.body += tr("New file added: ") + page->filename;
     else
-        notice.body +=
-            QStringLiteral("New page scanned.  Page # ") + QString::number(page->pageNumber);
+        notice.body += tr("New page scanned.  Page # ") + QString::number(page->pageNumber);
     return notice;
 }
 
@@ -60,7 +59,7 @@ void PageNotice::sendPageNotice(const CommandContext& context, qint32 pageId)
         return;
     const MailSettings settings = MailSettings::forSending(context.session.settings());
     MailSender(context.prompter, context.parent)
-        .recipientField(QStringLiteral("the Email of folder '%1'").arg(notice->folder))
+        .recipientField(tr("the Email of folder '%1'").arg(notice->folder))
         .logRefusals(QStringLiteral("No notice of page %1.").arg(pageId))
         .send(settings, notice->address, notice->subject, notice->body, QString());
 }

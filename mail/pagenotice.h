@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <optional>
 
@@ -12,6 +13,8 @@ class Session;
 // documents (a scan, a move, a dropped file).
 class PageNotice
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PageNotice)
+
 public:
     struct Notice
     {

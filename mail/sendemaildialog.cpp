@@ -1,5 +1,6 @@
 #include "mail/sendemaildialog.h"
 
+#include <QCoreApplication>
 #include <QPushButton>
 
 #include "core/prompter.h"
@@ -14,8 +15,12 @@ namespace qmr {
 
 namespace {
 
-const QString kNoSystem =
-    QStringLiteral("No Email system setup.  Goto File/Email Settings.. to setup your email.");
+QString noSystem()
+{
+    return QCoreApplication::translate(
+        "qmr::SendEmailDialog",
+        "No Email system setup.  Goto File/Email Settings.. to setup your email.");
+}
 
 } // namespace
 
@@ -44,7 +49,7 @@ void SendEmailDialog::send()
 {
     m_settings.set(keys::LastSendTo, m_ui->txtSendTo->text());
     if (MailSettings::read(m_settings).system == MailSystem::None) {
-        m_prompter.tell(kNoSystem);
+        m_prompter.tell(noSystem());
         return;
     }
     const MailSettings mail = MailSettings::forSending(m_settings);
@@ -60,7 +65,7 @@ void SendEmailDialog::emailPages(const CommandContext& context, qint32 documentI
 {
     Session& session = context.session;
     if (MailSettings::read(session.settings()).system == MailSystem::None) {
-        context.prompter.tell(kNoSystem);
+        context.prompter.tell(noSystem());
         return;
     }
     QString paths;

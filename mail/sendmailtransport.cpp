@@ -12,13 +12,13 @@ std::optional<MailFailure> SendmailTransport::send(const QByteArray& message, co
 {
     const QFileInfo program(m_program);
     if (m_program.isEmpty() || !program.exists() || !program.isExecutable())
-        return MailFailure{2, QStringLiteral("The mail program '%1' was not found. Set its path "
-                                             "(SendmailPath) in File/Email Settings.")
+        return MailFailure{2, tr("The mail program '%1' was not found. Set its path "
+                                 "(SendmailPath) in File/Email Settings.")
                                   .arg(m_program)};
     QProcess process;
     process.start(m_program, {QStringLiteral("-t"), QStringLiteral("-i")});
     if (!process.waitForStarted(10000))
-        return MailFailure{2, QStringLiteral("The mail program '%1' could not be started: %2")
+        return MailFailure{2, tr("The mail program '%1' could not be started: %2")
                                   .arg(m_program, process.errorString())};
     process.write(message);
     process.closeWriteChannel();
@@ -31,21 +31,22 @@ std::optional<MailFailure> SendmailTransport::send(const QByteArray& message, co
             process.kill();
             process.waitForFinished(2000);
             if (cancel.load())
-                return MailFailure{18, QStringLiteral("Sending was cancelled.")};
-            return MailFailure{62, QStringLiteral("The mail program '%1' did not finish within "
-                                                  "%2 seconds.")
+                return MailFailure{18, tr("Sending was cancelled.")};
+            return MailFailure{62, tr("The mail program '%1' did not finish within "
+                                      "%2 seconds.")
                                        .arg(m_program)
                                        .arg(kTimeLimitMs / 1000)};
         }
     }
     if (process.exitStatus() != QProcess::NormalExit)
-        return MailFailure{process.exitCode(), QStringLiteral("The mail program '%1' stopped: %2")
-                                                   .arg(m_program, process.errorString())};
+        return MailFailure{
+            process.exitCode(),
+            tr("The mail program '%1' stopped: %2").arg(m_program, process.errorString())};
     if (process.exitCode() != 0) {
         const QString said = QString::fromLocal8Bit(process.readAllStandardError()).trimmed();
         return MailFailure{
             process.exitCode(),
-            QStringLiteral("The mail program '%1' ended with exit code %2%3")
+            tr("The mail program '%1' ended with exit code %2%3")
                 .arg(m_program)
                 .arg(process.exitCode())
                 .arg(said.isEmpty() ? QStringLiteral(".") : QStringLiteral(": ") + said)};

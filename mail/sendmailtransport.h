@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 
 #include "mail/mailtransport.h"
@@ -10,6 +11,8 @@ namespace qmr {
 // from the message's own headers, and a line of one dot does not end it.
 class SendmailTransport : public MailTransport
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::SendmailTransport)
+
 public:
     explicit SendmailTransport(const QString& program) : m_program(program) {}
 

@@ -15,7 +15,7 @@ constexpr int kKeyRole = Qt::UserRole + 1;
 ContainerList::ContainerList(QWidget* parent) : QListWidget(parent)
 {
     setObjectName(QStringLiteral("lvwMain"));
-    setAccessibleName(QStringLiteral("Contents"));
+    setAccessibleName(tr("Contents"));
     setViewMode(QListView::IconMode);
     setIconSize(QSize(32, 32));
     setGridSize(QSize(130, 84));

@@ -164,8 +164,7 @@ void ItemCommands::repaginateDocument()
         const ItemRow doc = m_context.session.items().item(Level::Document, id);
         if (doc.id < 0)
             return;
-        if (!m_context.prompter.confirm(QStringLiteral("Renumber all pages in '") + doc.name +
-                                        QStringLiteral("'?")))
+        if (!m_context.prompter.confirm(tr("Renumber all pages in '%1'?").arg(doc.name)))
             return;
         try {
             m_context.session.pages().repaginateDocument(id, doc.name, m_context.progress);
@@ -195,8 +194,7 @@ void ItemCommands::renumberPage()
         // The pane's text changes; the order stays until the pane is shown again.
         if (m_context.navigator)
             m_context.navigator->itemRenamed(
-                Level::Page, pageId, QStringLiteral("Page ") + QString::number(dialog.reply()),
-                QDate());
+                Level::Page, pageId, tr("Page ") + QString::number(dialog.reply()), QDate());
     });
 }
 
@@ -210,8 +208,7 @@ void ItemCommands::createSampleCabinet()
 {
     SampleCabinets samples(m_context.session.home(), m_context.session.db(), m_context.navigator);
     if (!samples.ensureFile()) {
-        m_context.prompter.tell(QStringLiteral("Missing file '") + samples.filePath() +
-                                QStringLiteral("'."));
+        m_context.prompter.tell(tr("Missing file '%1'.").arg(samples.filePath()));
         return;
     }
     SampleDialog dialog(samples, m_context.prompter, m_context.choosers, m_context.parent);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include "core/commandtable.h"
 #include "core/level.h"
 #include "store/commandcontext.h"
@@ -13,6 +15,8 @@ struct NewDocumentResult;
 // Each command finds its target through the context's command target.
 class ItemCommands
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ItemCommands)
+
 public:
     ItemCommands(const CommandContext& context, DrawerTemplates& templates);
     // The context is held by reference: a temporary one would be gone before its use.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QHash>
 #include <QKeySequence>
 #include <QSet>
@@ -19,6 +20,8 @@ namespace qmr {
 // control and only shown here.
 class NavMenus
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::NavMenus)
+
 public:
     using Commands = QHash<QString, std::function<void()>>;
 

@@ -29,7 +29,7 @@ public:
 NavTree::NavTree(QWidget* parent) : QTreeWidget(parent)
 {
     setObjectName(QStringLiteral("tvwMain"));
-    setAccessibleName(QStringLiteral("Cabinets"));
+    setAccessibleName(tr("Cabinets"));
     setHeaderHidden(true);
     setColumnCount(1);
     setIconSize(QSize(16, 16));

@@ -54,7 +54,7 @@ NavWindow::NavWindow(const CommandContext& base, DrawerTemplates& templates, QWi
     : QMainWindow(parent), m_base(base), m_templates(templates)
 {
     setObjectName(kFormName);
-    setWindowTitle(QStringLiteral("Quillmere"));
+    setWindowTitle(tr("Quillmere"));
     // The application's icon when the program set one, and every dialog takes it from here.
     const QIcon appIcon = QApplication::windowIcon();
     setWindowIcon(appIcon.isNull() ? m_icons.icon(QStringLiteral("cabinet")) : appIcon);
@@ -81,15 +81,15 @@ void NavWindow::buildWidgets()
 
     auto* buttons = new QHBoxLayout();
     buttons->setSpacing(0);
-    for (const auto& [name, caption] :
-         {std::pair{"cmdScanDoc", "&Scan Page"}, std::pair{"cmdScanPic", "Scan &Picture"},
-          std::pair{"cmdFind", "Find"}}) {
-        auto* b = new QPushButton(QString::fromUtf8(caption), central);
+    for (const auto& [name, caption] : {std::pair{"cmdScanDoc", QT_TR_NOOP("&Scan Page")},
+                                        std::pair{"cmdScanPic", QT_TR_NOOP("Scan &Picture")},
+                                        std::pair{"cmdFind", QT_TR_NOOP("Find")}}) {
+        auto* b = new QPushButton(tr(caption), central);
         b->setObjectName(QLatin1String(name));
         b->setMinimumWidth(100);
         // Enabled by the command that a feature brings for it.
         b->setEnabled(false);
-        b->setToolTip(QStringLiteral("Not available in this version yet"));
+        b->setToolTip(tr("Not available in this version yet"));
         buttons->addWidget(b);
     }
     ButtonIcons::apply(central);
@@ -243,15 +243,15 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
     m_base.session.selection().clear();
     restorePlacement();
 
-    step(QStringLiteral("Loading main menu"));
+    step(tr("Loading main menu"));
     guarded(m_base.prompter, [this] { m_navigator->loadNavTree(); });
-    step(QStringLiteral("Loading main menu"));
+    step(tr("Loading main menu"));
     m_tree->expandNode(QStringLiteral("ROOT"));
     m_menus.showOnly(QString());
     m_navigator->restoreLastNode();
     // The tree has the keys at start, not the first button that works.
     m_tree->setFocus();
-    step(QStringLiteral("Loading main menu"));
+    step(tr("Loading main menu"));
 }
 
 void NavWindow::showAsLoaded()
@@ -328,8 +328,8 @@ void NavWindow::finishRun()
 void NavWindow::mnuFileExit()
 {
     // Enter answers No: Escape then Enter must not end the program.
-    if (!m_base.prompter.confirm(QStringLiteral("Exit the Quillmere?"),
-                                 Prompter::Buttons::YesNoCancel, Prompter::Answer::No))
+    if (!m_base.prompter.confirm(tr("Exit the Quillmere?"), Prompter::Buttons::YesNoCancel,
+                                 Prompter::Answer::No))
         return;
     if (!closeOtherWindows())
         return;

@@ -46,13 +46,12 @@ PageListView::PageListView(QWidget* parent)
       m_details(new DragHandingView<QTreeView>(this))
 {
     setObjectName(QStringLiteral("lvwThumb"));
-    m_model->setHorizontalHeaderLabels({QStringLiteral("Page #"), QStringLiteral("Filename"),
-                                        QStringLiteral("Size"), QStringLiteral("Scan date"),
-                                        QStringLiteral("Page ID"), QStringLiteral("Hdn1")});
+    m_model->setHorizontalHeaderLabels({tr("Page #"), tr("Filename"), tr("Size"), tr("Scan date"),
+                                        tr("Page ID"), QStringLiteral("Hdn1")});
 
     const int side = ThumbnailMaker::kThumbSide;
     m_thumbs->setObjectName(QStringLiteral("lvwThumbIcons"));
-    m_thumbs->setAccessibleName(QStringLiteral("Pages"));
+    m_thumbs->setAccessibleName(tr("Pages"));
     m_thumbs->setModel(m_model);
     m_thumbs->setViewMode(QListView::IconMode);
     m_thumbs->setIconSize(QSize(side, side));
@@ -67,7 +66,7 @@ PageListView::PageListView(QWidget* parent)
     m_thumbs->setEditTriggers(QAbstractItemView::NoEditTriggers);
 
     m_details->setObjectName(QStringLiteral("lvwThumbDetails"));
-    m_details->setAccessibleName(QStringLiteral("Pages"));
+    m_details->setAccessibleName(tr("Pages"));
     m_details->setModel(m_model);
     // One selection for both views: what is selected does not depend on how it is shown.
     QItemSelectionModel* own = m_details->selectionModel();

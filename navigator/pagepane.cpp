@@ -127,27 +127,26 @@ void PagePane::buildControls()
         connect(b, &QPushButton::clicked, this, slot);
         return b;
     };
-    m_cmdShowLess = button("cmdShowLess", QStringLiteral("Show Less"),
-                           QStringLiteral("Show one image fewer at a time"), &PagePane::showLess);
-    m_cmdShowMore = button("cmdShowMore", QStringLiteral("Show More"),
-                           QStringLiteral("Show one image more at a time"), &PagePane::showMore);
-    m_cmdFirst = button("cmdFirst", QStringLiteral("|<"), QStringLiteral("First images (Home)"),
-                        &PagePane::first);
-    m_cmdPrev = button("cmdPrev", QStringLiteral("<"), QStringLiteral("Previous images (Page Up)"),
-                       &PagePane::prev);
-    m_cmdNext = button("cmdNext", QStringLiteral(">"), QStringLiteral("Next images (Page Down)"),
-                       &PagePane::next);
-    m_cmdLast = button("cmdLast", QStringLiteral(">|"), QStringLiteral("Last images (End)"),
-                       &PagePane::last);
+    m_cmdShowLess = button("cmdShowLess", tr("Show Less"), tr("Show one image fewer at a time"),
+                           &PagePane::showLess);
+    m_cmdShowMore = button("cmdShowMore", tr("Show More"), tr("Show one image more at a time"),
+                           &PagePane::showMore);
+    m_cmdFirst =
+        button("cmdFirst", QStringLiteral("|<"), tr("First images (Home)"), &PagePane::first);
+    m_cmdPrev =
+        button("cmdPrev", QStringLiteral("<"), tr("Previous images (Page Up)"), &PagePane::prev);
+    m_cmdNext =
+        button("cmdNext", QStringLiteral(">"), tr("Next images (Page Down)"), &PagePane::next);
+    m_cmdLast = button("cmdLast", QStringLiteral(">|"), tr("Last images (End)"), &PagePane::last);
     ButtonIcons::apply(this);
     // The paging buttons are narrow: a short caption of signs, not a word's width.
     for (QPushButton* b : {m_cmdFirst, m_cmdPrev, m_cmdNext, m_cmdLast})
         b->setFixedWidth(qMax(36, b->sizeHint().height() + 8));
     // Their captions are signs; a screen reader reads what they do.
-    m_cmdFirst->setAccessibleName(QStringLiteral("First page"));
-    m_cmdPrev->setAccessibleName(QStringLiteral("Previous page"));
-    m_cmdNext->setAccessibleName(QStringLiteral("Next page"));
-    m_cmdLast->setAccessibleName(QStringLiteral("Last page"));
+    m_cmdFirst->setAccessibleName(tr("First page"));
+    m_cmdPrev->setAccessibleName(tr("Previous page"));
+    m_cmdNext->setAccessibleName(tr("Next page"));
+    m_cmdLast->setAccessibleName(tr("Last page"));
     m_lblStatus = new QLabel(this);
     m_lblStatus->setObjectName(QStringLiteral("lblStatus"));
     m_lblStatus->setTextFormat(Qt::PlainText);
@@ -191,10 +190,10 @@ void PagePane::buildControls()
     m_imgThumbnail = tool("imgThumbnail",
                           QIcon::fromTheme(QStringLiteral("view-list-icons"),
                                            m_icons.icon(QStringLiteral("thumbnails"))),
-                          QStringLiteral("View thumbnails"), kThumbnailView);
+                          tr("View thumbnails"), kThumbnailView);
     m_imgList =
         tool("imgList", QIcon::fromTheme(QStringLiteral("view-list-details"), drawnListIcon()),
-             QStringLiteral("View list"), kListView);
+             tr("View list"), kListView);
     m_imgArrowDown = new QLabel(m_viewSwitch);
     m_imgArrowDown->setObjectName(QStringLiteral("imgArrowDown"));
     m_imgArrowDown->setPixmap(arrowDown());

@@ -98,8 +98,7 @@ QString PopupMenus::preparePages(bool hasPages, std::optional<bool> selectedShor
     if (hasPages && selectedShortcut) {
         // A shortcut's file is not the program's: it is no page to number or print here.
         QAction* remove = m_menus.action(QStringLiteral("mnuPopupPageDelete"));
-        remove->setText(*selectedShortcut ? QStringLiteral("Delete shortcut")
-                                          : QStringLiteral("Delete"));
+        remove->setText(*selectedShortcut ? tr("Delete shortcut") : tr("Delete"));
         setVisible("mnuPopupPageRenumber", !*selectedShortcut);
         setVisible("mnuPopupPagePrint", !*selectedShortcut);
     }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <functional>
 #include <optional>
@@ -16,6 +17,8 @@ class NavMenus;
 // which entry Insert runs in that control.
 class PopupMenus
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PopupMenus)
+
 public:
     explicit PopupMenus(NavMenus& menus);
 

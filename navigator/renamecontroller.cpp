@@ -1,5 +1,6 @@
 #include "navigator/renamecontroller.h"
 
+#include <QCoreApplication>
 #include <QLineEdit>
 #include <QStyledItemDelegate>
 #include <functional>
@@ -46,10 +47,12 @@ private:
 
 QString clashMessage(Level level, const QString& name)
 {
-    static const char* const starts[] = {"A file cabinet named '", "A drawer named '",
-                                         "A folder named '"};
-    return QLatin1String(starts[static_cast<int>(level)]) + name +
-           QStringLiteral("' already exists.");
+    static const char* const starts[] = {
+        QT_TRANSLATE_NOOP("qmr::RenameController", "A file cabinet named '"),
+        QT_TRANSLATE_NOOP("qmr::RenameController", "A drawer named '"),
+        QT_TRANSLATE_NOOP("qmr::RenameController", "A folder named '")};
+    return QCoreApplication::translate("qmr::RenameController", starts[static_cast<int>(level)]) +
+           name + QCoreApplication::translate("qmr::RenameController", "' already exists.");
 }
 
 } // namespace

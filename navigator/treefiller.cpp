@@ -43,8 +43,7 @@ QString TreeFiller::loadNavTree(NavigatorCallbacks* navigator)
 {
     m_list.clearFor(Level::Cabinet);
     m_tree.clearNodes();
-    m_tree.addNode(QString(), kRoot, QStringLiteral("File Cabinets"),
-                   m_icons.icon(QStringLiteral("root")));
+    m_tree.addNode(QString(), kRoot, tr("File Cabinets"), m_icons.icon(QStringLiteral("root")));
     const QVector<ItemRow> cabinets = m_session.items().children(Level::Cabinet, -1);
     if (cabinets.isEmpty()) {
         // A store without cabinets always gets one, so that the root is never bare.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QDate>
 #include <QIcon>
 #include <optional>
@@ -22,6 +23,8 @@ struct SelectionRecord;
 // run twice.
 class TreeFiller
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::TreeFiller)
+
 public:
     TreeFiller(NavTree& tree, ContainerList& list, NavIcons& icons, Session& session);
 

@@ -31,15 +31,14 @@ PrintOutcome PagePrinter::print(const QVector<PageRow>& pages, PrintTarget& targ
                 outcome.cancelled = true;
                 break;
             }
-            progress->step(QStringLiteral("Page ") + QString::number(page.pageNumber));
+            progress->step(tr("Page %1").arg(page.pageNumber));
         }
         const QString path = m_paths.pagePath(page.id, page.filename);
         QImageReader reader(path);
         const LoadedImage loaded = ImageLoader::read(reader);
         const QImage& image = loaded.image;
         if (image.isNull()) {
-            outcome.error =
-                QStringLiteral("Cannot print ") + path + QStringLiteral(": ") + loaded.error;
+            outcome.error = tr("Cannot print %1: %2").arg(path, loaded.error);
             break;
         }
         const FileResolution dpi = ImageResolution::read(path, image);

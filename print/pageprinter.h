@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QVector>
 
@@ -25,6 +26,8 @@ struct PrintOutcome
 // turned across for a page wider than it is tall.
 class PagePrinter
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PagePrinter)
+
 public:
     PagePrinter(const PagePaths& paths, const PrintScaleSettings& scale);
 

@@ -18,9 +18,9 @@ PrintDialog::PrintDialog(const CommandContext& context, PageLayouts& layouts, qi
     Session& session = context.session;
     if (const std::optional<PageRow> page = session.pages().page(pageId)) {
         const QString document = session.items().item(Level::Document, page->documentId).name;
-        m_title = document + QStringLiteral(" page ") + QString::number(page->pageNumber);
-        m_ui->lblItem->setText(QStringLiteral("Page ") + QString::number(page->pageNumber) +
-                               QStringLiteral(" of ") + document);
+        m_title = document + tr(" page ") + QString::number(page->pageNumber);
+        m_ui->lblItem->setText(
+            tr("Page %1 of %2").arg(QString::number(page->pageNumber), document));
     }
 }
 
@@ -30,7 +30,7 @@ QVector<PageRow> PrintDialog::pagesToPrint()
 {
     const std::optional<PageRow> page = m_context.session.pages().page(m_pageId);
     if (!page) {
-        m_context.prompter.tell(QStringLiteral("Nothing found to print."));
+        m_context.prompter.tell(tr("Nothing found to print."));
         return {};
     }
     return {*page};

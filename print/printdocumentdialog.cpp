@@ -22,7 +22,7 @@ PrintDocumentDialog::PrintDocumentDialog(const CommandContext& context, PageLayo
         edit->setValidator(new QIntValidator(edit));
     Session& session = context.session;
     m_name = session.items().item(Level::Document, documentId).name;
-    m_ui->lblItem->setText(QStringLiteral("Document: ") + m_name);
+    m_ui->lblItem->setText(tr("Document: ") + m_name);
     m_ui->txtFrom->setText(QString::number(session.pages().lowestNumber(documentId)));
     m_ui->txtTo->setText(QString::number(session.pages().highestNumber(documentId)));
 }
@@ -39,7 +39,7 @@ QVector<PageRow> PrintDocumentDialog::pagesToPrint()
         fromIsNumber && toIsNumber ? m_context.session.pages().pagesInRange(m_documentId, from, to)
                                    : QVector<PageRow>();
     if (pages.isEmpty())
-        m_context.prompter.tell(QStringLiteral("Nothing found to print."));
+        m_context.prompter.tell(tr("Nothing found to print."));
     return pages;
 }
 

@@ -33,8 +33,8 @@ int PrinterTarget::dpiY() const
 QString PrinterTarget::where() const
 {
     if (m_printer.outputFormat() == QPrinter::PdfFormat)
-        return QStringLiteral("the file ") + (m_pdf ? m_pdf->target() : m_printer.outputFileName());
-    return QStringLiteral("the printer ") + m_printer.printerName();
+        return tr("the file ") + (m_pdf ? m_pdf->target() : m_printer.outputFileName());
+    return tr("the printer ") + m_printer.printerName();
 }
 
 bool PrinterTarget::beginSheet(QPageLayout::Orientation orientation)
@@ -51,19 +51,19 @@ bool PrinterTarget::beginSheet(QPageLayout::Orientation orientation)
             !m_printer.outputFileName().isEmpty()) {
             m_pdf = std::make_unique<PdfOutput>(m_printer.outputFileName());
             if (!m_pdf->open()) {
-                m_error = QStringLiteral("Cannot print to ") + where() + QStringLiteral(".");
+                m_error = tr("Cannot print to %1.").arg(where());
                 return false;
             }
             m_printer.setOutputFileName(m_pdf->writtenPath());
         }
         if (!m_painter.begin(&m_printer)) {
-            m_error = QStringLiteral("Cannot print to ") + where() + QStringLiteral(".");
+            m_error = tr("Cannot print to %1.").arg(where());
             return false;
         }
         return true;
     }
     if (!m_painter.isActive() || !m_printer.newPage()) {
-        m_error = QStringLiteral("Cannot start a new sheet on ") + where() + QStringLiteral(".");
+        m_error = tr("Cannot start a new sheet on %1.").arg(where());
         return false;
     }
     return true;
@@ -91,12 +91,11 @@ bool PrinterTarget::finish()
     if (!m_painter.isActive())
         return m_error.isEmpty();
     if (!m_painter.end() || m_printer.printerState() == QPrinter::Error) {
-        m_error = QStringLiteral("Printing to ") + where() + QStringLiteral(" failed.");
+        m_error = tr("Printing to %1 failed.").arg(where());
         return false;
     }
     if (m_pdf && !m_pdf->place()) {
-        m_error = QStringLiteral("Printing to ") + where() + QStringLiteral(" failed: ") +
-                  m_pdf->errorString();
+        m_error = tr("Printing to %1 failed: %2").arg(where(), m_pdf->errorString());
         return false;
     }
     return true;

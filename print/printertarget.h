@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QPainter>
 #include <memory>
 
@@ -15,6 +16,8 @@ class PdfOutput;
 // file's place when the job ends (see PdfOutput).
 class PrinterTarget : public PrintTarget
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PrinterTarget)
+
 public:
     // How a page whose orientation is not the sheet's is put on paper: the sheet turned
     // (printing), or the page turned a quarter on a sheet that keeps the printer's

@@ -49,14 +49,14 @@ bool PrintSettingsDialog::cmdOK()
 {
     const std::optional<double> width = percentage(m_ui->txtWidthPct->text());
     if (!width) {
-        m_prompter.tell(QStringLiteral("Print width % must be between 10% and 200%."));
+        m_prompter.tell(tr("Print width % must be between 10% and 200%."));
         m_ui->txtWidthPct->setFocus();
         m_ui->txtWidthPct->selectAll();
         return false;
     }
     const std::optional<double> height = percentage(m_ui->txtHeightPct->text());
     if (!height) {
-        m_prompter.tell(QStringLiteral("Print height % must be between 10% and 200%."));
+        m_prompter.tell(tr("Print height % must be between 10% and 200%."));
         m_ui->txtHeightPct->setFocus();
         m_ui->txtHeightPct->selectAll();
         return false;

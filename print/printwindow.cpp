@@ -49,8 +49,8 @@ void PrintWindow::wire(const Controls& controls, const QStringList& printers)
 
     const PrintScaleSettings scale = PrintScale::fromSettings(settings);
     m_controls.scale->setText(
-        QStringLiteral("Pages are drawn at 95% of their true size, %1% across and %2% down "
-                       "(File > Print Settings).")
+        tr("Pages are drawn at 95% of their true size, %1% across and %2% down "
+           "(File > Print Settings).")
             .arg(scale.widthPct)
             .arg(scale.heightPct));
 
@@ -110,7 +110,7 @@ std::optional<QString> PrintWindow::askPdfFile(const QString& title)
     std::optional<QString> path = m_context.choosers.saveFile(
         {PrinterChoice::pdfEntry(),
          directory + QLatin1Char('/') + PrinterChoice::pdfFileName(title),
-         {QStringLiteral("PDF files (*.pdf)")},
+         {tr("PDF files (*.pdf)")},
          0,
          QStringLiteral("pdf"),
          true});
@@ -140,8 +140,7 @@ bool PrintWindow::printPages(const QVector<PageRow>& pages)
             return false;
         pdfFile = *chosen;
     } else if (QPrinterInfo::printerInfo(entry).isNull()) {
-        m_context.prompter.tell(QStringLiteral("The printer '") + entry +
-                                QStringLiteral("' is not available."));
+        m_context.prompter.tell(tr("The printer '%1' is not available.").arg(entry));
         return false;
     }
     QPrinter printer(QPrinter::HighResolution);
@@ -157,8 +156,8 @@ void PrintWindow::runPrint(QPrinter& printer, const QVector<PageRow>& pages)
                               PrintScale::fromSettings(m_context.session.settings()));
     PrintOutcome outcome;
     if (m_range) {
-        outcome = routine.print(pages, target, &m_context.progress,
-                                QStringLiteral("Printing ") + jobTitle());
+        outcome =
+            routine.print(pages, target, &m_context.progress, tr("Printing %1").arg(jobTitle()));
     } else {
         QApplication::setOverrideCursor(Qt::WaitCursor);
         outcome = routine.print(pages, target);
@@ -177,7 +176,7 @@ void PrintWindow::preview()
     QPrinter printer(QPrinter::HighResolution);
     prepare(printer, printerEntry(), QString());
     QPrintPreviewDialog dialog(&printer, this);
-    dialog.setWindowTitle(QStringLiteral("Preview of ") + jobTitle());
+    dialog.setWindowTitle(tr("Preview of %1").arg(jobTitle()));
     const PagePrinter routine(m_context.session.paths(),
                               PrintScale::fromSettings(m_context.session.settings()));
     connect(&dialog, &QPrintPreviewDialog::paintRequested, this, [&](QPrinter* shown) {
@@ -220,7 +219,7 @@ void PrintWindow::systemDialog()
             (page.pageNumber >= printer.fromPage() && page.pageNumber <= printer.toPage()))
             chosen << page;
     if (chosen.isEmpty()) {
-        m_context.prompter.tell(QStringLiteral("Nothing found to print."));
+        m_context.prompter.tell(tr("Nothing found to print."));
         return;
     }
     // A printer that cannot make copies itself (a PDF file) gets each sheet as often.

@@ -53,7 +53,7 @@ void ScanCommands::scanFromTree(const QString& kind)
     m_context.session.settings().set(keys::ImageType, kind);
     const NodeKey key = m_context.target ? m_context.target->view().treeSelectedKey() : NodeKey();
     if (key.prefix() != QLatin1String("FLD") && key.prefix() != QLatin1String("DOC")) {
-        m_context.prompter.tell(QStringLiteral("Please click on a folder or document to scan to."));
+        m_context.prompter.tell(tr("Please click on a folder or document to scan to."));
         return;
     }
     run(key);

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QCoreApplication>
+
 #include <memory>
 
 #include "core/commandtable.h"
@@ -16,6 +18,8 @@ class ScanSource;
 // and kept for the run.
 class ScanCommands
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ScanCommands)
+
 public:
     // `source` stands in for the system's devices (tests); by default SANE is used.
     explicit ScanCommands(const CommandContext& context, ScanSource* source = nullptr);

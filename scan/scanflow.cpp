@@ -63,8 +63,7 @@ void ScanFlow::cancel()
 
 QString ScanFlow::deviceWord() const
 {
-    return ScanSettings(m_context.session.settings()).isCamera() ? QStringLiteral("camera")
-                                                                 : QStringLiteral("scanner");
+    return ScanSettings(m_context.session.settings()).isCamera() ? tr("camera") : tr("scanner");
 }
 
 // ---- ScanToViewer -------------------------------------------------------------------------
@@ -217,8 +216,7 @@ void ScanFlow::showSheet(int sheet, int percent)
     if (m_cancelRequested)
         return;
     if (!m_progressShown || sheet != m_shownSheet) {
-        progress.start(QStringLiteral("Reading page %1 from %2").arg(sheet).arg(m_deviceLabel), 0,
-                       100);
+        progress.start(tr("Reading page %1 from %2").arg(sheet).arg(m_deviceLabel), 0, 100);
         progress.showCancel();
         m_progressShown = true;
         m_shownSheet = sheet;
@@ -226,7 +224,7 @@ void ScanFlow::showSheet(int sheet, int percent)
     }
     while (m_position < percent) {
         ++m_position;
-        progress.step(QStringLiteral("Reading page %1 from %2").arg(sheet).arg(m_deviceLabel));
+        progress.step(tr("Reading page %1 from %2").arg(sheet).arg(m_deviceLabel));
     }
 }
 
@@ -243,14 +241,12 @@ void ScanFlow::tellFailure(const ScanEnd& end)
     const QString device = QLatin1Char('\'') + m_deviceLabel + QLatin1Char('\'');
     QString text;
     if (end.atOpen)
-        text = QStringLiteral("The %1 %2 could not be used: %3.")
-                   .arg(deviceWord(), device, end.status);
+        text = tr("The %1 %2 could not be used: %3.").arg(deviceWord(), device, end.status);
     else
-        text = QStringLiteral("The %1 %2 stopped: %3.").arg(deviceWord(), device, end.status);
+        text = tr("The %1 %2 stopped: %3.").arg(deviceWord(), device, end.status);
     if (m_saved > 0)
-        text += m_saved == 1
-                    ? QStringLiteral("\nThe page scanned before is kept.")
-                    : QStringLiteral("\nThe %1 pages scanned before are kept.").arg(m_saved);
+        text += m_saved == 1 ? tr("\nThe page scanned before is kept.")
+                             : tr("\nThe %1 pages scanned before are kept.").arg(m_saved);
     m_context.prompter.tell(text);
 }
 

@@ -48,7 +48,7 @@ ScanOptionsDialog::ScanOptionsDialog(const QString& deviceLabel, ScanSource& sou
     setWindowFlag(Qt::WindowContextHelpButtonHint, false);
     if (parent)
         setWindowIcon(parent->window()->windowIcon());
-    m_ui->lblDevice->setText(QStringLiteral("Options of ") + deviceLabel);
+    m_ui->lblDevice->setText(tr("Options of %1").arg(deviceLabel));
     m_ui->lblFailure->hide();
     m_ui->lblFailure->setStyleSheet(QStringLiteral("color: #b00020;"));
     connect(m_ui->cmdScan, &QPushButton::clicked, this, &QDialog::accept);
@@ -109,8 +109,8 @@ void ScanOptionsDialog::build()
         if (!shown(o))
             continue;
         if (!box) {
-            box = new QGroupBox(groupTitle.isEmpty() ? QStringLiteral("Options") : groupTitle,
-                                m_ui->wgtOptions);
+            box =
+                new QGroupBox(groupTitle.isEmpty() ? tr("Options") : groupTitle, m_ui->wgtOptions);
             form = new QFormLayout(box);
             form->setFieldGrowthPolicy(QFormLayout::ExpandingFieldsGrow);
             groups->addWidget(box);
@@ -262,8 +262,7 @@ void ScanOptionsDialog::answered(const QVector<ScanOption>& options, const QStri
         setOptions(options);
     m_ui->lblFailure->setVisible(!failure.isEmpty());
     if (!failure.isEmpty())
-        m_ui->lblFailure->setText(QStringLiteral("The device did not take the change: ") + failure +
-                                  QLatin1Char('.'));
+        m_ui->lblFailure->setText(tr("The device did not take the change: %1.").arg(failure));
     emit optionsUpdated();
 }
 

@@ -11,8 +11,6 @@ namespace qmr {
 
 namespace {
 
-const QString kLooking = QStringLiteral("Looking for scanners…");
-
 // The scan types in the order of the lists, as the settings keep them.
 const char* const kScanTypes[] = {"black & white", "grayscale", "color"};
 
@@ -95,7 +93,7 @@ void ScanSettingsDialog::fillDevices(QComboBox* box, const QString& chosen)
 void ScanSettingsDialog::cmdRefresh()
 {
     ++m_looking;
-    m_ui->lblLooking->setText(kLooking);
+    m_ui->lblLooking->setText(tr("Looking for scanners…"));
     m_ui->cmdRefresh->setEnabled(false);
     m_source.findDevices();
 }
@@ -112,9 +110,9 @@ void ScanSettingsDialog::showDevices(const QVector<ScanDevice>& devices, const Q
     fillDevices(m_ui->cboScanner, scanner);
     fillDevices(m_ui->cboCamera, chosenDevice(m_ui->cboCamera));
     if (!failure.isEmpty())
-        m_ui->lblLooking->setText(QStringLiteral("Looking for scanners failed: ") + failure);
+        m_ui->lblLooking->setText(tr("Looking for scanners failed: %1").arg(failure));
     else if (devices.isEmpty())
-        m_ui->lblLooking->setText(QStringLiteral("No scanners or cameras were found."));
+        m_ui->lblLooking->setText(tr("No scanners or cameras were found."));
     else if (devices.size() == 1)
         m_ui->lblLooking->setText(QStringLiteral("1 device found."));
     else
@@ -122,7 +120,7 @@ void ScanSettingsDialog::showDevices(const QVector<ScanDevice>& devices, const Q
     if (m_looking == 0)
         m_ui->cmdRefresh->setEnabled(true);
     else
-        m_ui->lblLooking->setText(kLooking);
+        m_ui->lblLooking->setText(tr("Looking for scanners…"));
     emit devicesListed();
 }
 

@@ -1,5 +1,6 @@
 #include "store/database.h"
 
+#include <QCoreApplication>
 #include <QDateTime>
 #include <QStringDecoder>
 #include <cstring>
@@ -291,7 +292,9 @@ void Database::open(const QString& path)
         const QString message =
             db ? QString::fromUtf8(sqlite3_errmsg(db)) : QString::fromUtf8(sqlite3_errstr(rc));
         sqlite3_close(db);
-        throw StoreError(QStringLiteral("Cannot open the store %1: %2").arg(path, message));
+        throw StoreError(
+            QCoreApplication::translate("qmr::Database", "Cannot open the store %1: %2")
+                .arg(path, message));
     }
     m_db = db;
     m_path = path;
@@ -315,7 +318,9 @@ void Database::open(const QString& path)
     } catch (const StoreError&) {
         const QString message = QString::fromUtf8(sqlite3_errmsg(m_db));
         close();
-        throw StoreError(QStringLiteral("Cannot open the store %1: %2").arg(path, message));
+        throw StoreError(
+            QCoreApplication::translate("qmr::Database", "Cannot open the store %1: %2")
+                .arg(path, message));
     }
 }
 
@@ -336,8 +341,11 @@ void Database::fail() const
         if (const std::optional<StoreError> width = StoreColumns::constraintError(engine))
             throw *width;
     if (code == SQLITE_FULL)
-        throw StoreError(QStringLiteral("The disk is full: %1").arg(engine));
-    throw StoreError(QStringLiteral("The store could not carry out the command: %1").arg(engine));
+        throw StoreError(
+            QCoreApplication::translate("qmr::Database", "The disk is full: %1").arg(engine));
+    throw StoreError(QCoreApplication::translate("qmr::Database",
+                                                 "The store could not carry out the command: %1")
+                         .arg(engine));
 }
 
 void Database::finalizeAll()
@@ -370,7 +378,7 @@ sqlite3_stmt* Database::prepare(const QString& sql)
 sqlite3_stmt* Database::start(const QString& sql, const QVariantList& binds)
 {
     if (!m_db)
-        throw StoreError(QStringLiteral("The store is not open."));
+        throw StoreError(QCoreApplication::translate("qmr::Database", "The store is not open."));
     sqlite3_stmt* stmt = prepare(sql);
     if (!stmt)
         return nullptr;

@@ -1,5 +1,6 @@
 #include "store/deletion.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include "core/progress.h"
@@ -97,7 +98,7 @@ void Deletion::deletePageFiles(const PageFiles& page) const
 void Deletion::deleteFilesBelow(Level level, qint32 id, Progress& progress) const
 {
     for (const PageFiles& page : pagesOf(pagesBelow(level), id)) {
-        progress.step(QStringLiteral("Delete page files"));
+        progress.step(QCoreApplication::translate("qmr::Deletion", "Delete page files"));
         deletePageFiles(page);
     }
 }
@@ -124,7 +125,7 @@ void Deletion::deleteItem(Level level, qint32 id, Progress& progress)
             QStringLiteral("SELECT DrawerId FROM Drawer WHERE CabinetId = ? ORDER BY DrawerId"),
             {id});
         for (int i = 0; i < drawers.recordCount(); ++i) {
-            progress.step(QStringLiteral("Delete drawer"));
+            progress.step(QCoreApplication::translate("qmr::Deletion", "Delete drawer"));
             deleteFilesBelow(Level::Drawer, drawers.integer(i, QStringLiteral("DrawerId")),
                              progress);
         }
@@ -146,12 +147,12 @@ void Deletion::deletePages(const QVector<qint32>& pageIds, Progress& progress)
     for (const qint32 id : pageIds)
         pages += pagesOf(pagesBelow(Level::Page), id);
     for (const PageFiles& page : pages) {
-        progress.step(QStringLiteral("Delete page file"));
+        progress.step(QCoreApplication::translate("qmr::Deletion", "Delete page file"));
         deletePageFiles(page);
     }
     Database::Transaction tx(m_db);
     for (const PageFiles& page : pages) {
-        progress.step(QStringLiteral("Delete page record"));
+        progress.step(QCoreApplication::translate("qmr::Deletion", "Delete page record"));
         m_db.execute(QStringLiteral("DELETE FROM Page WHERE PageId = ?"), {page.id});
     }
     tx.commit();

@@ -1,5 +1,6 @@
 #include "store/itemrules.h"
 
+#include <QCoreApplication>
 #include <QStringList>
 
 namespace qmr {
@@ -50,7 +51,8 @@ QString ItemRules::stripBadPathCharacters(const QString& text)
 
 QString ItemRules::badCharactersMessage()
 {
-    return QStringLiteral("The following characters are not allowed:\n\\ / : * ? \" < > | .");
+    return QCoreApplication::translate(
+        "qmr::ItemRules", "The following characters are not allowed:\n\\ / : * ? \" < > | .");
 }
 
 bool ItemRules::isBlank(const QString& text)

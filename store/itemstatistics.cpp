@@ -1,5 +1,6 @@
 #include "store/itemstatistics.h"
 
+#include <QCoreApplication>
 #include <QLocale>
 
 #include "store/database.h"
@@ -31,7 +32,8 @@ QLocale grouping()
 
 QString Statistics::bytesText() const
 {
-    return grouping().toString(bytes) + QStringLiteral(" bytes");
+    return grouping().toString(bytes) +
+           QCoreApplication::translate("qmr::ItemStatistics", " bytes");
 }
 
 QString Statistics::amountText() const

@@ -1,5 +1,6 @@
 #include "store/pageplace.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <cerrno>
 #include <cstring>
@@ -20,14 +21,17 @@ QString PagePlace::clear(const PageStore& pages, const PagePaths& paths, qint32 
     if (::lstat(native.constData(), &info) != 0) {
         if (errno == ENOENT)
             return QString();
-        return QStringLiteral("Cannot look at %1: %2")
+        return QCoreApplication::translate("qmr::PagePlace", "Cannot look at %1: %2")
             .arg(path, QString::fromLocal8Bit(std::strerror(errno)));
     }
     const QVector<qint32> users = pages.pagesUsingFile(path, paths.computedIdOf(path), pageId);
     if (!users.isEmpty())
-        return QStringLiteral("%1 is the file of page %2 already").arg(path).arg(users.first());
+        return QCoreApplication::translate("qmr::PagePlace", "%1 is the file of page %2 already")
+            .arg(path)
+            .arg(users.first());
     if (::unlink(native.constData()) != 0 && errno != ENOENT)
-        return QStringLiteral("Cannot remove %1, which no page refers to: %2")
+        return QCoreApplication::translate("qmr::PagePlace",
+                                           "Cannot remove %1, which no page refers to: %2")
             .arg(path, QString::fromLocal8Bit(std::strerror(errno)));
     qCInfo(lcStore) << "Removed" << path << "which no page refers to, before page" << pageId
                     << "took its place";

@@ -1,5 +1,7 @@
 #include "store/pagestore.h"
 
+#include <QCoreApplication>
+
 #include "core/progress.h"
 #include "store/database.h"
 #include "store/pageconditions.h"
@@ -232,7 +234,8 @@ void PageStore::repaginateDocument(qint32 documentId, const QString& documentNam
     const QVector<PageRow> rows = pages(documentId);
     if (rows.isEmpty())
         return;
-    const QString title = QStringLiteral("Repaginate ") + documentName;
+    const QString title =
+        QCoreApplication::translate("qmr::PageStore", "Repaginate %1").arg(documentName);
     progress.start(title, 1, 2 * int(rows.size()));
     Database::Transaction tx(m_db);
     const QString update = QStringLiteral("UPDATE Page SET PageNumber = ? WHERE PageId = ?");

@@ -1,5 +1,7 @@
 #include "store/recordset.h"
 
+#include <QCoreApplication>
+
 #include "store/sqltext.h"
 #include "store/storeerror.h"
 
@@ -15,14 +17,18 @@ int Recordset::columnIndex(const QString& column) const
     for (int i = 0; i < m_columns.size(); ++i)
         if (m_columns.at(i).compare(column, Qt::CaseInsensitive) == 0)
             return i;
-    throw StoreError(QStringLiteral("The field %1 is not in the result.").arg(column));
+    throw StoreError(
+        QCoreApplication::translate("qmr::Recordset", "The field %1 is not in the result.")
+            .arg(column));
 }
 
 QVariant Recordset::value(int row, int column) const
 {
     if (row < 0 || row >= m_rows.size() || column < 0 || column >= m_columns.size())
         throw StoreError(
-            QStringLiteral("No field %1 in row %2 of the result.").arg(column).arg(row));
+            QCoreApplication::translate("qmr::Recordset", "No field %1 in row %2 of the result.")
+                .arg(column)
+                .arg(row));
     return m_rows.at(row).at(column);
 }
 

@@ -1,5 +1,6 @@
 #include "store/schema.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QSaveFile>
 #include <QStringList>
@@ -49,7 +50,7 @@ void copyWhole(const QString& source, const QString& target)
     QSaveFile out(target);
     if (!in.open(QIODevice::ReadOnly) || !out.open(QIODevice::WriteOnly))
         throw StoreError(
-            QStringLiteral("Cannot copy %1 to %2: %3")
+            QCoreApplication::translate("qmr::StoreSchema", "Cannot copy %1 to %2: %3")
                 .arg(source, target, in.isOpen() ? out.errorString() : in.errorString()));
     while (!in.atEnd()) {
         const QByteArray chunk = in.read(1 << 20);
@@ -59,7 +60,7 @@ void copyWhole(const QString& source, const QString& target)
     }
     if (in.error() != QFileDevice::NoError || !out.commit())
         throw StoreError(
-            QStringLiteral("Cannot copy %1 to %2: %3")
+            QCoreApplication::translate("qmr::StoreSchema", "Cannot copy %1 to %2: %3")
                 .arg(source, target,
                      in.error() != QFileDevice::NoError ? in.errorString() : out.errorString()));
 }
@@ -119,7 +120,8 @@ void StoreSchema::createDatabase(const AppHome& home)
     }
     if (!QFile::rename(building, target)) {
         QFile::remove(building);
-        throw StoreError(QStringLiteral("Cannot move %1 to %2.").arg(building, target));
+        throw StoreError(QCoreApplication::translate("qmr::StoreSchema", "Cannot move %1 to %2.")
+                             .arg(building, target));
     }
 }
 

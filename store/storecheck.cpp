@@ -1,5 +1,6 @@
 #include "store/storecheck.h"
 
+#include <QCoreApplication>
 #include <QFile>
 #include <QHash>
 #include <QSet>
@@ -38,11 +39,13 @@ bool removeFile(const QString& path)
 QString StoreCheck::Summary::text() const
 {
     if (problems == 0)
-        return QStringLiteral("No problems found.");
-    QString text = problems == 1 ? QStringLiteral("1 problem found")
-                                 : QStringLiteral("%1 problems found").arg(problems);
+        return QCoreApplication::translate("qmr::StoreCheck", "No problems found.");
+    QString text =
+        problems == 1
+            ? QCoreApplication::translate("qmr::StoreCheck", "1 problem found")
+            : QCoreApplication::translate("qmr::StoreCheck", "%1 problems found").arg(problems);
     if (repaired > 0)
-        text += QStringLiteral(", %1 repaired").arg(repaired);
+        text += QCoreApplication::translate("qmr::StoreCheck", ", %1 repaired").arg(repaired);
     return text + QLatin1Char('.');
 }
 
@@ -73,10 +76,14 @@ void StoreCheck::checkIntegrity()
         for (int i = 0; i < rs.recordCount(); ++i) {
             const QString line = rs.value(i, 0).toString();
             if (line != QLatin1String("ok"))
-                found(QStringLiteral("The store is damaged: %1").arg(line), false);
+                found(QCoreApplication::translate("qmr::StoreCheck", "The store is damaged: %1")
+                          .arg(line),
+                      false);
         }
     } catch (const StoreError& e) {
-        found(QStringLiteral("The store is damaged: %1").arg(e.message()), false);
+        found(QCoreApplication::translate("qmr::StoreCheck", "The store is damaged: %1")
+                  .arg(e.message()),
+              false);
     }
 }
 
@@ -88,7 +95,9 @@ void StoreCheck::checkPages()
             "SELECT PageId, Filename, FileSize FROM Page WHERE ShortcutYN IS NOT 'Y' "
             "ORDER BY PageId"));
     } catch (const StoreError& e) {
-        found(QStringLiteral("The pages cannot be read: %1").arg(e.message()), false);
+        found(QCoreApplication::translate("qmr::StoreCheck", "The pages cannot be read: %1")
+                  .arg(e.message()),
+              false);
         return;
     }
     for (int i = 0; i < rs.recordCount(); ++i) {
@@ -102,12 +111,18 @@ void StoreCheck::checkPages()
         if (fd < 0) {
             const int error = errno;
             if (error == ENOENT)
-                found(QStringLiteral("Page %1: its file %2 is missing").arg(id).arg(path), false);
-            else
-                found(QStringLiteral("Page %1: its file %2 cannot be read: %3")
+                found(QCoreApplication::translate("qmr::StoreCheck",
+                                                  "Page %1: its file %2 is missing")
                           .arg(id)
-                          .arg(path,
-                               error == ELOOP ? QStringLiteral("it is a link") : systemText(error)),
+                          .arg(path),
+                      false);
+            else
+                found(QCoreApplication::translate("qmr::StoreCheck",
+                                                  "Page %1: its file %2 cannot be read: %3")
+                          .arg(id)
+                          .arg(path, error == ELOOP ? QCoreApplication::translate("qmr::StoreCheck",
+                                                                                  "it is a link")
+                                                    : systemText(error)),
                       false);
             continue;
         }
@@ -115,7 +130,10 @@ void StoreCheck::checkPages()
         const bool looked = ::fstat(fd, &page) == 0;
         ::close(fd);
         if (!looked || !S_ISREG(page.st_mode)) {
-            found(QStringLiteral("Page %1: %2 is not a file").arg(id).arg(path), false);
+            found(QCoreApplication::translate("qmr::StoreCheck", "Page %1: %2 is not a file")
+                      .arg(id)
+                      .arg(path),
+                  false);
             continue;
         }
         if (size.isNull() || size.toLongLong() != qint64(page.st_size)) {
@@ -130,7 +148,8 @@ void StoreCheck::checkPages()
                         << "FileSize of page" << id << "not corrected:" << e.message();
                 }
             }
-            found(QStringLiteral("Page %1: its file is %2 bytes, the store says %3")
+            found(QCoreApplication::translate("qmr::StoreCheck",
+                                              "Page %1: its file is %2 bytes, the store says %3")
                       .arg(id)
                       .arg(qint64(page.st_size))
                       .arg(size.isNull() ? QStringLiteral("nothing") : size.toString()),
@@ -143,10 +162,14 @@ void StoreCheck::checkPages()
         if (!hasThumb || stale) {
             const bool mended = m_repair && m_makeThumbnail && m_makeThumbnail(path, thumb);
             found(hasThumb
-                      ? QStringLiteral("Page %1: its thumbnail %2 is older than the page")
+                      ? QCoreApplication::translate(
+                            "qmr::StoreCheck", "Page %1: its thumbnail %2 is older than the page")
                             .arg(id)
                             .arg(thumb)
-                      : QStringLiteral("Page %1: its thumbnail %2 is missing").arg(id).arg(thumb),
+                      : QCoreApplication::translate("qmr::StoreCheck",
+                                                    "Page %1: its thumbnail %2 is missing")
+                            .arg(id)
+                            .arg(thumb),
                   mended);
         }
     }
@@ -169,24 +192,31 @@ void StoreCheck::checkFiles()
         }
     } catch (const StoreError& e) {
         // Without the rows no file can be called an orphan.
-        found(QStringLiteral("The page files cannot be checked: %1").arg(e.message()), false);
+        found(QCoreApplication::translate("qmr::StoreCheck", "The page files cannot be checked: %1")
+                  .arg(e.message()),
+              false);
         return;
     }
     for (const StoreFiles::Entry& entry : StoreFiles(m_paths).list()) {
         QString problem;
         switch (entry.kind) {
         case StoreFiles::Entry::Kind::Leftover:
-            problem = QStringLiteral("%1 is left from a copy that never ended").arg(entry.path);
+            problem = QCoreApplication::translate("qmr::StoreCheck",
+                                                  "%1 is left from a copy that never ended")
+                          .arg(entry.path);
             break;
         case StoreFiles::Entry::Kind::Page:
             if (computed.contains(entry.id) || stored.contains(entry.path))
                 continue;
-            problem = QStringLiteral("%1 belongs to no page").arg(entry.path);
+            problem = QCoreApplication::translate("qmr::StoreCheck", "%1 belongs to no page")
+                          .arg(entry.path);
             break;
         case StoreFiles::Entry::Kind::Thumbnail:
             if (computed.contains(entry.id))
                 continue;
-            problem = QStringLiteral("%1 is the thumbnail of no page").arg(entry.path);
+            problem =
+                QCoreApplication::translate("qmr::StoreCheck", "%1 is the thumbnail of no page")
+                    .arg(entry.path);
             break;
         }
         found(problem, m_repair && removeFile(entry.path));

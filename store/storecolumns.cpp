@@ -1,5 +1,6 @@
 #include "store/storecolumns.h"
 
+#include <QCoreApplication>
 #include <QRegularExpression>
 
 #include "store/storeerror.h"
@@ -35,11 +36,11 @@ const QVector<StoreColumn> kColumns = {
 QString spokenName(const QString& column)
 {
     if (column == QLatin1String("StoragePath"))
-        return QStringLiteral("storage path");
+        return QCoreApplication::translate("qmr::StoreColumns", "storage path");
     if (column == QLatin1String("Filename"))
-        return QStringLiteral("file name");
+        return QCoreApplication::translate("qmr::StoreColumns", "file name");
     if (column == QLatin1String("Email"))
-        return QStringLiteral("email address");
+        return QCoreApplication::translate("qmr::StoreColumns", "email address");
     return column.toLower();
 }
 
@@ -122,7 +123,8 @@ int StoreColumns::widthOf(const QString& table, const QString& column)
 
 QString StoreColumns::message(const QString& table, const QString& column, int width)
 {
-    return QStringLiteral("The %1 is too long: a %2's %1 can have at most %3 characters.")
+    return QCoreApplication::translate(
+               "qmr::StoreColumns", "The %1 is too long: a %2's %1 can have at most %3 characters.")
         .arg(spokenName(column), table.toLower())
         .arg(width);
 }

@@ -65,7 +65,7 @@ QVector<CreatedItem> OutlineFile::createItems(const QVector<OutlineLine>& lines,
                 for (int l = static_cast<int>(top) + 1; l < static_cast<int>(Level::Page); ++l)
                     keys << QString::fromLatin1(levelInfo(static_cast<Level>(l)).prefix);
                 const QString last = keys.takeLast();
-                pass(QStringLiteral("It does not begin with %1.")
+                pass(tr("It does not begin with %1.")
                          .arg(keys.isEmpty() ? last
                                              : keys.join(QStringLiteral(", ")) +
                                                    QStringLiteral(" or ") + last));
@@ -77,13 +77,11 @@ QVector<CreatedItem> OutlineFile::createItems(const QVector<OutlineLine>& lines,
         qint32 id = -1;
         if (parent == -1) {
             if (lostAt[l - 1] > 0)
-                pass(QStringLiteral("Its %1 on line %2 was not made.")
-                         .arg(word(l - 1))
-                         .arg(lostAt[l - 1]));
+                pass(tr("Its %1 on line %2 was not made.").arg(word(l - 1)).arg(lostAt[l - 1]));
             else
-                pass(QStringLiteral("A %1 needs a %2 line above it.").arg(word(l), word(l - 1)));
+                pass(tr("A %1 needs a %2 line above it.").arg(word(l), word(l - 1)));
         } else if (unused && line.name.isEmpty()) {
-            pass(QStringLiteral("It has no name."));
+            pass(tr("It has no name."));
         } else {
             try {
                 id = items.insertItem(*level, parent, line.name);

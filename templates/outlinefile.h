@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QStringList>
 #include <QVector>
@@ -28,6 +29,8 @@ struct UnusedLine
 
 class OutlineFile
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::OutlineFile)
+
 public:
     static OutlineLine parse(const QString& line);
     // The lines of the first section whose head line has the key `head` and the name `name`

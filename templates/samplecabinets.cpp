@@ -75,8 +75,8 @@ QString SampleCabinets::unusedLinesMessage(const QString& name) const
     if (m_unused.isEmpty())
         return QString();
     QStringList lines;
-    lines << QStringLiteral("Some lines of %1 could not be used; the sample cabinet '%2' was made "
-                            "without them.")
+    lines << tr("Some lines of %1 could not be used; the sample cabinet '%2' was made "
+                "without them.")
                  .arg(filePath(), name);
     const QString file = QFileInfo(filePath()).fileName();
     for (const UnusedLine& line : m_unused.mid(0, kListedLines))

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QStringList>
 
 #include "core/apphome.h"
@@ -14,6 +15,8 @@ class NavigatorCallbacks;
 // Ready-made cabinet outlines in Sample.txt; a built-in default is written when it is missing.
 class SampleCabinets
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::SampleCabinets)
+
 public:
     SampleCabinets(AppHome home, Database& db, NavigatorCallbacks* navigator)
         : m_home(std::move(home)), m_db(db), m_navigator(navigator)

@@ -40,7 +40,7 @@ void SampleDialog::cmdCreate()
     const QListWidgetItem* item = m_list->currentItem();
     const QString name = item ? item->text() : QString();
     if (name.isEmpty()) {
-        m_prompter.tell(QStringLiteral("Please select a sample cabinet to create."));
+        m_prompter.tell(tr("Please select a sample cabinet to create."));
         return;
     }
     try {
@@ -63,7 +63,7 @@ void SampleDialog::cmdCreate()
 void SampleDialog::cmdEdit()
 {
     if (const std::optional<QString> failure = m_choosers.openFile(m_samples.filePath()))
-        m_prompter.tell(QStringLiteral("Error # ") + *failure);
+        m_prompter.tell(tr("Error # ") + *failure);
     accept();
 }
 

@@ -93,7 +93,7 @@ void TemplateEditor::load()
     m_tree->clear();
     m_created.clear();
     m_root = new TemplateItem(m_tree);
-    m_root->setText(0, QStringLiteral("Drawers"));
+    m_root->setText(0, tr("Drawers"));
     m_root->setIcon(0, kindIcon(0));
     m_root->setData(0, kKeyRole, QStringLiteral("ROOT"));
     m_root->setExpanded(true);
@@ -107,25 +107,26 @@ void TemplateEditor::load()
 
 void TemplateEditor::updateButtons()
 {
-    static const char* const addCaptions[] = {"Add Folder", "Add Document", nullptr};
-    static const char* const removeCaptions[] = {"Remove Drawer", "Remove Folder",
-                                                 "Remove Document"};
+    static const char* const addCaptions[] = {QT_TR_NOOP("Add Folder"), QT_TR_NOOP("Add Document"),
+                                              nullptr};
+    static const char* const removeCaptions[] = {
+        QT_TR_NOOP("Remove Drawer"), QT_TR_NOOP("Remove Folder"), QT_TR_NOOP("Remove Document")};
     m_addSibling->setEnabled(false); // a sibling is made from the parent node
     QTreeWidgetItem* item = m_tree->currentItem();
     if (!item || item == m_root) {
-        m_addChild->setText(QStringLiteral("Add Drawer"));
+        m_addChild->setText(tr("Add Drawer"));
         m_addChild->setEnabled(true);
         m_removeSibling->setEnabled(false);
         return;
     }
     const int kind = kindOf(item->data(0, kKeyRole).toString());
     if (addCaptions[kind]) {
-        m_addChild->setText(QLatin1String(addCaptions[kind]));
+        m_addChild->setText(tr(addCaptions[kind]));
         m_addChild->setEnabled(true);
     } else {
         m_addChild->setEnabled(false);
     }
-    m_removeSibling->setText(QLatin1String(removeCaptions[kind]));
+    m_removeSibling->setText(tr(removeCaptions[kind]));
     m_removeSibling->setEnabled(true);
 }
 
@@ -171,7 +172,7 @@ void TemplateEditor::cmdOK()
         TextFile::writeLines(m_templates.filePath(), TemplateOutline::write(nodes));
     unsetCursor();
     if (!written) {
-        m_prompter.tell(QStringLiteral("Cannot write the file '%1'.").arg(m_templates.filePath()));
+        m_prompter.tell(tr("Cannot write the file '%1'.").arg(m_templates.filePath()));
         return;
     }
     m_templates.loadDrawerTemplates();

@@ -7,6 +7,7 @@ packages=(
   cmake ninja-build g++ pkg-config     # build
   qt6-base-dev libgl-dev               # widgets, images, printing, settings (Qt 6)
   qt6-image-formats-plugins            # more image formats for loose files
+  qt6-l10n-tools qt6-tools-dev         # lupdate and its CMake package: the translation template
   libqt6svg6                           # draws the program's SVG icons at any size
   libsqlite3-dev                       # the store
   libcurl4-openssl-dev                 # mail to an SMTP server

@@ -61,11 +61,11 @@ bool PageResolver::resolve(ViewerMode mode, const NodeKey& key, PageLocation& lo
         } else if (level == Level::Page) {
             location.documentId = pages.documentOf(key.id());
         } else {
-            m_context.prompter.tell(QStringLiteral("Error!"));
+            m_context.prompter.tell(tr("Error!"));
             return false;
         }
         if (location.documentId < 0) {
-            m_context.prompter.tell(QStringLiteral("Error!"));
+            m_context.prompter.tell(tr("Error!"));
             return false;
         }
         location.pageId = makePage(location.documentId);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QString>
 #include <QtGlobal>
 
@@ -33,6 +34,8 @@ struct PageLocation
 // already made, until startNextPage() asks for the next page.
 class PageResolver
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PageResolver)
+
 public:
     explicit PageResolver(const CommandContext& context) : m_context(context) {}
     // The context is held by reference: a temporary one would be gone before its use.

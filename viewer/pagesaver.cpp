@@ -1,5 +1,6 @@
 #include "viewer/pagesaver.h"
 
+#include <QCoreApplication>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -20,8 +21,15 @@ namespace qmr {
 
 namespace {
 
-const QString kEnterName = QStringLiteral("Please enter a filename.");
-const QString kNoImage = QStringLiteral("There is no image to save.");
+QString enterName()
+{
+    return QCoreApplication::translate("qmr::PageSaver", "Please enter a filename.");
+}
+
+QString noImage()
+{
+    return QCoreApplication::translate("qmr::PageSaver", "There is no image to save.");
+}
 
 void removeIfThere(const QString& path)
 {
@@ -62,14 +70,14 @@ PageSaver::Result PageSaver::save(const QImage& image, SaveTarget& target,
 {
     Prompter& prompter = m_context.prompter;
     if (image.isNull()) {
-        prompter.tell(kNoImage);
+        prompter.tell(noImage());
         return Result::Stopped;
     }
     const PageLocation& location = target.location;
     QString& name = target.filename;
     if (location.storage != 0 && !location.storagePath.isEmpty()) {
         if (name.endsWith(QLatin1Char('/'))) {
-            prompter.tell(kEnterName);
+            prompter.tell(enterName());
             return Result::FocusFilename;
         }
         if (ItemRules::containsBadPathCharacters(name)) {
@@ -82,21 +90,20 @@ PageSaver::Result PageSaver::save(const QImage& image, SaveTarget& target,
     bool autoAssign = false;
     bool deleteOld = false;
     if (name.isEmpty()) {
-        if (prompter.ask(QStringLiteral("No filename entered.  Do you want to auto-assign a "
-                                        "filename?"),
+        if (prompter.ask(tr("No filename entered.  Do you want to auto-assign a "
+                            "filename?"),
                          Prompter::Buttons::YesNo) != Prompter::Answer::Yes)
             return Result::Stopped;
         autoAssign = true;
     } else {
         if (!location.storagePath.isEmpty() && name.trimmed().endsWith(QLatin1Char('/'))) {
-            prompter.tell(kEnterName);
+            prompter.tell(enterName());
             return Result::Stopped;
         }
         if (name.toLower().right(4) != QLatin1String(".jpg")) {
             // Only the file's own name counts: directories on the way may hold dots.
             if (PagePaths::filePart(QLatin1Char('/') + name).contains(QLatin1Char('.'))) {
-                prompter.tell(
-                    QStringLiteral("The file extension must be .JPG (please change filename)."));
+                prompter.tell(tr("The file extension must be .JPG (please change filename)."));
                 return Result::Stopped;
             }
             name += QStringLiteral(".jpg");
@@ -106,16 +113,16 @@ PageSaver::Result PageSaver::save(const QImage& image, SaveTarget& target,
             name = QDir::cleanPath(location.storagePath + QLatin1Char('/') + name);
         if (name.trimmed().toLower() != target.currentFile.trimmed().toLower()) {
             if (QFile::exists(name) &&
-                prompter.ask(QStringLiteral("The file named '") + name +
-                                 QStringLiteral("' aready exists.\nDo you want to overwrite "
-                                                "this file?"),
+                prompter.ask(tr("The file named '%1' aready exists.\nDo you want to overwrite "
+                                "this file?")
+                                 .arg(name),
                              Prompter::Buttons::YesNo) != Prompter::Answer::Yes)
                 return Result::Stopped;
             if (!target.currentFile.isEmpty())
-                deleteOld = prompter.ask(QStringLiteral("You have renamed this file.  Do you "
-                                                        "want to delete the old filename?\n"
-                                                        "Old filename: '") +
-                                             target.currentFile + QLatin1Char('\''),
+                deleteOld = prompter.ask(tr("You have renamed this file.  Do you "
+                                            "want to delete the old filename?\n"
+                                            "Old filename: '%1'")
+                                             .arg(target.currentFile),
                                          Prompter::Buttons::YesNo) == Prompter::Answer::Yes;
         }
     }
@@ -160,15 +167,15 @@ PageSaver::Result PageSaver::savePage(const QImage& image, SaveTarget& target, b
         return Result::Failed;
     }
 
-    progress.start(QStringLiteral("Saving page"), 1, 4);
-    progress.step(QStringLiteral("Save image"));
+    progress.start(tr("Saving page"), 1, 4);
+    progress.step(tr("Save image"));
     // A new page's computed place may hold a file left by a run that ended early: never
     // this page's, so it goes, and nothing else is written over.
     const bool newFile = target.mode == ViewerMode::Add && stored.isEmpty();
     Attempt<> written;
     if (!PagePaths::ensurePathExists(path, session.home().path()))
-        written = Failure(QStringLiteral("The image could not be written to '%1': its directory "
-                                         "could not be made.")
+        written = Failure(tr("The image could not be written to '%1': its directory "
+                             "could not be made.")
                               .arg(path));
     else if (const QString taken =
                  newFile ? PagePlace::clear(session.pages(), session.paths(), pageId, path)
@@ -185,7 +192,7 @@ PageSaver::Result PageSaver::savePage(const QImage& image, SaveTarget& target, b
         return Result::Failed;
     }
 
-    progress.step(QStringLiteral("Save thumbnail"));
+    progress.step(tr("Save thumbnail"));
     const QString thumb = session.paths().thumbPath(pageId, stored);
     if (PagePaths::ensurePathExists(thumb, session.home().path())) {
         const QImage reduced = image.scaled(ThumbnailMaker::reducedSize(image.size()),
@@ -203,8 +210,8 @@ PageSaver::Result PageSaver::savePage(const QImage& image, SaveTarget& target, b
         return Result::Failed;
     }
     target.currentFile = path;
-    progress.step(QStringLiteral("Update thumbnails"));
-    progress.step(QStringLiteral("Save complete"));
+    progress.step(tr("Update thumbnails"));
+    progress.step(tr("Save complete"));
     progress.end();
     return Result::Saved;
 }
@@ -215,16 +222,16 @@ bool PageSaver::saveAs(const QImage& image, SaveTarget& target,
     Session& session = m_context.session;
     Prompter& prompter = m_context.prompter;
     if (image.isNull()) {
-        prompter.tell(kNoImage);
+        prompter.tell(noImage());
         return false;
     }
     QString dir = PagePaths::directoryPart(session.settings().get(keys::LastSaveAsPath));
     if (dir.isEmpty())
         dir = QDir::homePath() + QLatin1Char('/');
     const std::optional<QString> chosen = m_context.choosers.saveFile(
-        {QStringLiteral("Save As"),
+        {tr("Save As"),
          dir + QString::number(target.location.pageId) + QStringLiteral(".jpg"),
-         {QStringLiteral("All files (*)"), QStringLiteral("JPEG files (*.jpg)")},
+         {tr("All files (*)"), tr("JPEG files (*.jpg)")},
          1,
          QStringLiteral("jpg"),
          false});
@@ -233,18 +240,17 @@ bool PageSaver::saveAs(const QImage& image, SaveTarget& target,
     const QString name = *chosen;
     const QString home = session.home().path();
     if (isWithin(name, home)) {
-        prompter.tell(QStringLiteral("You cannot save an image to a path within the Quillmere "
-                                     "system.\nPlease select another location that is not within "
-                                     "the application path of:\n'") +
-                      home + QStringLiteral("'."));
+        prompter.tell(tr("You cannot save an image to a path within the Quillmere "
+                         "system.\nPlease select another location that is not within "
+                         "the application path of:\n'%1'.")
+                          .arg(home));
         return false;
     }
-    if (QFile::exists(name) &&
-        !prompter.confirm(QLatin1Char('\'') + name + QStringLiteral("' exists.  Overwrite?")))
+    if (QFile::exists(name) && !prompter.confirm(tr("'%1' exists.  Overwrite?").arg(name)))
         return false;
     if (!PagePaths::ensurePathExists(PagePaths::directoryPart(name))) {
-        prompter.tell(QStringLiteral("The directory '%1' could not be made.")
-                          .arg(PagePaths::directoryPart(name)));
+        prompter.tell(
+            tr("The directory '%1' could not be made.").arg(PagePaths::directoryPart(name)));
         return false;
     }
     const int quality = qualityFactor(session.settings(), false);
@@ -260,7 +266,7 @@ bool PageSaver::saveAs(const QImage& image, SaveTarget& target,
 
 bool PageSaver::cancelNewPage(const PageLocation& location)
 {
-    if (!m_context.prompter.confirm(QStringLiteral("Cancel saving this new page?")))
+    if (!m_context.prompter.confirm(tr("Cancel saving this new page?")))
         return false;
     removeNewPage(location);
     return true;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QString>
 #include <functional>
@@ -26,6 +27,8 @@ struct SaveTarget
 // leaves the row and the old file as they were. The thumbnail is made from a reduced copy.
 class PageSaver
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::PageSaver)
+
 public:
     enum class Result { Saved, Stopped, FocusFilename, Failed };
 

@@ -93,7 +93,7 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
                 percent = *next;
         }
         m_ui->LEAD1->setZoomPercentAt(percent, at);
-        m_ui->lblZoom->setText(QStringLiteral("%1 %").arg(qRound(percent)));
+        m_ui->lblZoom->setText(tr("%1 %").arg(qRound(percent)));
     });
     auto* zoomIn = new QShortcut(QKeySequence::ZoomIn, this);
     connect(zoomIn, &QShortcut::activated, this, &PageViewWindow::cmdZoomIn);
@@ -128,7 +128,7 @@ bool PageViewWindow::beginAdd(const NodeKey& key)
 {
     m_mode = ViewerMode::Add;
     m_key = key;
-    setWindowTitle(QStringLiteral("New Page"));
+    setWindowTitle(tr("New Page"));
     bool resolved = false;
     guarded(m_context.prompter, [&] { resolved = preResolveDbId(); });
     return resolved;
@@ -238,7 +238,7 @@ void PageViewWindow::updateTitle()
     if (m_location.pageId < 0)
         return;
     const QString caption =
-        QStringLiteral("Page # %1 (ID = %2)").arg(m_location.pageNumber).arg(m_location.pageId);
+        tr("Page # %1 (ID = %2)").arg(m_location.pageNumber).arg(m_location.pageId);
     setWindowTitle(m_page.edited() ? QLatin1Char('*') + caption : caption);
 }
 
@@ -263,7 +263,7 @@ void PageViewWindow::cmdNext()
 void PageViewWindow::setZoom(double percent)
 {
     m_ui->LEAD1->setZoomPercent(percent);
-    m_ui->lblZoom->setText(QStringLiteral("%1 %").arg(qRound(percent)));
+    m_ui->lblZoom->setText(tr("%1 %").arg(qRound(percent)));
 }
 
 void PageViewWindow::cmdZoomIn()
@@ -443,7 +443,7 @@ PageSaver::Result PageViewWindow::save()
     if (result == PageSaver::Result::Saved) {
         m_page.forgetEdits();
         imageEdited();
-        statusBar()->showMessage(QStringLiteral("Page %1 saved.").arg(m_location.pageNumber));
+        statusBar()->showMessage(tr("Page %1 saved.").arg(m_location.pageNumber));
         if (m_mode == ViewerMode::Add)
             m_newPageSaved = true;
         // A scan into a folder goes on in the document made for its first page.
@@ -475,9 +475,9 @@ bool PageViewWindow::mayLeaveEdits()
 {
     if (!m_page.edited())
         return true;
-    const Prompter::Answer answer = m_context.prompter.ask(
-        QStringLiteral("Save the changes to page %1?").arg(m_location.pageNumber),
-        Prompter::Buttons::SaveDiscardCancel);
+    const Prompter::Answer answer =
+        m_context.prompter.ask(tr("Save the changes to page %1?").arg(m_location.pageNumber),
+                               Prompter::Buttons::SaveDiscardCancel);
     if (answer == Prompter::Answer::No)
         return true;
     // A save that stopped or failed keeps the page and its edits.

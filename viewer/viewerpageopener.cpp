@@ -1,5 +1,6 @@
 #include "viewer/viewerpageopener.h"
 
+#include <QCoreApplication>
 #include <QFile>
 
 #include "core/choosers.h"
@@ -14,7 +15,7 @@ namespace {
 
 QString missingFile(const QString& path)
 {
-    return QStringLiteral("Missing file '") + path + QStringLiteral("'.");
+    return QCoreApplication::translate("qmr::ViewerPageOpener", "Missing file '%1'.").arg(path);
 }
 
 } // namespace
@@ -22,7 +23,7 @@ QString missingFile(const QString& path)
 void ViewerPageOpener::openShortcut(const CommandContext& context, const PageRow& page)
 {
     if (page.filename.isEmpty()) {
-        context.prompter.tell(QStringLiteral("This shortcut has no filename."));
+        context.prompter.tell(tr("This shortcut has no filename."));
         return;
     }
     if (!QFile::exists(page.filename)) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QPointer>
 #include <functional>
 
@@ -15,6 +16,7 @@ struct PageRow;
 // which moves to the next page opened), the desktop's program for a shortcut page's file.
 class ViewerPageOpener : public PageOpener
 {
+    Q_DECLARE_TR_FUNCTIONS(qmr::ViewerPageOpener)
 public:
     explicit ViewerPageOpener(const CommandContext& context) : m_context(context) {}
     // The context is held by reference: a temporary one would be gone before its use.
