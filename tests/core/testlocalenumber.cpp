@@ -39,6 +39,8 @@ private slots:
                                     << "1.2.3" << false << 0.0;
         QTest::newRow("infinity") << "en_US"
                                   << "inf" << false << 0.0;
+        QTest::newRow("space where a comma groups") << "en_US"
+                                                    << "1 234.50" << false << 0.0;
         QTest::newRow("german grouped") << "de_DE"
                                         << "1.234,50" << true << 1234.5;
         QTest::newRow("german comma") << "de_DE"

@@ -33,6 +33,8 @@ private slots:
                               << "PAG" << 99 << 4 << -1 << false << false;
         QTest::newRow("found cabinet") << "FCB3"
                                        << "FCB" << 3 << -1 << 0 << false << false;
+        QTest::newRow("found cabinet 0") << "FCB0"
+                                         << "FCB" << 0 << -1 << 0 << false << false;
         QTest::newRow("found document") << "FDC5"
                                         << "FDC" << 5 << -1 << 3 << false << false;
         QTest::newRow("root") << "ROOT"

@@ -43,6 +43,11 @@ private slots:
         QTest::newRow("lone cr") << "a\rb" << QStringList{"a", "b"};
         QTest::newRow("empty lines kept") << "a\n\n\nb\n" << QStringList{"a", "", "", "b"};
         QTest::newRow("nothing") << "" << QStringList{};
+        // A text that is a view of a longer one ends where its size says, not at a line end
+        // that follows in memory.
+        static constexpr char16_t kLonger[] = u"a\n\n";
+        QTest::newRow("view ends before a line end")
+            << QString::fromRawData(reinterpret_cast<const QChar*>(kLonger), 2) << QStringList{"a"};
     }
     void splitLines()
     {

@@ -1,4 +1,6 @@
 #include <QTest>
+#include <cerrno>
+#include <cstring>
 #include <sys/stat.h>
 
 #include "exchange/consoleprogress.h"
@@ -363,6 +365,8 @@ private slots:
         const FileOutcome gone = fs.copyFile(dir.filePath("gone.bin"), target, LinkRule::Refuse);
         QCOMPARE(gone.kind, FileOutcome::Kind::ReadFailed);
         QVERIFY(gone.message.contains("gone.bin"));
+        QVERIFY2(gone.message.endsWith(QString::fromLocal8Bit(std::strerror(ENOENT))),
+                 qPrintable(gone.message));
         QCOMPARE(ExchangeFixture::readBytes(target), big);
         // A target directory that is not there is a write failure, not a crash.
         const FileOutcome nowhere =

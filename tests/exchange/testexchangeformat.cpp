@@ -36,6 +36,9 @@ private slots:
         QTest::newRow("every bad character") << "a\\b/c:d*e?f\"g<h>i|j.k"
                                              << "abcdefghijk"
                                              << "abcdefghij";
+        QTest::newRow("only an extension") << ".pdf"
+                                           << "pdf"
+                                           << "";
         QTest::newRow("only bad characters") << "..."
                                              << ""
                                              << "";

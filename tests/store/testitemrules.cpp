@@ -117,6 +117,7 @@ private slots:
         QTest::newRow("JPEG") << "SCAN.JPEG" << true;
         QTest::newRow("bmp") << "/a/b/c.Bmp" << true;
         QTest::newRow("no dot") << "scanjpg" << true;
+        QTest::newRow("no dot, bmp") << "scanbmp" << true;
         QTest::newRow("png") << "scan.png" << false;
         QTest::newRow("pdf") << "scan.pdf" << false;
         QTest::newRow("jpg directory") << "/a.jpg/readme.txt" << false;

@@ -3,6 +3,7 @@
 #include "core/progress.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
+#include "store/storeerror.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
@@ -112,6 +113,19 @@ private slots:
         QCOMPARE(drawers.at(1).name, QStringLiteral("b second"));
         QCOMPARE(items.children(Level::Document, fld).at(0).date, QDate(2026, 1, 2));
         QCOMPARE(items.item(Level::Folder, 777).id, -1);
+
+        // Each level's own fields, and no other level's.
+        QCOMPARE(items.fields(Level::Document, doc)->dateOnDocument, QDate(2026, 1, 2));
+        QCOMPARE(items.fields(Level::Drawer, drw)->name, QStringLiteral("D"));
+        QCOMPARE(items.manifest(Level::Cabinet, cab).name, QStringLiteral("C"));
+        const PageStore pages(store.db());
+        QVERIFY(!pages.page(pag)->hasFileSize);
+        store.db().execute("UPDATE Page SET FileSize = 0 WHERE PageId = ?", {pag});
+        QVERIFY(pages.page(pag)->hasFileSize);
+        QVERIFY(!pages.page(9999));
+        QCOMPARE(pages.pagesInRange(doc, 1, 1).size(), 1);
+        const Recordset rs = store.db().openRecordset("SELECT Name FROM Cabinet", {});
+        QVERIFY_THROWS_EXCEPTION(StoreError, rs.value(rs.recordCount(), 0));
     }
 };
 

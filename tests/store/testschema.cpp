@@ -6,6 +6,7 @@
 #include "store/itemstore.h"
 #include "store/schema.h"
 #include "store/sqltext.h"
+#include "store/storecolumns.h"
 #include "store/storeerror.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
@@ -235,6 +236,9 @@ private slots:
         QTest::newRow("one character is one") << "Müller"
                                               << "m_ler"
                                               << "" << 0;
+        QTest::newRow("anchored start, ascii") << "Bill for Miller"
+                                               << "miller%"
+                                               << "" << 0;
         QTest::newRow("anchored start") << "Bill for Müller"
                                         << "müller%"
                                         << "" << 0;
@@ -305,6 +309,9 @@ private slots:
         items.insertItem(Level::Cabinet, -1, QString(80, QLatin1Char('w')));
         QVERIFY_THROWS_EXCEPTION(StoreError,
                                  items.insertItem(Level::Drawer, 1, QString(81, QLatin1Char('w'))));
+        // Checked before a copy into the store, ahead of the store's own refusal.
+        QVERIFY_THROWS_EXCEPTION(StoreError,
+                                 StoreColumns::check("Page", "Filename", QString(251, 'n')));
     }
 
     void quoteSqlAndNulls()

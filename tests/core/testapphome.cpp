@@ -1,0 +1,54 @@
+#include <QFile>
+#include <QScopeGuard>
+#include <QTemporaryDir>
+#include <QTest>
+#include <cerrno>
+#include <cstring>
+
+#include "core/apphome.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+class TestAppHome : public QObject
+{
+    Q_OBJECT
+private slots:
+    // Read before the command line is parsed (the help file is looked up there), so a
+    // value that is not one of --home's must not be taken for the home.
+    void fromArguments_data()
+    {
+        QTest::addColumn<QStringList>("arguments");
+        QTest::addColumn<QString>("home");
+        QTest::newRow("--home DIR") << QStringList{"--home", "/h"} << "/h";
+        QTest::newRow("--home=DIR") << QStringList{"--home=/h"} << "/h";
+        QTest::newRow("--home last of several")
+            << QStringList{"--export", "C", "/out", "--home", "/h"} << "/h";
+        QTest::newRow("other options only") << QStringList{"--export", "C", "/out"} << "/env";
+        QTest::newRow("--home without its value") << QStringList{"--check", "--home"} << "/env";
+    }
+    void fromArguments()
+    {
+        QFETCH(QStringList, arguments);
+        QFETCH(QString, home);
+        const QByteArray saved = qgetenv("QUILLMERE_HOME");
+        const auto restore = qScopeGuard([&] { qputenv("QUILLMERE_HOME", saved); });
+        qputenv("QUILLMERE_HOME", "/env");
+        QCOMPARE(AppHome::fromArguments(QStringList{"quillmere"} + arguments).path(), home);
+    }
+
+    void aFileInTheWayIsNamed()
+    {
+        QTemporaryDir dir;
+        const QString file = dir.filePath("in the way");
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly));
+        f.close();
+        const Attempt<> made = AppHome(file + "/home").ensureExists();
+        QVERIFY(!made.ok());
+        QCOMPARE(made.why(), QStringLiteral("%1 (%2)").arg(strerror(ENOTDIR), file));
+    }
+};
+
+QMR_TEST(TestAppHome)
+#include "testapphome.moc"

@@ -1,0 +1,36 @@
+#include <QTest>
+
+#include "core/nameorder.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+
+class TestNameOrder : public QObject
+{
+    Q_OBJECT
+private slots:
+    void compareNames_data()
+    {
+        QTest::addColumn<QString>("a");
+        QTest::addColumn<QString>("b");
+        QTest::addColumn<int>("sign");
+        QTest::newRow("case only") << "tax RETURNS"
+                                   << "Tax Returns" << 0;
+        QTest::newRow("accent before the next letter") << "école"
+                                                       << "Emma" << -1;
+        QTest::newRow("accented after plain") << "école"
+                                              << "Ecole" << 1;
+    }
+    void compareNames()
+    {
+        QFETCH(QString, a);
+        QFETCH(QString, b);
+        QFETCH(int, sign);
+        const int c = qmr::compareNames(a, b);
+        QCOMPARE((c > 0) - (c < 0), sign);
+        QCOMPARE(nameLess(a, b), sign < 0 || (sign == 0 && a < b));
+    }
+};
+
+QMR_TEST(TestNameOrder)
+#include "testnameorder.moc"
