@@ -1,5 +1,6 @@
 #include "navigator/foundbranch.h"
 
+#include <QCoreApplication>
 #include <QSet>
 
 #include "core/nodekey.h"
@@ -29,7 +30,7 @@ void FoundBranch::show(const QVector<FoundDocument>& documents)
     const QIcon documentIcon = m_icons.icon(QStringLiteral("document"));
     QVector<NavTree::NewNode> nodes;
     nodes.reserve(1 + documents.size());
-    nodes.append({QString(), rootKey, QStringLiteral("Found"),
+    nodes.append({QString(), rootKey, QCoreApplication::translate("qmr::FoundBranch", "Found"),
                   m_icons.icon(QStringLiteral("found")), false, fixed});
     // A place or document already there keeps its node: documents that share a folder share
     // its chain, and a document found by both passes stands once.

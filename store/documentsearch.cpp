@@ -7,6 +7,7 @@
 #include "core/findcriteria.h"
 #include "store/database.h"
 #include "store/pageconditions.h"
+#include "store/wordindex.h"
 
 namespace qmr {
 
@@ -44,11 +45,18 @@ struct Conditions
 };
 
 // A name or description holding any of the pieces. The pieces are bound as they are, so an
-// apostrophe is an apostrophe, and % and _ typed into them stay wildcards.
-void addKeywords(Conditions& c, const QStringList& pieces, const QString& table)
+// apostrophe is an apostrophe, and % and _ typed into them stay wildcards. With `match`, the
+// word index first narrows the rows to those that may hold a piece.
+void addKeywords(Conditions& c, const QStringList& pieces, const QString& table, const QString& key,
+                 const QString& match)
 {
     if (pieces.isEmpty())
         return;
+    if (!match.isEmpty()) {
+        c.text << QStringLiteral("%1.%2 IN (SELECT rowid FROM %3 WHERE %3 MATCH ?)")
+                      .arg(table, key, WordIndex::tableOf(table));
+        c.binds << match;
+    }
     QStringList tests;
     for (const QString& piece : pieces) {
         const QString pattern = QLatin1Char('%') + piece + QLatin1Char('%');
@@ -149,11 +157,12 @@ FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint
     const QStringList pieces = criteria.keywordPieces();
     HitReader reader(cabinets);
     Database::Transaction read(m_db);
+    const QString match = WordIndex::present(m_db) ? WordIndex::matchFor(pieces) : QString();
 
     // The document pass. A document without pages cannot meet a range, not even one that is
     // not about pages.
     Conditions documents;
-    addKeywords(documents, pieces, QStringLiteral("Document"));
+    addKeywords(documents, pieces, QStringLiteral("Document"), QStringLiteral("DocumentId"), match);
     addPlace(documents, criteria, cabinets);
     if (criteria.documentDate) {
         documents.text << QStringLiteral("Document.DateOnDocument BETWEEN ? AND ?");
@@ -185,7 +194,7 @@ FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint
     // The folder pass: no range, so every document of a matching folder comes, and a
     // matching folder counts even when it holds none.
     Conditions folders;
-    addKeywords(folders, pieces, QStringLiteral("Folder"));
+    addKeywords(folders, pieces, QStringLiteral("Folder"), QStringLiteral("FolderId"), match);
     addPlace(folders, criteria, cabinets);
     qint32 lastFolder = -1;
     m_db.forEachRow(QStringLiteral("SELECT ") + kColumns + QStringLiteral(" FROM Folder ") +

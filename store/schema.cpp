@@ -8,6 +8,7 @@
 #include "store/database.h"
 #include "store/storecolumns.h"
 #include "store/storeerror.h"
+#include "store/wordindex.h"
 
 namespace qmr {
 
@@ -93,6 +94,7 @@ void StoreSchema::ensureSearchIndexes(Database& db)
                                   "(DocumentId, ScanDate, FileSize)"));
     } catch (const StoreError&) {
     }
+    WordIndex::ensure(db);
 }
 
 void StoreSchema::createDatabase(const AppHome& home)

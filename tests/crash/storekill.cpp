@@ -64,11 +64,13 @@ int runChild(const QString& homePath, int firstStep, quint32 seed)
 }
 
 // A fingerprint of every row of every table, rowids and all.
+// The word index is left out: it is made from these rows, and soundness() checks it.
 QByteArray fingerprint(Database& db)
 {
     QCryptographicHash hash(QCryptographicHash::Sha1);
     const Recordset tables = db.openRecordset(
-        QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' ORDER BY name"));
+        QStringLiteral("SELECT name FROM sqlite_master WHERE type = 'table' AND name NOT GLOB "
+                       "'*Words*' ORDER BY name"));
     for (int t = 0; t < tables.recordCount(); ++t) {
         const QString table = tables.text(t, QStringLiteral("name"));
         hash.addData(table.toUtf8() + '\x1e');
@@ -121,6 +123,15 @@ QString soundness(Database& db)
                 .toInt();
         if (unnamed > 0)
             return QStringLiteral("%1 rows of %2 have no name").arg(unnamed).arg(table);
+    }
+    // A word index that lost step with its rows would find too much or too little.
+    for (const char* words : {"DocumentWords", "FolderWords"}) {
+        try {
+            db.execute(QStringLiteral("INSERT INTO %1 (%1) VALUES ('integrity-check')")
+                           .arg(QLatin1String(words)));
+        } catch (const StoreError& e) {
+            return QLatin1String(words) + QStringLiteral(": ") + e.message();
+        }
     }
     return QString();
 }
