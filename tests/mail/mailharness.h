@@ -3,6 +3,7 @@
 #include <QFile>
 #include <QHash>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include "core/settings.h"
 #include "mail/mailsettings.h"
@@ -42,63 +43,58 @@ struct SendmailStandIn
     }
 };
 
-// A received message taken apart: its headers by name and its parts.
-struct ParsedMessage
+struct MessagePart
 {
-    QHash<QByteArray, QByteArray> headers;
+    QHash<QByteArray, QByteArray> headers; // by name in lower case
     QByteArray body;
-    struct Part
-    {
-        QHash<QByteArray, QByteArray> headers;
-        QByteArray body;
-    };
+};
+
+// A received message taken apart: its headers, its body and the parts of that.
+struct ParsedMessage : MessagePart
+{
+    using Part = MessagePart;
     QList<Part> parts;
 
-    static QHash<QByteArray, QByteArray> headerBlock(const QByteArray& text, QByteArray* rest)
+    static Part split(const QByteArray& text)
     {
-        QHash<QByteArray, QByteArray> h;
+        Part p;
         const qsizetype end = text.indexOf("\r\n\r\n");
-        const QByteArray block = text.left(end);
-        *rest = text.mid(end + 4);
+        p.body = text.mid(end + 4);
         QByteArray last;
-        for (const QByteArray& line : block.split('\n')) {
-            const QByteArray l = line.endsWith('\r') ? line.chopped(1) : line;
+        for (QByteArray l : text.left(end).split('\n')) {
+            if (l.endsWith('\r'))
+                l.chop(1);
             if ((l.startsWith(' ') || l.startsWith('\t')) && !last.isEmpty()) {
-                h[last] += "\r\n" + l; // a folded line
+                p.headers[last] += "\r\n" + l; // a folded line
                 continue;
             }
-            const qsizetype colon = l.indexOf(':');
-            last = l.left(colon).toLower();
-            h[last] = l.mid(colon + 1).trimmed();
+            last = l.left(l.indexOf(':')).toLower();
+            p.headers[last] = l.mid(l.indexOf(':') + 1).trimmed();
         }
-        return h;
+        return p;
     }
 
     explicit ParsedMessage(const QByteArray& text)
     {
-        headers = headerBlock(text, &body);
+        static_cast<Part&>(*this) = split(text);
         const QByteArray type = headers.value("content-type");
-        const qsizetype at = type.indexOf("boundary=\"");
-        if (at < 0)
+        const qsizetype at = type.indexOf("boundary=\"") + 10;
+        if (at < 10)
             return;
-        const QByteArray boundary = "--" + type.mid(at + 10, type.indexOf('"', at + 10) - at - 10);
-        const QList<QByteArray> pieces = body.split('\n');
+        const QByteArray boundary = "--" + type.mid(at, type.indexOf('"', at) - at);
         QByteArray current;
         bool inPart = false;
-        for (const QByteArray& raw : pieces) {
-            const QByteArray line = raw.endsWith('\r') ? raw.chopped(1) : raw;
+        for (QByteArray line : body.split('\n')) {
+            if (line.endsWith('\r'))
+                line.chop(1);
             if (line == boundary || line == boundary + "--") {
-                if (inPart) {
-                    Part p;
-                    p.headers = headerBlock(current, &p.body);
-                    parts << p;
-                }
+                if (inPart)
+                    parts << split(current);
                 current.clear();
                 inPart = line == boundary;
-                continue;
-            }
-            if (inPart)
+            } else if (inPart) {
                 current += line + "\r\n";
+            }
         }
     }
 
@@ -107,19 +103,25 @@ struct ParsedMessage
     {
         QByteArray out;
         for (qsizetype i = 0; i < qp.size(); ++i) {
-            if (qp.at(i) == '=' && i + 2 < qp.size() && qp.at(i + 1) == '\r' &&
-                qp.at(i + 2) == '\n') {
-                i += 2;
-            } else if (qp.at(i) == '=' && i + 2 < qp.size()) {
-                out += char(qp.mid(i + 1, 2).toInt(nullptr, 16));
-                i += 2;
-            } else {
+            if (qp.at(i) != '=' || i + 2 >= qp.size())
                 out += qp.at(i);
-            }
+            else if (qp.mid(i + 1, 2) != "\r\n")
+                out += char(qp.mid(i + 1, 2).toInt(nullptr, 16));
+            if (qp.at(i) == '=' && i + 2 < qp.size())
+                i += 2;
         }
         return out;
     }
 };
+
+#ifndef QMR_TEST_ROW // the mail and print harnesses both give it
+#define QMR_TEST_ROW
+// One data row, its values in the order of the columns.
+template <class... T> void row(const char* name, const T&... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+#endif
 
 inline MailSettings smtpTo(quint16 port, const QString& from = QStringLiteral("me@example.org"))
 {

@@ -33,7 +33,6 @@ public:
     QString mailFrom;
     QStringList recipients;
     QList<QByteArray> messages;
-    QStringList commands;
 
 private:
     void accept()
@@ -71,7 +70,6 @@ private:
                 return;
             const QByteArray line = m_buffer.left(end);
             m_buffer.remove(0, end + 2);
-            commands << QString::fromUtf8(line);
             const QByteArray verb = line.left(4).toUpper();
             if (m_loginNext || (verb == "AUTH" && line.size() > 11)) {
                 // "\0user\0password", after the command or on a line of its own.

@@ -1,6 +1,7 @@
 #include <QTest>
 
 #include "mail/attachmentlist.h"
+#include "mailharness.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -14,15 +15,16 @@ private slots:
         QTest::addColumn<QString>("attachments");
         QTest::addColumn<int>("count");
         QTest::addColumn<QStringList>("paths");
-        QTest::newRow("none") << "" << 0 << QStringList();
-        QTest::newRow("one without a mark") << "/p/1.jpg" << 1 << QStringList{"/p/1.jpg"};
-        QTest::newRow("one with its mark") << "/p/1.jpg|" << 1 << QStringList{"/p/1.jpg"};
-        QTest::newRow("three pages") << "/p/1.jpg|/p/2.jpg|/p/3.jpg|" << 3
-                                     << QStringList{"/p/1.jpg", "/p/2.jpg", "/p/3.jpg"};
+        const QStringList one = {"/p/1.jpg"};
+        test::row("none", "", 0, QStringList());
+        test::row("one without a mark", "/p/1.jpg", 1, one);
+        test::row("one with its mark", "/p/1.jpg|", 1, one);
+        test::row("three pages", "/p/1.jpg|/p/2.jpg|/p/3.jpg|", 3,
+                  QStringList{"/p/1.jpg", "/p/2.jpg", "/p/3.jpg"});
         // Marks count even where no path stands between them; the empty pieces are skipped.
-        QTest::newRow("empty pieces") << "|/p/1.jpg||" << 3 << QStringList{"/p/1.jpg"};
+        test::row("empty pieces", "|/p/1.jpg||", 3, one);
         // A text after the last mark is not a path of the list.
-        QTest::newRow("tail without a mark") << "/p/1.jpg|/p/2.jpg" << 1 << QStringList{"/p/1.jpg"};
+        test::row("tail without a mark", "/p/1.jpg|/p/2.jpg", 1, one);
     }
     void counting()
     {
@@ -37,9 +39,9 @@ private slots:
     {
         QTest::addColumn<int>("count");
         QTest::addColumn<QString>("body");
-        QTest::newRow("no attachments: the body as it is") << 0 << "Hello";
-        QTest::newRow("one page") << 1 << " \r\nHello";
-        QTest::newRow("a document of three pages") << 3 << "   \r\nHello";
+        test::row("no attachments: the body as it is", 0, "Hello");
+        test::row("one page", 1, " \r\nHello");
+        test::row("a document of three pages", 3, "   \r\nHello");
     }
     void roomInTheBody()
     {

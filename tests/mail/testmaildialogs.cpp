@@ -9,20 +9,14 @@
 #include <QTest>
 #include <QTimer>
 
-#include "core/progress.h"
-#include "core/viewsettings.h"
 #include "mail/emailsettingsdialog.h"
 #include "mail/mailcommands.h"
 #include "mail/sendemaildialog.h"
 #include "mailharness.h"
 #include "smtpsink.h"
-#include "store/schema.h"
-#include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -60,30 +54,13 @@ class TestMailDialogs : public QObject
 {
     Q_OBJECT
 private slots:
-    void sendDialogWithoutAMailSystem()
-    {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        home.settings().set(keys::LastSendTo, "earlier@example.org");
-        SendEmailDialog dialog(home.settings(), prompter, "/p/1.jpg", "/p/1.jpg|/p/2.jpg|");
-        dialog.show();
-        QCOMPARE(control<QLineEdit>(&dialog, "txtSendTo")->text(), QString("earlier@example.org"));
-        control<QLineEdit>(&dialog, "txtSendTo")->setText("new@example.org");
-        prompter.expect(kNoSystem);
-        dialog.send();
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        // The address is kept before the check, and the dialog stays.
-        QCOMPARE(home.settings().get(keys::LastSendTo), QString("new@example.org"));
-        QVERIFY(dialog.isVisible());
-    }
-
     void sendDialogAttachments_data()
     {
         QTest::addColumn<bool>("onlyThisPage");
         QTest::addColumn<int>("parts");
         QTest::addColumn<QByteArray>("room");
-        QTest::newRow("all pages of the document") << false << 3 << QByteArray("  \r\n");
-        QTest::newRow("only this page") << true << 2 << QByteArray(" \r\n");
+        test::row("all pages of the document", false, 3, QByteArray("  \r\n"));
+        test::row("only this page", true, 2, QByteArray(" \r\n"));
     }
     void sendDialogAttachments()
     {
@@ -118,34 +95,29 @@ private slots:
                  QByteArray("image/jpeg; name=\"2.jpg\""));
     }
 
-    // An address that holds a line break would let its rest become a command of the server or
-    // a header of its own; it is refused before anything goes out, by either route.
-    void addressWithALineBreakIsRefused_data()
+    // Nothing goes out without a mail system. An address that holds a line break would let its
+    // rest become a command of the server or a header of its own; it is refused before anything
+    // goes out, by either route.
+    void sendIsRefused_data()
     {
         QTest::addColumn<QString>("route");
         QTest::addColumn<QString>("sendTo");
         QTest::addColumn<QString>("from");
         QTest::addColumn<QString>("message");
-        const QString injected = "you@example.org>\r\nRCPT TO:<evil@example.org";
-        const QString headerInjected = "you@example.org\r\nBcc: evil@example.org";
         const QString inSendTo = "The address in 'Send to' holds a line break or another "
                                  "control character.";
         const QString inSender = "The address in 'Your email address' of File/Email Settings "
                                  "holds a line break or another control character.";
-        QTest::newRow("SMTP, Send to") << "smtp" << injected << "me@example.org" << inSendTo;
-        QTest::newRow("SMTP, sender") << "smtp"
-                                      << "you@example.org"
-                                      << "me@example.org>\r\nRCPT TO:<evil@example.org" << inSender;
-        QTest::newRow("SMTP, another control character") << "smtp"
-                                                         << "you@example.org\x01evil@example.org"
-                                                         << "me@example.org" << inSendTo;
-        QTest::newRow("sendmail, Send to")
-            << "sendmail" << headerInjected << "me@example.org" << inSendTo;
-        QTest::newRow("sendmail, sender") << "sendmail"
-                                          << "you@example.org"
-                                          << "me@example.org\nBcc: evil@example.org" << inSender;
+        const QString me = "me@example.org", you = "you@example.org";
+        test::row("no mail system", "none", QString("new@example.org"), me, kNoSystem);
+        test::row("SMTP, Send to", "smtp", you + ">\r\nRCPT TO:<evil@example.org", me, inSendTo);
+        test::row("SMTP, sender", "smtp", you, me + ">\r\nRCPT TO:<evil@example.org", inSender);
+        test::row("SMTP, another control character", "smtp", you + "\x01evil@example.org", me,
+                  inSendTo);
+        test::row("sendmail, Send to", "sendmail", you + "\r\nBcc: evil@example.org", me, inSendTo);
+        test::row("sendmail, sender", "sendmail", you, me + "\nBcc: evil@example.org", inSender);
     }
-    void addressWithALineBreakIsRefused()
+    void sendIsRefused()
     {
         QFETCH(QString, route);
         QFETCH(QString, sendTo);
@@ -155,12 +127,16 @@ private slots:
         test::ScriptedPrompter prompter;
         test::SmtpSink sink;
         test::SendmailStandIn sendmail;
-        (route == "smtp" ? test::smtpTo(sink.port(), from)
-                         : test::sendmailAt(sendmail.program, from))
-            .write(home.settings());
+        if (route != "none")
+            (route == "smtp" ? test::smtpTo(sink.port(), from)
+                             : test::sendmailAt(sendmail.program, from))
+                .write(home.settings());
+        home.settings().set(keys::LastSendTo, "earlier@example.org");
         SendEmailDialog dialog(home.settings(), prompter, "", "");
         dialog.show();
-        control<QLineEdit>(&dialog, "txtSendTo")->setText(sendTo);
+        auto* txtSendTo = control<QLineEdit>(&dialog, "txtSendTo");
+        QCOMPARE(txtSendTo->text(), QString("earlier@example.org"));
+        txtSendTo->setText(sendTo);
         prompter.expect(message);
         dialog.send();
         QVERIFY2(sink.recipients.isEmpty(), qPrintable(sink.recipients.join(" | ")));
@@ -168,31 +144,26 @@ private slots:
         QVERIFY2(sendmail.message().isEmpty(), sendmail.message().constData());
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         QVERIFY(dialog.isVisible());
+        if (route == "none") // the address is kept before the check
+            QCOMPARE(home.settings().get(keys::LastSendTo), sendTo);
     }
 
     void emailPagesOfADocument()
     {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        SilentProgress progress;
+        test::CommandHarness<> h;
         qint32 doc = -1, first = -1, second = -1;
         {
-            test::FixtureStore store(home.home());
+            test::FixtureStore store(h.home.home());
             doc = store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
             second = store.page(doc, 2, QSize(40, 40));
             first = store.page(doc, 1, QSize(40, 40));
         }
-        Session session(home.home(), home.settings());
-        StoreSchema::openDatabase(session.db(), home.home());
-        ViewSettings view(home.settings());
-        const CommandContext context{session, prompter, choosers, progress, view};
+        h.openSession();
+        h.prompter.expect(kNoSystem);
+        SendEmailDialog::emailPages(h.context(), doc, "/p/x.jpg", nullptr);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
 
-        prompter.expect(kNoSystem);
-        SendEmailDialog::emailPages(context, doc, "/p/x.jpg", nullptr);
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-
-        home.settings().set(keys::EmailSystem, "MAPI");
+        h.home.settings().set(keys::EmailSystem, "MAPI");
         QString seen;
         QTimer::singleShot(0, [&] {
             if (auto* dialog = qobject_cast<SendEmailDialog*>(QApplication::activeModalWidget())) {
@@ -202,20 +173,20 @@ private slots:
                 dialog->reject();
             }
         });
-        SendEmailDialog::emailPages(context, doc, "/p/x.jpg", nullptr);
+        SendEmailDialog::emailPages(h.context(), doc, "/p/x.jpg", nullptr);
         // In page order, each ended by the mark.
-        QCOMPARE(seen, session.paths().computedPagePath(first) + "|" +
-                           session.paths().computedPagePath(second) + "|#/p/x.jpg");
+        QCOMPARE(seen, h.session->paths().computedPagePath(first) + "|" +
+                           h.session->paths().computedPagePath(second) + "|#/p/x.jpg");
     }
 
     void settingsDialogLoadsAndSaves_data()
     {
         QTest::addColumn<QString>("stored");
         QTest::addColumn<int>("index");
-        QTest::newRow("none") << "" << 0;
-        QTest::newRow("MAPI") << "MAPI" << 1;
-        QTest::newRow("CDONTS") << "CDONTS" << 2;
-        QTest::newRow("anything else") << "SMTP" << 0;
+        test::row("none", "", 0);
+        test::row("MAPI", "MAPI", 1);
+        test::row("CDONTS", "CDONTS", 2);
+        test::row("anything else", "SMTP", 0);
     }
     void settingsDialogLoadsAndSaves()
     {
@@ -226,31 +197,35 @@ private slots:
         home.settings().set(keys::EmailSystem, stored);
         home.settings().set(keys::EmailAddress, "me@example.org");
         EmailSettingsDialog dialog(home.settings(), prompter);
-        QCOMPARE(control<QComboBox>(&dialog, "cboEmail")->currentIndex(), index);
-        QCOMPARE(control<QComboBox>(&dialog, "cboEmail")->count(), 3);
-        QCOMPARE(control<QComboBox>(&dialog, "cboEmail")->itemText(0), QString("(none)"));
-        QCOMPARE(control<QLineEdit>(&dialog, "txtEmail")->text(), QString("me@example.org"));
-        QCOMPARE(control<QLineEdit>(&dialog, "txtSmtpServer")->text(), QString("localhost"));
+        auto* system = control<QComboBox>(&dialog, "cboEmail");
+        QCOMPARE(system->currentIndex(), index);
+        QCOMPARE(QStringList({system->itemText(0), QString::number(system->count())}),
+                 QStringList({"(none)", "3"}));
+        const char* const names[] = {"txtEmail", "txtSmtpServer", "txtSendmailPath", "txtSmtpUser",
+                                     "txtSmtpPassword"};
+        QStringList shown;
+        for (const char* name : names)
+            shown << control<QLineEdit>(&dialog, name)->text();
+        QCOMPARE(shown, QStringList({"me@example.org", "localhost", "/usr/sbin/sendmail", "", ""}));
         QCOMPARE(control<QSpinBox>(&dialog, "spnSmtpPort")->value(), 25);
-        QCOMPARE(control<QLineEdit>(&dialog, "txtSendmailPath")->text(),
-                 QString("/usr/sbin/sendmail"));
 
-        control<QComboBox>(&dialog, "cboEmail")->setCurrentIndex((index + 1) % 3);
-        control<QLineEdit>(&dialog, "txtEmail")->setText("other@example.org");
-        control<QLineEdit>(&dialog, "txtSmtpServer")->setText("smtp.example.org");
+        system->setCurrentIndex((index + 1) % 3);
+        const QStringList typed = {"other@example.org", "smtp.example.org", "/opt/sendmail", "me",
+                                   "secret"};
+        for (int i = 0; i < typed.size(); ++i)
+            control<QLineEdit>(&dialog, names[i])->setText(typed[i]);
         control<QSpinBox>(&dialog, "spnSmtpPort")->setValue(587);
         control<QComboBox>(&dialog, "cboSmtpSecurity")->setCurrentIndex(1);
-        control<QLineEdit>(&dialog, "txtSmtpUser")->setText("me");
-        control<QLineEdit>(&dialog, "txtSmtpPassword")->setText("secret");
         dialog.save();
         Settings& s = home.reopenSettings();
+        QStringList saved;
+        for (const SettingKey& key : {keys::EmailAddress, keys::SmtpServer, keys::SendmailPath,
+                                      keys::SmtpUser, keys::SmtpPassword})
+            saved << s.get(key);
+        QCOMPARE(saved, typed);
         QCOMPARE(s.get(keys::EmailSystem), QStringList({"", "MAPI", "CDONTS"})[(index + 1) % 3]);
-        QCOMPARE(s.get(keys::EmailAddress), QString("other@example.org"));
-        QCOMPARE(s.get(keys::SmtpServer), QString("smtp.example.org"));
         QCOMPARE(s.get(keys::SmtpPort), QString("587"));
         QCOMPARE(s.get(keys::SmtpSecurity), QString("starttls"));
-        QCOMPARE(s.get(keys::SmtpUser), QString("me"));
-        QCOMPARE(s.get(keys::SmtpPassword), QString("secret"));
         // The file holds a password: its owner alone may read it, also after later writes.
         for (int pass = 0; pass < 2; ++pass) {
             const QFile::Permissions p = QFile::permissions(home.settingsPath());
@@ -295,16 +270,11 @@ private slots:
 
     void menuEntry()
     {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        SilentProgress progress;
-        test::FixtureStore(home.home()).close();
-        Session session(home.home(), home.settings());
-        ViewSettings view(home.settings());
+        test::CommandHarness<> h;
+        test::FixtureStore(h.home.home()).close();
+        h.openSession();
         CommandTable commands;
-        const CommandContext context{session, prompter, choosers, progress, view};
-        MailCommands(context).addTo(commands);
+        MailCommands(h.context()).addTo(commands);
         QVERIFY(commands.contains("mnuEmailSettings"));
         bool shown = false;
         // The dialog asks the keyring before it is shown, letting events run meanwhile.

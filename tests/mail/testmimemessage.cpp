@@ -46,15 +46,15 @@ private slots:
         m.date = QDateTime(QDate(2026, 3, 14), QTime(9, 30, 5), QTimeZone(3600));
         const QByteArray text = MimeMessage::build(m, nullptr);
         const test::ParsedMessage parsed(text);
-        QCOMPARE(parsed.headers.value("date"), QByteArray("Sat, 14 Mar 2026 09:30:05 +0100"));
-        QCOMPARE(parsed.headers.value("from"), QByteArray("me@example.org"));
-        QCOMPARE(parsed.headers.value("to"), QByteArray("you@example.org, them@example.net"));
-        QCOMPARE(parsed.headers.value("subject"), QByteArray("Pages of March"));
-        QCOMPARE(parsed.headers.value("mime-version"), QByteArray("1.0"));
+        QStringList seen;
+        for (const char* name : {"date", "from", "to", "subject", "mime-version", "content-type"})
+            seen << QString::fromUtf8(parsed.headers.value(name));
+        QCOMPARE(seen, QStringList({"Sat, 14 Mar 2026 09:30:05 +0100", "me@example.org",
+                                    "you@example.org, them@example.net", "Pages of March", "1.0",
+                                    "text/plain; charset=UTF-8"}));
         QVERIFY(QRegularExpression("^<[0-9a-f-]{36}@example\\.org>$")
                     .match(QString::fromLatin1(parsed.headers.value("message-id")))
                     .hasMatch());
-        QCOMPARE(parsed.headers.value("content-type"), QByteArray("text/plain; charset=UTF-8"));
         // Every line ends in CRLF, and none is longer than the mail rules allow.
         for (const QByteArray& line : text.split('\n'))
             QVERIFY(line.isEmpty() || (line.endsWith('\r') && line.size() <= 999));
@@ -66,10 +66,10 @@ private slots:
     void encodedSubject_data()
     {
         QTest::addColumn<QString>("subject");
-        QTest::newRow("accents") << QString::fromUtf8("Rechnung für Müller – Größe");
-        QTest::newRow("long, with a character beyond the first plane")
-            << QString::fromUtf8("Überweisung ") + QString(30, QChar(0x00e9)) +
-                   QString::fromUtf8(" \U0001F4C4 Ende");
+        test::row("accents", QString::fromUtf8("Rechnung für Müller – Größe"));
+        test::row("long, with a character beyond the first plane",
+                  QString::fromUtf8("Überweisung ") + QString(30, QChar(0x00e9)) +
+                      QString::fromUtf8(" \U0001F4C4 Ende"));
     }
     void encodedSubject()
     {
@@ -85,12 +85,12 @@ private slots:
     void quotedPrintableBody_data()
     {
         QTest::addColumn<QString>("body");
-        QTest::newRow("blanks before the text") << "   \r\nHello";
-        QTest::newRow("unix line ends") << "one\ntwo\n\nthree";
-        QTest::newRow("equals and umlauts") << QString::fromUtf8("a=b, Käse, naïve");
-        QTest::newRow("a long line") << QString(200, 'x') + " " + QString(90, QChar(0x00fc));
-        QTest::newRow("dots at line starts") << ".\r\n..hidden\r\n.";
-        QTest::newRow("trailing tab and blank") << "tab\t\r\nblank \r\nend";
+        test::row("blanks before the text", "   \r\nHello");
+        test::row("unix line ends", "one\ntwo\n\nthree");
+        test::row("equals and umlauts", QString::fromUtf8("a=b, Käse, naïve"));
+        test::row("a long line", QString(200, 'x') + " " + QString(90, QChar(0x00fc)));
+        test::row("dots at line starts", ".\r\n..hidden\r\n.");
+        test::row("trailing tab and blank", "tab\t\r\nblank \r\nend");
     }
     void quotedPrintableBody()
     {
@@ -169,23 +169,16 @@ private slots:
         QTest::addColumn<QString>("attachment");
         QTest::addColumn<int>("number");
         QTest::addColumn<QString>("text");
-        QTest::newRow("attachment gone")
-            << "me@example.org"
-            << "you@example.org"
-            << "/nonexistent/page.jpg" << 53 << "File not found: '/nonexistent/page.jpg'";
+        const QString me = "me@example.org", you = "you@example.org";
+        test::row("attachment gone", me, you, "/nonexistent/page.jpg", 53,
+                  "File not found: '/nonexistent/page.jpg'");
         // A line break in an address would start a header of its own.
-        QTest::newRow("line break in To")
-            << "me@example.org"
-            << "you@example.org\r\nBcc: evil@example.org"
-            << "" << 5
-            << "The address 'you@example.org\\r\\nBcc: evil@example.org' holds a line break "
-               "or another control character.";
-        QTest::newRow("line break in From")
-            << "me@example.org\nBcc: evil@example.org"
-            << "you@example.org"
-            << "" << 5
-            << "The address 'me@example.org\\nBcc: evil@example.org' holds a line break or "
-               "another control character.";
+        test::row("line break in To", me, you + "\r\nBcc: evil@example.org", "", 5,
+                  "The address 'you@example.org\\r\\nBcc: evil@example.org' holds a line break "
+                  "or another control character.");
+        test::row("line break in From", me + "\nBcc: evil@example.org", you, "", 5,
+                  "The address 'me@example.org\\nBcc: evil@example.org' holds a line break or "
+                  "another control character.");
     }
     void refusals()
     {

@@ -1,17 +1,10 @@
 #include <QTest>
 
-#include "core/progress.h"
-#include "core/viewsettings.h"
 #include "mail/pagenotice.h"
 #include "mailharness.h"
 #include "smtpsink.h"
-#include "store/commandcontext.h"
-#include "store/schema.h"
-#include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -20,36 +13,20 @@ namespace {
 
 // Cabinet "Home Papers" / drawer "Taxes" / folder "2025" (address as given) / document
 // "Return" with page 3, and a shortcut page to /home/me/letter.pdf.
-struct NoticeStore
+struct NoticeStore : test::CommandHarness<>
 {
-    test::TestHome home;
-    test::ScriptedPrompter prompter;
-    test::ScriptedChoosers choosers;
-    SilentProgress progress;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
-    qint32 folder = -1, page = -1, shortcut = -1;
+    qint32 page = -1, shortcut = -1;
 
     explicit NoticeStore(const QString& address)
     {
-        {
-            test::FixtureStore store(home.home());
-            const qint32 cab = store.cabinet("Home Papers");
-            const qint32 drw = store.drawer(cab, "Taxes");
-            folder = store.folder(drw, "2025", address);
-            const qint32 doc = store.document(folder, "Return");
-            page = store.pageRow(doc, 3);
-            shortcut = store.pageRow(doc, 4);
-            store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
-                               {"/home/me/letter.pdf", shortcut});
-        }
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
-    }
-    CommandContext context()
-    {
-        return CommandContext{*session, prompter, choosers, progress, *view};
+        test::FixtureStore store(home.home());
+        const qint32 drawer = store.drawer(store.cabinet("Home Papers"), "Taxes");
+        const qint32 doc = store.document(store.folder(drawer, "2025", address), "Return");
+        page = store.pageRow(doc, 3);
+        shortcut = store.pageRow(doc, 4);
+        store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
+                           {"/home/me/letter.pdf", shortcut});
+        openSession();
     }
 };
 
@@ -63,8 +40,8 @@ private slots:
     {
         QTest::addColumn<bool>("isShortcut");
         QTest::addColumn<QString>("last");
-        QTest::newRow("scanned page") << false << "New page scanned.  Page # 3";
-        QTest::newRow("shortcut") << true << "New file added: /home/me/letter.pdf";
+        test::row("scanned page", false, "New page scanned.  Page # 3");
+        test::row("shortcut", true, "New file added: /home/me/letter.pdf");
     }
     void body()
     {
@@ -79,89 +56,60 @@ private slots:
         QCOMPARE(n->body, " Cabinet: Home Papers\r\n  Drawer: Taxes\r\n  Folder: 2025\r\n"
                           "Document: Return\r\n\r\n" +
                               last);
-    }
-
-    void noAddressNoNotice_data()
-    {
-        QTest::addColumn<QString>("address");
-        QTest::newRow("none") << "";
-        QTest::newRow("blanks") << "    ";
-    }
-    void noAddressNoNotice()
-    {
-        QFETCH(QString, address);
-        NoticeStore s(address);
-        QVERIFY(!PageNotice::compose(*s.session, s.page));
         QVERIFY(!PageNotice::compose(*s.session, 9999)); // a page that is gone
-        test::SmtpSink sink;
-        MailSettings m = test::smtpTo(sink.port());
-        m.write(s.home.settings());
-        PageNotice::sendPageNotice(s.context(), s.page);
-        QVERIFY(s.prompter.seen().isEmpty());
-        QVERIFY(sink.messages.isEmpty());
     }
 
-    void noMailSystemStopsSilently()
-    {
-        NoticeStore s("folder@example.org");
-        test::SmtpSink sink;
-        MailSettings m = test::smtpTo(sink.port());
-        m.system = MailSystem::None;
-        m.write(s.home.settings());
-        PageNotice::sendPageNotice(s.context(), s.page);
-        QVERIFY(s.prompter.seen().isEmpty());
-        QVERIFY(sink.messages.isEmpty());
-    }
-
-    // The notice has no dialog to tell it in: the refusal goes to the log and the notice is
-    // left out.
-    void addressWithALineBreakIsSkipped_data()
+    // Only a folder with an address and a mail system gets a notice. It has no dialog to tell
+    // a refused address in: that goes to the log and the notice is left out.
+    void sendPageNotice_data()
     {
         QTest::addColumn<QString>("folderAddress");
         QTest::addColumn<QString>("from");
+        QTest::addColumn<bool>("mailSystem");
         QTest::addColumn<QString>("logged");
-        QTest::newRow("folder's Email")
-            << "folder@example.org>\r\nRCPT TO:<evil@example.org"
-            << "scanner@example.org"
-            << "No notice of page %1. The address in the Email of folder '2025' holds a line "
-               "break or another control character.";
-        QTest::newRow("sender") << "folder@example.org"
-                                << "scanner@example.org>\r\nRCPT TO:<evil@example.org"
-                                << "No notice of page %1. The address in 'Your email address' of "
-                                   "File/Email Settings holds a line break or another control "
-                                   "character.";
+        const QString injected = ">\r\nRCPT TO:<evil@example.org";
+        const QString sender = "scanner@example.org";
+        test::row("arrives", "folder@example.org", sender, true, "");
+        test::row("no address", "", sender, true, "");
+        test::row("address of blanks", "    ", sender, true, "");
+        test::row("no mail system", "folder@example.org", sender, false, "");
+        test::row("line break in the folder's Email", "folder@example.org" + injected, sender, true,
+                  "No notice of page %1. The address in the Email of folder '2025' holds a line "
+                  "break or another control character.");
+        test::row("line break in the sender", "folder@example.org", sender + injected, true,
+                  "No notice of page %1. The address in 'Your email address' of File/Email "
+                  "Settings holds a line break or another control character.");
     }
-    void addressWithALineBreakIsSkipped()
+    void sendPageNotice()
     {
         QFETCH(QString, folderAddress);
         QFETCH(QString, from);
+        QFETCH(bool, mailSystem);
         QFETCH(QString, logged);
         NoticeStore s(folderAddress);
+        if (folderAddress.trimmed().isEmpty())
+            QVERIFY(!PageNotice::compose(*s.session, s.page));
         test::SmtpSink sink;
-        test::smtpTo(sink.port(), from).write(s.home.settings());
-        QTest::ignoreMessage(QtWarningMsg, qPrintable(logged.arg(s.page)));
-        PageNotice::sendPageNotice(s.context(), s.page);
-        QVERIFY2(sink.recipients.isEmpty(), qPrintable(sink.recipients.join(" | ")));
-        QVERIFY(sink.messages.isEmpty());
-        QVERIFY2(s.prompter.seen().isEmpty(), qPrintable(s.prompter.report()));
-    }
-
-    void noticeArrives()
-    {
-        NoticeStore s("folder@example.org");
-        test::SmtpSink sink;
-        test::smtpTo(sink.port(), "scanner@example.org").write(s.home.settings());
-        // Every notice ends in the box of the send routine.
-        s.prompter.expect("Message sent.");
+        MailSettings m = test::smtpTo(sink.port(), from);
+        if (!mailSystem)
+            m.system = MailSystem::None;
+        m.write(s.home.settings());
+        if (!logged.isEmpty())
+            QTest::ignoreMessage(QtWarningMsg, qPrintable(logged.arg(s.page)));
+        const bool sent = mailSystem && logged.isEmpty() && !folderAddress.trimmed().isEmpty();
+        if (sent) // every notice ends in the box of the send routine
+            s.prompter.expect("Message sent.");
         PageNotice::sendPageNotice(s.context(), s.page);
         QVERIFY2(s.prompter.verify(), qPrintable(s.prompter.report()));
-        QCOMPARE(sink.messages.size(), 1);
-        QCOMPARE(sink.recipients, QStringList{"folder@example.org"});
+        QCOMPARE(sink.recipients, sent ? QStringList{"folder@example.org"} : QStringList());
+        QCOMPARE(sink.messages.size(), sent ? 1 : 0);
+        if (!sent)
+            return;
         QCOMPARE(sink.mailFrom, QString("scanner@example.org"));
-        const test::ParsedMessage m(sink.messages[0]);
-        QCOMPARE(m.headers.value("subject"), QByteArray("Quillmere: new page added"));
-        QCOMPARE(m.headers.value("content-type"), QByteArray("text/plain; charset=UTF-8"));
-        QVERIFY(test::ParsedMessage::unquote(m.body).startsWith(" Cabinet: Home Papers\r\n"));
+        const test::ParsedMessage parsed(sink.messages[0]);
+        QCOMPARE(parsed.headers.value("subject"), QByteArray("Quillmere: new page added"));
+        QCOMPARE(parsed.headers.value("content-type"), QByteArray("text/plain; charset=UTF-8"));
+        QVERIFY(test::ParsedMessage::unquote(parsed.body).startsWith(" Cabinet: Home Papers\r\n"));
     }
 };
 

@@ -30,12 +30,9 @@ private slots:
     {
         QTest::addColumn<QString>("bus");
         QTest::addColumn<QString>("place");
-        QTest::newRow("keyring running") << "keyring"
-                                         << "keyring";
-        QTest::newRow("no bus") << "none"
-                                << "file";
-        QTest::newRow("a bus that never answers") << "silent"
-                                                  << "file";
+        test::row("keyring running", "keyring", "keyring");
+        test::row("no bus", "none", "file");
+        test::row("a bus that never answers", "silent", "file");
     }
     void passwordPlace()
     {

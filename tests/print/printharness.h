@@ -27,6 +27,31 @@
 
 namespace qmr::test {
 
+// Sets the density of a JPEG's JFIF header: units 0 (an aspect ratio only), 1 (dots per
+// inch) or 2 (dots per centimetre).
+inline bool setJfifDensity(const QString& path, char units, quint8 x, quint8 y)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite))
+        return false;
+    QByteArray bytes = file.readAll();
+    const qsizetype at = bytes.indexOf(QByteArray("JFIF", 5));
+    if (at < 0)
+        return false;
+    const char density[] = {units, 0, char(x), 0, char(y)};
+    bytes.replace(at + 7, 5, QByteArray(density, 5));
+    return file.seek(0) && file.write(bytes) == bytes.size();
+}
+
+#ifndef QMR_TEST_ROW // the mail and print harnesses both give it
+#define QMR_TEST_ROW
+// One data row, its values in the order of the columns.
+template <class... T> void row(const char* name, const T&... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+#endif
+
 // Writes a JPEG of `size` whose header states dpiX by dpiY dots per inch; 0 and 0 writes a
 // header that states none.
 inline bool writePicture(const QString& path, const QSize& size, int dpiX, int dpiY)
@@ -41,25 +66,8 @@ inline bool writePicture(const QString& path, const QSize& size, int dpiX, int d
     const bool none = dpiX == 0 && dpiY == 0;
     image.setDotsPerMeterX(qRound((none ? 72 : dpiX) / 0.0254));
     image.setDotsPerMeterY(qRound((none ? 72 : dpiY) / 0.0254));
-    if (!PagePaths::ensurePathExists(path) || !image.save(path, "JPG", 85))
-        return false;
-    if (!none)
-        return true;
-    // Units 0: the header gives an aspect ratio only.
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite))
-        return false;
-    QByteArray bytes = file.readAll();
-    const qsizetype at = bytes.indexOf(QByteArray("JFIF", 5));
-    if (at < 0)
-        return false;
-    bytes[at + 7] = 0;
-    bytes[at + 8] = 0;
-    bytes[at + 9] = 1;
-    bytes[at + 10] = 0;
-    bytes[at + 11] = 1;
-    file.seek(0);
-    return file.write(bytes) == bytes.size();
+    return PagePaths::ensurePathExists(path) && image.save(path, "JPG", 85) &&
+           (!none || setJfifDensity(path, 0, 1, 1));
 }
 
 // A sheet as a print target saw it.
@@ -177,33 +185,36 @@ struct PdfFacts
     QVector<QPair<int, int>> imagePpi; // x and y, per image, in page order
     QVector<QSize> imageSizes;         // pixels, per image, in page order
     QString error;
+
+    // Per page, whether it is shown wider than tall.
+    QList<bool> across() const
+    {
+        QList<bool> wide;
+        for (const QSizeF& sheet : pageSizes)
+            wide << (sheet.width() > sheet.height());
+        return wide;
+    }
 };
 
 inline PdfFacts readPdf(const QString& path)
 {
     PdfFacts facts;
-    QProcess info;
-    info.start(QStringLiteral("pdfinfo"), {QStringLiteral("-f"), QStringLiteral("1"),
-                                           QStringLiteral("-l"), QStringLiteral("100000"), path});
-    if (!info.waitForFinished(30000) || info.exitCode() != 0) {
-        facts.error = QStringLiteral("pdfinfo (poppler-utils) failed or is missing: ") +
-                      QString::fromLocal8Bit(info.readAllStandardError()) + info.errorString();
-        return facts;
-    }
-    const QString text = QString::fromLocal8Bit(info.readAllStandardOutput());
-    const QRegularExpressionMatch pages =
-        QRegularExpression(QStringLiteral("^Pages:\\s+(\\d+)"), QRegularExpression::MultilineOption)
-            .match(text);
-    facts.pages = pages.hasMatch() ? pages.captured(1).toInt() : -1;
-    QRegularExpressionMatchIterator sizes =
-        QRegularExpression(QStringLiteral("^Page +\\d+ size:\\s+([\\d.]+) x ([\\d.]+) pts"),
-                           QRegularExpression::MultilineOption)
-            .globalMatch(text);
-    QRegularExpressionMatchIterator turns =
-        QRegularExpression(QStringLiteral("^Page +\\d+ rot:\\s+(\\d+)"),
-                           QRegularExpression::MultilineOption)
-            .globalMatch(text);
-    while (sizes.hasNext()) {
+    const auto run = [&](const QString& program, const QStringList& args) {
+        QProcess p;
+        p.start(program, args);
+        if (!p.waitForFinished(30000) || p.exitCode() != 0)
+            facts.error = program + " (poppler-utils) failed or is missing: " +
+                          QString::fromLocal8Bit(p.readAllStandardError()) + p.errorString();
+        return QString::fromLocal8Bit(p.readAllStandardOutput());
+    };
+    const QString text = run("pdfinfo", {"-f", "1", "-l", "100000", path});
+    const auto lines = [&](const char* pattern) {
+        return QRegularExpression(pattern, QRegularExpression::MultilineOption).globalMatch(text);
+    };
+    for (auto pages = lines("^Pages:\\s+(\\d+)"); pages.hasNext();)
+        facts.pages = pages.next().captured(1).toInt();
+    auto turns = lines("^Page +\\d+ rot:\\s+(\\d+)");
+    for (auto sizes = lines("^Page +\\d+ size:\\s+([\\d.]+) x ([\\d.]+) pts"); sizes.hasNext();) {
         const QRegularExpressionMatch size = sizes.next();
         QSizeF points(size.captured(1).toDouble(), size.captured(2).toDouble());
         if (turns.hasNext() && turns.next().captured(1).toInt() % 180 == 90)
@@ -212,25 +223,31 @@ inline PdfFacts readPdf(const QString& path)
     }
     if (!facts.pageSizes.isEmpty())
         facts.pageSize = facts.pageSizes.first();
-
-    QProcess images;
-    images.start(QStringLiteral("pdfimages"), {QStringLiteral("-list"), path});
-    if (!images.waitForFinished(30000) || images.exitCode() != 0) {
-        facts.error = QStringLiteral("pdfimages (poppler-utils) failed or is missing");
-        return facts;
-    }
-    const QStringList lines =
-        QString::fromLocal8Bit(images.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
     // Two header lines, then: page num type width height color comp bpc enc interp object ID
     // x-ppi y-ppi size ratio.
-    for (qsizetype i = 2; i < lines.size(); ++i) {
-        const QStringList f = lines.at(i).simplified().split(' ');
+    const QStringList images = run("pdfimages", {"-list", path}).split('\n', Qt::SkipEmptyParts);
+    for (qsizetype i = 2; i < images.size(); ++i) {
+        const QStringList f = images.at(i).simplified().split(' ');
         if (f.size() >= 14 && f.at(2) == QLatin1String("image")) {
             facts.imagePpi.push_back({f.at(12).toInt(), f.at(13).toInt()});
             facts.imageSizes.push_back(QSize(f.at(3).toInt(), f.at(4).toInt()));
         }
     }
     return facts;
+}
+
+// The images' resolutions in `pdf` against those expected, each within 1: "" when they are
+// those, else what was seen.
+inline QString ppiMismatch(const PdfFacts& pdf, const QVector<QPair<int, int>>& expected)
+{
+    QString seen = pdf.error + " images at";
+    for (const auto& [x, y] : pdf.imagePpi)
+        seen += QString(" %1x%2").arg(x).arg(y);
+    bool same = pdf.error.isEmpty() && pdf.imagePpi.size() == expected.size();
+    for (qsizetype i = 0; same && i < expected.size(); ++i)
+        same = qAbs(pdf.imagePpi[i].first - expected[i].first) <= 1 &&
+               qAbs(pdf.imagePpi[i].second - expected[i].second) <= 1;
+    return same ? QString() : seen;
 }
 
 } // namespace qmr::test
