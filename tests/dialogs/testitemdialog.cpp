@@ -235,26 +235,24 @@ private slots:
         QTest::addColumn<int>("level");
         QTest::addColumn<int>("id");
         QTest::addColumn<QStringList>("expected"); // label=text
-        QTest::newRow("filled cabinet")
-            << 0 << 1
-            << QStringList{"lblDRWCount=2", "lblFLDCount=3", "lblDOCCount=3", "lblPAGCount=3",
-                           "lblTTLAmount=$1,234.50"};
-        QTest::newRow("drawers but no folders")
-            << 0 << 3 << QStringList{"lblDRWCount=2", "lblFLDCount=0",        "lblDOCCount=0",
-                                     "lblPAGCount=0", "lblByteCount=0 bytes", "lblTTLAmount=$0.00"};
-        QTest::newRow("drawer") << 1 << 1
-                                << QStringList{"lblFLDCount=2", "lblDOCCount=2", "lblPAGCount=2",
-                                               "lblTTLAmount=$1,234.50"};
-        QTest::newRow("empty folder") << 2 << 2
-                                      << QStringList{"lblDOCCount=0", "lblPAGCount=0",
-                                                     "lblByteCount=0 bytes", "lblTTLAmount=$0.00"};
-        QTest::newRow("folder with documents, no pages")
-            << 2 << 4 << QStringList{"lblDOCCount=2", "lblPAGCount=0", "lblByteCount=0 bytes"};
-        QTest::newRow("folder, null amounts")
-            << 2 << 3 << QStringList{"lblDOCCount=1", "lblPAGCount=1", "lblTTLAmount=$0.00"};
-        QTest::newRow("document") << 3 << 1 << QStringList{"lblPAGCount=2"};
-        QTest::newRow("document without pages")
-            << 3 << 2 << QStringList{"lblPAGCount=0", "lblByteCount=0 bytes"};
+        const auto row = [](const char* tag, int level, int id, const QStringList& expected) {
+            QTest::newRow(tag) << level << id << expected;
+        };
+        row("filled cabinet", 0, 1,
+            {"lblDRWCount=2", "lblFLDCount=3", "lblDOCCount=3", "lblPAGCount=3",
+             "lblTTLAmount=$1,234.50"});
+        row("drawers but no folders", 0, 3,
+            {"lblDRWCount=2", "lblFLDCount=0", "lblDOCCount=0", "lblPAGCount=0",
+             "lblByteCount=0 bytes", "lblTTLAmount=$0.00"});
+        row("drawer", 1, 1,
+            {"lblFLDCount=2", "lblDOCCount=2", "lblPAGCount=2", "lblTTLAmount=$1,234.50"});
+        row("empty folder", 2, 2,
+            {"lblDOCCount=0", "lblPAGCount=0", "lblByteCount=0 bytes", "lblTTLAmount=$0.00"});
+        row("folder with documents, no pages", 2, 4,
+            {"lblDOCCount=2", "lblPAGCount=0", "lblByteCount=0 bytes"});
+        row("folder, null amounts", 2, 3, {"lblDOCCount=1", "lblPAGCount=1", "lblTTLAmount=$0.00"});
+        row("document", 3, 1, {"lblPAGCount=2"});
+        row("document without pages", 3, 2, {"lblPAGCount=0", "lblByteCount=0 bytes"});
     }
     void statistics()
     {
@@ -359,7 +357,6 @@ private slots:
     {
         DialogHarness h;
         ItemDialog dialog(Level::Document, h.context(), nullptr, true);
-        QCOMPARE(dialog.objectName(), QStringLiteral("frmDocumentNew"));
         QCOMPARE(dialog.windowTitle(), QStringLiteral("Add Document"));
         QCOMPARE(child<QTabWidget>(&dialog, "tabMain")->count(), 1);
         child<QLineEdit>(&dialog, "txtName")->setText(" Receipt ");
