@@ -39,136 +39,87 @@ void answerNextBox(Seen* seen, std::function<void(QMessageBox*)> act, int tries 
     });
 }
 
-// Presses Enter in the next message box, after noting its caption.
-void pressEnter(QString* caption)
-{
-    QTimer::singleShot(20, [=] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (!box) {
-            pressEnter(caption);
-            return;
-        }
-        *caption = box->windowTitle();
-        QTest::keyClick(box, Qt::Key_Return);
-    });
-}
-
 } // namespace
 
 class TestBoxPrompter : public QObject
 {
     Q_OBJECT
 private slots:
-    void buttonsAndEscape_data()
+    // Every box has the system's caption and the buttons its kind names; each way of leaving
+    // it gives its answer: a button, Escape and closing give the mildest answer, Enter the
+    // default (the box's own choice when the question names none).
+    void answers_data()
     {
         QTest::addColumn<int>("buttons");
-        QTest::addColumn<QList<QMessageBox::StandardButton>>("shown");
-        QTest::addColumn<int>("escape"); // the answer Escape gives
-        using B = QMessageBox::StandardButton;
-        QTest::newRow("ok") << int(Prompter::Buttons::Ok) << QList<B>{B::Ok}
-                            << int(Prompter::Answer::Ok);
-        QTest::newRow("yes no") << int(Prompter::Buttons::YesNo) << QList<B>{B::Yes, B::No}
-                                << int(Prompter::Answer::No);
-        QTest::newRow("yes no cancel")
-            << int(Prompter::Buttons::YesNoCancel) << QList<B>{B::Yes, B::No, B::Cancel}
-            << int(Prompter::Answer::Cancel);
-        QTest::newRow("save discard cancel")
-            << int(Prompter::Buttons::SaveDiscardCancel) << QList<B>{B::Save, B::Discard, B::Cancel}
-            << int(Prompter::Answer::Cancel);
-    }
-    void buttonsAndEscape()
-    {
-        QFETCH(int, buttons);
-        QFETCH(QList<QMessageBox::StandardButton>, shown);
-        QFETCH(int, escape);
-        BoxPrompter prompter;
-        Seen seen;
-        answerNextBox(&seen, [](QMessageBox* box) { QTest::keyClick(box, Qt::Key_Escape); });
-        const Prompter::Answer answer =
-            prompter.ask(QStringLiteral("Delete 'Bank'?"), Prompter::Buttons(buttons));
-        QCOMPARE(int(answer), escape);
-        QCOMPARE(seen.caption, QStringLiteral("Quillmere"));
-        QCOMPARE(seen.text, QStringLiteral("Delete 'Bank'?"));
-        std::sort(seen.buttons.begin(), seen.buttons.end());
-        std::sort(shown.begin(), shown.end());
-        QCOMPARE(seen.buttons, shown);
-    }
-
-    void eachButtonGivesItsAnswer_data()
-    {
-        QTest::addColumn<int>("buttons");
-        QTest::addColumn<int>("pressed");
-        QTest::addColumn<int>("answer");
-        using B = QMessageBox::StandardButton;
-        using A = Prompter::Answer;
-        QTest::newRow("ok") << int(Prompter::Buttons::Ok) << int(B::Ok) << int(A::Ok);
-        QTest::newRow("yes") << int(Prompter::Buttons::YesNo) << int(B::Yes) << int(A::Yes);
-        QTest::newRow("no") << int(Prompter::Buttons::YesNo) << int(B::No) << int(A::No);
-        QTest::newRow("yes of three")
-            << int(Prompter::Buttons::YesNoCancel) << int(B::Yes) << int(A::Yes);
-        QTest::newRow("no of three")
-            << int(Prompter::Buttons::YesNoCancel) << int(B::No) << int(A::No);
-        QTest::newRow("cancel") << int(Prompter::Buttons::YesNoCancel) << int(B::Cancel)
-                                << int(A::Cancel);
-        QTest::newRow("save") << int(Prompter::Buttons::SaveDiscardCancel) << int(B::Save)
-                              << int(A::Yes);
-        QTest::newRow("discard") << int(Prompter::Buttons::SaveDiscardCancel) << int(B::Discard)
-                                 << int(A::No);
-    }
-    void eachButtonGivesItsAnswer()
-    {
-        QFETCH(int, buttons);
-        QFETCH(int, pressed);
-        QFETCH(int, answer);
-        BoxPrompter prompter;
-        Seen seen;
-        answerNextBox(&seen, [pressed](QMessageBox* box) {
-            box->button(QMessageBox::StandardButton(pressed))->click();
-        });
-        QCOMPARE(int(prompter.ask(QStringLiteral("Go on?"), Prompter::Buttons(buttons))), answer);
-    }
-
-    void closingTheBoxIsTheMildestAnswer()
-    {
-        BoxPrompter prompter;
-        Seen seen;
-        answerNextBox(&seen, [](QMessageBox* box) { box->close(); });
-        QCOMPARE(prompter.ask(QStringLiteral("Save?"), Prompter::Buttons::YesNoCancel),
-                 Prompter::Answer::Cancel);
-    }
-
-    void enterPressesTheDefault_data()
-    {
-        QTest::addColumn<int>("buttons");
-        QTest::addColumn<int>("defaultAnswer"); // -1: the box's own choice
+        QTest::addColumn<QString>("action");    // a button, "Escape", "Enter" or "close"
+        QTest::addColumn<int>("defaultAnswer"); // -1: none named
         QTest::addColumn<int>("answer");
         using B = Prompter::Buttons;
         using A = Prompter::Answer;
-        QTest::newRow("yes/no/cancel, default no")
-            << int(B::YesNoCancel) << int(A::No) << int(A::No);
-        QTest::newRow("yes/no, default no") << int(B::YesNo) << int(A::No) << int(A::No);
-        QTest::newRow("yes/no/cancel, default cancel")
-            << int(B::YesNoCancel) << int(A::Cancel) << int(A::Cancel);
-        QTest::newRow("yes/no/cancel, plain") << int(B::YesNoCancel) << -1 << int(A::Yes);
-        QTest::newRow("save/discard/cancel, plain")
-            << int(B::SaveDiscardCancel) << -1 << int(A::Yes);
-        QTest::newRow("ok") << int(B::Ok) << -1 << int(A::Ok);
+        const auto row = [](const char* tag, B buttons, const char* action, A answer,
+                            int defaultAnswer = -1) {
+            QTest::newRow(tag) << int(buttons) << QString(action) << defaultAnswer << int(answer);
+        };
+        row("ok, escape", B::Ok, "Escape", A::Ok);
+        row("yes no, escape", B::YesNo, "Escape", A::No);
+        row("yes no cancel, escape", B::YesNoCancel, "Escape", A::Cancel);
+        row("save discard cancel, escape", B::SaveDiscardCancel, "Escape", A::Cancel);
+        row("ok", B::Ok, "Ok", A::Ok);
+        row("yes", B::YesNo, "Yes", A::Yes);
+        row("no", B::YesNo, "No", A::No);
+        row("yes of three", B::YesNoCancel, "Yes", A::Yes);
+        row("no of three", B::YesNoCancel, "No", A::No);
+        row("cancel", B::YesNoCancel, "Cancel", A::Cancel);
+        row("save", B::SaveDiscardCancel, "Save", A::Yes);
+        row("discard", B::SaveDiscardCancel, "Discard", A::No);
+        row("closing the box is the mildest answer", B::YesNoCancel, "close", A::Cancel);
+        row("enter, yes/no/cancel, default no", B::YesNoCancel, "Enter", A::No, int(A::No));
+        row("enter, yes/no, default no", B::YesNo, "Enter", A::No, int(A::No));
+        row("enter, yes/no/cancel, default cancel", B::YesNoCancel, "Enter", A::Cancel,
+            int(A::Cancel));
+        row("enter, yes/no/cancel, plain", B::YesNoCancel, "Enter", A::Yes);
+        row("enter, save/discard/cancel, plain", B::SaveDiscardCancel, "Enter", A::Yes);
+        row("enter, ok", B::Ok, "Enter", A::Ok);
     }
-    void enterPressesTheDefault()
+    void answers()
     {
         QFETCH(int, buttons);
+        QFETCH(QString, action);
         QFETCH(int, defaultAnswer);
         QFETCH(int, answer);
+        using SB = QMessageBox::StandardButton;
+        const QHash<QString, SB> named{{"Ok", SB::Ok},     {"Yes", SB::Yes},
+                                       {"No", SB::No},     {"Cancel", SB::Cancel},
+                                       {"Save", SB::Save}, {"Discard", SB::Discard}};
+        using B = Prompter::Buttons;
+        const QHash<int, QList<SB>> kinds{
+            {int(B::Ok), {SB::Ok}},
+            {int(B::YesNo), {SB::Yes, SB::No}},
+            {int(B::YesNoCancel), {SB::Yes, SB::No, SB::Cancel}},
+            {int(B::SaveDiscardCancel), {SB::Save, SB::Discard, SB::Cancel}}};
+        QList<SB> shown = kinds.value(buttons);
+        QVERIFY(!shown.isEmpty());
         BoxPrompter prompter;
-        QString caption;
-        pressEnter(&caption);
-        const Prompter::Answer got =
-            defaultAnswer < 0
-                ? prompter.ask("Exit the Quillmere?", Prompter::Buttons(buttons))
-                : prompter.askWithDefault("Exit the Quillmere?", Prompter::Buttons(buttons),
-                                          Prompter::Answer(defaultAnswer));
+        Seen seen;
+        answerNextBox(&seen, [&](QMessageBox* box) {
+            if (action == "Escape" || action == "Enter")
+                QTest::keyClick(box, action == "Escape" ? Qt::Key_Escape : Qt::Key_Return);
+            else if (action == "close")
+                box->close();
+            else
+                box->button(named.value(action))->click();
+        });
+        const QString text = QStringLiteral("Delete 'Bank'?");
+        const Prompter::Answer got = defaultAnswer < 0
+                                         ? prompter.ask(text, Prompter::Buttons(buttons))
+                                         : prompter.askWithDefault(text, Prompter::Buttons(buttons),
+                                                                   Prompter::Answer(defaultAnswer));
         QCOMPARE(int(got), answer);
-        QCOMPARE(caption, QStringLiteral("Quillmere"));
+        QCOMPARE(seen.caption, QStringLiteral("Quillmere"));
+        QCOMPARE(seen.text, text);
+        std::sort(seen.buttons.begin(), seen.buttons.end());
+        std::sort(shown.begin(), shown.end());
+        QCOMPARE(seen.buttons, shown);
     }
 };
 

@@ -40,34 +40,22 @@ private slots:
         QTest::addColumn<QString>("count");
         QTest::addColumn<QString>("date");
         QTest::addColumn<QString>("size");
-        QTest::newRow("one") << QVector<qint32>{1} << QStringList{} << "1 pages"
-                             << "03/14/2026"
-                             << "100 bytes";
-        QTest::newRow("same date, same time")
-            << QVector<qint32>{1, 2, 3} << QStringList{} << "3 pages"
-            << "03/14/2026"
-            << "300 bytes";
-        QTest::newRow("same day, other time")
-            << QVector<qint32>{1, 2}
-            << QStringList{"UPDATE Page SET ScanDate = '2026-03-14 10:00:00' WHERE PageId = 2"}
-            << "2 pages"
-            << "Various"
-            << "200 bytes";
-        QTest::newRow("null size among others")
-            << QVector<qint32>{1, 2, 3}
-            << QStringList{"UPDATE Page SET FileSize = NULL WHERE PageId = 2"} << "3 pages"
-            << "03/14/2026"
-            << "200 bytes";
-        QTest::newRow("nothing known")
-            << QVector<qint32>{2}
-            << QStringList{"UPDATE Page SET FileSize = NULL, ScanDate = NULL WHERE PageId = 2"}
-            << "1 pages"
-            << "Not known"
-            << "Not known";
-        QTest::newRow("pages that are gone do not count")
-            << QVector<qint32>{999, 3} << QStringList{} << "1 pages"
-            << "03/14/2026"
-            << "100 bytes";
+        const auto row = [](const char* tag, const QVector<qint32>& ids, const char* update,
+                            const char* count, const char* date, const char* size) {
+            QTest::newRow(tag) << ids << (*update ? QStringList{update} : QStringList())
+                               << QString(count) << QString(date) << QString(size);
+        };
+        row("one", {1}, "", "1 pages", "03/14/2026", "100 bytes");
+        row("same date, same time", {1, 2, 3}, "", "3 pages", "03/14/2026", "300 bytes");
+        row("same day, other time", {1, 2},
+            "UPDATE Page SET ScanDate = '2026-03-14 10:00:00' WHERE PageId = 2", "2 pages",
+            "Various", "200 bytes");
+        row("null size among others", {1, 2, 3}, "UPDATE Page SET FileSize = NULL WHERE PageId = 2",
+            "3 pages", "03/14/2026", "200 bytes");
+        row("nothing known", {2},
+            "UPDATE Page SET FileSize = NULL, ScanDate = NULL WHERE PageId = 2", "1 pages",
+            "Not known", "Not known");
+        row("pages that are gone do not count", {999, 3}, "", "1 pages", "03/14/2026", "100 bytes");
     }
     void severalPages()
     {

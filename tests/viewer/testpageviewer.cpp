@@ -4,7 +4,6 @@
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QPushButton>
 #include <QTest>
@@ -21,18 +20,6 @@ using namespace qmr;
 
 namespace {
 
-std::unique_ptr<PageViewWindow> openViewer(test::ViewerHarness& h, qint32 pageId)
-{
-    auto window = std::make_unique<PageViewWindow>(h.context());
-    window->setAttribute(Qt::WA_DeleteOnClose, false);
-    window->resize(900, 700);
-    window->openPage(pageId);
-    // The image follows the window once the events of showing are done.
-    QTest::qWait(0);
-    QCoreApplication::processEvents();
-    return window;
-}
-
 template <class T> T* control(QWidget* w, const char* name)
 {
     T* c = w->findChild<T*>(QLatin1String(name));
@@ -41,97 +28,62 @@ template <class T> T* control(QWidget* w, const char* name)
     return c;
 }
 
-// Mouse events on the image as a person makes them, the left button held while moving.
-void press(PageCanvas* canvas, const QPoint& at)
-{
-    QMouseEvent e(QEvent::MouseButtonPress, at, canvas->viewport()->mapToGlobal(at), Qt::LeftButton,
-                  Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(canvas->viewport(), &e);
-}
-void drag(PageCanvas* canvas, const QPoint& to)
-{
-    QMouseEvent e(QEvent::MouseMove, to, canvas->viewport()->mapToGlobal(to), Qt::NoButton,
-                  Qt::LeftButton, Qt::NoModifier);
-    QApplication::sendEvent(canvas->viewport(), &e);
-}
-void release(PageCanvas* canvas, const QPoint& at)
-{
-    QMouseEvent e(QEvent::MouseButtonRelease, at, canvas->viewport()->mapToGlobal(at),
-                  Qt::LeftButton, Qt::NoButton, Qt::NoModifier);
-    QApplication::sendEvent(canvas->viewport(), &e);
-}
-
 } // namespace
 
 class TestPageViewer : public QObject
 {
     Q_OBJECT
 private slots:
+    // A lower number comes before a twin: back from the second 5 lands on 4.
     void neighbours_data()
     {
         QTest::addColumn<QString>("page");
+        QTest::addColumn<int>("number");
         QTest::addColumn<QString>("previous"); // "" for none: the button is disabled
         QTest::addColumn<QString>("next");
-        QTest::addColumn<QString>("caption");
-        QTest::newRow("4") << "numbered4"
-                           << ""
-                           << "twinA"
-                           << "Page # 4 (ID = %1)";
-        QTest::newRow("first 5") << "twinA"
-                                 << "numbered4"
-                                 << "twinB"
-                                 << "Page # 5 (ID = %1)";
-        // Back from the second 5 lands on 4: a lower number comes before a twin.
-        QTest::newRow("second 5") << "twinB"
-                                  << "numbered4"
-                                  << ""
-                                  << "Page # 5 (ID = %1)";
-        QTest::newRow("one page alone") << "singlePage"
-                                        << ""
-                                        << ""
-                                        << "Page # 1 (ID = %1)";
+        QTest::addColumn<QString>("backAfterNext"); // where Next and then Previous lead
+        const auto row = [](const char* tag, const char* page, int number, const char* previous,
+                            const char* next, const char* back) {
+            QTest::newRow(tag) << QString(page) << number << QString(previous) << QString(next)
+                               << QString(back);
+        };
+        row("4", "numbered4", 4, "", "twinA", "numbered4");
+        row("first 5", "twinA", 5, "numbered4", "twinB", "numbered4");
+        row("second 5", "twinB", 5, "numbered4", "", "numbered4");
+        row("one page alone", "singlePage", 1, "", "", "singlePage");
     }
     void neighbours()
     {
         QFETCH(QString, page);
+        QFETCH(int, number);
         QFETCH(QString, previous);
         QFETCH(QString, next);
-        QFETCH(QString, caption);
+        QFETCH(QString, backAfterNext);
         test::ViewerHarness h;
         const QHash<QString, qint32> ids{{"numbered4", h.numbered4},
                                          {"twinA", h.twinA},
                                          {"twinB", h.twinB},
                                          {"singlePage", h.singlePage}};
-        auto w = openViewer(h, ids[page]);
-        QCOMPARE(w->windowTitle(), caption.arg(ids[page]));
+        auto w = h.openViewer(ids[page]);
+        QCOMPARE(w->windowTitle(), QString("Page # %1 (ID = %2)").arg(number).arg(ids[page]));
         QCOMPARE(w->location().prevPageId, ids.value(previous, -1));
         QCOMPARE(w->location().nextPageId, ids.value(next, -1));
         QCOMPARE(control<QPushButton>(w.get(), "cmdPrev")->isEnabled(), !previous.isEmpty());
         QCOMPARE(control<QPushButton>(w.get(), "cmdNext")->isEnabled(), !next.isEmpty());
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-    }
-
-    void walkThroughTheDocument()
-    {
-        test::ViewerHarness h;
-        auto w = openViewer(h, h.numbered4);
+        // At the end nothing happens.
         w->cmdNext();
-        QCOMPARE(w->location().pageId, h.twinA);
-        w->cmdNext();
-        QCOMPARE(w->location().pageId, h.twinB);
-        QVERIFY(!control<QPushButton>(w.get(), "cmdNext")->isEnabled());
-        w->cmdNext(); // at the end: nothing happens
-        QCOMPARE(w->location().pageId, h.twinB);
+        QCOMPARE(w->location().pageId, ids.value(next, ids[page]));
         w->cmdPrev();
-        QCOMPARE(w->location().pageId, h.numbered4);
-        QCOMPARE(w->windowTitle(), QString("Page # 4 (ID = %1)").arg(h.numbered4));
-        QVERIFY(w->pageImage().image().size() == QSize(400, 500));
+        QCOMPARE(w->location().pageId, ids[backAfterNext]);
+        QCOMPARE(w->pageImage().image().size(),
+                 page == "singlePage" ? QSize(850, 1100) : QSize(400, 500));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
     void openShowsThePage()
     {
         test::ViewerHarness h;
-        auto w = openViewer(h, h.singlePage);
+        auto w = h.openViewer(h.singlePage);
         QCOMPARE(w->mode(), ViewerMode::Edit);
         QCOMPARE(w->canvas()->image().size(), QSize(850, 1100));
         QCOMPARE(w->canvas()->zoomPercent(), 100.0);
@@ -141,7 +93,7 @@ private slots:
         QVERIFY(!control<QLabel>(w.get(), "lblSaveTo")->isVisible());
         QVERIFY(!control<QPushButton>(w.get(), "cmdPrint")->isEnabled());
 
-        auto n = openViewer(h, h.named);
+        auto n = h.openViewer(h.named);
         QVERIFY(control<QLineEdit>(n.get(), "txtFilename")->isVisible());
         QCOMPARE(control<QLineEdit>(n.get(), "txtFilename")->text(), h.outsideFile("first.jpg"));
     }
@@ -150,7 +102,7 @@ private slots:
     {
         test::ViewerHarness h;
         QVERIFY(QFile::remove(h.session->paths().computedPagePath(h.twinA)));
-        auto w = openViewer(h, h.numbered4);
+        auto w = h.openViewer(h.numbered4);
         QVERIFY(w->canvas()->hasImage());
         // Moving on to a page without its file must not leave the last picture standing in.
         w->cmdNext();
@@ -160,55 +112,45 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
+    // The zoom a page opens at, and the view settings, which apply at once to the open
+    // viewer: each row chooses the next setting in the dialog.
     void zoomDefault_data()
     {
-        QTest::addColumn<QString>("setting");
-        QTest::addColumn<QString>("fit"); // "", "width", "height"
-        QTest::newRow("none") << "NONE"
-                              << "";
-        QTest::newRow("fit width") << "FITWIDTH"
-                                   << "width";
-        QTest::newRow("fit height") << "FITHEIGHT"
-                                    << "height";
+        QTest::addColumn<int>("index");
+        QTest::newRow("none") << 0;
+        QTest::newRow("fit width") << 1;
+        QTest::newRow("fit height") << 2;
     }
     void zoomDefault()
     {
-        QFETCH(QString, setting);
-        QFETCH(QString, fit);
+        QFETCH(int, index);
+        const QStringList settings{"NONE", "FITWIDTH", "FITHEIGHT"};
         test::ViewerHarness h;
-        h.view->setZoomDefault(setting);
-        auto w = openViewer(h, h.singlePage);
+        h.view->setZoomDefault(settings[index]);
+        auto w = h.openViewer(h.singlePage);
         PageCanvas* c = w->canvas();
-        const double expected = fit == "width"    ? ZoomRules::fit(c->width(), 850)
-                                : fit == "height" ? ZoomRules::fit(c->height(), 1100)
-                                                  : 100.0;
-        QCOMPARE(c->zoomPercent(), expected);
-        QCOMPARE(expected < 100, !fit.isEmpty());
-    }
-
-    void viewSettingsApplyAtOnce()
-    {
-        test::ViewerHarness h;
-        auto w = openViewer(h, h.singlePage);
+        const auto expected = [c](int i) {
+            return i == 1   ? ZoomRules::fit(c->width(), 850)
+                   : i == 2 ? ZoomRules::fit(c->height(), 1100)
+                            : 100.0;
+        };
+        QCOMPARE(c->zoomPercent(), expected(index));
+        QCOMPARE(expected(index) < 100, index > 0);
         w->cmdZoomIn();
-        QCOMPARE(w->canvas()->zoomPercent(), 125.0);
+        QCOMPARE(c->zoomPercent(), expected(index) * 1.25);
         ViewSettingsDialog dialog(*h.view);
-        QCOMPARE(control<QComboBox>(&dialog, "cboZoom")->currentIndex(), 0);
-        dialog.chooseZoom(1);
-        QCOMPARE(h.home.settings().get(keys::ZoomDefault), QString("FITWIDTH"));
-        QCOMPARE(w->canvas()->zoomPercent(), ZoomRules::fit(w->canvas()->width(), 850));
-        dialog.chooseZoom(2);
-        QCOMPARE(h.view->zoomDefault(), QString("FITHEIGHT"));
-        QCOMPARE(w->canvas()->zoomPercent(), ZoomRules::fit(w->canvas()->height(), 1100));
-        dialog.chooseZoom(0);
-        QCOMPARE(h.home.settings().get(keys::ZoomDefault), QString("NONE"));
-        QCOMPARE(w->canvas()->zoomPercent(), 100.0);
+        QCOMPARE(control<QComboBox>(&dialog, "cboZoom")->currentIndex(), index);
+        const int chosen = (index + 1) % 3;
+        dialog.chooseZoom(chosen);
+        QCOMPARE(h.home.settings().get(keys::ZoomDefault), settings[chosen]);
+        QCOMPARE(h.view->zoomDefault(), settings[chosen]);
+        QCOMPARE(c->zoomPercent(), expected(chosen));
     }
 
     void zoomLimits()
     {
         test::ViewerHarness h;
-        auto w = openViewer(h, h.singlePage);
+        auto w = h.openViewer(h.singlePage);
         int presses = 0;
         double last = 0;
         while (w->canvas()->zoomPercent() != last && presses < 100) {
@@ -229,14 +171,11 @@ private slots:
     void bandAndCrop()
     {
         test::ViewerHarness h;
-        auto w = openViewer(h, h.singlePage);
+        auto w = h.openViewer(h.singlePage);
         PageCanvas* c = w->canvas();
         const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
         const QPoint origin = c->imagePointAt(base);
-        press(c, base);
-        drag(c, base + QPoint(60, 40));
-        drag(c, base + QPoint(120, 90));
-        release(c, base + QPoint(120, 90));
+        test::ViewerHarness::band(c, base, {base + QPoint(60, 40), base + QPoint(120, 90)});
         QVERIFY(c->bandActive());
         QCOMPARE(c->bandStart(), origin);
         QCOMPARE(c->bandEnd(), origin + QPoint(120, 90));
@@ -249,8 +188,7 @@ private slots:
         // A press without a move keeps the last move point: the crop runs to it.
         const QPoint at = c->imagePointAt(c->viewport()->rect().center() - QPoint(20, 10));
         const QPoint viewAt = c->viewport()->rect().center() - QPoint(20, 10);
-        press(c, viewAt);
-        release(c, viewAt);
+        test::ViewerHarness::band(c, viewAt);
         const QRect expected = ImageEdit::cropRectFromBand(at, origin + QPoint(120, 90))
                                    .intersected(QRect(0, 0, 120, 90));
         w->cmdCrop();
@@ -264,7 +202,7 @@ private slots:
     void rotateTrimAndUndo()
     {
         test::ViewerHarness h;
-        auto w = openViewer(h, h.named); // 600 x 400, white around a frame
+        auto w = h.openViewer(h.named); // 600 x 400, white around a frame
         QAction* undo = control<QAction>(w.get(), "mnuEditUndo");
         QVERIFY(!undo->isEnabled());
         w->cmdRotateClockwise();
@@ -310,14 +248,12 @@ private slots:
         scan.setDotsPerMeterY(qRound(300 / 0.0254));
         const QString file = h.outsideFile("first.jpg");
         QVERIFY(scan.save(file, "JPG", 90));
-        auto w = openViewer(h, h.named);
+        auto w = h.openViewer(h.named);
         PageCanvas* c = w->canvas();
         const auto apply = [&] {
             if (edit == "crop") {
                 const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
-                press(c, base);
-                drag(c, base + QPoint(120, 90));
-                release(c, base + QPoint(120, 90));
+                test::ViewerHarness::band(c, base, {base + QPoint(120, 90)});
                 w->cmdCrop();
             } else if (edit == "trim") {
                 w->cmdAutoTrim();
@@ -354,7 +290,7 @@ private slots:
     void clipboard()
     {
         test::ViewerHarness h;
-        auto w = openViewer(h, h.named);
+        auto w = h.openViewer(h.named);
         w->mnuEditCopy();
         QCOMPARE(QApplication::clipboard()->image().size(), QSize(600, 400));
         const QImage other = test::ViewerHarness::picture(QSize(90, 70), Qt::red);
@@ -375,7 +311,7 @@ private slots:
     void escapeCloses()
     {
         test::ViewerHarness h;
-        auto w = openViewer(h, h.singlePage);
+        auto w = h.openViewer(h.singlePage);
         w->cmdRotateClockwise();
         // An edit not saved is asked about; Discard drops the change on the screen.
         h.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
@@ -392,17 +328,14 @@ private slots:
         QTest::addColumn<QString>("message");
         QTest::addColumn<bool>("viewer");
         QTest::addColumn<bool>("program");
-        QTest::newRow("page") << "page"
-                              << "" << true << false;
-        QTest::newRow("page without its file") << "missing page"
-                                               << "Missing file '%1'." << false << false;
-        QTest::newRow("shortcut") << "shortcut"
-                                  << "" << false << true;
-        QTest::newRow("shortcut without its file") << "missing shortcut"
-                                                   << "Missing file '%1'." << false << false;
-        QTest::newRow("shortcut without a name")
-            << "nameless shortcut"
-            << "This shortcut has no filename." << false << false;
+        const auto row = [](const char* kind, const char* message, bool viewer, bool program) {
+            QTest::newRow(kind) << QString(kind) << QString(message) << viewer << program;
+        };
+        row("page", "", true, false);
+        row("missing page", "Missing file '%1'.", false, false);
+        row("shortcut", "", false, true);
+        row("missing shortcut", "Missing file '%1'.", false, false);
+        row("nameless shortcut", "This shortcut has no filename.", false, false);
     }
     void opener()
     {

@@ -1,5 +1,3 @@
-#include <QApplication>
-#include <QMouseEvent>
 #include <QPainter>
 #include <QTest>
 
@@ -49,14 +47,6 @@ QImage letter(const QSize& size)
     return image;
 }
 
-void sendMouse(QWidget* viewport, QEvent::Type type, const QPoint& at, Qt::MouseButtons buttons)
-{
-    QMouseEvent e(type, at, viewport->mapToGlobal(at),
-                  type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons,
-                  Qt::NoModifier);
-    QApplication::sendEvent(viewport, &e);
-}
-
 } // namespace
 
 class Shots : public QObject
@@ -79,12 +69,9 @@ private slots:
 
         w.cmdZoomIn();
         w.cmdZoomIn();
-        QWidget* view = w.canvas()->viewport();
-        const QPoint from = view->rect().center() - QPoint(220, 120);
-        sendMouse(view, QEvent::MouseButtonPress, from, Qt::LeftButton);
-        sendMouse(view, QEvent::MouseMove, from + QPoint(200, 90), Qt::LeftButton);
-        sendMouse(view, QEvent::MouseMove, from + QPoint(420, 200), Qt::LeftButton);
-        sendMouse(view, QEvent::MouseButtonRelease, from + QPoint(420, 200), Qt::NoButton);
+        const QPoint from = w.canvas()->viewport()->rect().center() - QPoint(220, 120);
+        test::ViewerHarness::band(w.canvas(), from,
+                                  {from + QPoint(200, 90), from + QPoint(420, 200)});
         test::saveShot(&w, "viewer-zoomed-band");
 
         w.cmdCrop();

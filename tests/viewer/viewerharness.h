@@ -2,11 +2,14 @@
 
 #include <QBuffer>
 #include <QDir>
+#include <QApplication>
 #include <QFile>
 #include <QImage>
 #include <QImageWriter>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QTemporaryDir>
+#include <QTest>
 #include <memory>
 
 #include "core/progress.h"
@@ -20,6 +23,8 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
+#include "viewer/pagecanvas.h"
+#include "viewer/pageviewwindow.h"
 
 namespace qmr::test {
 
@@ -73,6 +78,36 @@ struct ViewerHarness : CommandHarness<>
     QString outsideFile(const QString& name) const { return outside.filePath(name); }
     PageRow row(qint32 pageId) const { return session->pages().page(pageId).value_or(PageRow()); }
     int pageCount(qint32 documentId) const { return session->pages().count(documentId); }
+
+    // A viewer on a page, kept after closing, with the image following the window once the
+    // events of showing are done.
+    std::unique_ptr<PageViewWindow> openViewer(qint32 pageId)
+    {
+        auto window = std::make_unique<PageViewWindow>(context());
+        window->setAttribute(Qt::WA_DeleteOnClose, false);
+        window->resize(900, 700);
+        window->openPage(pageId);
+        QTest::qWait(0);
+        QCoreApplication::processEvents();
+        return window;
+    }
+
+    // A band drawn on the image as a person draws it: pressed at `from`, moved with the left
+    // button held through `moves`, and let go at the last point.
+    static void band(PageCanvas* canvas, const QPoint& from, const QList<QPoint>& moves = {})
+    {
+        QWidget* view = canvas->viewport();
+        const auto send = [view](QEvent::Type type, const QPoint& at, Qt::MouseButtons held) {
+            QMouseEvent e(type, at, view->mapToGlobal(at),
+                          type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, held,
+                          Qt::NoModifier);
+            QApplication::sendEvent(view, &e);
+        };
+        send(QEvent::MouseButtonPress, from, Qt::LeftButton);
+        for (const QPoint& to : moves)
+            send(QEvent::MouseMove, to, Qt::LeftButton);
+        send(QEvent::MouseButtonRelease, moves.isEmpty() ? from : moves.last(), Qt::NoButton);
+    }
 
     // A picture with a white margin of a tenth, a frame and a diagonal inside it, so that its
     // orientation shows.
