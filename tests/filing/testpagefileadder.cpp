@@ -101,14 +101,12 @@ private slots:
 
         QVERIFY(id > 0);
         const PageRow row = b.page(id);
-        QCOMPARE(row.documentId, 1);
-        // After the document's two pages; a shortcut is numbered 0.
-        QCOMPARE(row.pageNumber, shortcut ? 0 : 3);
-        QCOMPARE(row.shortcut, shortcut);
-        QCOMPARE(row.filename, shortcut ? source : QString());
-        QCOMPARE(row.fileType, type);
-        QCOMPARE(row.fileSize, QFileInfo(source).size());
-        QCOMPARE(row.scanDate, QDate::currentDate());
+        // Document, number (after the document's two pages; a shortcut's is 0), shortcut,
+        // stored name, type, size and date.
+        QCOMPARE((QVariantList{row.documentId, row.pageNumber, row.shortcut, row.filename,
+                               row.fileType, row.fileSize, row.scanDate}),
+                 (QVariantList{1, shortcut ? 0 : 3, shortcut, shortcut ? source : QString(), type,
+                               QFileInfo(source).size(), QDate::currentDate()}));
         QCOMPARE(b.notices.pages, QVector<qint32>{id});
         QCOMPARE(b.files->added(), 1);
         QVERIFY(b.files->problems().isEmpty());
@@ -130,17 +128,17 @@ private slots:
     void filesThatCannotBeReadAreNamed()
     {
         MoveBench b;
-        const QString first = b.image(QStringLiteral("first.jpg"));
-        const QString missing = QDir(b.outside.path()).filePath(QStringLiteral("gone.jpg"));
-        const QString folder = QDir(b.outside.path()).filePath(QStringLiteral("a folder.jpg"));
+        const QString missing = b.outside.filePath("gone.jpg");
+        const QString folder = b.outside.filePath("a folder.jpg");
         QDir().mkpath(folder);
-        const QString last = b.image(QStringLiteral("last.bmp"), QSize(50, 50), "BMP");
-        b.prompter.expect(QStringLiteral("2 of 4 files were added. These could not be added:\n\n") +
-                          missing + QStringLiteral(": No such file\n") + folder +
-                          QStringLiteral(": A folder, not a file"));
+        b.prompter.expect("2 of 4 files were added. These could not be added:\n\n" + missing +
+                          ": No such file\n" + folder + ": A folder, not a file");
         const int before = b.session->pages().count(1);
 
-        FileDrop(*b.context, *b.files).pasteFiles({first, missing, folder, last}, 1);
+        FileDrop(*b.context, *b.files)
+            .pasteFiles(
+                {b.image("first.jpg"), missing, folder, b.image("last.bmp", QSize(50, 50), "BMP")},
+                1);
 
         QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
         const QVector<PageRow> rows = b.session->pages().pages(1);
