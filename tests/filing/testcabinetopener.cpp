@@ -16,7 +16,7 @@ using namespace qmr;
 
 namespace {
 
-// A session on a store with one locked cabinet, the seams scripted.
+// A session on an empty store, the seams scripted.
 struct OpenerHarness
 {
     test::TestHome home;
@@ -34,14 +34,14 @@ struct OpenerHarness
         session->db().open(home.file("qmr.mdb"));
         view = std::make_unique<ViewSettings>(home.settings());
     }
-    CommandContext context()
+    bool open(qint32 id)
     {
-        return CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav};
+        return CabinetOpener::openCabinet(
+            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav}, id);
     }
     qint32 cabinet(const QString& name, const QString& password = QString())
     {
-        test::FixtureStore store(home.home());
-        return store.cabinet(name, password);
+        return test::FixtureStore(home.home()).cabinet(name, password);
     }
 };
 
@@ -53,63 +53,55 @@ class TestCabinetOpener : public QObject
 private slots:
     void answers_data()
     {
-        QTest::addColumn<QVariant>("typed"); // invalid: cancelled
+        QTest::addColumn<QString>("password"); // empty: NULL in the store
+        QTest::addColumn<QVariant>("typed");   // invalid: cancelled
         QTest::addColumn<bool>("opens");
         QTest::addColumn<bool>("denied");
-        QTest::newRow("right") << QVariant("Secret") << true << false;
-        QTest::newRow("wrong case") << QVariant("secret") << false << true;
-        QTest::newRow("empty") << QVariant("") << false << true;
-        QTest::newRow("cancel") << QVariant() << false << false;
+        QTest::newRow("right") << "Secret" << QVariant("Secret") << true << false;
+        QTest::newRow("wrong case") << "Secret" << QVariant("secret") << false << true;
+        QTest::newRow("empty") << "Secret" << QVariant("") << false << true;
+        QTest::newRow("cancel") << "Secret" << QVariant() << false << false;
+        QTest::newRow("no password opens without asking") << "" << QVariant() << true << false;
     }
     void answers()
     {
+        QFETCH(QString, password);
         QFETCH(QVariant, typed);
         QFETCH(bool, opens);
-        QFETCH(bool, denied);
         OpenerHarness h;
-        const qint32 id = h.cabinet("Locked", "Secret");
-        QVERIFY(!h.session->locks().isCabinetOpen(id));
+        const qint32 id = h.cabinet("Locked", password);
+        if (password.isEmpty())
+            h.session->db().execute("UPDATE Cabinet SET Password = NULL WHERE CabinetId = ?", {id});
+        QCOMPARE(h.session->locks().isCabinetOpen(id), password.isEmpty());
         h.choosers.queuePassword(typed.isValid() ? std::optional<QString>(typed.toString())
                                                  : std::nullopt);
+        QFETCH(bool, denied);
         if (denied)
             h.prompter.expect("Access Denied");
-        QCOMPARE(CabinetOpener::openCabinet(h.context(), id), opens);
+        QCOMPARE(h.open(id), opens);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(h.session->locks().isCabinetOpen(id), opens);
         QCOMPARE(h.nav.calls, opens ? QStringList{QString("OPEN%1").arg(id)} : QStringList{});
         if (opens) {
             // Once open, no second question and no second rebuild.
-            QVERIFY(CabinetOpener::openCabinet(h.context(), id));
-            QCOMPARE(h.choosers.passwordAsks(), 1);
+            QVERIFY(h.open(id));
+            QCOMPARE(h.choosers.passwordAsks(), password.isEmpty() ? 0 : 1);
             QCOMPARE(h.nav.calls.size(), 1);
         }
-    }
-
-    void noPasswordOpensWithoutAsking()
-    {
-        OpenerHarness h;
-        const qint32 id = h.cabinet("Open");
-        h.session->db().execute("UPDATE Cabinet SET Password = NULL WHERE CabinetId = ?", {id});
-        QVERIFY(h.session->locks().isCabinetOpen(id));
-        QVERIFY(CabinetOpener::openCabinet(h.context(), id));
-        QCOMPARE(h.choosers.passwordAsks(), 0);
-        QCOMPARE(h.nav.calls.size(), 1); // the node is rebuilt once
-        QVERIFY(CabinetOpener::openCabinet(h.context(), id));
-        QCOMPARE(h.nav.calls.size(), 1);
-        QVERIFY(h.session->locks().isCabinetOpen(4242)); // no row, no password
     }
 
     void fullListAsksAgain()
     {
         OpenerHarness h;
+        QVERIFY(h.session->locks().isCabinetOpen(4242)); // no row, no password
         for (int i = 0; i < CabinetLock::kSlots; ++i)
-            QVERIFY(CabinetOpener::openCabinet(h.context(), h.cabinet(QString("C%1").arg(i))));
+            QVERIFY(h.open(h.cabinet(QString("C%1").arg(i))));
         const qint32 last = h.cabinet("Last", "pw");
         h.choosers.queuePassword(QStringLiteral("pw"));
-        QVERIFY(CabinetOpener::openCabinet(h.context(), last));
+        QVERIFY(h.open(last));
         QVERIFY(!h.session->locks().isCabinetOpen(last));
         h.choosers.queuePassword(QStringLiteral("pw"));
-        QVERIFY(CabinetOpener::openCabinet(h.context(), last));
+        QVERIFY(h.open(last));
         QCOMPARE(h.choosers.passwordAsks(), 2);
     }
 };

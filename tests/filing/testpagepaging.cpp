@@ -23,73 +23,54 @@ private slots:
         QTest::addColumn<QString>("status");
         QTest::addColumn<bool>("back");    // First and Prev enabled
         QTest::addColumn<bool>("forward"); // Next and Last enabled
-
-        QTest::newRow("first block")
-            << 25 << 10 << "" << 1 << 10 << " Showing 10 images (page 1 of 3)" << false << true;
-        QTest::newRow("next") << 25 << 10 << "next" << 11 << 20
-                              << " Showing 10 images (page 2 of 3)" << true << true;
-        QTest::newRow("next to the end") << 25 << 10 << "next,next" << 21 << 25
-                                         << " Showing 10 images (page 3 of 3)" << true << false;
-        QTest::newRow("next at the end stays")
-            << 25 << 10 << "next,next,next" << 21 << 25 << " Showing 10 images (page 3 of 3)"
-            << true << false;
+        // Tagged by the presses, and the pages and block size where they are not 25 and 10.
+        const auto row = [](const char* presses, int first, int last, const char* status, bool back,
+                            bool forward, int pages = 25, int count = 10) {
+            QString tag = *presses ? presses : "start";
+            if (pages != 25 || count != 10)
+                tag += QString(" of %1 by %2").arg(pages).arg(count);
+            QTest::newRow(qPrintable(tag))
+                << pages << count << presses << first << last << status << back << forward;
+        };
+        row("", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("next", 11, 20, " Showing 10 images (page 2 of 3)", true, true);
+        row("next,next", 21, 25, " Showing 10 images (page 3 of 3)", true, false);
+        row("next,next,next", 21, 25, " Showing 10 images (page 3 of 3)", true, false);
         // 2.5 blocks round to 2, and one more for the five left over.
-        QTest::newRow("last") << 25 << 10 << "last" << 16 << 25
-                              << " Showing 10 images (page 2 of 3)" << true << false;
+        row("last", 16, 25, " Showing 10 images (page 2 of 3)", true, false);
         // The step back is one short of a block: the old first entry stays in view.
-        QTest::newRow("prev from 11") << 25 << 10 << "next,prev" << 2 << 11
-                                      << " Showing 10 images (page 1 of 3)" << true << true;
-        QTest::newRow("prev stops at the base")
-            << 25 << 10 << "next,prev,prev" << 1 << 10 << " Showing 10 images (page 1 of 3)"
-            << false << true;
-        QTest::newRow("prev at the base stays")
-            << 25 << 10 << "prev" << 1 << 10 << " Showing 10 images (page 1 of 3)" << false << true;
-        QTest::newRow("first") << 25 << 10 << "last,first" << 1 << 10
-                               << " Showing 10 images (page 1 of 3)" << false << true;
-        QTest::newRow("last of fewer than a block")
-            << 4 << 10 << "last" << 1 << 4 << " Showing 10 images (page 1 of 1)" << false << false;
+        row("next,prev", 2, 11, " Showing 10 images (page 1 of 3)", true, true);
+        row("next,prev,prev", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("prev", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("last,first", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("last", 1, 4, " Showing 10 images (page 1 of 1)", false, false, 4);
         // A block of one still steps back.
-        QTest::newRow("prev in blocks of one") << 5 << 1 << "next,next,prev" << 2 << 2
-                                               << " Showing 1 images (page 2 of 5)" << true << true;
-        // Show More and Show Less keep the first entry and move the end.
-        QTest::newRow("show more") << 25 << 10 << "next,more" << 11 << 21
-                                   << " Showing 11 images (page 1 of 3)" << true << true;
-        QTest::newRow("show less")
-            << 25 << 10 << "less" << 1 << 9 << " Showing 9 images (page 1 of 3)" << false << true;
-        QTest::newRow("less stops at one") << 3 << 1 << "less,less" << 1 << 1
-                                           << " Showing 1 images (page 1 of 3)" << false << true;
-        QTest::newRow("more stops at 64") << 100 << 64 << "more" << 1 << 64
-                                          << " Showing 64 images (page 1 of 2)" << false << true;
+        row("next,next,prev", 2, 2, " Showing 1 images (page 2 of 5)", true, true, 5, 1);
+        // Show More and Show Less keep the first entry and move the end, between 1 and 64.
+        row("next,more", 11, 21, " Showing 11 images (page 1 of 3)", true, true);
+        row("less", 1, 9, " Showing 9 images (page 1 of 3)", false, true);
+        row("less,less", 1, 1, " Showing 1 images (page 1 of 3)", false, true, 3, 1);
+        row("more", 1, 64, " Showing 64 images (page 1 of 2)", false, true, 100, 64);
         // The count shown is the block size, not the entries in the block.
-        QTest::newRow("short last block")
-            << 3 << 16 << "" << 1 << 3 << " Showing 16 images (page 1 of 1)" << false << false;
-        QTest::newRow("exact blocks") << 20 << 10 << "last" << 11 << 20
-                                      << " Showing 10 images (page 2 of 2)" << true << false;
-        QTest::newRow("no pages") << 0 << 16 << "" << 1 << 0 << "" << false << false;
-        QTest::newRow("no pages, last") << 0 << 16 << "last" << 1 << 0 << "" << false << false;
+        row("", 1, 3, " Showing 16 images (page 1 of 1)", false, false, 3, 16);
+        row("last", 11, 20, " Showing 10 images (page 2 of 2)", true, false, 20);
+        row("", 1, 0, "", false, false, 0, 16);
+        row("last", 1, 0, "", false, false, 0, 16);
     }
     void steps()
     {
         QFETCH(int, pages);
         QFETCH(int, count);
         QFETCH(QString, presses);
+        const QHash<QString, bool (PagePaging::*)()> buttons{
+            {"next", &PagePaging::next},     {"prev", &PagePaging::prev},
+            {"first", &PagePaging::first},   {"last", &PagePaging::last},
+            {"more", &PagePaging::showMore}, {"less", &PagePaging::showLess}};
         PagePaging paging(count);
         paging.load(pages);
         for (const QString& press : presses.split(',', Qt::SkipEmptyParts)) {
-            if (press == "next")
-                paging.next();
-            else if (press == "prev")
-                paging.prev();
-            else if (press == "first")
-                paging.first();
-            else if (press == "last")
-                paging.last();
-            else if (press == "more")
-                paging.showMore();
-            else if (press == "less")
-                paging.showLess();
-            else
-                QFAIL(qPrintable("unknown press " + press));
+            QVERIFY2(buttons.contains(press), qPrintable(press));
+            (paging.*buttons.value(press))();
         }
         QTEST(paging.viewFirst(), "first");
         QTEST(paging.viewLast(), "last");
@@ -125,12 +106,9 @@ private slots:
     {
         QTest::addColumn<int>("stored");
         QTest::addColumn<int>("used");
-        QTest::newRow("500") << 500 << 64;
-        QTest::newRow("65") << 65 << 64;
-        QTest::newRow("64") << 64 << 64;
-        QTest::newRow("1") << 1 << 1;
-        QTest::newRow("0") << 0 << 1;
-        QTest::newRow("-3") << -3 << 1;
+        for (const auto& [stored, used] :
+             {std::pair{500, 64}, {65, 64}, {64, 64}, {1, 1}, {0, 1}, {-3, 1}})
+            QTest::newRow(qPrintable(QString::number(stored))) << stored << used;
     }
     void displayCountIsClamped()
     {
@@ -158,28 +136,17 @@ private slots:
         QTest::addColumn<int>("number");
         QTest::addColumn<QString>("stored");
         QTest::addColumn<bool>("shortcut");
-        QTest::addColumn<QString>("thumbnailText");
-        QTest::addColumn<QString>("listText");
-        QTest::addColumn<QString>("sortKey");
-        QTest::newRow("page") << 3 << "" << false << "Page 3"
-                              << "3"
-                              << "03";
-        QTest::newRow("three digits") << 100 << "" << false << "Page 100"
-                                      << "100"
-                                      << "100";
-        QTest::newRow("number 0, stored file") << 0 << "/scans/june.jpg" << false << "june.jpg"
-                                               << "0"
-                                               << "00";
+        QTest::addColumn<QStringList>("texts"); // thumbnail text, list text, sort key
+        QTest::newRow("page") << 3 << "" << false << QStringList{"Page 3", "3", "03"};
+        QTest::newRow("three digits")
+            << 100 << "" << false << QStringList{"Page 100", "100", "100"};
+        QTest::newRow("number 0, stored file")
+            << 0 << "/scans/june.jpg" << false << QStringList{"june.jpg", "0", "00"};
         // The computed path stands in for an empty Filename, so its name shows.
-        QTest::newRow("number 0, computed") << 0 << "" << false << "7.jpg"
-                                            << "0"
-                                            << "00";
-        QTest::newRow("shortcut") << 4 << "/home/me/letter.pdf" << true << "letter.pdf"
-                                  << ""
-                                  << "04";
-        QTest::newRow("negative") << -1 << "" << false << "Page -1"
-                                  << "-1"
-                                  << "-01";
+        QTest::newRow("number 0, computed") << 0 << "" << false << QStringList{"7.jpg", "0", "00"};
+        QTest::newRow("shortcut") << 4 << "/home/me/letter.pdf" << true
+                                  << QStringList{"letter.pdf", "", "04"};
+        QTest::newRow("negative") << -1 << "" << false << QStringList{"Page -1", "-1", "-01"};
     }
     void entryTexts()
     {
@@ -191,11 +158,8 @@ private slots:
         row.pageNumber = number;
         row.filename = stored;
         row.shortcut = shortcut;
-        const PagePaths paths(AppHome("/srv/qmr"));
-        const PageEntry entry = PageEntry::fromRow(row, paths);
-        QTEST(entry.thumbnailText(), "thumbnailText");
-        QTEST(entry.listText(), "listText");
-        QTEST(entry.sortKey(), "sortKey");
+        const PageEntry entry = PageEntry::fromRow(row, PagePaths(AppHome("/srv/qmr")));
+        QTEST((QStringList{entry.thumbnailText(), entry.listText(), entry.sortKey()}), "texts");
         QCOMPARE(entry.filename,
                  stored.isEmpty() ? QString("/srv/qmr/Pages/0000000/7.jpg") : stored);
         // A shortcut has no thumbnail file; its tile is the icon of its type.

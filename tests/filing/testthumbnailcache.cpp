@@ -13,27 +13,49 @@ using namespace qmr;
 
 namespace {
 
-// A page file of `size`, black, and the request for its thumbnail below Thumbs/.
-ThumbnailCache::Request pageFile(const QTemporaryDir& dir, qint32 id, const QSize& size)
-{
-    const QString page = dir.filePath(QString("Pages/%1.jpg").arg(id));
-    QDir().mkpath(QFileInfo(page).path());
-    QImage image(size, QImage::Format_RGB32);
-    image.fill(Qt::black);
-    image.save(page, "JPG");
-    return {id, page, dir.filePath(QString("Thumbs/%1.jpg").arg(id))};
-}
-
-// Waits until the cache has delivered everything it was asked for.
-bool waitForBlock(ThumbnailCache& cache)
-{
-    return QTest::qWaitFor([&] { return cache.outstanding() == 0; }, 10000);
-}
-
 bool isWhite(QRgb pixel)
 {
     return qGray(pixel) > 215;
 }
+
+bool writeBytes(const QString& path, const QByteArray& bytes)
+{
+    QFile file(path);
+    return file.open(QIODevice::WriteOnly | QIODevice::Truncate) &&
+           file.write(bytes) == bytes.size();
+}
+
+// A cache on a temporary home, with what it delivers recorded.
+struct CacheBench
+{
+    QTemporaryDir dir;
+    ThumbnailCache cache{dir.path()};
+    QSignalSpy ready{&cache, &ThumbnailCache::ready};
+    QSignalSpy done{&cache, &ThumbnailCache::blockDone};
+
+    // A page file of `size`, black, and the request for its thumbnail below Thumbs/.
+    ThumbnailCache::Request page(qint32 id, const QSize& size)
+    {
+        const QString path = dir.filePath(QString("Pages/%1.jpg").arg(id));
+        QDir().mkpath(QFileInfo(path).path());
+        QImage image(size, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        image.save(path, "JPG");
+        return {id, path, dir.filePath(QString("Thumbs/%1.jpg").arg(id))};
+    }
+    // Waits until the cache has delivered everything it was asked for.
+    bool waitForBlock()
+    {
+        return QTest::qWaitFor([&] { return cache.outstanding() == 0; }, 10000);
+    }
+    QHash<qint32, QImage> tiles() const
+    {
+        QHash<qint32, QImage> out;
+        for (const QList<QVariant>& signal : ready)
+            out.insert(signal.at(0).toInt(), signal.at(1).value<QImage>());
+        return out;
+    }
+};
 
 } // namespace
 
@@ -43,21 +65,16 @@ class TestThumbnailCache : public QObject
 private slots:
     void missingThumbnailsAreMadeOnFirstRequest()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        const auto landscape = pageFile(dir, 1, QSize(400, 200));
-        const auto portrait = pageFile(dir, 2, QSize(200, 400));
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        QSignalSpy done(&cache, &ThumbnailCache::blockDone);
+        CacheBench b;
+        const auto landscape = b.page(1, QSize(400, 200));
+        const auto portrait = b.page(2, QSize(200, 400));
         // Nothing is at hand: both come later, made off the GUI thread.
-        QVERIFY(cache.request({landscape, portrait}).isEmpty());
-        QCOMPARE(cache.outstanding(), 2);
-        QVERIFY(waitForBlock(cache));
-        QCOMPARE(ready.size(), 2);
-        QCOMPARE(done.size(), 1);
-        QHash<qint32, QImage> tiles;
-        for (const QList<QVariant>& signal : ready)
-            tiles.insert(signal.at(0).toInt(), signal.at(1).value<QImage>());
+        QVERIFY(b.cache.request({landscape, portrait}).isEmpty());
+        QCOMPARE(b.cache.outstanding(), 2);
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 2);
+        QCOMPARE(b.done.size(), 1);
+        const QHash<qint32, QImage> tiles = b.tiles();
         for (const QImage& tile : tiles)
             QCOMPARE(tile.size(), QSize(100, 100));
         // The page at the top left of a white tile: a wide page leaves the lower half white,
@@ -73,53 +90,47 @@ private slots:
 
     void thumbnailsOnDiskComeAtOnce()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        const auto page = pageFile(dir, 1, QSize(300, 300));
-        QDir().mkpath(dir.filePath("Thumbs"));
+        CacheBench b;
+        const auto page = b.page(1, QSize(300, 300));
+        QDir().mkpath(b.dir.filePath("Thumbs"));
         // A thumbnail the viewer saved: the page reduced alone, no tile.
         QImage saved(50, 100, QImage::Format_RGB32);
         saved.fill(Qt::red);
         QVERIFY(saved.save(page.thumbPath, "JPG"));
         const QDateTime written = QFileInfo(page.thumbPath).lastModified();
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        const QHash<qint32, QImage> atHand = cache.request({page});
+        const QHash<qint32, QImage> atHand = b.cache.request({page});
         QCOMPARE(atHand.size(), 1);
-        QCOMPARE(cache.outstanding(), 0);
-        QCOMPARE(ready.size(), 0);
+        QCOMPARE(b.cache.outstanding(), 0);
+        QCOMPARE(b.ready.size(), 0);
         const QImage tile = atHand.value(1);
         QCOMPARE(tile.size(), QSize(100, 100));
         QVERIFY(qRed(tile.pixel(10, 50)) > 200 && qGreen(tile.pixel(10, 50)) < 60);
         QVERIFY(isWhite(tile.pixel(80, 50)));
-        // Served, not made again.
-        QCOMPARE(QFileInfo(page.thumbPath).lastModified(), written);
+        QCOMPARE(QFileInfo(page.thumbPath).lastModified(), written); // served, not made again
     }
 
     void readsGoToThePoolWithoutABudget()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        cache.setReadBudget(0);
-        const auto page = pageFile(dir, 1, QSize(300, 300));
-        QVERIFY(cache.request({page}).isEmpty());
-        QVERIFY(waitForBlock(cache));
-        cache.clearMemory();
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        QVERIFY(cache.request({page}).isEmpty());
-        QVERIFY(waitForBlock(cache));
-        QCOMPARE(ready.size(), 1);
+        CacheBench b;
+        b.cache.setReadBudget(0);
+        const auto page = b.page(1, QSize(300, 300));
+        QVERIFY(b.cache.request({page}).isEmpty());
+        QVERIFY(b.waitForBlock());
+        b.cache.clearMemory();
+        QVERIFY(b.cache.request({page}).isEmpty());
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 2);
         // From memory, the second time, however small the budget.
-        QCOMPARE(cache.request({page}).size(), 1);
+        QCOMPARE(b.cache.request({page}).size(), 1);
     }
 
     void aChangedThumbnailIsReadAgain()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        const auto page = pageFile(dir, 1, QSize(300, 300));
-        QVERIFY(cache.request({page}).isEmpty());
-        QVERIFY(waitForBlock(cache));
-        QVERIFY(!isWhite(cache.request({page}).value(1).pixel(50, 50)));
+        CacheBench b;
+        const auto page = b.page(1, QSize(300, 300));
+        QVERIFY(b.cache.request({page}).isEmpty());
+        QVERIFY(b.waitForBlock());
+        QVERIFY(!isWhite(b.cache.request({page}).value(1).pixel(50, 50)));
         // The viewer saves the page again: a new thumbnail with a new time.
         QImage green(100, 100, QImage::Format_RGB32);
         green.fill(Qt::green);
@@ -129,37 +140,28 @@ private slots:
         QVERIFY(f.setFileTime(QDateTime::currentDateTime().addSecs(60),
                               QFileDevice::FileModificationTime));
         f.close();
-        const QRgb now = cache.request({page}).value(1).pixel(50, 50);
+        const QRgb now = b.cache.request({page}).value(1).pixel(50, 50);
         QVERIFY(qGreen(now) > 200 && qRed(now) < 60);
     }
 
     void aPageThatCannotBeMadeLeavesTheRestOfTheBlock()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        const auto good1 = pageFile(dir, 1, QSize(200, 200));
-        const auto good2 = pageFile(dir, 3, QSize(200, 200));
-        ThumbnailCache::Request gone{2, dir.filePath("Pages/2.jpg"), dir.filePath("Thumbs/2.jpg")};
-        ThumbnailCache::Request garbage = pageFile(dir, 4, QSize(10, 10));
-        QFile f(garbage.pagePath);
-        QVERIFY(f.open(QIODevice::WriteOnly | QIODevice::Truncate));
-        f.write("not a picture");
-        f.close();
+        CacheBench b;
+        const auto good1 = b.page(1, QSize(200, 200));
+        const auto good2 = b.page(3, QSize(200, 200));
+        const auto garbage = b.page(4, QSize(10, 10));
+        QVERIFY(writeBytes(garbage.pagePath, "not a picture"));
         // A thumbnail that cannot be read is made again; here from a page that has gone,
         // which leaves none at all.
-        QDir().mkpath(dir.filePath("Thumbs"));
-        QFile stale(gone.thumbPath);
-        QVERIFY(stale.open(QIODevice::WriteOnly));
-        stale.write("half a file");
-        stale.close();
+        const ThumbnailCache::Request gone{2, b.dir.filePath("Pages/2.jpg"),
+                                           b.dir.filePath("Thumbs/2.jpg")};
+        QDir().mkpath(b.dir.filePath("Thumbs"));
+        QVERIFY(writeBytes(gone.thumbPath, "half a file"));
 
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        cache.request({good1, gone, good2, garbage});
-        QVERIFY(waitForBlock(cache));
-        QCOMPARE(ready.size(), 4);
-        QHash<qint32, QImage> tiles;
-        for (const QList<QVariant>& signal : ready)
-            tiles.insert(signal.at(0).toInt(), signal.at(1).value<QImage>());
+        b.cache.request({good1, gone, good2, garbage});
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 4);
+        const QHash<qint32, QImage> tiles = b.tiles();
         QVERIFY(!tiles.value(1).isNull());
         QVERIFY(!tiles.value(3).isNull());
         QVERIFY(tiles.contains(2) && tiles.value(2).isNull());
@@ -170,27 +172,23 @@ private slots:
 
     void pagingAwayDropsWorkNoLongerShown()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        cache.setThreadCount(1);
+        CacheBench b;
+        b.cache.setThreadCount(1);
         QVector<ThumbnailCache::Request> first;
         for (int id = 1; id <= 30; ++id)
-            first << pageFile(dir, id, QSize(1200, 1600));
+            first << b.page(id, QSize(1200, 1600));
         QVector<ThumbnailCache::Request> second;
         for (int id = 101; id <= 103; ++id)
-            second << pageFile(dir, id, QSize(1200, 1600));
+            second << b.page(id, QSize(1200, 1600));
         second << first.at(29); // shown in both blocks
 
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        cache.request(first);
-        cache.request(second);
-        QVERIFY(waitForBlock(cache));
+        b.cache.request(first);
+        b.cache.request(second);
+        QVERIFY(b.waitForBlock());
         QTest::qWait(50); // anything late would show now
-        QSet<int> delivered;
-        for (const QList<QVariant>& signal : ready)
-            delivered << signal.at(0).toInt();
-        QCOMPARE(delivered, (QSet<int>{101, 102, 103, 30}));
-        QCOMPARE(ready.size(), 4);
+        QCOMPARE(QSet<qint32>(b.tiles().keyBegin(), b.tiles().keyEnd()),
+                 (QSet<qint32>{101, 102, 103, 30}));
+        QCOMPARE(b.ready.size(), 4);
         for (const auto& r : second)
             QVERIFY(QFile::exists(r.thumbPath));
         // At most the job already running for the first block went on.
@@ -202,16 +200,14 @@ private slots:
 
     void aPageAskedForTwiceIsMadeOnce()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        cache.setThreadCount(2);
-        const auto page = pageFile(dir, 1, QSize(1200, 1600));
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        cache.request({page});
-        cache.request({page}); // paged away and back while it was being made
-        QVERIFY(waitForBlock(cache));
+        CacheBench b;
+        b.cache.setThreadCount(2);
+        const auto page = b.page(1, QSize(1200, 1600));
+        b.cache.request({page});
+        b.cache.request({page}); // paged away and back while it was being made
+        QVERIFY(b.waitForBlock());
         QTest::qWait(50);
-        QCOMPARE(ready.size(), 1);
+        QCOMPARE(b.ready.size(), 1);
         QCOMPARE(QImage(page.thumbPath).size(), QSize(100, 100));
     }
 
@@ -224,49 +220,42 @@ private slots:
     void aThumbnailMadeElsewhereIsWaitedFor()
     {
         QFETCH(bool, tileCame);
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        const auto page = pageFile(dir, 1, QSize(400, 600));
-        QSignalSpy ready(&cache, &ThumbnailCache::ready);
-        QSignalSpy done(&cache, &ThumbnailCache::blockDone);
+        CacheBench b;
+        const auto page = b.page(1, QSize(400, 600));
         // A file being added makes its own thumbnail: the pane's request waits for it.
-        cache.expect(page.thumbPath);
-        QVERIFY(cache.request({page}).isEmpty());
+        b.cache.expect(page.thumbPath);
+        QVERIFY(b.cache.request({page}).isEmpty());
         QTest::qWait(100);
-        QVERIFY(ready.isEmpty());
+        QVERIFY(b.ready.isEmpty());
         QVERIFY(!QFile::exists(page.thumbPath));
-        QCOMPARE(cache.outstanding(), 1);
+        QCOMPARE(b.cache.outstanding(), 1);
 
         QImage handed(100, 100, QImage::Format_RGB32);
         handed.fill(Qt::red);
-        cache.arrived(page.thumbPath, tileCame ? handed : QImage());
-        QVERIFY(waitForBlock(cache));
-        QCOMPARE(ready.size(), 1);
-        QCOMPARE(done.size(), 1);
-        const QImage tile = ready.first().at(1).value<QImage>();
-        if (tileCame) {
-            // Taken as it came, not read nor made again.
+        b.cache.arrived(page.thumbPath, tileCame ? handed : QImage());
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 1);
+        QCOMPARE(b.done.size(), 1);
+        const QImage tile = b.tiles().value(1);
+        // Taken as it came, not read nor made again; or, when nothing came, made as any
+        // missing one.
+        if (tileCame)
             QCOMPARE(tile, handed);
-            QVERIFY(!QFile::exists(page.thumbPath));
-        } else {
-            // Nothing came: the cache makes it as it would any missing one.
+        else
             QVERIFY(!isWhite(tile.pixel(2, 2)));
-            QVERIFY(QFile::exists(page.thumbPath));
-        }
+        QCOMPARE(QFile::exists(page.thumbPath), !tileCame);
         // Once arrived, the path is an ordinary one again.
-        cache.arrived(page.thumbPath, handed);
+        b.cache.arrived(page.thumbPath, handed);
         QTest::qWait(20);
-        QCOMPARE(ready.size(), 1);
+        QCOMPARE(b.ready.size(), 1);
     }
 
     void shortcutsAskForNothing()
     {
-        QTemporaryDir dir;
-        ThumbnailCache cache(dir.path());
-        QSignalSpy done(&cache, &ThumbnailCache::blockDone);
-        QVERIFY(cache.request({{1, dir.filePath("letter.pdf"), QString()}}).isEmpty());
-        QCOMPARE(cache.outstanding(), 0);
-        QCOMPARE(done.size(), 1);
+        CacheBench b;
+        QVERIFY(b.cache.request({{1, b.dir.filePath("letter.pdf"), QString()}}).isEmpty());
+        QCOMPARE(b.cache.outstanding(), 0);
+        QCOMPARE(b.done.size(), 1);
     }
 };
 

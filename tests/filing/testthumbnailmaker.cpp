@@ -161,8 +161,7 @@ private slots:
         const QByteArray turned = plain.data().left(2) + exif + plain.data().mid(2);
         const QString src = dir.filePath("photo.jpg");
         QFile file(src);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-        file.write(turned);
+        QVERIFY(file.open(QIODevice::WriteOnly) && file.write(turned) == turned.size());
         file.close();
         QCOMPARE(QImageReader(src).transformation(), QImageIOHandler::TransformationRotate90);
 
@@ -174,11 +173,9 @@ private slots:
 
     void qualityScale()
     {
-        QCOMPARE(qtJpegQuality(10), 90);
-        QCOMPARE(qtJpegQuality(50), 50);
-        QCOMPARE(qtJpegQuality(0), 100);
-        QCOMPARE(qtJpegQuality(100), 1);
-        QCOMPARE(qtJpegQuality(-5), 100);
+        for (const auto& [stored, qt] :
+             {std::pair{10, 90}, {50, 50}, {0, 100}, {100, 1}, {-5, 100}})
+            QCOMPARE(qtJpegQuality(stored), qt);
     }
 };
 

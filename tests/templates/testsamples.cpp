@@ -23,6 +23,28 @@ void writeFile(const QString& path, const QStringList& lines)
     QVERIFY(TextFile::writeLines(path, lines));
 }
 
+// A sample file on an empty store; what it makes is told to the recorder.
+struct SampleBench
+{
+    test::TestHome home;
+    test::FixtureStore store{home.home()};
+    NavRecorder nav;
+    SampleCabinets samples{home.home(), store.db(), &nav};
+    ItemStore items{store.db()};
+
+    explicit SampleBench(const QStringList& lines = {})
+    {
+        if (!lines.isEmpty())
+            writeFile(samples.filePath(), lines);
+    }
+    // Cabinets, drawers, folders and documents in the store.
+    QList<int> counts()
+    {
+        return {items.count(Level::Cabinet), items.count(Level::Drawer), items.count(Level::Folder),
+                items.count(Level::Document)};
+    }
+};
+
 } // namespace
 
 class TestSamples : public QObject
@@ -31,9 +53,8 @@ class TestSamples : public QObject
 private slots:
     void defaultIsWrittenWhenMissing()
     {
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        SampleCabinets samples(home.home(), store.db(), nullptr);
+        SampleBench b;
+        SampleCabinets& samples = b.samples;
         QVERIFY(!QFile::exists(samples.filePath()));
         QVERIFY(samples.ensureFile());
         const QStringList lines = TextFile::readLines(samples.filePath()).value_or(QStringList());
@@ -50,71 +71,48 @@ private slots:
 
     void defaultSampleCreatesItsOutline()
     {
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        NavRecorder nav;
-        SampleCabinets samples(home.home(), store.db(), &nav);
-        samples.ensureFile();
-        const qint32 id = samples.createSampleCabinet("Generic File Cabinet");
-        ItemStore items(store.db());
-        QCOMPARE(items.count(Level::Cabinet), 1);
-        QCOMPARE(items.count(Level::Drawer), 6);
-        QCOMPARE(items.count(Level::Folder), 15);
-        QCOMPARE(items.count(Level::Document), 0);
-        QCOMPARE(items.item(Level::Cabinet, id).name, QStringLiteral("Generic File Cabinet"));
-        QCOMPARE(nav.calls.first(), "CAB" + NavRecorder::key(id, "Generic File Cabinet"));
-        QCOMPARE(nav.calls.last(), QString("SHOWCAB%1").arg(id));
-        QCOMPARE(nav.calls.size(), 1 + 6 + 15 + 1);
+        SampleBench b;
+        b.samples.ensureFile();
+        const qint32 id = b.samples.createSampleCabinet("Generic File Cabinet");
+        QCOMPARE(b.counts(), (QList<int>{1, 6, 15, 0}));
+        QCOMPARE(b.items.item(Level::Cabinet, id).name, QStringLiteral("Generic File Cabinet"));
+        QCOMPARE(b.nav.calls.first(), "CAB" + NavRecorder::key(id, "Generic File Cabinet"));
+        QCOMPARE(b.nav.calls.last(), QString("SHOWCAB%1").arg(id));
+        QCOMPARE(b.nav.calls.size(), 1 + 6 + 15 + 1);
         // The new cabinet has the stored form of no password: it is open.
-        QCOMPARE(store.db().scalar("SELECT Password FROM Cabinet").toString(), QString());
+        QCOMPARE(b.store.db().scalar("SELECT Password FROM Cabinet").toString(), QString());
     }
 
     void twoSamplesAndOddLines()
     {
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        NavRecorder nav;
-        SampleCabinets samples(home.home(), store.db(), &nav);
-        writeFile(samples.filePath(), {
-                                          "CAB=First",
-                                          "  DRW = One",
-                                          "DOC = lost, no folder yet",
-                                          "    FLD=A",
-                                          "      DOC = Deed = copy",
-                                          "  DRW = Two",
-                                          "      DOC = lost too, the drawer cleared the folder",
-                                          "bogus line",
-                                          "drw = lower case is no drawer",
-                                          "CAB = Second",
-                                          "  DRW = Three",
-                                      });
-        QCOMPARE(samples.sampleNames(), (QStringList{"First", "Second"}));
-        samples.createSampleCabinet("first"); // the name matches without regard to case
-        ItemStore items(store.db());
-        QCOMPARE(items.count(Level::Drawer), 2);
-        QCOMPARE(items.count(Level::Folder), 1);
-        QCOMPARE(items.count(Level::Document), 1);
-        QCOMPARE(store.db().scalar("SELECT Name FROM Document").toString(),
+        SampleBench b({"CAB=First", "  DRW = One", "DOC = lost, no folder yet", "    FLD=A",
+                       "      DOC = Deed = copy", "  DRW = Two",
+                       "      DOC = lost too, the drawer cleared the folder", "bogus line",
+                       "drw = lower case is no drawer", "CAB = Second", "  DRW = Three"});
+        QCOMPARE(b.samples.sampleNames(), (QStringList{"First", "Second"}));
+        b.samples.createSampleCabinet("first"); // the name matches without regard to case
+        QCOMPARE(b.counts(), (QList<int>{1, 2, 1, 1}));
+        QCOMPARE(b.store.db().scalar("SELECT Name FROM Document").toString(),
                  QStringLiteral("Deed = copy"));
-        samples.createSampleCabinet("Second");
-        QCOMPARE(items.count(Level::Drawer), 3);
+        b.samples.createSampleCabinet("Second");
+        QCOMPARE(b.counts(), (QList<int>{2, 3, 1, 1}));
     }
 
     void unusableLinesAreReported_data()
     {
         QTest::addColumn<QStringList>("file");
-        QTest::addColumn<QList<int>>("made"); // drawers, folders, documents
+        QTest::addColumn<QList<int>>("made"); // cabinets, drawers, folders, documents
         QTest::addColumn<QStringList>("unused");
         const QString tooLong(81, 'x');
         QTest::newRow("name too long") << QStringList{"CAB=Big",    " DRW=Fine", "  FLD=" + tooLong,
                                                       "  FLD=Kept", "CAB=Other", " DRW=" + tooLong}
-                                       << QList<int>{1, 1, 0}
+                                       << QList<int>{1, 1, 1, 0}
                                        << QStringList{"3: The name is too long: a folder's name "
                                                       "can have at most 80 characters."};
         QTest::newRow("what stands below a line not used")
             << QStringList{"CAB=Big",   " DRW=" + tooLong, "  FLD=Lost",     "   DOC=Lost too",
                            " DRW=Next", "  FLD=Kept",      "   DOC=Kept too"}
-            << QList<int>{1, 1, 1}
+            << QList<int>{1, 1, 1, 1}
             << QStringList{"2: The name is too long: a drawer's name can have at most 80 "
                            "characters.",
                            "3: Its drawer on line 2 was not made.",
@@ -122,7 +120,7 @@ private slots:
         QTest::newRow("no item above")
             << QStringList{"CAB=Big", "  FLD=No drawer yet", "   DOC=Nor a folder", " DRW=D",
                            "   DOC=The drawer cleared the folder"}
-            << QList<int>{1, 0, 0}
+            << QList<int>{1, 1, 0, 0}
             << QStringList{"2: A folder needs a drawer line above it.",
                            "3: Its folder on line 2 was not made.",
                            "5: A document needs a folder line above "
@@ -131,7 +129,7 @@ private slots:
             << QStringList{"CAB=Big",     " DRW =",   "  FLD=Lost", " drw = lower case",
                            " FDL = Typo", "a note",   "",           " PAG = Page",
                            " DRW",        " DRW=Kept"}
-            << QList<int>{1, 0, 0}
+            << QList<int>{1, 1, 0, 0}
             << QStringList{"2: It has no name.",
                            "3: Its drawer on line 2 was not made.",
                            "4: It does not begin with DRW, FLD or DOC.",
@@ -144,26 +142,19 @@ private slots:
             many << "  FLD=Orphan";
             unused << QString::number(i) + ": A folder needs a drawer line above it.";
         }
-        QTest::newRow("many lines are counted") << many << QList<int>{0, 0, 0} << unused;
+        QTest::newRow("many lines are counted") << many << QList<int>{1, 0, 0, 0} << unused;
     }
     void unusableLinesAreReported()
     {
         QFETCH(QStringList, file);
         QFETCH(QList<int>, made);
         QFETCH(QStringList, unused);
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        NavRecorder nav;
-        SampleCabinets samples(home.home(), store.db(), &nav);
-        writeFile(samples.filePath(), file);
+        SampleBench b(file);
+        SampleCabinets& samples = b.samples;
         const qint32 id = samples.createSampleCabinet("Big");
         // The cabinet is made with every line that could be used, and shown.
-        ItemStore items(store.db());
-        QCOMPARE(items.count(Level::Cabinet), 1);
-        QCOMPARE((QList<int>{items.count(Level::Drawer), items.count(Level::Folder),
-                             items.count(Level::Document)}),
-                 made);
-        QCOMPARE(nav.calls.last(), QString("SHOWCAB%1").arg(id));
+        QCOMPARE(b.counts(), made);
+        QCOMPARE(b.nav.calls.last(), QString("SHOWCAB%1").arg(id));
         QStringList seen;
         for (const UnusedLine& line : samples.unusedLines())
             seen << QString::number(line.number) + ": " + line.reason;
