@@ -1,55 +1,27 @@
 #include <QApplication>
-#include <QFile>
+#include <QDir>
 #include <QFileDialog>
-#include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScopeGuard>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
 #include <cmath>
-#include <functional>
 #include <map>
 
 #include "app/appicon.h"
-#include "app/progresswindow.h"
-#include "app/splashwindow.h"
-#include "app/startup.h"
 #include "core/settingkeys.h"
-#include "core/settings.h"
 #include "dialogs/dialogchoosers.h"
-#include "help/helplocator.h"
 #include "help/helpwindow.h"
-#include "navigator/navwindow.h"
-#include "tests/support/scriptedchoosers.h"
+#include "tests/app/apprun.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/scriptedprompter.h"
 #include "tests/support/shots.h"
-#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 
 namespace {
-
-QImage pictureOf(const QIcon& icon, int side)
-{
-    return icon.pixmap(side, side).toImage().convertToFormat(QImage::Format_ARGB32);
-}
-
-void noteModal(QObject* context, std::function<void(QWidget*)> act, int tries = 200)
-{
-    QTimer::singleShot(20, context, [=] {
-        if (QWidget* w = QApplication::activeModalWidget()) {
-            act(w);
-            w->close();
-        } else if (tries > 0) {
-            noteModal(context, act, tries - 1);
-        }
-    });
-}
 
 // The contrast ratio of two colours as the accessibility guidelines define it (1 to 21).
 double contrast(QRgb a, QRgb b)
@@ -91,7 +63,7 @@ double drawnContrast(QWidget* window, const char* name)
 
 } // namespace
 
-// What makes Quillmere a desktop program: its icon on every window, its help text.
+// What makes Quillmere a desktop program: its icon, its help, its choosers.
 class TestDesktop : public QObject
 {
     Q_OBJECT
@@ -101,37 +73,13 @@ private slots:
         const QIcon icon = AppIcon::icon();
         QVERIFY(!icon.isNull());
         for (const int side : AppIcon::sizes()) {
-            const QImage image = pictureOf(icon, side);
+            const QImage image =
+                icon.pixmap(side, side).toImage().convertToFormat(QImage::Format_ARGB32);
             QCOMPARE(image.size(), QSize(side, side));
             // The tile's corner is transparent, its middle drawn.
             QCOMPARE(qAlpha(image.pixel(0, 0)), 0);
             QCOMPARE(qAlpha(image.pixel(side / 2, side / 2)), 255);
         }
-    }
-
-    void everyWindowShowsTheIcon()
-    {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(run.start());
-        const QImage expected = pictureOf(AppIcon::icon(), 32);
-        QCOMPARE(pictureOf(run.window()->windowIcon(), 32), expected);
-        QCOMPARE(pictureOf(run.progress()->windowIcon(), 32), expected);
-        QCOMPARE(pictureOf(run.splash()->windowIcon(), 32), expected);
-
-        QStringList seen;
-        for (const char* entry : {"mnuHelpAbout", "mnuPrintSettings", "mnuHelpHelpTopics"}) {
-            noteModal(run.window(), [&](QWidget* w) {
-                seen << w->objectName();
-                QCOMPARE(pictureOf(w->windowIcon(), 32), expected);
-            });
-            run.window()->menus().action(entry)->trigger();
-        }
-        QCOMPARE(seen, (QStringList{"frmAbout", "frmPrintSettings", "frmHelp"}));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        run.window()->close();
     }
 
     // Help reads in a light and a dark theme, and is worked with the keys alone: Tab reaches
@@ -149,10 +97,7 @@ private slots:
         const auto restore = qScopeGuard([&] { QApplication::setPalette(before); });
         if (dark)
             QApplication::setPalette(test::darkPalette());
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
+        test::AppRun run;
         QVERIFY(run.start());
 
         QStringList steps, unreadable;
@@ -160,34 +105,33 @@ private slots:
             auto* help = qobject_cast<HelpWindow*>(w);
             if (!help)
                 return;
-            const auto focus = [&] {
-                return help->focusWidget() ? help->focusWidget()->objectName() : QString("none");
+            const auto readable = [&](const QStringList& names) {
+                for (const QString& name : names)
+                    if (const double ratio = drawnContrast(help, qPrintable(name)); ratio < 4.5)
+                        unreadable << QStringLiteral("%1 %2").arg(name).arg(ratio, 0, 'f', 2);
             };
-            const auto readable = [&](const char* name) {
-                const double ratio = drawnContrast(help, name);
-                if (ratio < 4.5)
-                    unreadable << QStringLiteral("%1 %2").arg(name).arg(ratio, 0, 'f', 2);
+            const auto step = [&](const QString& what) {
+                steps << what + ":" +
+                             (help->focusWidget() ? help->focusWidget()->objectName()
+                                                  : QString("none"));
             };
-            const auto press = [&](Qt::Key key, const QString& name) {
-                QTest::keyClick(help->windowHandle(), key);
-                steps << name + ":" + focus();
+            const auto press = [&](const QList<Qt::Key>& keys, const QString& name) {
+                for (Qt::Key key : keys) {
+                    QTest::keyClick(help->windowHandle(), key);
+                    step(name);
+                }
             };
             QTRY_VERIFY(help->isActiveWindow());
-            steps << "open:" + focus();
-            readable("lblTitle");
-            readable("lblLine0");
-            press(Qt::Key_Tab, "Tab");
-            press(Qt::Key_Tab, "Tab");
-            press(Qt::Key_Down, "Down");
-            press(Qt::Key_Down, "Down");
+            step("open");
+            readable({"lblTitle", "lblLine0"});
+            press({Qt::Key_Tab, Qt::Key_Tab}, "Tab");
+            press({Qt::Key_Down, Qt::Key_Down}, "Down");
             steps << QString("marked %1").arg(help->markedLine());
-            readable("lblLine0");
-            readable("lblLine1"); // marked
-            press(Qt::Key_Return, "Return");
+            readable({"lblLine0", "lblLine1"}); // the second marked
+            press({Qt::Key_Return}, "Return");
             steps << QString("topic %1").arg(help->topicNumber());
-            readable("lblTitle");
-            readable("lblPage");
-            press(Qt::Key_Home, "Home");
+            readable({"lblTitle", "lblPage"});
+            press({Qt::Key_Home}, "Home");
             steps << QString("contents %1").arg(help->showsContents());
             w->close();
         });
@@ -197,8 +141,7 @@ private slots:
                  QString("open:fraContents Tab:cmdClose Tab:fraContents Down:fraContents "
                          "Down:fraContents marked 1 Return:cmdNext topic 2 Home:fraContents "
                          "contents 1"));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        run.window()->close();
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 
     // Every Browse button asks the folder chooser: it starts at the box's folder, else at the
@@ -207,51 +150,29 @@ private slots:
     // own widgets, as offscreen and where the desktop has none of its own).
     void browseButtonsAskTheFolderChooser_data()
     {
+        // The folders: "" none, "stale" one that is not there, "usual" where the chooser opens
+        // by itself; each other name a folder of its own, "S" the one chosen last.
         QTest::addColumn<QString>("entry");
         QTest::addColumn<bool>("desktop");
-        QTest::addColumn<QString>("box");    // "stale": a folder that is not there
+        QTest::addColumn<QString>("box");
         QTest::addColumn<QString>("answer"); // "": Cancel
-        QTest::addColumn<QString>("start");  // "usual": where the chooser opens by itself
+        QTest::addColumn<QString>("start");
         QTest::addColumn<QString>("boxAfter");
         QTest::addColumn<QString>("remembered");
         const QString cabinet = "mnuPopupRootNewFileCabinet", exports = "mnuToolsExportCabinet";
-        QTest::newRow("cabinet, empty box: the last folder; chosen") << cabinet << false << ""
-                                                                     << "A"
-                                                                     << "S"
-                                                                     << "A"
-                                                                     << "A";
-        QTest::newRow("cabinet, empty box; cancelled") << cabinet << false << ""
-                                                       << ""
-                                                       << "S"
-                                                       << ""
-                                                       << "S";
-        QTest::newRow("export, stale box: the usual place; chosen") << exports << false << "stale"
-                                                                    << "A"
-                                                                    << "usual"
-                                                                    << "A"
-                                                                    << "A";
-        QTest::newRow("export, the box's folder; cancelled") << exports << false << "B"
-                                                             << ""
-                                                             << "B"
-                                                             << "B"
-                                                             << "S";
-        QTest::newRow("desktop chooser: cabinet, empty box; typed") << cabinet << true << ""
-                                                                    << "A"
-                                                                    << "S"
-                                                                    << "A"
-                                                                    << "A";
-        QTest::newRow("desktop chooser: export, the box's folder; cancelled")
-            << exports << true << "B"
-            << ""
-            << "B"
-            << "B"
-            << "S";
-        QTest::newRow("desktop chooser: export, stale box: at home; typed")
-            << exports << true << "stale"
-            << "A"
-            << "usual"
-            << "A"
-            << "A";
+        const auto row = [](const char* name, const QString& entry, bool desktop,
+                            const QString& places) {
+            const QStringList p = places.split(',');
+            QTest::newRow(name) << entry << desktop << p[0] << p[1] << p[2] << p[3] << p[4];
+        };
+        row("cabinet, empty box: the last folder; chosen", cabinet, false, ",A,S,A,A");
+        row("cabinet, empty box; cancelled", cabinet, false, ",,S,,S");
+        row("export, stale box: the usual place; chosen", exports, false, "stale,A,usual,A,A");
+        row("export, the box's folder; cancelled", exports, false, "B,,B,B,S");
+        row("desktop chooser: cabinet, empty box; typed", cabinet, true, ",A,S,A,A");
+        row("desktop chooser: export, the box's folder; cancelled", exports, true, "B,,B,B,S");
+        row("desktop chooser: export, stale box: at home; typed", exports, true,
+            "stale,A,usual,A,A");
     }
     void browseButtonsAskTheFolderChooser()
     {
@@ -259,9 +180,6 @@ private slots:
         QFETCH(bool, desktop);
         QFETCH(QString, box);
         QFETCH(QString, answer);
-        QFETCH(QString, start);
-        QFETCH(QString, boxAfter);
-        QFETCH(QString, remembered);
         QTemporaryDir places;
         const auto place = [&](const QString& name) -> QString {
             if (name.isEmpty())
@@ -279,26 +197,21 @@ private slots:
         const auto nativeAgain =
             qScopeGuard([] { QCoreApplication::setAttribute(Qt::AA_DontUseNativeDialogs, false); });
 
-        test::TestHome home;
-        home.settings().set(keys::PathSelect, place("S"));
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers scripted;
+        test::AppRun run;
+        run.home.settings().set(keys::PathSelect, place("S"));
         DialogChoosers real;
-        Choosers& choosers = desktop ? static_cast<Choosers&>(real) : scripted;
-        Startup run(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(run.start());
+        QVERIFY(run.start(true, desktop ? &real : nullptr));
         real.setParent(run.window());
         if (!desktop)
-            scripted.queueDirectory(answer.isEmpty() ? std::nullopt
-                                                     : std::optional<QString>(place(answer)));
+            run.choosers.queueDirectory(answer.isEmpty() ? std::nullopt
+                                                         : std::optional<QString>(place(answer)));
 
         QString opened, shown = "<no dialog>";
         const bool cabinet = entry == "mnuPopupRootNewFileCabinet";
-        const char* const boxName = cabinet ? "txtSaveTo" : "txtOutputPath";
         test::whenModal(run.window(), [&](QWidget* dialog) {
             if (cabinet)
                 dialog->findChild<QRadioButton*>("optStorage1")->click();
-            auto* text = dialog->findChild<QLineEdit*>(boxName);
+            auto* text = dialog->findChild<QLineEdit*>(cabinet ? "txtSaveTo" : "txtOutputPath");
             text->setText(place(box));
             if (desktop) {
                 test::whenModal(dialog, [&](QWidget* w) {
@@ -326,30 +239,16 @@ private slots:
         });
         run.window()->menus().action(entry)->trigger();
 
+        QFETCH(QString, start);
         if (desktop)
             QCOMPARE(opened, "Select Path|" + place(start) + "|1");
         else
-            QCOMPARE(scripted.directoryStarts(), QStringList{place(start)});
+            QCOMPARE(run.choosers.directoryStarts(), QStringList{place(start)});
+        QFETCH(QString, boxAfter);
+        QFETCH(QString, remembered);
         QCOMPARE(shown, place(boxAfter));
-        QCOMPARE(home.settings().get(keys::PathSelect), place(remembered));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        run.window()->close();
-    }
-
-    void firstStartWritesTheHelpText()
-    {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        {
-            Startup run(home.home(), home.settings(), prompter, choosers);
-            QVERIFY(run.start(false));
-            run.window()->close();
-        }
-        QFile file(home.file("qmrhelp.txt"));
-        QVERIFY(file.open(QIODevice::ReadOnly));
-        QCOMPARE(file.readAll(), HelpLocator::shippedText());
-        QVERIFY(HelpLocator::shippedText().contains("[toc]"));
+        QCOMPARE(run.home.settings().get(keys::PathSelect), place(remembered));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 };
 

@@ -3,7 +3,6 @@
 #include <QDeadlineTimer>
 #include <QDirIterator>
 #include <QScopeGuard>
-#include <optional>
 #include <QFile>
 #include <QFileInfo>
 #include <QProcess>
@@ -18,16 +17,14 @@
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
+#include <optional>
 #include <unistd.h>
 
-#include "app/startup.h"
 #include "core/homelock.h"
 #include "core/settings.h"
 #include "store/schema.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
+#include "tests/app/apprun.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -43,6 +40,15 @@ QString refusal(const test::TestHome& home, qint64 pid, const QString& host)
         .arg(host);
 }
 
+// Makes a file look last written `ageSeconds` ago.
+bool ageFile(const QString& path, qint64 ageSeconds)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds),
+                            QFileDevice::FileModificationTime);
+}
+
 // A lock file as a run writes it: pid, program, host name, host id, boot id.
 bool writeLock(const test::TestHome& home, qint64 pid, const QString& program, const QString& host,
                const QByteArray& hostId, qint64 ageSeconds)
@@ -52,9 +58,8 @@ bool writeLock(const test::TestHome& home, qint64 pid, const QString& program, c
         return false;
     file.write(QByteArray::number(pid) + '\n' + program.toUtf8() + '\n' + host.toUtf8() + '\n' +
                hostId + '\n' + QSysInfo::bootUniqueId() + '\n');
-    // Written out first, or the close would make it new again.
-    return file.flush() && file.setFileTime(QDateTime::currentDateTime().addSecs(-ageSeconds),
-                                            QFileDevice::FileModificationTime);
+    file.close();
+    return ageFile(file.fileName(), ageSeconds);
 }
 
 qint64 finishedPid()
@@ -209,48 +214,48 @@ class TestHomeLock : public QObject
 {
     Q_OBJECT
 private slots:
-    void secondRunInThisProgramIsRefused()
+    // A second run in this process is refused while the first holds the home; once the first
+    // has ended, its lock is gone and the next run starts.
+    void secondRunIsRefusedUntilTheFirstEnds()
     {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup first(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(first.start(false));
-        Startup second(home.home(), home.settings(), prompter, choosers);
-        prompter.expect(
-            refusal(home, QCoreApplication::applicationPid(), QSysInfo::machineHostName()));
-        QVERIFY(!second.start(false));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QVERIFY(!second.window());
+        test::AppRun run;
+        QVERIFY(run.start(false));
+        QVERIFY(QFile::exists(run.home.file(HomeLock::fileName())));
+        auto second = run.make();
+        run.prompter.expect(
+            refusal(run.home, QCoreApplication::applicationPid(), QSysInfo::machineHostName()));
+        QVERIFY(!second->start(false));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        QVERIFY(!second->window());
+        run.startup.reset();
+        QVERIFY(!QFile::exists(run.home.file(HomeLock::fileName())));
+        QVERIFY(run.start(false));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 
     void lockLeftInTheHome_data()
     {
         // holder: "self" (this process stands for a run that holds the lock), "reused" (this
         // process, but the lock names another program: the number was given out again),
-        // "gone" (a finished process: a crash or a kill), or another machine's pid.
+        // "gone" (a finished process: a crash or a kill), or another machine's pid; host:
+        // "this", or another machine's name.
         QTest::addColumn<QString>("holder");
-        QTest::addColumn<QString>("host"); // "this", or another machine's name
+        QTest::addColumn<QString>("host");
         QTest::addColumn<int>("ageSeconds");
         QTest::addColumn<bool>("refused");
         const int stale =
             int(std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count());
-        QTest::newRow("running here") << "self"
-                                      << "this" << 0 << true;
-        QTest::newRow("running here, refreshed a while ago") << "self"
-                                                             << "this" << stale - 60 << true;
-        QTest::newRow("running here, not refreshed for too long (hung)")
-            << "self"
-            << "this" << stale + 60 << false;
-        QTest::newRow("gone here (crash or kill)") << "gone"
-                                                   << "this" << 0 << false;
-        QTest::newRow("its number now another program's") << "reused"
-                                                          << "this" << 0 << false;
-        QTest::newRow("other machine, refreshed") << "4242"
-                                                  << "scanner-pc" << 30 << true;
-        QTest::newRow("other machine, not refreshed for too long")
-            << "4242"
-            << "scanner-pc" << stale + 60 << false;
+        const auto row = [](const char* name, const char* holder, const char* host, int age,
+                            bool refused) {
+            QTest::newRow(name) << QString(holder) << QString(host) << age << refused;
+        };
+        row("running here", "self", "this", 0, true);
+        row("running here, refreshed a while ago", "self", "this", stale - 60, true);
+        row("running here, not refreshed for too long (hung)", "self", "this", stale + 60, false);
+        row("gone here (crash or kill)", "gone", "this", 0, false);
+        row("its number now another program's", "reused", "this", 0, false);
+        row("other machine, refreshed", "4242", "scanner-pc", 30, true);
+        row("other machine, not refreshed for too long", "4242", "scanner-pc", stale + 60, false);
     }
     void lockLeftInTheHome()
     {
@@ -258,7 +263,7 @@ private slots:
         QFETCH(QString, host);
         QFETCH(int, ageSeconds);
         QFETCH(bool, refused);
-        test::TestHome home;
+        test::AppRun run;
         const qint64 pid = holder == "self" || holder == "reused"
                                ? QCoreApplication::applicationPid()
                            : holder == "gone" ? finishedPid()
@@ -269,102 +274,87 @@ private slots:
         QVERIFY(pid > 0);
         const bool here = host == "this";
         const QString hostName = here ? QSysInfo::machineHostName() : host;
-        QVERIFY(writeLock(home, pid, program, hostName,
+        QVERIFY(writeLock(run.home, pid, program, hostName,
                           here ? QSysInfo::machineUniqueId() : QByteArray("0badc0ffee0ddf00d"),
                           ageSeconds));
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
         if (refused)
-            prompter.expect(refusal(home, pid, hostName));
+            run.prompter.expect(refusal(run.home, pid, hostName));
         QCOMPARE(run.start(false), !refused);
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QCOMPARE(QFile::exists(StoreSchema::storePath(home.home())), !refused);
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        QCOMPARE(QFile::exists(StoreSchema::storePath(run.home.home())), !refused);
         // Taken over: the lock names this run now.
-        const qint64 expectedHolder = refused ? pid : QCoreApplication::applicationPid();
-        QCOMPARE(holderPid(home.file(HomeLock::fileName())), expectedHolder);
+        QCOMPARE(holderPid(run.home.file(HomeLock::fileName())),
+                 refused ? pid : QCoreApplication::applicationPid());
     }
 
     void unreadableLockFile()
     {
         // A run killed between making its lock file and writing it leaves an empty one.
-        test::TestHome home;
-        QVERIFY(home.writeFile(HomeLock::fileName(), QByteArray()));
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        {
-            Startup run(home.home(), home.settings(), prompter, choosers);
-            prompter.expect(QStringLiteral("The home %1 is in use by another Quillmere, and its "
+        test::AppRun run;
+        const QString lock = run.home.file(HomeLock::fileName());
+        QVERIFY(run.home.writeFile(HomeLock::fileName(), QByteArray()));
+        run.prompter.expect(QStringLiteral("The home %1 is in use by another Quillmere, and its "
                                            "lock file %2 cannot be read. If no Quillmere is "
                                            "working on this home, remove that file.")
-                                .arg(home.home().path(), home.file(HomeLock::fileName())));
-            QVERIFY(!run.start(false));
-            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-            QVERIFY(!QFile::exists(StoreSchema::storePath(home.home())));
-        }
+                                .arg(run.home.home().path(), lock));
+        QVERIFY(!run.start(false));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        QVERIFY(!QFile::exists(StoreSchema::storePath(run.home.home())));
         // Left alone for longer than a holder's refresh allows, it is taken over.
-        QFile file(home.file(HomeLock::fileName()));
-        QVERIFY(file.open(QIODevice::ReadWrite));
-        QVERIFY(file.setFileTime(
-            QDateTime::currentDateTime().addSecs(
-                -std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count() -
-                60),
-            QFileDevice::FileModificationTime));
-        file.close();
-        Startup later(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(later.start(false));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY(ageFile(
+            lock,
+            std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count() + 60));
+        QVERIFY(run.start(false));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 
-    void otherProgramHoldsTheHomeUntilKilled()
+    // The program itself, started as another run, holds the home until it ends: a signal ends
+    // it as File > Exit does and frees the home; killed, it leaves its lock, which the next
+    // run takes over.
+    void otherProgramHoldsTheHomeUntilItEnds_data()
     {
-        test::TestHome home;
+        QTest::addColumn<int>("signalNumber");
+        QTest::newRow("SIGTERM (a logout)") << SIGTERM;
+        QTest::newRow("SIGINT (Ctrl+C)") << SIGINT;
+        QTest::newRow("SIGHUP (its terminal closed)") << SIGHUP;
+        QTest::newRow("SIGKILL") << SIGKILL;
+    }
+    void otherProgramHoldsTheHomeUntilItEnds()
+    {
+        QFETCH(int, signalNumber);
+        test::AppRun run;
         QTemporaryDir config;
         QProcess other;
-        QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-        env.insert("QT_QPA_PLATFORM", "offscreen");
-        env.insert("XDG_CONFIG_HOME", config.path());
-        other.setProcessEnvironment(env);
+        other.setProcessEnvironment(programEnvironment(config.path()));
         other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        other.start(QStringLiteral(QMR_APP_PATH), {"--home", home.home().path()});
+        other.start(QStringLiteral(QMR_APP_PATH), {"--home", run.home.path()});
         QVERIFY(other.waitForStarted());
-        // It holds the home once its store is open.
-        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(StoreSchema::storePath(home.home())) &&
-                                     holderPid(home.file(HomeLock::fileName())) ==
-                                         other.processId(),
+        // It holds the home once its store is open (it listens for signals before it takes it).
+        const QString lock = run.home.file(HomeLock::fileName());
+        QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(StoreSchema::storePath(run.home.home())) &&
+                                     holderPid(lock) == other.processId(),
                                  30000);
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        {
-            Startup second(home.home(), home.settings(), prompter, choosers);
-            prompter.expect(refusal(home, other.processId(), QSysInfo::machineHostName()));
-            QVERIFY(!second.start(false));
-            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        }
-        // Killed, it leaves its lock file behind; the next run takes it over.
-        other.kill();
-        QVERIFY(other.waitForFinished());
-        QVERIFY(QFile::exists(home.file(HomeLock::fileName())));
-        Startup after(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(after.start(false));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QCOMPARE(holderPid(home.file(HomeLock::fileName())), QCoreApplication::applicationPid());
-    }
+        run.prompter.expect(refusal(run.home, other.processId(), QSysInfo::machineHostName()));
+        QVERIFY(!run.start(false));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
 
-    void lockGoesWithTheRun()
-    {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        {
-            Startup run(home.home(), home.settings(), prompter, choosers);
-            QVERIFY(run.start(false));
-            QVERIFY(QFile::exists(home.file(HomeLock::fileName())));
+        QCOMPARE(::kill(pid_t(other.processId()), signalNumber), 0);
+        QVERIFY(other.waitForFinished(60000));
+        if (signalNumber == SIGKILL) {
+            QVERIFY(QFile::exists(lock));
+        } else {
+            QCOMPARE(other.exitStatus(), QProcess::NormalExit);
+            QCOMPARE(other.exitCode(), 0);
+            // What File > Exit saves: the place in the tree (the first start's sample cabinet)
+            // and the window's placement (maximised on a first start).
+            Settings saved(config.filePath("QMR/Quillmere.conf"));
+            QCOMPARE(saved.getSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
+            QCOMPARE(saved.getSetting("frmNavTree.WindowState"), QStringLiteral("2"));
+            QVERIFY(!QFile::exists(lock));
         }
-        QVERIFY(!QFile::exists(home.file(HomeLock::fileName())));
-        Startup again(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(again.start(false));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY(run.start(false));
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        QCOMPARE(holderPid(lock), QCoreApplication::applicationPid());
     }
 
     void homeThatCannotBeWritten_data()
@@ -428,44 +418,6 @@ private slots:
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         QVERIFY(!QFile::exists(home + "/" + HomeLock::fileName()));
         QVERIFY(!QFile::exists(home + "/qmr.mdb"));
-    }
-
-    void signalEndsTheRunAsExitDoes_data()
-    {
-        QTest::addColumn<int>("signalNumber");
-        QTest::newRow("SIGTERM (a logout)") << SIGTERM;
-        QTest::newRow("SIGINT (Ctrl+C)") << SIGINT;
-        QTest::newRow("SIGHUP (its terminal closed)") << SIGHUP;
-    }
-    void signalEndsTheRunAsExitDoes()
-    {
-        QFETCH(int, signalNumber);
-        test::TestHome home;
-        QTemporaryDir config;
-        QProcess program;
-        program.setProcessEnvironment(programEnvironment(config.path()));
-        program.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        program.start(QStringLiteral(QMR_APP_PATH), {"--home", home.home().path()});
-        QVERIFY(program.waitForStarted());
-        // It listens for the signals before it takes the home.
-        const QString lock = home.file(HomeLock::fileName());
-        QTRY_VERIFY_WITH_TIMEOUT(holderPid(lock) == program.processId(), 30000);
-        QCOMPARE(::kill(pid_t(program.processId()), signalNumber), 0);
-        QVERIFY(program.waitForFinished(60000));
-        QCOMPARE(program.exitStatus(), QProcess::NormalExit);
-        QCOMPARE(program.exitCode(), 0);
-        // What File > Exit saves: the place in the tree (the first start's sample cabinet) and
-        // the window's placement (maximised on a first start).
-        Settings saved(config.filePath("QMR/Quillmere.conf"));
-        QCOMPARE(saved.getSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
-        QCOMPARE(saved.getSetting("frmNavTree.WindowState"), QStringLiteral("2"));
-        // The home is free again.
-        QVERIFY(!QFile::exists(lock));
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup next(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(next.start(false));
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
     }
 
     void signalStopsABatchRun_data()

@@ -1,5 +1,6 @@
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
+#include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
@@ -16,6 +17,7 @@
 #include <QMimeData>
 #include <QPlainTextEdit>
 #include <QPushButton>
+#include <QRegularExpression>
 #include <QScopeGuard>
 #include <QSignalSpy>
 #include <QTabBar>
@@ -24,88 +26,32 @@
 #include <QTest>
 #include <QTextEdit>
 #include <QTimer>
+#include <QToolButton>
 #include <QTreeView>
+#include <algorithm>
 #include <functional>
 #include <map>
+#include <tuple>
 
-#include "app/startup.h"
-#include "core/settings.h"
+#include "app/appicon.h"
+#include "app/progresswindow.h"
+#include "app/splashwindow.h"
 #include "dialogs/passworddialog.h"
 #include "filing/clipboardfiles.h"
 #include "navigator/containerlist.h"
 #include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
-#include "navigator/navtree.h"
-#include "navigator/navwindow.h"
-#include "navigator/pagelistview.h"
-#include "navigator/pagepane.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
 #include "store/session.h"
+#include "tests/app/apprun.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 
 namespace {
-
-// A run of the program on a temporary home, started as main() starts it.
-struct Run
-{
-    test::TestHome home;
-    test::ScriptedPrompter prompter;
-    test::ScriptedChoosers choosers;
-    std::unique_ptr<Startup> startup;
-
-    bool start()
-    {
-        startup = std::make_unique<Startup>(home.home(), home.settings(), prompter, choosers);
-        if (!startup->start())
-            return false;
-        QApplication::setActiveWindow(window());
-        return QTest::qWaitForWindowExposed(window()) && QTest::qWaitForWindowActive(window());
-    }
-    NavWindow* window() const { return startup->window(); }
-    Session& session() const { return startup->session(); }
-    NavTree* tree() const { return window()->tree(); }
-    PageListView* pages() const { return window()->pageList()->list(); }
-    QAbstractItemView* pageView() const { return pages()->currentView(); }
-    QAction* action(const char* name) const { return window()->menus().action(name); }
-
-    // Where a node stands in the tree, its parents opened.
-    QPoint nodePoint(const QString& key) const
-    {
-        QTreeWidgetItem* item = tree()->node(key);
-        if (!item)
-            return QPoint(-1, -1);
-        for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
-            p->setExpanded(true);
-        tree()->scrollToItem(item);
-        const QRect r = tree()->visualItemRect(item);
-        return QPoint(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
-    }
-    // Left clicks on nodes, as a person makes them, each node in view after the one before.
-    void click(const QStringList& keys) const
-    {
-        for (const QString& key : keys)
-            QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, nodePoint(key));
-    }
-};
-
-// A document of `count` pages (small pictures with thumbnails) in the sample's first folder.
-qint32 documentOfPages(test::FixtureStore& store, int count)
-{
-    const qint32 doc = store.document(1, QStringLiteral("Long report"));
-    Database::Transaction tx(store.db());
-    for (int n = 1; n <= count; ++n)
-        store.page(doc, n, QSize(60, 80));
-    tx.commit();
-    return doc;
-}
 
 // Runs `open`, which brings up a pop-up menu, and hands that menu to `look` before closing it.
 bool withPopup(const std::function<void()>& open, const std::function<void(QMenu*)>& look)
@@ -126,8 +72,8 @@ bool withPopup(const std::function<void()>& open, const std::function<void(QMenu
     return seen && closed;
 }
 
-// A drop of `data` on a control's viewport, as a drag from a file manager or from the
-// window itself ends.
+// A drop of `data` on a control's viewport, as a drag from a file manager or from the window itself
+// ends.
 bool dropOn(QWidget* viewport, const QPoint& at, const QMimeData* data)
 {
     const Qt::DropActions actions = Qt::CopyAction | Qt::MoveAction;
@@ -173,8 +119,8 @@ QStringList clashesOf(const KeyOwners& owners, const QString& where)
     return clashes;
 }
 
-// The keys that a window's controls on show take: buttons, labels with a buddy, group boxes,
-// tabs, and every entry its menu bar holds (a hidden one keeps its key).
+// The keys that a window's controls on show take: buttons, labels with a buddy, group boxes, tabs,
+// and every entry its menu bar holds (a hidden one keeps its key).
 KeyOwners windowKeys(QWidget* window)
 {
     KeyOwners owners;
@@ -259,14 +205,158 @@ QString focusFault(QWidget* window, const QString& where)
            ", not on " + first->objectName();
 }
 
-// The key clashes and the misplaced focus of the modal window that `open` brings up, which is
-// then closed.
-QStringList modalFaults(const QString& what, const std::function<void()>& open)
+// ---- screen readers and icons -------------------------------------------------------------
+
+// What a screen reader is told of a control is its accessible name; a control that a person works
+// is unusable without one.
+bool isControl(QAccessible::Role role)
 {
-    return test::modalFaults(what, open, [](QWidget* w, const QString& where) {
+    using R = QAccessible;
+    return QList<QAccessible::Role>{R::PushButton,     R::CheckBox, R::RadioButton,  R::ButtonMenu,
+                                    R::ButtonDropDown, R::ComboBox, R::EditableText, R::SpinBox,
+                                    R::Slider,         R::List,     R::Tree,         R::Table,
+                                    R::PageTab}
+        .contains(role);
+}
+
+// Names that are no words ("...", "|<") say nothing when read aloud.
+bool saysSomething(const QString& name)
+{
+    return std::any_of(name.begin(), name.end(), [](QChar c) { return c.isLetterOrNumber(); });
+}
+
+QString describe(QAccessibleInterface* a)
+{
+    QObject* o = a->object();
+    return o ? QString(o->metaObject()->className()) + " " + o->objectName()
+             : QString("role %1").arg(int(a->role()));
+}
+
+// The controls on show under `a` that have no name worth reading.
+void unnamedUnder(QAccessibleInterface* a, const QString& where, QStringList& faults)
+{
+    for (int i = 0; i < a->childCount(); ++i) {
+        QAccessibleInterface* c = a->child(i);
+        if (!c || c->state().invisible)
+            continue;
+        const QAccessible::Role role = c->role();
+        const QString name = c->text(QAccessible::Name);
+        if (isControl(role) && !saysSomething(name))
+            faults << where + ": " + describe(c) + " has no name (\"" + name + "\")";
+        // The rows of a list are its content, not controls; a combo box's list is its own.
+        if (role != QAccessible::List && role != QAccessible::Tree && role != QAccessible::Table &&
+            role != QAccessible::ComboBox)
+            unnamedUnder(c, where, faults);
+    }
+}
+
+QStringList unnamedIn(QWidget* window, const QString& where)
+{
+    QStringList faults;
+    unnamedUnder(QAccessible::queryAccessibleInterface(window), where, faults);
+    // Buttons whose caption is a sign read the name given, on show or not (the paging buttons hide
+    // for a short document); those of the same name captioned in words read their words.
+    const std::map<QString, QString> names{{"cmdFirst", "First page"}, {"cmdPrev", "Previous page"},
+                                           {"cmdNext", "Next page"},   {"cmdLast", "Last page"},
+                                           {"cmdLookup", "Browse…"},   {"imgNow", "Today"}};
+    for (const auto& [object, expected] : names)
+        for (QAbstractButton* c : window->findChildren<QAbstractButton*>(object)) {
+            const QString name = QAccessible::queryAccessibleInterface(c)->text(QAccessible::Name);
+            if (!saysSomething(c->text()) && name != expected)
+                faults << where + ": " + object + " reads \"" + name + "\", not \"" + expected +
+                              "\"";
+        }
+    return faults;
+}
+
+// The windows the application reports to a screen reader; those hidden alone, if asked.
+QList<QObject*> reportedWindows(bool hiddenOnly = false)
+{
+    QList<QObject*> windows;
+    QAccessibleInterface* app = QAccessible::queryAccessibleInterface(qApp);
+    for (int i = 0; i < app->childCount(); ++i)
+        if (QAccessibleInterface* c = app->child(i); c && (!hiddenOnly || c->state().invisible))
+            windows << c->object();
+    return windows;
+}
+
+QStringList hiddenReported(const QList<QObject*>& before, const QString& when)
+{
+    QStringList faults;
+    for (QObject* o : reportedWindows(true))
+        if (!before.contains(o))
+            faults << when + ": hidden " + QString(o ? o->metaObject()->className() : "?") + " " +
+                          (o ? o->objectName() : QString()) + " is reported";
+    return faults;
+}
+
+QImage pictureOf(const QIcon& icon)
+{
+    return icon.pixmap(32, 32).toImage().convertToFormat(QImage::Format_ARGB32);
+}
+
+QString iconFault(QWidget* window, const QString& where)
+{
+    return pictureOf(window->windowIcon()) == pictureOf(AppIcon::icon())
+               ? QString()
+               : where + ": the window does not show the program's icon";
+}
+
+// Every captioned push button of `window` as "objectName caption", sorted, with what is wrong with
+// its icon (none, blank, or no room for it beside the caption) added to `faults`.
+QStringList captionsOf(QWidget* window, QStringList& faults)
+{
+    QStringList captions;
+    for (QPushButton* b : window->findChildren<QPushButton*>()) {
+        if (b->text().isEmpty() || !b->isVisibleTo(window))
+            continue;
+        const QString what = window->objectName() + '/' + b->objectName();
+        captions << b->objectName() + ' ' + b->text();
+        if (!b->text().contains(QRegularExpression("[A-Za-z]"))) {
+            // A caption of signs is a picture already.
+            if (!b->icon().isNull())
+                faults << what + " shows an icon beside its signs";
+            continue;
+        }
+        // Whatever the theme, the icon draws something: a name whose picture is missing does not.
+        const QImage image = b->icon().pixmap(16, 16).toImage();
+        bool drawn = false;
+        for (int y = 0; y < image.height() && !drawn; ++y)
+            for (int x = 0; x < image.width() && !drawn; ++x)
+                drawn = qAlpha(image.pixel(x, y)) > 0;
+        if (!drawn)
+            faults << what + " has no icon";
+        const int caption = b->fontMetrics().horizontalAdvance(QString(b->text()).remove('&'));
+        if (b->width() < caption + b->iconSize().width() + 8)
+            faults << what + QString(" is %1 px wide, too narrow for its icon and caption")
+                                 .arg(b->width());
+    }
+    captions.sort();
+    return captions;
+}
+
+// What is looked at in a window: its access keys and, in a dialog, where the focus opens; the
+// names of its controls; both. Each window is looked at for its icon.
+enum Checks { Keys = 1, Names = 2, Both = 3 };
+
+// The faults of a window on show.
+QStringList windowFaults(QWidget* window, const QString& where, int checks = Both)
+{
+    QStringList faults{iconFault(window, where)};
+    if (checks & Keys)
+        faults << keyClashes(window, where);
+    if (checks & Names)
+        faults << unnamedIn(window, where);
+    return faults;
+}
+
+// The faults of the modal window that `open` brings up, which is then closed.
+QStringList modalFaults(const QString& what, const std::function<void()>& open, int checks)
+{
+    return test::modalFaults(what, open, [checks](QWidget* w, const QString& where) {
         // The focus is read first: looking for clashes moves it.
-        QStringList faults{focusFault(w, where)};
-        return faults << keyClashes(w, where);
+        QStringList faults{(checks & Keys) ? focusFault(w, where) : QString()};
+        return faults << windowFaults(w, where, checks);
     });
 }
 
@@ -290,10 +380,16 @@ private slots:
 
     void copiedAndCutPagesArePasted()
     {
-        Run run;
+        test::AppRun run;
         test::FixtureStore store(run.home.home());
         store.fillSample();
-        const qint32 report = documentOfPages(store, 30);
+        const qint32 report = store.document(1, QStringLiteral("Long report"));
+        {
+            Database::Transaction tx(store.db());
+            for (int n = 1; n <= 30; ++n) // small pictures with thumbnails
+                store.page(report, n, QSize(60, 80));
+            tx.commit();
+        }
         store.close();
         run.home.settings().set(keys::LastNavTreeNodeKey, QString("DOC%1").arg(report));
         run.home.settings().set(keys::ThumbView, "list");
@@ -365,7 +461,7 @@ private slots:
     void pageListShowsLongDocuments()
     {
         QFETCH(bool, atStart);
-        Run run;
+        test::AppRun run;
         test::FixtureStore store(run.home.home());
         store.fillSample();
         const qint32 doc = store.document(1, QStringLiteral("Long report"));
@@ -391,8 +487,8 @@ private slots:
             shown << run.pages()->textAt(row);
         QCOMPARE(shown, numbers);
 
-        // No heading and no value is cut short: each column is as wide as the view needs to
-        // draw them whole.
+        // No heading and no value is cut short: each column is as wide as the view needs to draw
+        // them whole.
         auto* details = qobject_cast<QTreeView*>(run.pageView());
         QVERIFY(details && details->isVisible());
         const QAbstractItemModel* model = details->model();
@@ -423,7 +519,7 @@ private slots:
     {
         QFETCH(QString, node);
         QFETCH(QString, hint);
-        Run run;
+        test::AppRun run;
         test::FixtureStore(run.home.home()).fillSample();
         QVERIFY(run.start());
         run.click(node.split(','));
@@ -456,12 +552,13 @@ private slots:
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 
-    // Every captioned entry of the assembled window's menus runs a command, and each can be
-    // chosen in some state of the window: a walk over the levels, their pop-ups and a
-    // clipboard holding a copied file sees each one enabled at least once.
+    // Every captioned entry of the assembled window's menus runs a command, and each can be chosen
+    // in some state of the window: a walk over the levels, their pop-ups and a clipboard holding a
+    // copied file sees each one enabled at least once. Alt and its letter open each menu of the bar
+    // on the way.
     void everyMenuEntryRunsACommandSomewhere()
     {
-        Run run;
+        test::AppRun run;
         test::FixtureStore(run.home.home()).fillSample();
         QVERIFY(run.start());
         NavWindow* w = run.window();
@@ -476,21 +573,32 @@ private slots:
         const auto emptied = qScopeGuard([] { QApplication::clipboard()->clear(); });
 
         QSet<QString> enabled;
+        QStringList faults;
         auto note = [&](QMenu* menu) {
             for (QAction* a : menu->actions())
-                if (!a->isSeparator() && a->isVisible() && a->isEnabled()) {
+                if (!a->isSeparator() && a->isVisible() && a->isEnabled())
                     enabled.insert(a->objectName());
-                }
         };
+        // The menus of the bar, each opened by Alt and its access key, and the pop-up menu of
+        // `control`.
         auto look = [&](QWidget* control) {
             for (QAction* top : w->menuBar()->actions()) {
                 if (!top->isVisible() || !top->menu())
                     continue;
-                QMenu* menu = top->menu();
-                menu->popup(w->mapToGlobal(QPoint(40, 40)));
-                if (QTest::qWaitForWindowExposed(menu))
-                    note(menu);
-                menu->close();
+                const QKeySequence keys = QKeySequence::mnemonic(top->text());
+                // The offscreen platform leaves no window active after a pop-up; a desktop does.
+                QApplication::setActiveWindow(w);
+                QString opened;
+                if (keys.isEmpty() || !QTest::qWaitForWindowActive(w) ||
+                    !withPopup([&] { QTest::keyClick(w, keys[0].key(), Qt::AltModifier); },
+                               [&](QMenu* menu) {
+                                   opened = menu->objectName();
+                                   note(menu);
+                               }) ||
+                    opened != top->objectName())
+                    faults << QString("at %1, Alt+%2 opened \"%3\", not %4")
+                                  .arg(run.tree()->selectedKey(), keys.toString(), opened,
+                                       top->objectName());
             }
             if (control) {
                 control->setFocus();
@@ -518,7 +626,6 @@ private slots:
         QTRY_VERIFY(run.tree()->node("ROOTFOUND"));
         run.click({"ROOTFOUND"});
         look(run.tree());
-        QStringList faults;
         // Every menu the window has, those of the levels not now in the bar too.
         for (QMenu* menu : w->menuBar()->findChildren<QMenu*>()) {
             for (QAction* a : menu->actions()) {
@@ -534,134 +641,113 @@ private slots:
         QVERIFY2(faults.isEmpty(), qPrintable(faults.join('\n')));
     }
 
-    void firstStartShowsTheSampleNamesWhole()
+    // Every window of the assembled program and what it opens: access keys are unique among what
+    // shows at once, each dialog opens with the focus in its first field, every control is named
+    // for a screen reader, each window shows the program's icon, buttons carry icons beside their
+    // captions, and no hidden window is reported to a screen reader.
+    void windowsAreWorkedByKeysAndReadAloud()
     {
-        Run run;
-        QVERIFY(run.start());
-        NavTree* tree = run.tree();
-        QVERIFY(tree->node("ROOT")->childCount() > 0);
-        // The one column is as wide as the widest name in view; the tree shows it whole,
-        // unless that would take more than a third of the window.
-        const int names = tree->header()->sectionSize(0);
-        const int third = run.window()->width() / 3;
-        QVERIFY2(tree->viewport()->width() >= names || tree->width() >= third - 1,
-                 qPrintable(QString("names %1 wide, the tree's view %2")
-                                .arg(names)
-                                .arg(tree->viewport()->width())));
-        QVERIFY2(tree->width() <= third + 1,
-                 qPrintable(QString("tree %1, a third %2").arg(tree->width()).arg(third)));
-        // Made narrow, the window cuts the names; made wide again, it shows them whole.
-        NavWindow* w = run.window();
-        w->showNormal();
-        w->resize(360, w->height());
-        QTRY_VERIFY(tree->width() <= w->width() / 3 + 1);
-        QVERIFY(tree->viewport()->width() < names);
-        w->resize(1000, w->height());
-        QTRY_VERIFY2(tree->viewport()->width() >= names,
-                     qPrintable(QString("names %1 wide, the tree's view %2")
-                                    .arg(names)
-                                    .arg(tree->viewport()->width())));
-        // Once the person has set the divider, the tree keeps the width they gave it.
-        run.home.settings().set(keys::TreeWidth, QString::number(w->treeWidthTwips()));
-        const int set = tree->width();
-        w->resize(700, w->height());
-        QTRY_COMPARE(w->width(), 700);
-        QCOMPARE(tree->width(), set);
-    }
-
-    void altOpensTheMenuOfItsLetter_data()
-    {
-        QTest::addColumn<QString>("node");
-        for (const char* path : {"ROOT", "CAB1", "CAB1,DRW1", "CAB1,FLD1", "CAB1,DRW1,DOC1"})
-            QTest::newRow(path) << path;
-    }
-    void altOpensTheMenuOfItsLetter()
-    {
-        QFETCH(QString, node);
-        Run run;
-        test::FixtureStore(run.home.home()).fillSample();
-        QVERIFY(run.start());
-        run.click(node.split(','));
-        for (QAction* entry : run.window()->menuBar()->actions()) {
-            if (!entry->isVisible())
-                continue;
-            const QKeySequence keys = QKeySequence::mnemonic(entry->text());
-            QVERIFY2(!keys.isEmpty(), qPrintable(entry->text()));
-            // The offscreen platform leaves no window active after a pop-up; a desktop does.
-            QApplication::setActiveWindow(run.window());
-            QVERIFY(QTest::qWaitForWindowActive(run.window()));
-            QString opened;
-            withPopup([&] { QTest::keyClick(run.window(), keys[0].key(), Qt::AltModifier); },
-                      [&](QMenu* menu) { opened = menu->objectName(); });
-            QVERIFY2(opened == entry->objectName(),
-                     qPrintable(keys.toString() + " opened \"" + opened + "\", not " +
-                                entry->objectName()));
+        const QList<QObject*> before = reportedWindows();
+        test::AppRun run;
+        qint32 spare = 0;
+        {
+            test::FixtureStore store(run.home.home());
+            store.fillSample();
+            spare = store.document(1, QStringLiteral("Spare"));
+            store.page(spare, 1, QSize(60, 80));
         }
-    }
-
-    // Access keys are unique among what shows at once, and each dialog opens with the focus in
-    // its first field.
-    void dialogsOpenWithUniqueKeysAndTheFocusInTheirFirstField()
-    {
-        Run run;
-        test::FixtureStore(run.home.home()).fillSample();
         // Mail is set up, so that the page viewer's Email shows its dialog.
         run.home.settings().set(keys::EmailSystem, "CDONTS");
         QVERIFY(run.start());
         NavWindow* w = run.window();
-        QStringList faults;
-        auto dialog = [&](const char* command) {
-            faults << modalFaults(command, [&] { w->menus().run(command); });
+        QStringList faults = hiddenReported(before, "after start");
+        faults << iconFault(run.startup->progress(), "progress")
+               << iconFault(run.startup->splash(), "splash");
+        auto dialog = [&](const QString& command, int checks = Both) {
+            faults << modalFaults(
+                command, [&] { w->menus().run(command); }, checks);
         };
-        for (const char* node : {"ROOT", "CAB1", "DRW1", "FLD1", "DOC1"}) {
+        run.choosers.queueDirectory(run.home.path()); // for Import Files
+        // Each level's dialogs: looked at whole, and for their keys alone.
+        const std::tuple<const char*, QStringList, QStringList> levels[] = {
+            {"ROOT", {"mnuPopupRootNewFileCabinet"}, {}},
+            {"CAB1", {"mnuPopupCabinetProperties"}, {"mnuPopupCabinetNewDrawer"}},
+            {"DRW1", {"mnuPopupDrawerProperties"}, {"mnuPopupDrawerNewFolder"}},
+            {"FLD1",
+             {"mnuPopupFolderProperties"},
+             {"mnuPopupFolderNewDocument", "mnuPopupFolderImportFiles"}},
+            {"DOC1", {"mnuPopupDocumentProperties", "mnuPopupDocumentPrint"}, {}}};
+        for (const auto& [node, whole, keysOnly] : levels) {
             run.click({node});
-            faults << keyClashes(w, QString("main window at ") + node);
+            QCOMPARE(run.tree()->selectedKey(), QString(node));
+            faults << windowFaults(w, QString("main window at ") + node);
+            for (const QString& command : whole)
+                dialog(command);
+            for (const QString& command : keysOnly)
+                dialog(command, Keys);
         }
-        run.click({"ROOT"});
-        dialog("mnuPopupRootNewFileCabinet");
-        run.click({"CAB1"});
-        dialog("mnuPopupCabinetProperties");
-        dialog("mnuPopupCabinetNewDrawer");
-        run.click({"DRW1"});
-        dialog("mnuPopupDrawerProperties");
-        dialog("mnuPopupDrawerNewFolder");
-        run.click({"FLD1"});
-        dialog("mnuPopupFolderProperties");
-        dialog("mnuPopupFolderNewDocument");
-        run.choosers.queueDirectory(run.home.path());
-        dialog("mnuPopupFolderImportFiles");
-        run.click({"DOC1"});
-        dialog("mnuPopupDocumentProperties");
-        dialog("mnuPopupDocumentPrint");
+        QCOMPARE(captionsOf(w, faults),
+                 QStringList({"cmdFind Find", "cmdFirst |<", "cmdLast >|", "cmdNext >", "cmdPrev <",
+                              "cmdScanDoc &Scan Page", "cmdScanPic Scan &Picture",
+                              "cmdShowLess Show Less", "cmdShowMore Show More"}));
+        // The page pane in both its views.
+        for (const char* view : {"imgList", "imgThumbnail"}) {
+            w->findChild<QToolButton*>(view)->click();
+            faults << unnamedIn(w, QString("main window after ") + view);
+        }
         run.pages()->selectPage(1);
         for (const char* command :
-             {"mnuPopupPageProperties", "mnuPopupPageRenumber", "mnuPopupPagePrint", "mnuFileFind",
-              "mnuScanSettings", "mnuPrintSettings", "mnuEmailSettings", "mnuViewSettings",
-              "mnuToolsImportFiles", "mnuToolsExportCabinet", "mnuToolsDrawerTemplates",
-              "mnuToolsCreateSampleCabinet", "mnuHelpAbout"})
+             {"mnuPopupPageProperties", "mnuPopupPageRenumber", "mnuFileFind", "mnuScanSettings",
+              "mnuPrintSettings", "mnuEmailSettings", "mnuViewSettings", "mnuToolsImportFiles",
+              "mnuToolsExportCabinet", "mnuToolsDrawerTemplates", "mnuToolsCreateSampleCabinet",
+              "mnuHelpAbout"})
             dialog(command);
+        dialog("mnuPopupPagePrint", Keys);
+        dialog("mnuHelpHelpTopics", Names);
 
         // The page viewer and what it opens.
         w->menus().run("mnuPopupPageOpen");
         QWidget* viewer = nullptr;
         QTRY_VERIFY(viewer = w->findChild<QWidget*>("frmPageView"));
         QVERIFY(QTest::qWaitForWindowExposed(viewer));
-        faults << keyClashes(viewer, "page viewer");
+        faults << windowFaults(viewer, "page viewer");
+        QCOMPARE(
+            captionsOf(viewer, faults),
+            QStringList({"cmdAutoTrim Auto &Trim", "cmdCancel Cancel", "cmdCrop &Crop",
+                         "cmdEmail E&mail", "cmdInfo &Info", "cmdNext &Next", "cmdPrev &Previous",
+                         "cmdPrint Print", "cmdRotateClockwise &Rotate",
+                         "cmdRotateCounterClockwise Rotate &Left", "cmdSave &Save",
+                         "cmdSaveAs Save &As...", "cmdZoomFitHeight Fit Height",
+                         "cmdZoomFitWidth Fit Width", "cmdZoomIn Zoom In", "cmdZoomOut Zoom Out"}));
         for (const char* button : {"cmdInfo", "cmdEmail"})
-            faults << modalFaults(button,
-                                  [&] { viewer->findChild<QPushButton*>(button)->click(); });
+            faults << modalFaults(
+                button, [&] { viewer->findChild<QPushButton*>(button)->click(); }, Keys);
         viewer->close();
 
         // The password dialog that the desktop's choosers bring up.
-        PasswordDialog password(w);
-        faults << modalFaults("password", [&] { password.exec(); });
+        {
+            PasswordDialog password(w);
+            faults << modalFaults(
+                "password", [&] { password.exec(); }, Keys);
+        }
+
+        // A command that shows the progress window, which is idle again once it is done.
+        run.click({"FLD1", QString("DOC%1").arg(spare)});
+        run.prompter.expect("Delete 'Spare'?", Prompter::Answer::Yes);
+        w->menus().run("mnuPopupDocumentDelete");
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        // What is hidden goes once the events under way are through.
+        const QString after = "after the dialogs, the viewer and a deletion";
+        (void)QTest::qWaitFor([&] { return hiddenReported(before, after).isEmpty(); });
+        faults << hiddenReported(before, after);
+        faults.removeAll(QString());
         QVERIFY2(faults.isEmpty(), qPrintable(faults.join('\n')));
     }
 
     // Month, day and year are typed into Find's date boxes, entered by Tab as a person does.
     void findDatesTakeTypedMonths()
     {
-        Run run;
+        test::AppRun run;
         test::FixtureStore(run.home.home()).fillSample();
         QVERIFY(run.start());
         QDate typed;
@@ -680,7 +766,7 @@ private slots:
 
     void droppingADrawerOnItsOwnCabinetChangesNothing()
     {
-        Run run;
+        test::AppRun run;
         test::FixtureStore(run.home.home()).fillSample();
         run.home.settings().set(keys::LastNavTreeNodeKey, "DRW1");
         QVERIFY(run.start());

@@ -49,37 +49,9 @@ class Shots : public QObject
 {
     Q_OBJECT
 private slots:
-    void aboutAndHelp()
-    {
-        test::TestHome home;
-        test::FixtureStore(home.home()).fillSample();
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
-        QVERIFY(run.start(false));
-        run.window()->setGeometry(0, 0, 900, 660);
-        run.window()->show();
-        QVERIFY(QTest::qWaitForWindowExposed(run.window()));
-        for (const auto& [entry, name] :
-             {std::pair{"mnuHelpAbout", "app-about"}, std::pair{"mnuHelpHelpTopics", "app-help"}}) {
-            bool shot = false;
-            const QString picture = QLatin1String(name);
-            QTimer::singleShot(200, run.window(), [&] {
-                if (QWidget* w = QApplication::activeModalWidget()) {
-                    test::saveShot(w, picture);
-                    shot = true;
-                    w->close();
-                }
-            });
-            run.window()->menus().action(QLatin1String(entry))->trigger();
-            QVERIFY2(shot, name);
-        }
-        run.window()->close();
-    }
-
     // The window that main() assembles on the sample cabinet with a long document of scanned
-    // pages in both views, the viewer and Find, in a light and a dark palette. A run with
-    // QT_SCALE_FACTOR=2 draws the same at twice the size (the files end in "@2x").
+    // pages in both views, the viewer, Find, About and Help, in a light and a dark palette. A run
+    // with QT_SCALE_FACTOR=2 draws the same at twice the size (the files end in "@2x").
     void assembledWindowInEachPalette_data()
     {
         QTest::addColumn<bool>("dark");
@@ -133,7 +105,12 @@ private slots:
         w->findChild<QToolButton*>("imgList")->click();
         test::saveShot(w, "main-list" + tone);
 
-        QVERIFY(shootModal([&] { w->menus().run("mnuFileFind"); }, "find" + tone));
+        for (const auto& [entry, name] :
+             {std::pair{"mnuFileFind", "find"}, std::pair{"mnuHelpAbout", "app-about"},
+              std::pair{"mnuHelpHelpTopics", "app-help"}}) {
+            const QString command = QLatin1String(entry);
+            QVERIFY(shootModal([&] { w->menus().run(command); }, name + tone));
+        }
 
         w->pageList()->list()->selectPage(first);
         w->menus().run("mnuPopupPageOpen");

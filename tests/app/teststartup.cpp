@@ -2,6 +2,7 @@
 #include <QEventLoop>
 #include <QFile>
 #include <QFileInfo>
+#include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
 #include <QTest>
@@ -12,17 +13,13 @@
 #include "app/exitonsignal.h"
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
-#include "app/startup.h"
 #include "dialogs/boxprompter.h"
+#include "help/helplocator.h"
 #include "navigator/navigator.h"
-#include "navigator/navtree.h"
-#include "navigator/navwindow.h"
 #include "store/database.h"
 #include "store/schema.h"
 #include "store/session.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
+#include "tests/app/apprun.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -33,86 +30,107 @@ class TestStartup : public QObject
 private slots:
     void firstAndSecondRun()
     {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        QRect normal;
-        {
-            Startup run(home.home(), home.settings(), prompter, choosers);
-            QVERIFY(run.start());
-            QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-            QVERIFY(QFile::exists(home.file("qmr.mdb")));
-            QCOMPARE(StoreSchema::readVersion(run.session().db()), 4);
-            NavWindow* w = run.window();
-            QVERIFY(w->isFirstShow());
-            QVERIFY(w->isMaximized());
-            QCOMPARE(home.settings().getSetting("FirstShow"), QStringLiteral("N"));
-            // The tree shows its names whole, from its standard width up to a third.
-            QVERIFY(w->treeWidthTwips() >= 3000 - 15);
-            QVERIFY(w->tree()->width() <= w->width() / 3 + 1);
-            QCOMPARE(w->tree()->node("ROOT")->child(0)->text(0),
-                     QStringLiteral("Generic File Cabinet"));
-            // Six steps of eight: the bar never quite fills.
-            QCOMPARE(run.splash()->bar()->position(), 6);
-            QCOMPARE(run.splash()->bar()->maximum(), 8);
-            QVERIFY(!run.splash()->isVisible());
-            QCOMPARE(run.session().findRecord().cabinetName, QStringLiteral("(All)"));
-            // Leave the window in its normal state at a known place, with a drawer selected.
-            w->showNormal();
-            w->setGeometry(40, 50, 700, 500);
-            normal = w->geometry();
-            const QString drawer = NavTree::keyOf(w->tree()->node("ROOT")->child(0)->child(1));
-            w->tree()->selectNode(drawer);
-            w->navigator().nodeClick(drawer);
-            w->close();
-        }
-        Settings& settings = home.reopenSettings();
+        test::AppRun run;
+        QVERIFY(run.start());
+        QVERIFY(QFile::exists(run.home.file("qmr.mdb")));
+        QCOMPARE(StoreSchema::readVersion(run.session().db()), 4);
+        NavWindow* w = run.window();
+        QVERIFY(w->isFirstShow());
+        QVERIFY(w->isMaximized());
+        QCOMPARE(run.home.settings().getSetting("FirstShow"), QStringLiteral("N"));
+        // The help text is written out for the help window to read.
+        QFile help(run.home.file("qmrhelp.txt"));
+        QVERIFY(help.open(QIODevice::ReadOnly));
+        QCOMPARE(help.readAll(), HelpLocator::shippedText());
+        QVERIFY(HelpLocator::shippedText().contains("[toc]"));
+        // The tree is at least as wide as it stands by default. Its one column is as wide as the
+        // widest name in view; the tree shows it whole, unless that would take more than a third
+        // of the window.
+        QVERIFY(w->treeWidthTwips() >= 3000 - 15);
+        NavTree* tree = run.tree();
+        const int names = tree->header()->sectionSize(0);
+        const int third = w->width() / 3;
+        const auto sizes = [&] {
+            return QString("names %1 wide, the tree %2, its view %3, a third %4")
+                .arg(names)
+                .arg(tree->width())
+                .arg(tree->viewport()->width())
+                .arg(third)
+                .toLocal8Bit();
+        };
+        QVERIFY2(tree->viewport()->width() >= names || tree->width() >= third - 1,
+                 sizes().constData());
+        QVERIFY2(tree->width() <= third + 1, sizes().constData());
+        QCOMPARE(w->tree()->node("ROOT")->child(0)->text(0),
+                 QStringLiteral("Generic File Cabinet"));
+        // Six steps of eight: the bar never quite fills.
+        QCOMPARE(run.startup->splash()->bar()->position(), 6);
+        QCOMPARE(run.startup->splash()->bar()->maximum(), 8);
+        QVERIFY(!run.startup->splash()->isVisible());
+        QCOMPARE(run.session().findRecord().cabinetName, QStringLiteral("(All)"));
+        // Made narrow, the window cuts the names; made wide again, it shows them whole.
+        w->showNormal();
+        w->resize(360, w->height());
+        QTRY_VERIFY(tree->width() <= w->width() / 3 + 1);
+        QVERIFY(tree->viewport()->width() < names);
+        w->resize(1000, w->height());
+        QTRY_VERIFY2(tree->viewport()->width() >= names, sizes().constData());
+        // Once the person has set the divider, the tree keeps the width they gave it.
+        run.home.settings().set(keys::TreeWidth, QString::number(w->treeWidthTwips()));
+        const int set = tree->width();
+        w->resize(700, w->height());
+        QTRY_COMPARE(w->width(), 700);
+        QCOMPARE(tree->width(), set);
+
+        // Leave the window in its normal state at a known place, with a drawer selected.
+        w->setGeometry(40, 50, 700, 500);
+        const QRect normal = w->geometry();
+        const QString drawer = NavTree::keyOf(w->tree()->node("ROOT")->child(0)->child(1));
+        w->tree()->selectNode(drawer);
+        w->navigator().nodeClick(drawer);
+        w->close();
+        run.startup.reset();
+
+        Settings& settings = run.home.reopenSettings();
         QCOMPARE(settings.getSetting("frmNavTree.WindowState"), QStringLiteral("0"));
         const QString last = settings.getSetting("LastNavTreeNodeKey");
         QVERIFY(last.startsWith("DRW"));
-
-        Startup again(home.home(), settings, prompter, choosers);
-        QVERIFY(again.start());
-        NavWindow* w = again.window();
+        QVERIFY(run.start());
+        w = run.window();
         QVERIFY(!w->isFirstShow());
         QVERIFY(!w->isMaximized());
         QCOMPARE(w->geometry().size(), normal.size());
         QCOMPARE(w->tree()->selectedKey(), last);
-        QCOMPARE(again.session().selection().lastNodeKey, last);
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QCOMPARE(choosers.passwordAsks(), 0);
+        QCOMPARE(run.session().selection().lastNodeKey, last);
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        QCOMPARE(run.choosers.passwordAsks(), 0);
     }
 
     void olderStoreIsUpgradedOnStart()
     {
-        test::TestHome home;
+        test::AppRun run;
         {
             Database db;
-            db.open(StoreSchema::storePath(home.home()));
+            db.open(StoreSchema::storePath(run.home.home()));
             StoreSchema::createTables(db);
             StoreSchema::updateDatabase(db, 2);
             db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Old one', '')");
         }
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
         QVERIFY(run.start(false));
         QCOMPARE(StoreSchema::readVersion(run.session().db()), 4);
-        QCOMPARE(run.window()->tree()->node("CAB1")->text(0), QStringLiteral("Old one"));
+        QCOMPARE(run.tree()->node("CAB1")->text(0), QStringLiteral("Old one"));
     }
 
     void failuresEndTheStartWithAMessage()
     {
-        test::TestHome home;
-        QVERIFY(home.writeFile("qmr.mdb", QByteArray(2048, '\x7f')));
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
+        test::AppRun run;
+        QVERIFY(run.home.writeFile("qmr.mdb", QByteArray(2048, '\x7f')));
         QVERIFY(!run.start(false));
-        QCOMPARE(prompter.seen().size(), 1);
-        QVERIFY2(prompter.seen().first().contains("qmr.mdb"), qPrintable(prompter.seen().first()));
+        QCOMPARE(run.prompter.seen().size(), 1);
+        QVERIFY2(run.prompter.seen().first().contains("qmr.mdb"),
+                 qPrintable(run.prompter.seen().first()));
         QVERIFY(!run.window());
-        QCOMPARE(QFileInfo(home.file("qmr.mdb")).size(), 2048); // untouched
+        QCOMPARE(QFileInfo(run.home.file("qmr.mdb")).size(), 2048); // untouched
     }
 
     void prerequisite()
@@ -165,8 +183,7 @@ private slots:
         QVERIFY(!w.close());
         QVERIFY(w.isVisible());
         auto* cancel = w.findChild<QPushButton*>("cmdCancel");
-        QVERIFY(cancel);
-        QVERIFY(cancel->isHidden());
+        QVERIFY(cancel && cancel->isHidden());
         w.showCancel();
         QVERIFY(!cancel->isHidden());
         cancel->click();
@@ -181,10 +198,8 @@ private slots:
         QCOMPARE(w.bar()->position(), 0);
         QVERIFY(!w.stopped());
         w.end();
-    }
 
-    void splashSteps()
-    {
+        // The splash's bar stops at its end.
         SplashWindow s;
         s.showSplash("Starting", 1, 3);
         for (const char* text : {"a", "b", "c", "d", "e"})
@@ -205,11 +220,8 @@ private slots:
     void signalWhileBusy()
     {
         QFETCH(QString, busy);
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
+        test::AppRun run;
         ExitOnSignal exitOnSignal;
-        Startup run(home.home(), home.settings(), prompter, choosers);
         QVERIFY(run.start());
         exitOnSignal.attach(run.window());
         // Stands for the program's main loop.
@@ -221,7 +233,7 @@ private slots:
         connect(run.window(), &NavWindow::exitRequested, this, [&] { ended = !outcome.isEmpty(); });
         QTimer::singleShot(0, this, [&] {
             if (busy == "walk") {
-                ProgressWindow& progress = *run.progress();
+                ProgressWindow& progress = *run.startup->progress();
                 progress.start("Walking", 1, 1000);
                 progress.showCancel();
                 std::raise(SIGTERM);
@@ -250,7 +262,7 @@ private slots:
         QCOMPARE(outcome, QStringLiteral("cancelled"));
         QVERIFY(ended);
         // Saved as File > Exit saves.
-        QVERIFY(home.reopenSettings().contains("LastNavTreeNodeKey"));
+        QVERIFY(run.home.reopenSettings().contains("LastNavTreeNodeKey"));
         QVERIFY(!run.session().db().isOpen());
     }
 };

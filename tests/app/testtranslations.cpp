@@ -58,25 +58,19 @@ private slots:
     {
         QTest::addColumn<QString>("context");
         QTest::addColumn<QString>("source");
-        QTest::newRow("viewer's save question")
-            << "qmr::PageSaver"
-            << "The file named '%1' aready exists.\nDo you want to overwrite this file?";
-        QTest::newRow("import report") << "qmr::ImportReport"
-                                       << "%1 files imported.\r\n%2 shortcuts created.";
-        QTest::newRow("menu text from the menu table") << "qmr::NavMenus"
-                                                       << "&Find...";
-        QTest::newRow("item dialog caption from its table") << "qmr::ItemDialog"
-                                                            << "File Cabinet Properties (";
-        QTest::newRow("command-line message") << "qmr::CommandLine"
-                                              << "--repair goes with --check.";
-        QTest::newRow("store check summary") << "qmr::StoreCheck"
-                                             << "No problems found.";
-        QTest::newRow("mail message") << "qmr::MailSender"
-                                      << "Message sent.";
-        QTest::newRow("print failure") << "qmr::PrinterTarget"
-                                       << "Cannot print to %1.";
-        QTest::newRow("form text") << "ItemDialog"
-                                   << "Cancel";
+        const auto row = [](const char* name, const char* context, const char* source) {
+            QTest::newRow(name) << QString(context) << QString(source);
+        };
+        row("viewer's save question", "qmr::PageSaver",
+            "The file named '%1' aready exists.\nDo you want to overwrite this file?");
+        row("import report", "qmr::ImportReport", "%1 files imported.\r\n%2 shortcuts created.");
+        row("menu text from the menu table", "qmr::NavMenus", "&Find...");
+        row("item dialog caption from its table", "qmr::ItemDialog", "File Cabinet Properties (");
+        row("command-line message", "qmr::CommandLine", "--repair goes with --check.");
+        row("store check summary", "qmr::StoreCheck", "No problems found.");
+        row("mail message", "qmr::MailSender", "Message sent.");
+        row("print failure", "qmr::PrinterTarget", "Cannot print to %1.");
+        row("form text", "ItemDialog", "Cancel");
     }
 
     void templateHoldsTheProgramsTexts()

@@ -1,0 +1,72 @@
+#pragma once
+
+#include <QApplication>
+#include <QTest>
+#include <QTreeWidgetItem>
+#include <memory>
+
+#include "app/startup.h"
+#include "navigator/navmenus.h"
+#include "navigator/navtree.h"
+#include "navigator/navwindow.h"
+#include "navigator/pagelistview.h"
+#include "navigator/pagepane.h"
+#include "tests/support/scriptedchoosers.h"
+#include "tests/support/scriptedprompter.h"
+#include "tests/support/testhome.h"
+
+namespace qmr::test {
+
+// A run of the program on a temporary home, started as main() starts it.
+struct AppRun
+{
+    TestHome home;
+    ScriptedPrompter prompter;
+    ScriptedChoosers choosers;
+    std::unique_ptr<Startup> startup;
+
+    // One more run on this home, answered by this run's prompter (and choosers unless given).
+    std::unique_ptr<Startup> make(Choosers* other = nullptr)
+    {
+        return std::make_unique<Startup>(home.home(), home.settings(), prompter,
+                                         other ? *other : choosers);
+    }
+    // Starts this run; a window that shows is waited for until it is exposed and active.
+    bool start(bool show = true, Choosers* other = nullptr)
+    {
+        startup = make(other);
+        if (!startup->start(show))
+            return false;
+        if (!show)
+            return true;
+        QApplication::setActiveWindow(window());
+        return QTest::qWaitForWindowExposed(window()) && QTest::qWaitForWindowActive(window());
+    }
+    NavWindow* window() const { return startup->window(); }
+    Session& session() const { return startup->session(); }
+    NavTree* tree() const { return window()->tree(); }
+    PageListView* pages() const { return window()->pageList()->list(); }
+    QAbstractItemView* pageView() const { return pages()->currentView(); }
+    QAction* action(const char* name) const { return window()->menus().action(name); }
+
+    // Where a node stands in the tree, its parents opened.
+    QPoint nodePoint(const QString& key) const
+    {
+        QTreeWidgetItem* item = tree()->node(key);
+        if (!item)
+            return QPoint(-1, -1);
+        for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
+            p->setExpanded(true);
+        tree()->scrollToItem(item);
+        const QRect r = tree()->visualItemRect(item);
+        return QPoint(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
+    }
+    // Left clicks on nodes, as a person makes them, each node in view after the one before.
+    void click(const QStringList& keys) const
+    {
+        for (const QString& key : keys)
+            QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, nodePoint(key));
+    }
+};
+
+} // namespace qmr::test
