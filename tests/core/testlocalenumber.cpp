@@ -8,6 +8,11 @@ using namespace qmr;
 class TestLocaleNumber : public QObject
 {
     Q_OBJECT
+    template <typename... T> static void row(const char* name, const T&... v)
+    {
+        (QTest::newRow(name) << ... << v);
+    }
+
 private slots:
     void read_data()
     {
@@ -15,42 +20,24 @@ private slots:
         QTest::addColumn<QString>("text");
         QTest::addColumn<bool>("isNumber");
         QTest::addColumn<double>("value");
-        QTest::newRow("grouped") << "en_US"
-                                 << "1,234.50" << true << 1234.5;
-        QTest::newRow("plain") << "en_US"
-                               << "1234.5" << true << 1234.5;
-        QTest::newRow("blanks around") << "en_US"
-                                       << "  12 " << true << 12.0;
-        QTest::newRow("negative") << "en_US"
-                                  << "-7.25" << true << -7.25;
-        QTest::newRow("millions") << "en_US"
-                                  << "1,234,567.89" << true << 1234567.89;
-        QTest::newRow("dollar sign") << "en_US"
-                                     << "$1,234.50" << true << 1234.5;
-        QTest::newRow("iso code") << "en_US"
-                                  << "1,234.50 USD" << true << 1234.5;
-        QTest::newRow("letters behind") << "en_US"
-                                        << "12abc" << false << 0.0;
-        QTest::newRow("letters only") << "en_US"
-                                      << "none" << false << 0.0;
-        QTest::newRow("blank") << "en_US"
-                               << "   " << false << 0.0;
-        QTest::newRow("two points") << "en_US"
-                                    << "1.2.3" << false << 0.0;
-        QTest::newRow("infinity") << "en_US"
-                                  << "inf" << false << 0.0;
-        QTest::newRow("space where a comma groups") << "en_US"
-                                                    << "1 234.50" << false << 0.0;
-        QTest::newRow("german grouped") << "de_DE"
-                                        << "1.234,50" << true << 1234.5;
-        QTest::newRow("german comma") << "de_DE"
-                                      << "12,5" << true << 12.5;
-        QTest::newRow("german euro") << "de_DE"
-                                     << "12,50 €" << true << 12.5;
-        QTest::newRow("french typed space") << "fr_FR"
-                                            << "1 234,50" << true << 1234.5;
-        QTest::newRow("other currency") << "en_US"
-                                        << "12 EUR" << false << 0.0;
+        row("grouped", "en_US", "1,234.50", true, 1234.5);
+        row("plain", "en_US", "1234.5", true, 1234.5);
+        row("blanks around", "en_US", "  12 ", true, 12.0);
+        row("negative", "en_US", "-7.25", true, -7.25);
+        row("millions", "en_US", "1,234,567.89", true, 1234567.89);
+        row("dollar sign", "en_US", "$1,234.50", true, 1234.5);
+        row("iso code", "en_US", "1,234.50 USD", true, 1234.5);
+        row("letters behind", "en_US", "12abc", false, 0.0);
+        row("letters only", "en_US", "none", false, 0.0);
+        row("blank", "en_US", "   ", false, 0.0);
+        row("two points", "en_US", "1.2.3", false, 0.0);
+        row("infinity", "en_US", "inf", false, 0.0);
+        row("space where a comma groups", "en_US", "1 234.50", false, 0.0);
+        row("german grouped", "de_DE", "1.234,50", true, 1234.5);
+        row("german comma", "de_DE", "12,5", true, 12.5);
+        row("german euro", "de_DE", "12,50 €", true, 12.5);
+        row("french typed space", "fr_FR", "1 234,50", true, 1234.5);
+        row("other currency", "en_US", "12 EUR", false, 0.0);
     }
     void read()
     {
@@ -68,10 +55,8 @@ private slots:
     {
         QTest::addColumn<QString>("locale");
         QTest::addColumn<QString>("written");
-        QTest::newRow("en_US") << "en_US"
-                               << "1,234,567.89";
-        QTest::newRow("de_DE") << "de_DE"
-                               << "1.234.567,89";
+        row("en_US", "en_US", "1,234,567.89");
+        row("de_DE", "de_DE", "1.234.567,89");
     }
     void writeReadsBack()
     {

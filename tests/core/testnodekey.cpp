@@ -8,6 +8,11 @@ using namespace qmr;
 class TestNodeKey : public QObject
 {
     Q_OBJECT
+    template <typename... T> static void row(const char* name, const T&... v)
+    {
+        (QTest::newRow(name) << ... << v);
+    }
+
 private slots:
     void parse_data()
     {
@@ -19,38 +24,22 @@ private slots:
         QTest::addColumn<bool>("root");
         QTest::addColumn<bool>("foundRoot");
 
-        QTest::newRow("cabinet 12") << "CAB12"
-                                    << "CAB" << 12 << 0 << -1 << false << false;
-        QTest::newRow("cabinet 1") << "CAB1"
-                                   << "CAB" << 1 << 0 << -1 << false << false;
-        QTest::newRow("drawer") << "DRW7"
-                                << "DRW" << 7 << 1 << -1 << false << false;
-        QTest::newRow("folder") << "FLD123456"
-                                << "FLD" << 123456 << 2 << -1 << false << false;
-        QTest::newRow("document") << "DOC0"
-                                  << "DOC" << 0 << 3 << -1 << false << false;
-        QTest::newRow("page") << "PAG99"
-                              << "PAG" << 99 << 4 << -1 << false << false;
-        QTest::newRow("found cabinet") << "FCB3"
-                                       << "FCB" << 3 << -1 << 0 << false << false;
-        QTest::newRow("found cabinet 0") << "FCB0"
-                                         << "FCB" << 0 << -1 << 0 << false << false;
-        QTest::newRow("found document") << "FDC5"
-                                        << "FDC" << 5 << -1 << 3 << false << false;
-        QTest::newRow("root") << "ROOT"
-                              << "ROO" << -1 << -1 << -1 << true << false;
-        QTest::newRow("found root") << "ROOTFOUND"
-                                    << "ROO" << -1 << -1 << -1 << false << true;
-        QTest::newRow("bare prefix") << "CAB"
-                                     << "CAB" << -1 << -1 << -1 << false << false;
-        QTest::newRow("not a number") << "CABx1"
-                                      << "CAB" << -1 << -1 << -1 << false << false;
-        QTest::newRow("signed") << "CAB-1"
-                                << "CAB" << -1 << -1 << -1 << false << false;
-        QTest::newRow("lower case") << "cab4"
-                                    << "cab" << 4 << -1 << -1 << false << false;
-        QTest::newRow("empty") << ""
-                               << "" << -1 << -1 << -1 << false << false;
+        row("cabinet 12", "CAB12", "CAB", 12, 0, -1, false, false);
+        row("cabinet 1", "CAB1", "CAB", 1, 0, -1, false, false);
+        row("drawer", "DRW7", "DRW", 7, 1, -1, false, false);
+        row("folder", "FLD123456", "FLD", 123456, 2, -1, false, false);
+        row("document", "DOC0", "DOC", 0, 3, -1, false, false);
+        row("page", "PAG99", "PAG", 99, 4, -1, false, false);
+        row("found cabinet", "FCB3", "FCB", 3, -1, 0, false, false);
+        row("found cabinet 0", "FCB0", "FCB", 0, -1, 0, false, false);
+        row("found document", "FDC5", "FDC", 5, -1, 3, false, false);
+        row("root", "ROOT", "ROO", -1, -1, -1, true, false);
+        row("found root", "ROOTFOUND", "ROO", -1, -1, -1, false, true);
+        row("bare prefix", "CAB", "CAB", -1, -1, -1, false, false);
+        row("not a number", "CABx1", "CAB", -1, -1, -1, false, false);
+        row("signed", "CAB-1", "CAB", -1, -1, -1, false, false);
+        row("lower case", "cab4", "cab", 4, -1, -1, false, false);
+        row("empty", "", "", -1, -1, -1, false, false);
     }
     void parse()
     {

@@ -10,6 +10,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::row;
 using test::TestFileSystem;
 
 namespace {
@@ -21,24 +22,25 @@ struct Run
     QString err;
 };
 
+// Export (cabinet, directory) or import (directory, cabinet) as the command line does.
+Run runBatch(ExchangeFixture& f, bool import, const QString& from, const QString& to,
+             ExchangeFileSystem* fs = nullptr)
+{
+    Run run;
+    QTextStream out(&run.out), err(&run.err);
+    ExchangeBatch batch(*f.session, out, err, false, fs);
+    run.status = import ? batch.importCabinet(from, to) : batch.exportCabinet(from, to);
+    return run;
+}
 Run exportCabinet(ExchangeFixture& f, const QString& cabinet, const QString& dir,
                   ExchangeFileSystem* fs = nullptr)
 {
-    Run run;
-    QTextStream out(&run.out), err(&run.err);
-    ExchangeBatch batch(*f.session, out, err, false, fs);
-    run.status = batch.exportCabinet(cabinet, dir);
-    return run;
+    return runBatch(f, false, cabinet, dir, fs);
 }
-
 Run importCabinet(ExchangeFixture& f, const QString& dir, const QString& cabinet,
                   ExchangeFileSystem* fs = nullptr)
 {
-    Run run;
-    QTextStream out(&run.out), err(&run.err);
-    ExchangeBatch batch(*f.session, out, err, false, fs);
-    run.status = batch.importCabinet(dir, cabinet);
-    return run;
+    return runBatch(f, true, dir, cabinet, fs);
 }
 
 } // namespace
@@ -54,20 +56,13 @@ private slots:
         QTest::addColumn<QString>("cabinet");
         QTest::addColumn<QString>("dir"); // "@home", "@out"
         QTest::addColumn<QString>("error");
-        QTest::newRow("no such cabinet") << "Nope"
-                                         << "@out"
-                                         << "There is no file cabinet named 'Nope'.";
-        QTest::newRow("locked") << "Locked"
-                                << "@out"
-                                << "The file cabinet 'Locked' has a password; it can be "
-                                   "exported only in the program's window.";
-        QTest::newRow("inside the home")
-            << "Papers"
-            << "@home/x"
-            << "You cannot export a cabinet to a path within the Quillmere system.";
-        QTest::newRow("no path") << "Papers"
-                                 << "  "
-                                 << "No output path was given.";
+        row("no such cabinet", "Nope", "@out", "There is no file cabinet named 'Nope'.");
+        row("locked", "Locked", "@out",
+            "The file cabinet 'Locked' has a password; it can be exported only in the "
+            "program's window.");
+        row("inside the home", "Papers", "@home/x",
+            "You cannot export a cabinet to a path within the Quillmere system.");
+        row("no path", "Papers", "  ", "No output path was given.");
     }
     void exportRefusals()
     {
@@ -124,20 +119,14 @@ private slots:
         QTest::addColumn<QString>("dir"); // "@ex" an exchange directory, "@out" none
         QTest::addColumn<QString>("cabinet");
         QTest::addColumn<QString>("error");
-        QTest::newRow("missing") << "@out/none"
-                                 << "Target"
-                                 << "'@out/none' does not exist.";
-        QTest::newRow("no marker") << "@out"
-                                   << "Target"
-                                   << "Missing QMR.TXT. This file designates the starting "
-                                      "point of a previously exported file cabinet.";
-        QTest::newRow("no cabinet") << "@ex"
-                                    << "Nope"
-                                    << "There is no file cabinet named 'Nope'.";
-        QTest::newRow("locked") << "@ex"
-                                << "Locked"
-                                << "The file cabinet 'Locked' has a password; it can be "
-                                   "imported into only in the program's window.";
+        row("missing", "@out/none", "Target", "'@out/none' does not exist.");
+        row("no marker", "@out", "Target",
+            "Missing QMR.TXT. This file designates the starting point of a previously "
+            "exported file cabinet.");
+        row("no cabinet", "@ex", "Nope", "There is no file cabinet named 'Nope'.");
+        row("locked", "@ex", "Locked",
+            "The file cabinet 'Locked' has a password; it can be imported into only in the "
+            "program's window.");
     }
     void importRefusals()
     {

@@ -17,6 +17,7 @@ using namespace qmr;
 using test::NavHarness;
 
 using qmr::test::whenModal;
+using test::row;
 
 namespace {
 
@@ -44,6 +45,26 @@ void writeFiles(const QString& dir, const QStringList& names)
         else
             test::ExchangeFixture::writeBytes(dir + "/" + name, "some text");
     }
+}
+
+// The sample store with a second open cabinet "Other" (3), loaded into the window.
+void loadWithOther(NavHarness& h)
+{
+    h.openStore();
+    test::FixtureStore store(h.home.home());
+    store.fillSample();
+    store.cabinet("Other");
+    h.load();
+}
+
+// Runs an import of files from `dir`, the file types dialog answered as given.
+void importFiles(NavHarness& h, const char* action, const QString& dir,
+                 const QStringList& types = {}, const QString& button = "cmdAll",
+                 QStringList* offered = nullptr)
+{
+    h.choosers.queueDirectory(dir);
+    chooseTypes(h.window.get(), types, button, offered);
+    h.window->menus().action(action)->trigger();
 }
 
 QStringList documentNames(Session& session, qint32 folderId)
@@ -78,17 +99,12 @@ private slots:
         QTest::addColumn<int>("cabinet");
         const int tree = int(ContextSource::Tree), list = int(ContextSource::List),
                   pages = int(ContextSource::PageList);
-        QTest::newRow("the tree's pop-up fills the record") << "CAB1"
-                                                            << "@CAB1" << tree << 1;
+        row("the tree's pop-up fills the record", "CAB1", "@CAB1", tree, 1);
         // A left click leaves the record empty, and the tree is not asked.
-        QTest::newRow("a left click in the tree: nothing") << "CAB1"
-                                                           << "" << tree << -1;
-        QTest::newRow("the list, when it spoke last") << "ROOT"
-                                                      << "CAB3" << list << 3;
-        QTest::newRow("the list's item, the tree speaking: nothing") << "ROOT"
-                                                                     << "CAB3" << tree << -1;
-        QTest::newRow("the page list: nothing") << "ROOT"
-                                                << "CAB3" << pages << -1;
+        row("a left click in the tree: nothing", "CAB1", "", tree, -1);
+        row("the list, when it spoke last", "ROOT", "CAB3", list, 3);
+        row("the list's item, the tree speaking: nothing", "ROOT", "CAB3", tree, -1);
+        row("the page list: nothing", "ROOT", "CAB3", pages, -1);
     }
     void cabinetPopupTarget()
     {
@@ -97,11 +113,7 @@ private slots:
         QFETCH(int, source);
         QFETCH(int, cabinet);
         NavHarness h;
-        h.openStore();
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        store.cabinet("Other");
-        h.load();
+        loadWithOther(h);
         h.click(click);
         if (listItem.startsWith("@"))
             h.session->selection().set(NodeKey::parse(listItem.mid(1)), "Home Papers", -1);
@@ -116,21 +128,15 @@ private slots:
     {
         QTest::addColumn<QString>("action");
         QTest::addColumn<QString>("dialog");
-        QTest::newRow("export") << "mnuPopupCabinetExport"
-                                << "frmExport";
-        QTest::newRow("import") << "mnuPopupCabinetImport"
-                                << "frmImport";
+        row("export", "mnuPopupCabinetExport", "frmExport");
+        row("import", "mnuPopupCabinetImport", "frmImport");
     }
     void popupOpensTheDialogOnItsCabinet()
     {
         QFETCH(QString, action);
         QFETCH(QString, dialog);
         NavHarness h;
-        h.openStore();
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        store.cabinet("Other");
-        h.load();
+        loadWithOther(h);
         h.click("ROOT");
         h.window->list()->setCurrentItem(h.window->list()->itemOf(NodeKey::parse("CAB3")));
         h.setSource(ContextSource::List);
@@ -151,12 +157,12 @@ private slots:
         QTest::addColumn<QStringList>("types");
         QTest::addColumn<QString>("button");
         QTest::addColumn<QStringList>("documents");
-        QTest::newRow("chosen types") << QStringList{"JPG", "PDF"} << "cmdOK"
-                                      << QStringList{"a.jpg", "b.pdf", "Page 4.JPG", "README"};
-        QTest::newRow("all") << QStringList{} << "cmdAll"
-                             << QStringList{"a.jpg", "b.pdf", "c.txt", "Page 4.JPG", "README"};
-        QTest::newRow("none chosen: nothing") << QStringList{} << "cmdOK" << QStringList{};
-        QTest::newRow("cancel: nothing") << QStringList{"JPG"} << "cmdCancel" << QStringList{};
+        row("chosen types", QStringList{"JPG", "PDF"}, "cmdOK",
+            QStringList{"a.jpg", "b.pdf", "Page 4.JPG", "README"});
+        row("all", QStringList{}, "cmdAll",
+            QStringList{"a.jpg", "b.pdf", "c.txt", "Page 4.JPG", "README"});
+        row("none chosen: nothing", QStringList{}, "cmdOK", QStringList{});
+        row("cancel: nothing", QStringList{"JPG"}, "cmdCancel", QStringList{});
     }
     void importFilesIntoAFolder()
     {
@@ -168,10 +174,8 @@ private slots:
         QTemporaryDir dir;
         writeFiles(dir.path(), {"a.jpg", "b.pdf", "c.txt", "README", "Page 4.JPG"});
         h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
-        h.choosers.queueDirectory(dir.path());
         QStringList offered;
-        chooseTypes(h.window.get(), types, button, &offered);
-        h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
+        importFiles(h, "mnuPopupFolderImportFiles", dir.path(), types, button, &offered);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         // Every type of the directory, in the order the files were read.
         QCOMPARE(offered, QStringList({"JPG", "PDF", "TXT", "README"}));
@@ -202,11 +206,8 @@ private slots:
         QTemporaryDir dir;
         writeFiles(dir.path(), {"Page 5.jpg", "x.jpg"});
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"}); // "March statement": pages 1, 2
-        for (int run = 0; run < 2; ++run) {
-            h.choosers.queueDirectory(dir.path());
-            chooseTypes(h.window.get(), {}, "cmdAll");
-            h.window->menus().action("mnuPopupDocumentImportFiles")->trigger();
-        }
+        for (int run = 0; run < 2; ++run)
+            importFiles(h, "mnuPopupDocumentImportFiles", dir.path());
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         // The second run finds both names and adds nothing.
         QList<int> numbers;
@@ -236,14 +237,12 @@ private slots:
         QVERIFY(test::ExchangeFixture::writeRaw(raw + "/Rechnung M\xe4rz.jpg", picture));
         QVERIFY(test::ExchangeFixture::writeRaw(raw + "/notiz \xe9.pdf", "text"));
         h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
-        h.choosers.queueDirectory(dir.path());
         QStringList offered;
-        chooseTypes(h.window.get(), {}, "cmdAll", &offered);
         h.prompter.expect("'" + dir.path() + "/b.jpg' is a link; it was not followed.\r\n'" +
                           dir.path() + "/sub' is a link; it was not followed.\r\n'" + dir.path() +
                           QString::fromUtf8("/notiz é.pdf' has a path that is not UTF-8, which a "
                                             "shortcut cannot keep; it was not imported."));
-        h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
+        importFiles(h, "mnuPopupFolderImportFiles", dir.path(), {}, "cmdAll", &offered);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(offered, QStringList({"JPG", "PDF"}));
         const QString old = QString::fromUtf8("Rechnung März.jpg");
@@ -262,11 +261,8 @@ private slots:
         QTemporaryDir dir;
         writeFiles(dir.path(), {"scan.jpg"});
         h.clickPath({"CAB1", "DRW1", "FLD2"});
-        for (int run = 0; run < 2; ++run) {
-            h.choosers.queueDirectory(dir.path());
-            chooseTypes(h.window.get(), {}, "cmdAll");
-            h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
-        }
+        for (int run = 0; run < 2; ++run)
+            importFiles(h, "mnuPopupFolderImportFiles", dir.path());
         QCOMPARE(documentNames(*h.session, 2), QStringList({"scan.jpg"}));
         QCOMPARE(
             h.session->pages().count(h.session->items().childNamed(Level::Document, 2, "scan.jpg")),

@@ -3,10 +3,12 @@
 #include "exchange/exchangereader.h"
 #include "exchange/exchangewriter.h"
 #include "exchange/filetypefilter.h"
+#include "exchangefixture.h"
 #include "store/itemrules.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::row;
 
 // The names, manifests and encodings of the exchange directory, writer against reader.
 class TestExchangeFormat : public QObject
@@ -18,33 +20,16 @@ private slots:
         QTest::addColumn<QString>("name");
         QTest::addColumn<QString>("clean");
         QTest::addColumn<QString>("documentDir");
-        QTest::newRow("plain") << "Taxes 2025"
-                               << "Taxes 2025"
-                               << "Taxes 2025";
-        QTest::newRow("periods go") << "Bank.Accounts"
-                                    << "BankAccounts"
-                                    << "Bank";
-        QTest::newRow("document extension") << "Bill.2.pdf"
-                                            << "Bill2pdf"
-                                            << "Bill2";
-        QTest::newRow("a.b.c") << "a.b.c"
-                               << "abc"
-                               << "ab";
-        QTest::newRow("ab.c") << "ab.c"
-                              << "abc"
-                              << "ab";
-        QTest::newRow("every bad character") << "a\\b/c:d*e?f\"g<h>i|j.k"
-                                             << "abcdefghijk"
-                                             << "abcdefghij";
-        QTest::newRow("only an extension") << ".pdf"
-                                           << "pdf"
-                                           << "";
-        QTest::newRow("only bad characters") << "..."
-                                             << ""
-                                             << "";
-        QTest::newRow("others stay") << "Müller & Söhne (#1) 'x'"
-                                     << "Müller & Söhne (#1) 'x'"
-                                     << "Müller & Söhne (#1) 'x'";
+        row("plain", "Taxes 2025", "Taxes 2025", "Taxes 2025");
+        row("periods go", "Bank.Accounts", "BankAccounts", "Bank");
+        row("document extension", "Bill.2.pdf", "Bill2pdf", "Bill2");
+        row("a.b.c", "a.b.c", "abc", "ab");
+        row("ab.c", "ab.c", "abc", "ab");
+        row("every bad character", "a\\b/c:d*e?f\"g<h>i|j.k", "abcdefghijk", "abcdefghij");
+        row("only an extension", ".pdf", "pdf", "");
+        row("only bad characters", "...", "", "");
+        row("others stay", "Müller & Söhne (#1) 'x'", "Müller & Söhne (#1) 'x'",
+            "Müller & Söhne (#1) 'x'");
     }
     void names()
     {
@@ -60,24 +45,13 @@ private slots:
         QTest::addColumn<QString>("stored");
         QTest::addColumn<QString>("encoded");
         QTest::addColumn<QString>("back");
-        QTest::newRow("none") << ""
-                              << ""
-                              << "";
-        QTest::newRow("CR LF") << "one\r\ntwo"
-                               << "one|two"
-                               << "one\r\ntwo";
-        QTest::newRow("LF as typed here") << "one\ntwo\nthree"
-                                          << "one|two|three"
-                                          << "one\r\ntwo\r\nthree";
-        QTest::newRow("CR alone") << "one\rtwo"
-                                  << "one|two"
-                                  << "one\r\ntwo";
-        QTest::newRow("a typed bar comes back a line break") << "cost | value"
-                                                             << "cost | value"
-                                                             << "cost \r\n value";
-        QTest::newRow("blank lines") << "a\r\n\r\nb"
-                                     << "a||b"
-                                     << "a\r\n\r\nb";
+        row("none", "", "", "");
+        row("CR LF", "one\r\ntwo", "one|two", "one\r\ntwo");
+        row("LF as typed here", "one\ntwo\nthree", "one|two|three", "one\r\ntwo\r\nthree");
+        row("CR alone", "one\rtwo", "one|two", "one\r\ntwo");
+        row("a typed bar comes back a line break", "cost | value", "cost | value",
+            "cost \r\n value");
+        row("blank lines", "a\r\n\r\nb", "a||b", "a\r\n\r\nb");
     }
     void descriptions()
     {
@@ -175,23 +149,15 @@ private slots:
         QTest::addColumn<QString>("date");
         QTest::addColumn<QString>("description");
         QTest::addColumn<QString>("amount");
-        QTest::newRow("any order, any case, blanks trimmed")
-            << QStringList{"  [AMOUNT] ",      " 12.50 ", "", "[description]", "  Hello  ", "",
-                           "[DateOnDocument]", "1/2/2025"}
-            << "1/2/2025"
-            << "Hello"
-            << "12.50";
-        QTest::newRow("an empty line ends a key")
-            << QStringList{"[Description]", "", "not a value", "[Amount]", "3"} << ""
-            << ""
-            << "3";
-        QTest::newRow("unknown lines are passed over")
-            << QStringList{"garbage", "[Colour]", "red", "[Amount]", "7", "trailing"} << ""
-            << ""
-            << "7";
-        QTest::newRow("a key as the last line") << QStringList{"[Amount]"} << ""
-                                                << ""
-                                                << "";
+        row("any order, any case, blanks trimmed",
+            QStringList{"  [AMOUNT] ", " 12.50 ", "", "[description]", "  Hello  ", "",
+                        "[DateOnDocument]", "1/2/2025"},
+            "1/2/2025", "Hello", "12.50");
+        row("an empty line ends a key",
+            QStringList{"[Description]", "", "not a value", "[Amount]", "3"}, "", "", "3");
+        row("unknown lines are passed over",
+            QStringList{"garbage", "[Colour]", "red", "[Amount]", "7", "trailing"}, "", "", "7");
+        row("a key as the last line", QStringList{"[Amount]"}, "", "", "");
     }
     void readerIsForgiving()
     {
@@ -250,6 +216,9 @@ private slots:
         const QStringList files{"a.jpg", "b.JPG", "README", "c.tar.gz", "d.pdf", "e.jpg"};
         // In the order found, each once, upper-cased; a name without "." is its own type.
         QCOMPARE(FileTypeFilter::typesIn(files), QStringList({"JPG", "README", "GZ", "PDF"}));
+        QCOMPARE(FileTypeFilter().text(), QString());
+        QCOMPARE(FileTypeFilter::of({"JPG", "PDF"}).text(), "jpg,pdf,");
+        QCOMPARE(FileTypeFilter::of({}).text(), "zzzzz,");
     }
 
     void fileTypeFilter_data()
@@ -276,13 +245,6 @@ private slots:
         const FileTypeFilter filter =
             chosen == QStringList{"*"} ? FileTypeFilter() : FileTypeFilter::of(chosen);
         QCOMPARE(filter.accepts(file), taken);
-    }
-
-    void filterText()
-    {
-        QCOMPARE(FileTypeFilter().text(), QString());
-        QCOMPARE(FileTypeFilter::of({"JPG", "PDF"}).text(), "jpg,pdf,");
-        QCOMPARE(FileTypeFilter::of({}).text(), "zzzzz,");
     }
 };
 

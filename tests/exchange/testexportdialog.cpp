@@ -12,6 +12,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::row;
 using test::TestFileSystem;
 
 namespace {
@@ -23,6 +24,12 @@ int filesBelow(const QString& dir, const QString& pattern = "*")
          it.next())
         ++n;
     return n;
+}
+
+void exportTo(ExportDialog& dialog, const QString& path)
+{
+    dialog.findChild<QLineEdit*>("txtOutputPath")->setText(path);
+    dialog.cmdOK();
 }
 
 } // namespace
@@ -43,20 +50,15 @@ private slots:
         const QString missing = "'@out/new/dir' does not exist.  Do you want to create it?";
         const int yes = int(Prompter::Answer::Yes), no = int(Prompter::Answer::No),
                   cancel = int(Prompter::Answer::Cancel), ok = int(Prompter::Answer::Ok);
-        QTest::newRow("below the home")
-            << "@home/backup" << QStringList{within} << QList<int>{ok} << false;
-        QTest::newRow("the home inside, other case")
-            << "@out/x@HOME/y" << QStringList{within} << QList<int>{ok} << false;
-        QTest::newRow("missing, no")
-            << "@out/new/dir" << QStringList{missing} << QList<int>{no} << false;
-        QTest::newRow("missing, cancel")
-            << "@out/new/dir" << QStringList{missing} << QList<int>{cancel} << false;
-        QTest::newRow("missing, yes")
-            << "@out/new/dir" << QStringList{missing, "Export complete. 2 pages copied."}
-            << QList<int>{yes, ok} << true;
-        QTest::newRow("there, with blanks around")
-            << "  @out  " << QStringList{"Export complete. 2 pages copied."} << QList<int>{ok}
-            << true;
+        row("below the home", "@home/backup", QStringList{within}, QList<int>{ok}, false);
+        row("the home inside, other case", "@out/x@HOME/y", QStringList{within}, QList<int>{ok},
+            false);
+        row("missing, no", "@out/new/dir", QStringList{missing}, QList<int>{no}, false);
+        row("missing, cancel", "@out/new/dir", QStringList{missing}, QList<int>{cancel}, false);
+        row("missing, yes", "@out/new/dir",
+            QStringList{missing, "Export complete. 2 pages copied."}, QList<int>{yes, ok}, true);
+        row("there, with blanks around", "  @out  ",
+            QStringList{"Export complete. 2 pages copied."}, QList<int>{ok}, true);
     }
     void refusalsAndQuestions()
     {
@@ -75,9 +77,7 @@ private slots:
         for (int i = 0; i < texts.size(); ++i)
             f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
         ExportDialog dialog(f.context());
-        auto* box = dialog.findChild<QLineEdit*>("txtOutputPath");
-        box->setText(place(path));
-        dialog.cmdOK();
+        exportTo(dialog, place(path));
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(dialog.result() == QDialog::Accepted, exported);
         const QString target = place(path).trimmed();
@@ -89,6 +89,14 @@ private slots:
     void cabinetList()
     {
         ExchangeFixture f;
+        {
+            ExportDialog dialog(f.context());
+            auto* list = dialog.findChild<QComboBox*>("cboCabinet");
+            QCOMPARE(list->count(), 1);
+            QCOMPARE(list->currentText(), "No file cabinets to export");
+            QVERIFY(!list->isEnabled());
+            QVERIFY(!dialog.findChild<QPushButton*>("cmdOK")->isEnabled());
+        }
         f.store->cabinet("Zebra");
         f.store->cabinet("Locked", "secret");
         f.store->cabinet("apple");
@@ -112,17 +120,6 @@ private slots:
         QCOMPARE(dialog.findChild<QComboBox*>("cboCabinet")->count(), 3);
     }
 
-    void noCabinets()
-    {
-        ExchangeFixture f;
-        ExportDialog dialog(f.context());
-        auto* list = dialog.findChild<QComboBox*>("cboCabinet");
-        QCOMPARE(list->count(), 1);
-        QCOMPARE(list->currentText(), "No file cabinets to export");
-        QVERIFY(!list->isEnabled());
-        QVERIFY(!dialog.findChild<QPushButton*>("cmdOK")->isEnabled());
-    }
-
     void emptyCabinet_data()
     {
         QTest::addColumn<int>("answer");
@@ -142,8 +139,7 @@ private slots:
                           Prompter::Answer(answer));
         f.prompter.expect("Export complete. 0 pages copied.");
         ExportDialog dialog(f.context());
-        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
-        dialog.cmdOK();
+        exportTo(dialog, f.outside.path());
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(QFileInfo(f.outsidePath("Empty/Drawer/Folder")).isDir(), written);
         QCOMPARE(QFileInfo(f.outsidePath("Empty")).exists(), written);
@@ -154,10 +150,9 @@ private slots:
         QTest::addColumn<int>("answer");
         QTest::addColumn<int>("copied");
         QTest::addColumn<QString>("report");
-        QTest::newRow("yes stops") << int(Prompter::Answer::Yes) << 2
-                                   << "Export not complete. 2 pages copied before it ended.";
-        QTest::newRow("no goes on")
-            << int(Prompter::Answer::No) << 6 << "Export complete. 6 pages copied.";
+        row("yes stops", int(Prompter::Answer::Yes), 2,
+            "Export not complete. 2 pages copied before it ended.");
+        row("no goes on", int(Prompter::Answer::No), 6, "Export complete. 6 pages copied.");
     }
     void cancelAsksThenStops()
     {
@@ -176,8 +171,7 @@ private slots:
         };
         f.prompter.expect("Stop the export?", Prompter::Answer(answer));
         f.prompter.expect(report);
-        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
-        dialog.cmdOK();
+        exportTo(dialog, f.outside.path());
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(filesBelow(f.outside.path(), "Page*"), copied);
         QVERIFY(!dialog.isExporting());
@@ -194,30 +188,34 @@ private slots:
         QVERIFY(f.prompter.verify());
     }
 
-    void fullDisk_data()
+    void failedCopies_data()
     {
-        QTest::addColumn<QList<int>>("failing"); // copies that fail with a full disk
-        QTest::addColumn<int>("answer");         // to "Please insert disk #2"
+        QTest::addColumn<QList<int>>("failing"); // copies that fail
+        QTest::addColumn<int>("answer");         // to "Please insert disk #2"; -1: not a full disk
         QTest::addColumn<QString>("report");     // "@doc" for the cabinet's folder
         QTest::addColumn<int>("onDisk");
         const int ok = int(Prompter::Answer::Ok), cancel = int(Prompter::Answer::Cancel);
         const QString full = ": No space left on device";
-        QTest::newRow("cancel ends it")
-            << QList<int>{3} << cancel
-            << "Export not complete. 2 pages copied before it ended.\r\n\r\nCannot write "
-               "@doc/Document 2/Page 1.jpg" +
-                   full
-            << 2;
-        QTest::newRow("ok copies the same page again")
-            << QList<int>{3} << ok << "Export complete. 6 pages copied." << 6;
+        row("cancel ends it", QList<int>{3}, cancel,
+            "Export not complete. 2 pages copied before it ended.\r\n\r\nCannot write "
+            "@doc/Document 2/Page 1.jpg" +
+                full,
+            2);
+        row("ok copies the same page again", QList<int>{3}, ok, "Export complete. 6 pages copied.",
+            6);
         // Asked once only: a second full disk is passed over, and named.
-        QTest::newRow("later failures are not asked about")
-            << QList<int>{3, 6} << ok
-            << "Export complete. 5 pages copied.\r\n\r\nCannot write @doc/Document 3/Page 1.jpg" +
-                   full
-            << 5;
+        row("later failures are not asked about", QList<int>{3, 6}, ok,
+            "Export complete. 5 pages copied.\r\n\r\nCannot write @doc/Document 3/Page 1.jpg" +
+                full,
+            5);
+        // Any other failure ends the export with the report.
+        row("another failure ends it", QList<int>{4}, -1,
+            "Export not complete. 3 pages copied before it ended.\r\n\r\nCannot write "
+            "@doc/Document 2/Page 2.jpg" +
+                full,
+            3);
     }
-    void fullDisk()
+    void failedCopies()
     {
         QFETCH(QList<int>, failing);
         QFETCH(int, answer);
@@ -227,33 +225,17 @@ private slots:
         f.filledCabinet("Papers", 3, 2);
         TestFileSystem fs;
         for (const int n : failing)
-            fs.failCopy.insert(n, FileOutcome::Kind::DiskFull);
-        f.prompter.expect("Please insert disk #2", Prompter::Answer(answer));
+            fs.failCopy.insert(n, answer < 0 ? FileOutcome::Kind::WriteFailed
+                                             : FileOutcome::Kind::DiskFull);
+        if (answer >= 0)
+            f.prompter.expect("Please insert disk #2", Prompter::Answer(answer));
         f.prompter.expect(report.replace("@doc", f.outsidePath("Papers/Drawer/Folder")));
         ExportDialog dialog(f.context(), nullptr, &fs);
-        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
-        dialog.cmdOK();
+        exportTo(dialog, f.outside.path());
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(filesBelow(f.outside.path(), "Page*"), onDisk);
         // Nothing half-written stays behind.
         QCOMPARE(filesBelow(f.outside.path(), "*.qmrpart"), 0);
-    }
-
-    void otherFailureEndsWithTheReport()
-    {
-        ExchangeFixture f;
-        f.filledCabinet("Papers", 3, 2);
-        TestFileSystem fs;
-        fs.failCopy.insert(4, FileOutcome::Kind::WriteFailed);
-        f.prompter.expect("Export not complete. 3 pages copied before it ended.\r\n\r\n"
-                          "Cannot write " +
-                          f.outsidePath("Papers/Drawer/Folder/Document 2/Page 2.jpg") +
-                          ": No space left on device");
-        ExportDialog dialog(f.context(), nullptr, &fs);
-        dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outside.path());
-        dialog.cmdOK();
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(filesBelow(f.outside.path(), "Page*"), 3);
     }
 
     void statusLineKeepsTheEnd()

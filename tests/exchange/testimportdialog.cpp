@@ -9,6 +9,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::row;
 using test::TestFileSystem;
 
 namespace {
@@ -22,6 +23,13 @@ QString writeExchange(ExchangeFixture& f, const QString& name, int pages, bool m
     for (int p = 1; p <= pages; ++p)
         ExchangeFixture::writeImage(root + QString("/Bank/Checking/March/Page %1.jpg").arg(p));
     return root;
+}
+
+void importFrom(ImportDialog& dialog, const QString& path, const QString& disks = "1")
+{
+    dialog.findChild<QLineEdit*>("txtImportPath")->setText(path);
+    dialog.findChild<QLineEdit*>("txtDiskCount")->setText(disks);
+    dialog.cmdOK();
 }
 
 } // namespace
@@ -45,36 +53,22 @@ private slots:
         const QString marker = "Missing QMR.TXT. This file designates the starting point of a "
                                "previously exported file cabinet.";
         const QString report = "2 files imported.\r\n0 shortcuts created.";
-        QTest::newRow("path first")
-            << "@out/none"
-            << "0" << QStringList{"'@out/none' does not exist."} << QList<int>{ok} << "0" << false;
-        QTest::newRow("then the marker")
-            << "@plain"
-            << "0" << QStringList{marker} << QList<int>{ok} << "0" << false;
-        QTest::newRow("one disk") << "@ex"
-                                  << "1" << QStringList{report} << QList<int>{ok} << "1" << true;
-        QTest::newRow("1.9 is one")
-            << "@ex"
-            << "1.9" << QStringList{report} << QList<int>{ok} << "1" << true;
-        QTest::newRow("9 asks nothing") << "@ex"
-                                        << "9" << QStringList{"Please insert disk # 2", report}
-                                        << QList<int>{cancel, ok} << "9" << true;
-        QTest::newRow("10 asks, no")
-            << "@ex"
-            << "10" << QStringList{over} << QList<int>{no} << "10" << false;
-        QTest::newRow("10 asks, yes") << "@ex"
-                                      << "10" << QStringList{over, "Please insert disk # 2", report}
-                                      << QList<int>{yes, cancel, ok} << "10" << true;
-        QTest::newRow("11.5 asks first, then nothing below one")
-            << "@ex"
-            << "11.5" << QStringList{over} << QList<int>{no} << "11" << false;
-        QTest::newRow("0") << "@ex"
-                           << "0" << QStringList{below} << QList<int>{ok} << "0" << false;
-        QTest::newRow("not a number")
-            << "@ex"
-            << "two" << QStringList{below} << QList<int>{ok} << "0" << false;
-        QTest::newRow("negative") << "@ex"
-                                  << "-3" << QStringList{below} << QList<int>{ok} << "-3" << false;
+        const QString disk2 = "Please insert disk # 2";
+        row("path first", "@out/none", "0", QStringList{"'@out/none' does not exist."},
+            QList<int>{ok}, "0", false);
+        row("then the marker", "@plain", "0", QStringList{marker}, QList<int>{ok}, "0", false);
+        row("one disk", "@ex", "1", QStringList{report}, QList<int>{ok}, "1", true);
+        row("1.9 is one", "@ex", "1.9", QStringList{report}, QList<int>{ok}, "1", true);
+        row("9 asks nothing", "@ex", "9", QStringList{disk2, report}, QList<int>{cancel, ok}, "9",
+            true);
+        row("10 asks, no", "@ex", "10", QStringList{over}, QList<int>{no}, "10", false);
+        row("10 asks, yes", "@ex", "10", QStringList{over, disk2, report},
+            QList<int>{yes, cancel, ok}, "10", true);
+        row("11.5 asks first, then nothing below one", "@ex", "11.5", QStringList{over},
+            QList<int>{no}, "11", false);
+        row("0", "@ex", "0", QStringList{below}, QList<int>{ok}, "0", false);
+        row("not a number", "@ex", "two", QStringList{below}, QList<int>{ok}, "0", false);
+        row("negative", "@ex", "-3", QStringList{below}, QList<int>{ok}, "-3", false);
     }
     void checksInOrder()
     {
@@ -96,9 +90,7 @@ private slots:
         for (int i = 0; i < texts.size(); ++i)
             f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
         ImportDialog dialog(f.context());
-        dialog.findChild<QLineEdit*>("txtImportPath")->setText(place(path));
-        dialog.findChild<QLineEdit*>("txtDiskCount")->setText(disks);
-        dialog.cmdOK();
+        importFrom(dialog, place(path), disks);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), disksAfter);
         QCOMPARE(f.count("Page"), imported ? 2 : 0);
@@ -119,8 +111,7 @@ private slots:
         };
         f.prompter.expect("Stop the import?", Prompter::Answer::Yes);
         f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\nImport stopped by user.");
-        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
-        dialog.cmdOK();
+        importFrom(dialog, ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Page"), 2);
         const Recordset rs = f.db().openRecordset("SELECT PageId FROM Page");
@@ -155,9 +146,7 @@ private slots:
         f.prompter.expect("Please insert disk # 2", Prompter::Answer(answer));
         f.prompter.expect(QString("%1 files imported.\r\n0 shortcuts created.").arg(pages));
         ImportDialog dialog(f.context());
-        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
-        dialog.findChild<QLineEdit*>("txtDiskCount")->setText("2");
-        dialog.cmdOK();
+        importFrom(dialog, ex, "2");
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // One drawer, folder and document however many disks brought them.
         QCOMPARE(f.count("Drawer"), 1);
@@ -177,8 +166,7 @@ private slots:
             "Cannot write " + f.session->paths().computedPagePath(2) + ": No space left on device";
         f.prompter.expect(error);
         f.prompter.expect("1 files imported.\r\n0 shortcuts created.");
-        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
-        dialog.cmdOK();
+        importFrom(dialog, ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // The page whose file could not be stored leaves no row; the one before it stays.
         QCOMPARE(f.count("Page"), 1);
@@ -196,9 +184,8 @@ private slots:
         ExchangeFixture::writeBytes(ex + "/Bank/Checking/March/Document.txt", "[Amount]\r\n1\r\n");
         f.prompter.expect("2 files imported.\r\n0 shortcuts created.");
         ImportDialog dialog(f.context(), nullptr, &fs);
-        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
         dialog.selectCabinet(target);
-        dialog.cmdOK();
+        importFrom(dialog, ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Page"), 2);
         QVERIFY(f.field("SELECT Amount FROM Document").isNull());
@@ -217,8 +204,7 @@ private slots:
                           "/Bank/Everything' is a link; it was not followed.\r\n'" + doc +
                           "/Page 3.jpg' is a link; it was not followed.");
         ImportDialog dialog(f.context());
-        dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
-        dialog.cmdOK();
+        importFrom(dialog, ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Folder"), 1);
         QCOMPARE(f.count("Page"), 2);

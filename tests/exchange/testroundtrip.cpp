@@ -67,6 +67,20 @@ QStringList lines(const QString& path)
     return result;
 }
 
+// The real file system and the fixture's questions, for an export and an import.
+struct Exchange
+{
+    DiskFileSystem fs;
+    PromptedQuestions questions;
+    CabinetExporter exporter;
+    CabinetImporter importer;
+    explicit Exchange(ExchangeFixture& f)
+        : questions(f.prompter), exporter(*f.session, fs, questions),
+          importer(*f.session, fs, questions, &f.nav)
+    {
+    }
+};
+
 } // namespace
 
 class TestRoundTrip : public QObject
@@ -77,11 +91,10 @@ private slots:
     {
         ExchangeFixture f;
         const Cabinet c = buildCabinet(f);
-        DiskFileSystem fs;
-        PromptedQuestions questions(f.prompter);
-        CabinetExporter exporter(*f.session, fs, questions);
-        exporter.setClock([] { return QDateTime(QDate(2026, 5, 1), QTime(8, 15, 0)); });
-        const ExportReport report = exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
+        Exchange ex(f);
+        ex.exporter.setClock([] { return QDateTime(QDate(2026, 5, 1), QTime(8, 15, 0)); });
+        const ExportReport report =
+            ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // The missing page file is left out and not counted.
         QCOMPARE(report.pagesCopied, 5);
@@ -134,14 +147,10 @@ private slots:
         ExchangeFixture f;
         const Cabinet c = buildCabinet(f);
         const qint32 target = f.store->cabinet("Target");
-        DiskFileSystem fs;
-        PromptedQuestions questions(f.prompter);
-        CabinetExporter exporter(*f.session, fs, questions);
-        exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
+        Exchange ex(f);
+        ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
         const QString root = f.outsidePath("out/Family Papers");
-
-        CabinetImporter importer(*f.session, fs, questions, &f.nav);
-        const ImportReport report = importer.importCabinet(target, root, 1, f.progress);
+        const ImportReport report = ex.importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QVERIFY(report.error.isEmpty());
         QVERIFY2(report.problems.isEmpty(), qPrintable(report.problems.join("; ")));
@@ -230,7 +239,7 @@ private slots:
         const int drawers = f.count("Drawer"), folders = f.count("Folder"),
                   documents = f.count("Document"), pageRows = f.count("Page");
         f.nav.calls.clear();
-        const ImportReport again = importer.importCabinet(target, root, 1, f.progress);
+        const ImportReport again = ex.importer.importCabinet(target, root, 1, f.progress);
         QCOMPARE(again.reportText(), "0 files imported.\r\n0 shortcuts created.");
         QCOMPARE(again.filesSkipped, 5);
         QCOMPARE(f.count("Drawer"), drawers);
@@ -253,10 +262,7 @@ private slots:
         ExchangeFixture::writeImage(root + "/Bank/Checking/statement.JPG");
         ExchangeFixture::writeBytes(root + "/Bank/Checking/March/Page 2.jpg", "not an image");
         ExchangeFixture::writeImage(root + "/Bank/Checking/March/Deeper/ignored.jpg");
-        DiskFileSystem fs;
-        PromptedQuestions questions(f.prompter);
-        CabinetImporter importer(*f.session, fs, questions, &f.nav);
-        const ImportReport report = importer.importCabinet(target, root, 1, f.progress);
+        const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(report.filesImported, 3);
         ItemStore& items = f.session->items();
@@ -303,11 +309,8 @@ private slots:
         QVERIFY(ExchangeFixture::writeImage(dir + "/a.jpg", Qt::green));
         QVERIFY(ExchangeFixture::writeImage(dir + "/b.jpg", Qt::blue));
 
-        DiskFileSystem fs;
-        PromptedQuestions questions(f.prompter);
-        CabinetImporter importer(*f.session, fs, questions, &f.nav);
-        const ImportReport report =
-            importer.importFiles(doc, Level::Document, dir, FileTypeFilter(), f.progress);
+        const ImportReport report = Exchange(f).importer.importFiles(doc, Level::Document, dir,
+                                                                     FileTypeFilter(), f.progress);
         QCOMPARE(ExchangeFixture::readBytes(orphan), ExchangeFixture::readBytes(dir + "/a.jpg"));
         QCOMPARE(report.filesImported, 1);
         QVERIFY2(report.error.contains(QString("is the file of page %1").arg(owner)),
@@ -335,10 +338,7 @@ private slots:
                                     "\r\n[DATEONDOCUMENT]\r\n1/15/2025\r\n");
         ExchangeFixture::writeImage(doc + "/PAGE 2.JPG");
         ExchangeFixture::writeImage(doc + "/SCAN.BMP");
-        DiskFileSystem fs;
-        PromptedQuestions questions(f.prompter);
-        CabinetImporter importer(*f.session, fs, questions, &f.nav);
-        const ImportReport report = importer.importCabinet(target, root, 1, f.progress);
+        const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(report.filesImported, 2);
         QCOMPARE(report.shortcutsCreated, 0);
@@ -368,9 +368,9 @@ private slots:
     {
         QTest::addColumn<int>("answer");
         QTest::addColumn<int>("drawers");
-        QTest::newRow("yes: the structure") << int(Prompter::Answer::Yes) << 1;
-        QTest::newRow("no: nothing") << int(Prompter::Answer::No) << 0;
-        QTest::newRow("cancel: nothing") << int(Prompter::Answer::Cancel) << 0;
+        test::row("yes: the structure", int(Prompter::Answer::Yes), 1);
+        test::row("no: nothing", int(Prompter::Answer::No), 0);
+        test::row("cancel: nothing", int(Prompter::Answer::Cancel), 0);
     }
     void emptyDirectoryAsksBeforeTheStructure()
     {

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QTest>
 #include <memory>
 #include <vector>
 
@@ -10,6 +11,12 @@
 #include "tests/support/testhome.h"
 
 namespace qmr::test {
+
+// One row of a data table: QTest::newRow(name) << each value in turn.
+template <typename... T> void row(const char* name, const T&... v)
+{
+    (QTest::newRow(name) << ... << v);
+}
 
 // The sample store with what searching needs on top: descriptions, amounts, page sizes and
 // scan dates, a second open cabinet and a document inside the locked one.

@@ -24,6 +24,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::row;
 
 namespace {
 
@@ -86,9 +87,27 @@ struct DialogHarness
     QDateEdit* date(const char* name) const { return child<QDateEdit>(name); }
     QComboBox* combo(const char* name) const { return child<QComboBox>(name); }
     int tab() const { return child<QTabWidget>("tabFind")->currentIndex(); }
-    void select(const char* name, const QString& text)
+    // The four date pickers and the four number boxes, scan and size first.
+    QList<QDate> dates() const
+    {
+        QList<QDate> all;
+        for (const char* name : {"dtScanFrom", "dtScanThru", "dtDocFrom", "dtDocThru"})
+            all << date(name)->date();
+        return all;
+    }
+    QStringList numbers() const
+    {
+        QStringList all;
+        for (const char* name : {"txtFileSizeFrom", "txtFileSizeThru", "txtAmtFrom", "txtAmtThru"})
+            all << box(name)->text();
+        return all;
+    }
+    // Chooses an entry, and lets the dialog's poll see it when asked to.
+    void select(const char* name, const QString& text, bool poll = false)
     {
         QVERIFY2(LocationCombos::selectText(*combo(name), text), qPrintable(text));
+        if (poll)
+            dialog->pollCombos();
     }
 };
 
@@ -164,14 +183,9 @@ private slots:
         QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
         QVERIFY(!h.combo("cboDrawer")->isEnabled());
         QVERIFY(!h.combo("cboFolder")->isEnabled());
-        QCOMPARE(h.date("dtScanFrom")->date(), QDate(1901, 1, 1));
-        QCOMPARE(h.date("dtScanThru")->date(), QDate(2099, 12, 31));
-        QCOMPARE(h.date("dtDocFrom")->date(), QDate(1901, 1, 1));
-        QCOMPARE(h.date("dtDocThru")->date(), QDate(2099, 12, 31));
-        QCOMPARE(h.box("txtFileSizeFrom")->text(), QString("0"));
-        QCOMPARE(h.box("txtFileSizeThru")->text(), QString("0"));
-        QCOMPARE(h.box("txtAmtFrom")->text(), QString("0.00"));
-        QCOMPARE(h.box("txtAmtThru")->text(), QString("0.00"));
+        const QDate first(1901, 1, 1), last(2099, 12, 31);
+        QCOMPARE(h.dates(), (QList<QDate>{first, last, first, last}));
+        QCOMPARE(h.numbers(), (QStringList{"0", "0", "0.00", "0.00"}));
         QVERIFY(h.child<QPushButton>("cmdFind")->isEnabled());
     }
 
@@ -199,14 +213,10 @@ private slots:
         QCOMPARE(h.combo("cboFolder")->currentText(), QString("Savings"));
         QCOMPARE(items(h.combo("cboFolder")), (QStringList{"(All)", "Checking", "Savings"}));
         QCOMPARE(h.dialog->combos().idsText(), QString("1:1:2"));
-        QCOMPARE(h.date("dtScanFrom")->date(), QDate(2004, 1, 1));
         // Loading does not run the From helper: Thru keeps its own date.
-        QCOMPARE(h.date("dtScanThru")->date(), QDate(2099, 12, 31));
-        QCOMPARE(h.date("dtDocThru")->date(), QDate(2005, 6, 30));
-        QCOMPARE(h.box("txtFileSizeFrom")->text(), QString("1500"));
-        QCOMPARE(h.box("txtFileSizeThru")->text(), QString("2000000"));
-        QCOMPARE(h.box("txtAmtFrom")->text(), QString("1,234.50"));
-        QCOMPARE(h.box("txtAmtThru")->text(), QString("1,234,567.89"));
+        QCOMPARE(h.dates(), (QList<QDate>{QDate(2004, 1, 1), QDate(2099, 12, 31), QDate(1901, 1, 1),
+                                          QDate(2005, 6, 30)}));
+        QCOMPARE(h.numbers(), (QStringList{"1500", "2000000", "1,234.50", "1,234,567.89"}));
 
         // Cancel leaves the criteria as they were.
         h.child<QPushButton>("cmdCancel")->click();
@@ -259,9 +269,9 @@ private slots:
     void emptyKeywords_data()
     {
         QTest::addColumn<int>("answer");
-        QTest::newRow("no") << int(Prompter::Answer::No);
-        QTest::newRow("cancel") << int(Prompter::Answer::Cancel);
-        QTest::newRow("yes") << int(Prompter::Answer::Yes);
+        row("no", int(Prompter::Answer::No));
+        row("cancel", int(Prompter::Answer::Cancel));
+        row("yes", int(Prompter::Answer::Yes));
     }
     void emptyKeywords()
     {
@@ -295,10 +305,8 @@ private slots:
         DialogHarness h(m_fixture);
         h.box("txtKeywords")->setText("  statement  ");
         h.child<QRadioButton>("optKeywords(1)")->setChecked(true);
-        h.select("cboCabinet", "Home Papers");
-        h.dialog->pollCombos();
-        h.select("cboDrawer", "Bank");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Home Papers", true);
+        h.select("cboDrawer", "Bank", true);
         h.date("dtScanFrom")->setDate(QDate(2026, 1, 1));
         h.date("dtScanThru")->setDate(QDate(2026, 12, 31));
         h.date("dtDocFrom")->setDate(QDate(2026, 3, 1));
@@ -336,14 +344,10 @@ private slots:
         QTest::addColumn<QString>("message");
         const QString amount = "The amount must be a number.";
         const QString size = "The file size must be a number of bytes.";
-        QTest::newRow("amount from") << "txtAmtFrom"
-                                     << "12abc" << amount;
-        QTest::newRow("amount thru") << "txtAmtThru"
-                                     << "5 euros" << amount;
-        QTest::newRow("size from") << "txtFileSizeFrom"
-                                   << "1 KB" << size;
-        QTest::newRow("size too large") << "txtFileSizeThru"
-                                        << "3000000000" << size;
+        row("amount from", "txtAmtFrom", "12abc", amount);
+        row("amount thru", "txtAmtThru", "5 euros", amount);
+        row("size from", "txtFileSizeFrom", "1 KB", size);
+        row("size too large", "txtFileSizeThru", "3000000000", size);
     }
     void numbersThatAreNoNumbers()
     {
@@ -398,25 +402,21 @@ private slots:
         h.dialog->pollCombos();
         QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("0:0:0"));
 
-        h.select("cboCabinet", "Home Papers");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Home Papers", true);
         QCOMPARE(c.idsText(), QString("1:0:0"));
         QCOMPARE(items(h.combo("cboDrawer")), (QStringList{"(All)", "Bank", "Taxes"}));
         QVERIFY(h.combo("cboDrawer")->isEnabled());
         QVERIFY(!h.combo("cboFolder")->isEnabled());
 
-        h.select("cboDrawer", "Bank");
-        h.dialog->pollCombos();
+        h.select("cboDrawer", "Bank", true);
         QCOMPARE(c.idsText(), QString("1:1:0"));
         QCOMPARE(items(h.combo("cboFolder")), (QStringList{"(All)", "Checking", "Savings"}));
         QVERIFY(h.combo("cboFolder")->isEnabled());
-        h.select("cboFolder", "Savings");
-        h.dialog->pollCombos();
+        h.select("cboFolder", "Savings", true);
         QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("1:1:2"));
 
         // Another cabinet: one level per poll, so the drawer and folder ids follow later.
-        h.select("cboCabinet", "Office");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Office", true);
         QCOMPARE(c.idsText(), QString("3:1:2"));
         QCOMPARE(items(h.combo("cboDrawer")), (QStringList{"(All)", "Archive", "Clients"}));
         QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
@@ -430,26 +430,21 @@ private slots:
 
         // Two levels changed between polls: the cabinet's level first, then the drawer's.
         h.select("cboDrawer", "Clients");
-        h.select("cboCabinet", "Home Papers");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Home Papers", true);
         QCOMPARE(c.idsText(), QString("1:0:0"));
         QCOMPARE(h.combo("cboDrawer")->currentText(), QString("(All)"));
 
         // A drawer with no folders, a cabinet with no drawers: "(All)" alone, disabled.
-        h.select("cboCabinet", "Office");
-        h.dialog->pollCombos();
-        h.select("cboDrawer", "Archive");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Office", true);
+        h.select("cboDrawer", "Archive", true);
         QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
         QVERIFY(!h.combo("cboFolder")->isEnabled());
-        h.select("cboCabinet", "Empty");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Empty", true);
         QCOMPARE(items(h.combo("cboDrawer")), QStringList{"(All)"});
         QVERIFY(!h.combo("cboDrawer")->isEnabled());
 
         // Back to "(All)": everything below goes back to "(All)" and is disabled.
-        h.select("cboCabinet", "(All)");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "(All)", true);
         QCOMPARE(c.cabinetId(), 0);
         QVERIFY(!h.combo("cboDrawer")->isEnabled());
         QVERIFY(!h.combo("cboFolder")->isEnabled());
@@ -490,8 +485,7 @@ private slots:
         // After a poll the same search keeps to the cabinet.
         DialogHarness again(m_fixture);
         again.box("txtKeywords")->setText("statement bill");
-        again.select("cboCabinet", "Office");
-        again.dialog->pollCombos();
+        again.select("cboCabinet", "Office", true);
         again.child<QPushButton>("cmdFind")->click();
         QCOMPARE(again.results.calls, (QStringList{"clear", "show 6"}));
     }
@@ -500,10 +494,8 @@ private slots:
     {
         DialogHarness h(m_fixture);
         h.box("txtKeywords")->setText("statement return");
-        h.select("cboCabinet", "Home Papers");
-        h.dialog->pollCombos();
-        h.select("cboDrawer", "Taxes");
-        h.dialog->pollCombos();
+        h.select("cboCabinet", "Home Papers", true);
+        h.select("cboDrawer", "Taxes", true);
         h.child<QPushButton>("cmdFind")->click();
         // "March statement" lies in the drawer Bank, and comes all the same.
         QCOMPARE(h.results.calls, (QStringList{"clear", "show 1,3"}));

@@ -6,6 +6,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::row;
 
 Q_DECLARE_METATYPE(qmr::FindRecord)
 
@@ -55,130 +56,109 @@ private slots:
         QTest::addColumn<QStringList>("documents"); // found, without duplicates, sorted
         QTest::addColumn<int>("count");             // the sum of the passes' record counts
 
-        QTest::newRow("word in a name")
-            << keywords("statement") << 0 << 0 << QStringList{"DOC1"} << 1;
-        QTest::newRow("word in a description, any case")
-            << keywords("MARCH") << 0 << 0 << QStringList{"DOC1"} << 1;
-        QTest::newRow("any word: either")
-            << keywords("Return  Acme") << 0 << 0 << QStringList{"DOC3", "DOC6"} << 3;
-        QTest::newRow("all words: one piece")
-            << keywords("tax bill", false) << 0 << 0 << QStringList{"DOC6"} << 1;
-        QTest::newRow("all words: not split")
-            << keywords("bill tax", false) << 0 << 0 << QStringList{} << 0;
-        QTest::newRow("any case beyond ascii")
-            << keywords("ÄRZTEKAMMER") << 0 << 0 << QStringList{"DOC7"} << 1;
-        QTest::newRow("quote in a keyword")
-            << keywords("O'Brien") << 0 << 0 << QStringList{"DOC2"} << 1;
-        QTest::newRow("all words: quotes and blanks")
-            << keywords("O'Brien's letter", false) << 0 << 0 << QStringList{"DOC2"} << 1;
+        row("word in a name", keywords("statement"), 0, 0, QStringList{"DOC1"}, 1);
+        row("word in a description, any case", keywords("MARCH"), 0, 0, QStringList{"DOC1"}, 1);
+        row("any word: either", keywords("Return  Acme"), 0, 0, QStringList{"DOC3", "DOC6"}, 3);
+        row("all words: one piece", keywords("tax bill", false), 0, 0, QStringList{"DOC6"}, 1);
+        row("all words: not split", keywords("bill tax", false), 0, 0, QStringList{}, 0);
+        row("any case beyond ascii", keywords("ÄRZTEKAMMER"), 0, 0, QStringList{"DOC7"}, 1);
+        row("quote in a keyword", keywords("O'Brien"), 0, 0, QStringList{"DOC2"}, 1);
+        row("all words: quotes and blanks", keywords("O'Brien's letter", false), 0, 0,
+            QStringList{"DOC2"}, 1);
         // What is typed is matched as typed: % and _ stand for any text and any character.
-        QTest::newRow("percent in a keyword")
-            << keywords("statement%March") << 0 << 0 << QStringList{"DOC1"} << 1;
-        QTest::newRow("underscore in a keyword")
-            << keywords("Acme_tax") << 0 << 0 << QStringList{"DOC6"} << 1;
-        QTest::newRow("all words: underscore")
-            << keywords("tax_bill", false) << 0 << 0 << QStringList{"DOC6"} << 1;
+        row("percent in a keyword", keywords("statement%March"), 0, 0, QStringList{"DOC1"}, 1);
+        row("underscore in a keyword", keywords("Acme_tax"), 0, 0, QStringList{"DOC6"}, 1);
+        row("all words: underscore", keywords("tax_bill", false), 0, 0, QStringList{"DOC6"}, 1);
         // Every document and every folder of the open cabinets: 6 documents and 4 folders.
-        QTest::newRow("percent alone")
-            << keywords("%") << 0 << 0
-            << QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"} << 10;
+        row("percent alone", keywords("%"), 0, 0,
+            QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"}, 10);
         // The folder Checking matches, so all its documents come, and "Checking fees" twice.
-        QTest::newRow("folder hit brings its documents")
-            << keywords("checking") << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC5"} << 2;
-        QTest::newRow("folder description")
-            << keywords("everyday") << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC5"} << 1;
-        QTest::newRow("empty folder counts") << keywords("rainy") << 0 << 0 << QStringList{} << 1;
-        QTest::newRow("locked cabinet skipped")
-            << keywords("checkup doctor") << 0 << 0 << QStringList{} << 0;
-        QTest::newRow("one cabinet")
-            << keywords("bill statement") << 3 << 0 << QStringList{"DOC6"} << 1;
-        QTest::newRow("one folder")
-            << keywords("fees statement return") << 0 << 1 << QStringList{"DOC1", "DOC5"} << 2;
+        row("folder hit brings its documents", keywords("checking"), 0, 0,
+            QStringList{"DOC1", "DOC2", "DOC5"}, 2);
+        row("folder description", keywords("everyday"), 0, 0, QStringList{"DOC1", "DOC2", "DOC5"},
+            1);
+        row("empty folder counts", keywords("rainy"), 0, 0, QStringList{}, 1);
+        row("locked cabinet skipped", keywords("checkup doctor"), 0, 0, QStringList{}, 0);
+        row("one cabinet", keywords("bill statement"), 3, 0, QStringList{"DOC6"}, 1);
+        row("one folder", keywords("fees statement return"), 0, 1, QStringList{"DOC1", "DOC5"}, 2);
 
         // No keywords: every folder matches, so every document in scope comes, whatever the
         // Advanced tab says.
         FindRecord dates;
         dates.scanFrom = QDate(2004, 1, 1);
         dates.scanThru = QDate(2004, 1, 31);
-        QTest::newRow("date range alone brings everything")
-            << dates << 0 << 0 << QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"} << 5;
-        QTest::newRow("date range alone, one cabinet")
-            << dates << 3 << 0 << QStringList{"DOC6"} << 2;
+        row("date range alone brings everything", dates, 0, 0,
+            QStringList{"DOC1", "DOC2", "DOC3", "DOC5", "DOC6", "DOC7"}, 5);
+        row("date range alone, one cabinet", dates, 3, 0, QStringList{"DOC6"}, 2);
 
         // Advanced criteria with keywords that only documents match.
         FindRecord scan = keywords("statement fees bill letter");
         scan.scanFrom = QDate(2026, 2, 1);
         scan.scanThru = QDate(2026, 2, 28);
-        QTest::newRow("scan date") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        row("scan date", scan, 0, 0, QStringList{"DOC5"}, 1);
         scan.scanThru = QDate(2026, 2, 3); // the day itself, at midnight
-        QTest::newRow("scan date, last day") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        row("scan date, last day", scan, 0, 0, QStringList{"DOC5"}, 1);
         scan.scanFrom = QDate(2026, 2, 3);
-        QTest::newRow("scan date, one day") << scan << 0 << 0 << QStringList{"DOC5"} << 1;
+        row("scan date, one day", scan, 0, 0, QStringList{"DOC5"}, 1);
         scan.scanFrom = scan.scanThru = QDate(2026, 2, 4);
-        QTest::newRow("scan date, the day after") << scan << 0 << 0 << QStringList{} << 0;
+        row("scan date, the day after", scan, 0, 0, QStringList{}, 0);
         scan.scanFrom = QDate(2026, 2, 3);
         scan.scanThru = scan.defaultThru; // one limit at its default counts
-        QTest::newRow("scan date, first day, default thru")
-            << scan << 0 << 0 << QStringList{"DOC1", "DOC5"} << 2;
+        row("scan date, first day, default thru", scan, 0, 0, QStringList{"DOC1", "DOC5"}, 2);
         scan.scanFrom = scan.defaultFrom;
         scan.scanThru = QDate(2004, 1, 10);
-        QTest::newRow("scan date, default from, last day")
-            << scan << 0 << 0 << QStringList{"DOC6"} << 1;
+        row("scan date, default from, last day", scan, 0, 0, QStringList{"DOC6"}, 1);
         // A range that does not count asks nothing: documents without pages come too.
         const QStringList everyMatch{"DOC1", "DOC2", "DOC5", "DOC6"};
         scan.scanFrom = QDate(2026, 3, 1);
         scan.scanThru = QDate(2026, 2, 1);
-        QTest::newRow("scan date, from past thru") << scan << 0 << 0 << everyMatch << 4;
+        row("scan date, from past thru", scan, 0, 0, everyMatch, 4);
         FindRecord doc = keywords("statement fees bill letter");
         doc.docFrom = QDate(2004, 3, 1);
         doc.docThru = QDate(2004, 4, 1);
-        QTest::newRow("date on document") << doc << 0 << 0 << QStringList{"DOC6"} << 1;
+        row("date on document", doc, 0, 0, QStringList{"DOC6"}, 1);
         doc.docFrom = doc.docThru = QDate(2026, 2, 1);
-        QTest::newRow("date on document, one day") << doc << 0 << 0 << QStringList{"DOC5"} << 1;
+        row("date on document, one day", doc, 0, 0, QStringList{"DOC5"}, 1);
         doc.docFrom = QDate(2026, 2, 2);
-        QTest::newRow("date on document, from past thru") << doc << 0 << 0 << everyMatch << 4;
+        row("date on document, from past thru", doc, 0, 0, everyMatch, 4);
         FindRecord amount = keywords("statement fees bill letter");
         amount.amountFrom = 10;
         amount.amountThru = 20;
         // O'Brien's letter has the amount 15 but no page: not found this way.
-        QTest::newRow("amount, pages needed")
-            << amount << 0 << 0 << QStringList{"DOC5", "DOC6"} << 2;
+        row("amount, pages needed", amount, 0, 0, QStringList{"DOC5", "DOC6"}, 2);
         amount.amountFrom = amount.amountThru = 12;
-        QTest::newRow("amount, one value") << amount << 0 << 0 << QStringList{"DOC5"} << 1;
+        row("amount, one value", amount, 0, 0, QStringList{"DOC5"}, 1);
         amount.amountThru = 15;
-        QTest::newRow("amount, both limits")
-            << amount << 0 << 0 << QStringList{"DOC5", "DOC6"} << 2;
+        row("amount, both limits", amount, 0, 0, QStringList{"DOC5", "DOC6"}, 2);
         amount.amountFrom = -20;
         amount.amountThru = -0.25;
-        QTest::newRow("amount, below zero") << amount << 0 << 0 << QStringList{} << 0;
+        row("amount, below zero", amount, 0, 0, QStringList{}, 0);
         amount.amountFrom = 20;
         amount.amountThru = 10;
-        QTest::newRow("amount, from past thru") << amount << 0 << 0 << everyMatch << 4;
+        row("amount, from past thru", amount, 0, 0, everyMatch, 4);
         FindRecord size = keywords("statement fees bill letter");
         size.fileSizeFrom = 100;
         size.fileSizeThru = 200;
         // Two pages of the bill would give it twice without DISTINCT; only one matches.
-        QTest::newRow("file size") << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        row("file size", size, 0, 0, QStringList{"DOC6"}, 1);
         size.fileSizeThru = 1000;
-        QTest::newRow("file size, two pages, one row")
-            << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        row("file size, two pages, one row", size, 0, 0, QStringList{"DOC6"}, 1);
         size.fileSizeFrom = 0;
         size.fileSizeThru = 150;
-        QTest::newRow("file size, from 0") << size << 0 << 0 << QStringList{"DOC6"} << 1;
+        row("file size, from 0", size, 0, 0, QStringList{"DOC6"}, 1);
         size.fileSizeFrom = 3000;
         size.fileSizeThru = 4000;
-        QTest::newRow("file size, both limits")
-            << size << 0 << 0 << QStringList{"DOC1", "DOC5"} << 2;
+        row("file size, both limits", size, 0, 0, QStringList{"DOC1", "DOC5"}, 2);
         size.fileSizeFrom = 4001;
         size.fileSizeThru = 3000;
-        QTest::newRow("file size, from past thru") << size << 0 << 0 << everyMatch << 4;
+        row("file size, from past thru", size, 0, 0, everyMatch, 4);
         // The pages that meet the scan date must meet the size too.
         size = scan;
         size.scanFrom = QDate(2004, 1, 1);
         size.scanThru = QDate(2004, 1, 31);
         size.fileSizeFrom = 900;
         size.fileSizeThru = 900;
-        QTest::newRow("scan date and size, not one page") << size << 0 << 0 << QStringList{} << 0;
+        row("scan date and size, not one page", size, 0, 0, QStringList{}, 0);
         FindRecord all = keywords("tax bill");
         all.scanFrom = QDate(2004, 1, 1);
         all.scanThru = QDate(2004, 2, 1);
@@ -188,9 +168,9 @@ private slots:
         all.amountThru = 20;
         all.fileSizeFrom = 100;
         all.fileSizeThru = 200;
-        QTest::newRow("all options") << all << 3 << 5 << QStringList{"DOC6"} << 1;
+        row("all options", all, 3, 5, QStringList{"DOC6"}, 1);
         all.amountThru = 14.99;
-        QTest::newRow("all options, amount out") << all << 3 << 5 << QStringList{} << 0;
+        row("all options, amount out", all, 3, 5, QStringList{}, 0);
     }
     void search()
     {
@@ -213,13 +193,9 @@ private slots:
         QCOMPARE(foundKeys(outcome).count("DOC5"), 2);
         QCOMPARE(foundKeys(outcome).first(), QString("DOC5"));
         const FoundDocument& d = outcome.documents.first();
-        QCOMPARE(d.cabinetId, 1);
-        QCOMPARE(d.drawerId, 1);
-        QCOMPARE(d.folderId, 1);
-        QCOMPARE(d.cabinetName, QString("Home Papers"));
-        QCOMPARE(d.drawerName, QString("Bank"));
-        QCOMPARE(d.folderName, QString("Checking"));
-        QCOMPARE(d.documentName, QString("Checking fees"));
+        QCOMPARE((QList<int>{d.cabinetId, d.drawerId, d.folderId}), (QList<int>{1, 1, 1}));
+        QCOMPARE((QStringList{d.cabinetName, d.drawerName, d.folderName, d.documentName}),
+                 (QStringList{"Home Papers", "Bank", "Checking", "Checking fees"}));
     }
 
     void lockedCabinetOnceOpened()

@@ -80,6 +80,11 @@ struct DeletionStore
 class TestDeletion : public QObject
 {
     Q_OBJECT
+    template <typename... T> static void row(const char* name, const T&... v)
+    {
+        (QTest::newRow(name) << ... << v);
+    }
+
 private slots:
     void everyLevel_data()
     {
@@ -89,46 +94,25 @@ private slots:
         QTest::addColumn<QList<int>>("filesLeft");
         QTest::addColumn<QStringList>("progress");
         const QString files = "Delete page files";
-        QTest::newRow("cabinet") << 0 << 1 << "1/1/1/0/0" << QList<int>{}
-                                 << QStringList{"start Delete cabinet 1..8",
-                                                "Delete drawer",
-                                                files,
-                                                files,
-                                                files,
-                                                files,
-                                                "Delete drawer",
-                                                files,
-                                                "Delete drawers in cabinet",
-                                                "Delete cabinet"};
-        QTest::newRow("cabinet without pages")
-            << 0 << 2 << "1/2/3/3/5" << QList<int>{1, 2, 3}
-            << QStringList{"start Delete cabinet 1..3", "Delete drawer",
-                           "Delete drawers in cabinet", "Delete cabinet"};
-        QTest::newRow("drawer") << 1 << 1 << "2/2/2/1/1" << QList<int>{3}
-                                << QStringList{"start Delete drawer 1..7",
-                                               files,
-                                               files,
-                                               files,
-                                               files,
-                                               "Delete drawer",
-                                               "Delete drawer"};
-        QTest::newRow("drawer without pages")
-            << 1 << 3 << "2/2/3/3/5" << QList<int>{1, 2, 3}
-            << QStringList{"start Delete drawer 1..3", "Delete drawer", "Delete drawer"};
-        QTest::newRow("folder") << 2 << 1 << "2/3/3/1/1" << QList<int>{3}
-                                << QStringList{"start Delete folder 1..6",
-                                               files,
-                                               files,
-                                               files,
-                                               files,
-                                               "Delete folder",
-                                               "Delete folder"};
-        QTest::newRow("document") << 3 << 1 << "2/3/4/2/3" << QList<int>{3}
-                                  << QStringList{"start Delete document 1..4", files, files,
-                                                 "Delete pages", "Delete document"};
-        QTest::newRow("page") << 4 << 2 << "2/3/4/3/4" << QList<int>{1, 3}
-                              << QStringList{"start Delete page 1..3", "Delete page file",
-                                             "Delete page record"};
+        row("cabinet", 0, 1, "1/1/1/0/0", QList<int>{},
+            QStringList{"start Delete cabinet 1..8", "Delete drawer", files, files, files, files,
+                        "Delete drawer", files, "Delete drawers in cabinet", "Delete cabinet"});
+        row("cabinet without pages", 0, 2, "1/2/3/3/5", QList<int>{1, 2, 3},
+            QStringList{"start Delete cabinet 1..3", "Delete drawer", "Delete drawers in cabinet",
+                        "Delete cabinet"});
+        row("drawer", 1, 1, "2/2/2/1/1", QList<int>{3},
+            QStringList{"start Delete drawer 1..7", files, files, files, files, "Delete drawer",
+                        "Delete drawer"});
+        row("drawer without pages", 1, 3, "2/2/3/3/5", QList<int>{1, 2, 3},
+            QStringList{"start Delete drawer 1..3", "Delete drawer", "Delete drawer"});
+        row("folder", 2, 1, "2/3/3/1/1", QList<int>{3},
+            QStringList{"start Delete folder 1..6", files, files, files, files, "Delete folder",
+                        "Delete folder"});
+        row("document", 3, 1, "2/3/4/2/3", QList<int>{3},
+            QStringList{"start Delete document 1..4", files, files, "Delete pages",
+                        "Delete document"});
+        row("page", 4, 2, "2/3/4/3/4", QList<int>{1, 3},
+            QStringList{"start Delete page 1..3", "Delete page file", "Delete page record"});
     }
     void everyLevel()
     {

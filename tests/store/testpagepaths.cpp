@@ -13,22 +13,22 @@ using namespace qmr;
 class TestPagePaths : public QObject
 {
     Q_OBJECT
+    template <typename... T> static void row(const char* name, const T&... v)
+    {
+        (QTest::newRow(name) << ... << v);
+    }
+
 private slots:
     void computed_data()
     {
         QTest::addColumn<int>("id");
         QTest::addColumn<QString>("page");
         QTest::addColumn<QString>("thumb");
-        QTest::newRow("7") << 7 << "Pages/0000000/7.jpg"
-                           << "Thumbs/0000000/7.jpg";
-        QTest::newRow("999") << 999 << "Pages/0000000/999.jpg"
-                             << "Thumbs/0000000/999.jpg";
-        QTest::newRow("1000") << 1000 << "Pages/0000001/1000.jpg"
-                              << "Thumbs/0000001/1000.jpg";
-        QTest::newRow("12345") << 12345 << "Pages/0000012/12345.jpg"
-                               << "Thumbs/0000012/12345.jpg";
-        QTest::newRow("max") << 2147483647 << "Pages/2147483/2147483647.jpg"
-                             << "Thumbs/2147483/2147483647.jpg";
+        row("7", 7, "Pages/0000000/7.jpg", "Thumbs/0000000/7.jpg");
+        row("999", 999, "Pages/0000000/999.jpg", "Thumbs/0000000/999.jpg");
+        row("1000", 1000, "Pages/0000001/1000.jpg", "Thumbs/0000001/1000.jpg");
+        row("12345", 12345, "Pages/0000012/12345.jpg", "Thumbs/0000012/12345.jpg");
+        row("max", 2147483647, "Pages/2147483/2147483647.jpg", "Thumbs/2147483/2147483647.jpg");
     }
     void computed()
     {
@@ -52,19 +52,11 @@ private slots:
         QTest::addColumn<QString>("pageDir");
         QTest::addColumn<QString>("thumbDir");
         QTest::addColumn<QString>("thumb");
-        QTest::newRow("scan") << "/data/scans/june.tif"
-                              << "/data/scans"
-                              << "/data/scans/Thumbs"
-                              << "/data/scans/Thumbs/june.tif";
-        QTest::newRow("top level") << "/x.jpg"
-                                   << "/"
-                                   << "/Thumbs"
-                                   << "/Thumbs/x.jpg";
+        row("scan", "/data/scans/june.tif", "/data/scans", "/data/scans/Thumbs",
+            "/data/scans/Thumbs/june.tif");
+        row("top level", "/x.jpg", "/", "/Thumbs", "/Thumbs/x.jpg");
         // A name with no separator at all: the thumbnail path ends in one.
-        QTest::newRow("bare name") << "x.jpg"
-                                   << ""
-                                   << "Thumbs"
-                                   << "Thumbs/";
+        row("bare name", "x.jpg", "", "Thumbs", "Thumbs/");
     }
     void storedFilename()
     {
@@ -85,18 +77,10 @@ private slots:
         QTest::addColumn<QString>("path");
         QTest::addColumn<QString>("dir");
         QTest::addColumn<QString>("file");
-        QTest::newRow("file") << "/a/b/c.jpg"
-                              << "/a/b/"
-                              << "c.jpg";
-        QTest::newRow("root file") << "/x.jpg"
-                                   << "/"
-                                   << "x.jpg";
-        QTest::newRow("bare") << "x.jpg"
-                              << ""
-                              << "";
-        QTest::newRow("dir") << "/a/b/"
-                             << "/a/b/"
-                             << "";
+        row("file", "/a/b/c.jpg", "/a/b/", "c.jpg");
+        row("root file", "/x.jpg", "/", "x.jpg");
+        row("bare", "x.jpg", "", "");
+        row("dir", "/a/b/", "/a/b/", "");
     }
     void parts()
     {
@@ -112,13 +96,11 @@ private slots:
         QTest::addColumn<QString>("path");     // below the temporary directory
         QTest::addColumn<QStringList>("made"); // directories that must exist after
         QTest::addColumn<QStringList>("notMade");
-        QTest::newRow("file path")
-            << "a/b/c.jpg" << QStringList{"a", "a/b"} << QStringList{"a/b/c.jpg"};
-        QTest::newRow("dotted directory") << "a.b/c" << QStringList{"a.b"} << QStringList{"a.b/c"};
-        QTest::newRow("plain directory")
-            << "p/q/r" << QStringList{"p", "p/q", "p/q/r"} << QStringList{};
-        QTest::newRow("bucket") << "Pages/0000012/12345.jpg" << QStringList{"Pages/0000012"}
-                                << QStringList{"Pages/0000012/12345.jpg"};
+        row("file path", "a/b/c.jpg", QStringList{"a", "a/b"}, QStringList{"a/b/c.jpg"});
+        row("dotted directory", "a.b/c", QStringList{"a.b"}, QStringList{"a.b/c"});
+        row("plain directory", "p/q/r", QStringList{"p", "p/q", "p/q/r"}, QStringList{});
+        row("bucket", "Pages/0000012/12345.jpg", QStringList{"Pages/0000012"},
+            QStringList{"Pages/0000012/12345.jpg"});
     }
     void ensurePathExists()
     {

@@ -67,6 +67,10 @@ Checked check(Database& db, const PagePaths& paths, bool repair)
 class TestStoreCheck : public QObject
 {
     Q_OBJECT
+    template <typename... T> static void row(const char* name, const T&... v)
+    {
+        (QTest::newRow(name) << ... << v);
+    }
 
 private slots:
     void damage_data()
@@ -74,28 +78,17 @@ private slots:
         QTest::addColumn<QString>("damage");
         QTest::addColumn<QString>("named"); // a part of the one line that names it
         QTest::addColumn<bool>("mendable");
-        QTest::newRow("orphan page file") << "orphan page"
-                                          << "belongs to no page" << true;
-        QTest::newRow("orphan thumbnail") << "orphan thumb"
-                                          << "thumbnail of no page" << true;
-        QTest::newRow("leftover of a copy") << "leftover"
-                                            << "never ended" << true;
-        QTest::newRow("leftover of an older writer") << "older leftover"
-                                                     << "never ended" << true;
-        QTest::newRow("wrong FileSize") << "size"
-                                        << "the store says 12" << true;
-        QTest::newRow("no FileSize") << "no size"
-                                     << "the store says nothing" << true;
-        QTest::newRow("missing thumbnail") << "no thumb"
-                                           << "thumbnail" << true;
-        QTest::newRow("stale thumbnail") << "stale thumb"
-                                         << "older than the page" << true;
-        QTest::newRow("missing page file") << "no file"
-                                           << "is missing" << false;
-        QTest::newRow("a link in a page's place") << "link"
-                                                  << "it is a link" << false;
-        QTest::newRow("a directory in a page's place") << "dir"
-                                                       << "is not a file" << false;
+        row("orphan page file", "orphan page", "belongs to no page", true);
+        row("orphan thumbnail", "orphan thumb", "thumbnail of no page", true);
+        row("leftover of a copy", "leftover", "never ended", true);
+        row("leftover of an older writer", "older leftover", "never ended", true);
+        row("wrong FileSize", "size", "the store says 12", true);
+        row("no FileSize", "no size", "the store says nothing", true);
+        row("missing thumbnail", "no thumb", "thumbnail", true);
+        row("stale thumbnail", "stale thumb", "older than the page", true);
+        row("missing page file", "no file", "is missing", false);
+        row("a link in a page's place", "link", "it is a link", false);
+        row("a directory in a page's place", "dir", "is not a file", false);
     }
 
     // Each damage is named in one line; repair mends what can be mended and a second check
