@@ -190,7 +190,15 @@ public:
     RunResult run(int index, bool fresh, int delayMs)
     {
         const QString freshPath = m_work + QStringLiteral("/fresh%1").arg(index);
-        const AppHome home = fresh ? AppHome(freshPath) : m_long;
+        const RunResult result = killAndCheck(fresh ? AppHome(freshPath) : m_long, fresh, delayMs);
+        if (fresh && result.message.isEmpty())
+            QDir(freshPath).removeRecursively();
+        return result;
+    }
+
+private:
+    RunResult killAndCheck(const AppHome& home, bool fresh, int delayMs)
+    {
         if (fresh)
             prepareHome(home);
         const int first = fresh ? 0 : m_longSteps;
@@ -252,14 +260,11 @@ public:
         reference.after(result.committed);
         if (const QString wrong = pageFiles(db, home, reference.home()); !wrong.isEmpty())
             return fail(result, wrong);
-        if (fresh)
-            QDir(freshPath).removeRecursively();
-        else
+        if (!fresh)
             m_longSteps = result.committed;
         return result;
     }
 
-private:
     static RunResult fail(RunResult result, const QString& message)
     {
         result.message = message;
