@@ -19,7 +19,6 @@
 #include <QTemporaryDir>
 #include <QThread>
 #include <cstdio>
-#include <optional>
 
 #include "core/homelock.h"
 #include "store/database.h"
@@ -33,6 +32,12 @@ using namespace qmr::crash;
 
 namespace {
 
+void say(const char* line)
+{
+    std::printf("%s\n", line);
+    std::fflush(stdout);
+}
+
 int runChild(const QString& homePath, int firstStep, quint32 seed)
 {
     const AppHome home(homePath);
@@ -42,20 +47,16 @@ int runChild(const QString& homePath, int firstStep, quint32 seed)
         std::fprintf(stderr, "%s\n", qPrintable(lock.refusal()));
         return 3;
     }
-    std::printf("opening\n");
-    std::fflush(stdout);
+    say("opening");
     try {
         CommandStore store(home, seed);
-        std::printf("ready\n");
-        std::fflush(stdout);
+        say("ready");
         for (int step = firstStep;; ++step) {
-            const QString problem = store.run(step);
-            if (!problem.isEmpty()) {
+            if (const QString problem = store.run(step); !problem.isEmpty()) {
                 std::fprintf(stderr, "step %d: %s\n", step, qPrintable(problem));
                 return 4;
             }
-            std::printf("done %d\n", step + 1);
-            std::fflush(stdout);
+            say(qPrintable(QStringLiteral("done %1").arg(step + 1)));
         }
     } catch (const StoreError& e) {
         std::fprintf(stderr, "%s\n", qPrintable(e.message()));
@@ -97,33 +98,18 @@ QString soundness(Database& db)
     if (StoreSchema::readVersion(db) != StoreSchema::kCurrentVersion ||
         db.scalar(QStringLiteral("SELECT COUNT(*) FROM Version")).toInt() != 1)
         return QStringLiteral("the Version table is not one row of the current version");
-    struct Link
-    {
-        const char* child;
-        const char* parentColumn;
-        const char* parent;
-    };
-    const Link links[] = {{"Drawer", "CabinetId", "Cabinet"},
-                          {"Folder", "DrawerId", "Drawer"},
-                          {"Document", "FolderId", "Folder"},
-                          {"Page", "DocumentId", "Document"}};
-    for (const Link& l : links) {
-        const int dangling =
-            db.scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2 NOT IN (SELECT %2 FROM %3)")
-                          .arg(QLatin1String(l.child), QLatin1String(l.parentColumn),
-                               QLatin1String(l.parent)))
-                .toInt();
-        if (dangling > 0)
-            return QStringLiteral("%1 rows of %2 have no parent").arg(dangling).arg(l.child);
-    }
-    for (const char* table : {"Cabinet", "Drawer", "Folder", "Document"}) {
-        const int unnamed =
-            db.scalar(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name IS NULL OR Name = ''")
-                          .arg(QLatin1String(table)))
-                .toInt();
-        if (unnamed > 0)
-            return QStringLiteral("%1 rows of %2 have no name").arg(unnamed).arg(table);
-    }
+    const auto count = [&](const QString& sql) { return db.scalar(sql).toInt(); };
+    const QStringList levels{"Cabinet", "Drawer", "Folder", "Document", "Page"};
+    for (int i = 1; i < levels.size(); ++i)
+        if (const int n = count(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE %2Id NOT IN "
+                                               "(SELECT %2Id FROM %2)")
+                                    .arg(levels[i], levels[i - 1])))
+            return QStringLiteral("%1 rows of %2 have no parent").arg(n).arg(levels[i]);
+    for (int i = 0; i + 1 < levels.size(); ++i)
+        if (const int n =
+                count(QStringLiteral("SELECT COUNT(*) FROM %1 WHERE Name IS NULL OR Name = ''")
+                          .arg(levels[i])))
+            return QStringLiteral("%1 rows of %2 have no name").arg(n).arg(levels[i]);
     // A word index that lost step with its rows would find too much or too little.
     for (const char* words : {"DocumentWords", "FolderWords"}) {
         try {
@@ -142,17 +128,15 @@ QString soundness(Database& db)
 // failure here. "" when all is well.
 QString pageFiles(Database& db, const AppHome& home, const AppHome& reference)
 {
-    const PagePaths killed(home);
-    const PagePaths whole(reference);
     const Recordset rs = db.openRecordset(QStringLiteral(
         "SELECT PageId FROM Page WHERE ShortcutYN IS NOT 'Y' AND (Filename IS NULL OR "
         "Filename = '')"));
     for (int i = 0; i < rs.recordCount(); ++i) {
         const qint32 id = rs.integer(i, QStringLiteral("PageId"));
-        QFile found(killed.computedPagePath(id));
+        QFile found(PagePaths(home).computedPagePath(id));
         if (!found.open(QIODevice::ReadOnly))
             continue;
-        QFile expected(whole.computedPagePath(id));
+        QFile expected(PagePaths(reference).computedPagePath(id));
         if (!expected.open(QIODevice::ReadOnly))
             return QStringLiteral("page %1 has a file, and never got one without the kill").arg(id);
         if (found.readAll() != expected.readAll())
@@ -165,36 +149,28 @@ QString pageFiles(Database& db, const AppHome& home, const AppHome& reference)
 class Reference
 {
 public:
-    Reference(const QString& path, quint32 seed) : m_home(path), m_seed(seed) { restart(); }
+    Reference(const QString& path, quint32 seed) : m_home(path), m_seed(seed) {}
 
     QByteArray after(int steps)
     {
         if (m_known.contains(steps))
             return m_known.value(steps);
-        if (steps < m_step)
-            restart();
-        while (m_step < steps) {
-            const QString problem = m_store->run(m_step);
-            if (!problem.isEmpty())
-                throw StoreError(QStringLiteral("reference step %1: %2").arg(m_step).arg(problem));
-            ++m_step;
+        if (!m_store || steps < m_step) {
+            m_store.reset();
+            QDir(m_home.path()).removeRecursively();
+            prepareHome(m_home);
+            m_store = std::make_unique<CommandStore>(m_home, m_seed);
+            m_step = 0;
         }
-        m_known.insert(steps, fingerprint(m_store->db()));
-        return m_known.value(steps);
+        for (; m_step < steps; ++m_step)
+            if (const QString problem = m_store->run(m_step); !problem.isEmpty())
+                throw StoreError(QStringLiteral("reference step %1: %2").arg(m_step).arg(problem));
+        return m_known[steps] = fingerprint(m_store->db());
     }
     // The home as it stands after the last after().
     const AppHome& home() const { return m_home; }
 
 private:
-    void restart()
-    {
-        m_store.reset();
-        QDir(m_home.path()).removeRecursively();
-        prepareHome(m_home);
-        m_store = std::make_unique<CommandStore>(m_home, m_seed);
-        m_step = 0;
-    }
-
     AppHome m_home;
     quint32 m_seed;
     std::unique_ptr<CommandStore> m_store;
@@ -204,8 +180,7 @@ private:
 
 struct RunResult
 {
-    bool ok = false;
-    QString message;
+    QString message;          // "" when the store passed
     int committed = 0;        // commands in the store after the kill
     bool midCommand = false;  // the kill left a journal: it fell inside a transaction
     bool midCreation = false; // the kill left a half-made store
@@ -215,10 +190,8 @@ class Parent
 {
 public:
     Parent(const QString& self, quint32 seed, const QString& work)
-        : m_self(self), m_seed(seed), m_work(work),
-          m_longReference(work + QStringLiteral("/reference-long"), seed),
-          m_freshReference(work + QStringLiteral("/reference-fresh"), seed),
-          m_long(work + QStringLiteral("/long"))
+        : m_self(self), m_seed(seed), m_work(work), m_longReference(work + "/reference-long", seed),
+          m_freshReference(work + "/reference-fresh", seed), m_long(work + "/long")
     {
         prepareHome(m_long);
     }
@@ -227,29 +200,25 @@ public:
     // on a new home, where the kill falls while the store is being made.
     RunResult run(int index, bool fresh, int delayMs)
     {
-        RunResult result = killAndCheck(index, fresh, delayMs);
-        if (fresh && result.ok)
-            QDir(m_work + QStringLiteral("/fresh%1").arg(index)).removeRecursively();
+        const QString freshPath = m_work + QStringLiteral("/fresh%1").arg(index);
+        const RunResult result = killAndCheck(fresh ? AppHome(freshPath) : m_long, fresh, delayMs);
+        if (fresh && result.message.isEmpty())
+            QDir(freshPath).removeRecursively();
         return result;
     }
 
 private:
-    RunResult killAndCheck(int index, bool fresh, int delayMs)
+    RunResult killAndCheck(const AppHome& home, bool fresh, int delayMs)
     {
-        const AppHome home =
-            fresh ? AppHome(m_work + QStringLiteral("/fresh%1").arg(index)) : m_long;
         if (fresh)
             prepareHome(home);
         const int first = fresh ? 0 : m_longSteps;
         QProcess child;
-        child.setProcessChannelMode(QProcess::SeparateChannels);
         child.start(m_self, {QStringLiteral("--child"), home.path(), QString::number(first),
                              QString::number(m_seed)});
         RunResult result;
-        if (!child.waitForStarted(30000)) {
-            result.message = QStringLiteral("the child did not start: ") + child.errorString();
-            return result;
-        }
+        if (!child.waitForStarted(30000))
+            return fail(result, QStringLiteral("the child did not start: ") + child.errorString());
         // The moment counts from the child's word that it is about to open the store.
         QByteArray out;
         QElapsedTimer clock;
@@ -259,63 +228,57 @@ private:
             child.waitForReadyRead(50);
             out += child.readAllStandardOutput();
         }
-        QElapsedTimer moment;
-        moment.start();
-        while (moment.elapsed() < delayMs && child.state() == QProcess::Running)
+        clock.restart();
+        while (clock.elapsed() < delayMs && child.state() == QProcess::Running)
             QThread::usleep(500);
         const bool ranToTheKill = child.state() == QProcess::Running;
         child.kill();
         child.waitForFinished(30000);
         out += child.readAllStandardOutput();
-        if (!ranToTheKill) {
-            result.message = QStringLiteral("the child ended by itself (%1): %2")
-                                 .arg(child.exitCode())
-                                 .arg(QString::fromLocal8Bit(child.readAllStandardError()));
-            return result;
-        }
+        if (!ranToTheKill)
+            return fail(result, QStringLiteral("the child ended by itself (%1): %2")
+                                    .arg(child.exitCode())
+                                    .arg(QString::fromLocal8Bit(child.readAllStandardError())));
         int reported = first;
         for (const QByteArray& line : out.split('\n'))
             if (line.startsWith("done "))
                 reported = line.mid(5).toInt();
-
         result.midCommand = QFile::exists(StoreSchema::storePath(home) + "-journal");
         result.midCreation = QFile::exists(StoreSchema::storePath(home) + ".new");
 
         // Opened as the program opens it: the home taken over from the killed run, the
         // journal of an unfinished command rolled back.
         HomeLock lock(home);
-        if (!lock.acquire()) {
-            result.message =
-                QStringLiteral("the killed run's lock was not taken over: ") + lock.refusal();
-            return result;
-        }
+        if (!lock.acquire())
+            return fail(result, "the killed run's lock was not taken over: " + lock.refusal());
         Database db;
         StoreSchema::openDatabase(db, home);
-        result.message = soundness(db);
-        if (!result.message.isEmpty())
-            return result;
+        if (const QString unsound = soundness(db); !unsound.isEmpty())
+            return fail(result, unsound);
         const QByteArray found = fingerprint(db);
         // The kill may fall between a command's commit and its report.
         Reference& reference = fresh ? m_freshReference : m_longReference;
-        if (found == reference.after(reported)) {
+        if (found == reference.after(reported))
             result.committed = reported;
-        } else if (found == reference.after(reported + 1)) {
+        else if (found == reference.after(reported + 1))
             result.committed = reported + 1;
-        } else {
-            result.message = QStringLiteral("the store is not what %1 finished commands left "
-                                            "(nor %2): a command was half written or lost")
-                                 .arg(reported)
-                                 .arg(reported + 1);
-            return result;
-        }
+        else
+            return fail(result, QStringLiteral("the store is not what %1 finished commands left "
+                                               "(nor %2): a command was half written or lost")
+                                    .arg(reported)
+                                    .arg(reported + 1));
         // Page files are never rewritten, so the reference at or past this step has them.
         reference.after(result.committed);
-        result.message = pageFiles(db, home, reference.home());
-        if (!result.message.isEmpty())
-            return result;
+        if (const QString wrong = pageFiles(db, home, reference.home()); !wrong.isEmpty())
+            return fail(result, wrong);
         if (!fresh)
             m_longSteps = result.committed;
-        result.ok = true;
+        return result;
+    }
+
+    static RunResult fail(RunResult result, const QString& message)
+    {
+        result.message = message;
         return result;
     }
 
@@ -338,11 +301,7 @@ int runParent(const QString& self, int runs, quint32 seed)
     std::printf("Seed %u; %d kill runs.\n", seed, runs);
     Parent parent(self, seed, work.path());
     QRandomGenerator moments(seed ^ 0x9e3779b9u);
-    int passed = 0;
-    int failed = 0;
-    int lastCommitted = 0;
-    int midCommand = 0;
-    int midCreation = 0;
+    int passed = 0, failed = 0, lastCommitted = 0, midCommand = 0, midCreation = 0;
     QElapsedTimer total;
     total.start();
     for (int i = 0; i < runs; ++i) {
@@ -357,21 +316,24 @@ int runParent(const QString& self, int runs, quint32 seed)
         }
         midCommand += r.midCommand ? 1 : 0;
         midCreation += r.midCreation ? 1 : 0;
-        const char* left = r.midCreation  ? " (a half-made store)"
-                           : r.midCommand ? " (inside a transaction)"
-                                          : "";
-        if (r.ok) {
+        const QString head = QStringLiteral("run %1: killed %2 ms after opening%3")
+                                 .arg(i, 3)
+                                 .arg(delay, 3)
+                                 .arg(fresh ? " a new home" : "");
+        if (r.message.isEmpty()) {
             ++passed;
-            std::printf("run %3d: killed %3d ms after opening%s%s, %d commands in the store\n", i,
-                        delay, fresh ? " a new home" : "", left, r.committed);
+            const char* left = r.midCreation  ? " (a half-made store)"
+                               : r.midCommand ? " (inside a transaction)"
+                                              : "";
+            say(qPrintable(head + QStringLiteral("%1, %2 commands in the store")
+                                      .arg(QLatin1String(left))
+                                      .arg(r.committed)));
             if (!fresh)
                 lastCommitted = r.committed;
         } else {
             ++failed;
-            std::printf("run %3d: killed %3d ms after opening%s: FAILED: %s\n", i, delay,
-                        fresh ? " a new home" : "", qPrintable(r.message));
+            say(qPrintable(head + QStringLiteral(": FAILED: ") + r.message));
         }
-        std::fflush(stdout);
     }
     std::printf("%d kills fell inside a transaction, %d while the store was being made; %d "
                 "commands stood on the long-lived home at the end; %.1f s in all.\n",

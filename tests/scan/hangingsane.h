@@ -20,12 +20,7 @@ public:
     // The call that hangs has been entered; a read is waiting for its sheet.
     bool hanging() const { return flag(m_hanging); }
     bool reading() const { return flag(m_reading); }
-    void release()
-    {
-        std::lock_guard lock(m_lock);
-        m_released = true;
-        m_changed.notify_all();
-    }
+    void release() { set(m_released); }
 
     SANE_Status init() override { return SANE_STATUS_GOOD; }
     void exit() override {}
@@ -67,11 +62,7 @@ public:
     }
     void cancel(SANE_Handle) override
     {
-        {
-            std::lock_guard lock(m_lock);
-            m_cancelled = true;
-            m_changed.notify_all();
-        }
+        set(m_cancelled);
         hangIf(Call::Cancel);
     }
 
@@ -80,6 +71,12 @@ private:
     {
         std::lock_guard lock(m_lock);
         return value;
+    }
+    void set(bool& value)
+    {
+        std::lock_guard lock(m_lock);
+        value = true;
+        m_changed.notify_all();
     }
     void hangIf(Call call)
     {

@@ -11,18 +11,34 @@
 
 #include "core/progress.h"
 #include "core/settings.h"
-#include "core/viewsettings.h"
+#include "sanetestbackend.h"
+#include "scan/sanesource.h"
 #include "scan/scanflow.h"
-#include "store/schema.h"
-#include "store/session.h"
 #include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/navrecorder.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 
 namespace qmr::test {
+
+inline const QString kPicture = QStringLiteral("test-picture \"Color pattern\"");
+
+// Cabinet "Home", drawer "Papers", folder "Letters" (empty) and folder "Kept" holding
+// document "Five" with pages numbered 1 to 5 (real small JPEGs).
+struct ScanFixture
+{
+    qint32 cabinet = -1, drawer = -1, letters = -1, kept = -1, five = -1;
+
+    explicit ScanFixture(const AppHome& home)
+    {
+        FixtureStore store(home);
+        cabinet = store.cabinet("Home");
+        drawer = store.drawer(cabinet, "Papers");
+        letters = store.folder(drawer, "Letters");
+        kept = store.folder(drawer, "Kept");
+        five = store.document(kept, "Five");
+        for (int n = 1; n <= 5; ++n)
+            store.page(five, n, QSize(60, 80));
+    }
+};
 
 // A progress whose Cancel can be pressed from the test: once pressed it stays stopped until
 // the work starts again, as the program's progress window does.
@@ -68,10 +84,9 @@ public:
     static bool press(QDialog* dialog, const char* name)
     {
         auto* button = dialog->findChild<QAbstractButton*>(QLatin1String(name));
-        if (!button)
-            return false;
-        button->click();
-        return true;
+        if (button)
+            button->click();
+        return button;
     }
 
     QStringList seen;
@@ -82,37 +97,41 @@ private:
     QPointer<QDialog> m_last; // a later dialog may be born where this one was
 };
 
-// A store for scans: cabinet "Home", drawer "Papers", folder "Letters" (empty) and folder
-// "Kept" holding document "Five" with pages numbered 1 to 5 (real small JPEGs). Pages are
-// saved at once; unless told otherwise the scan settings were seen and the scanner is the
-// test device.
-struct ScanHarness : CommandHarness<ScriptedPrompter, PressableProgress>
+// The store of ScanFixture, the SANE test backend with `conf`, a source and a scan flow on
+// them. Pages are saved at once; unless told otherwise the scan settings were seen and the
+// scanner is the test device.
+struct ScanHarness : CommandHarness<ScriptedPrompter, PressableProgress>, ScanFixture
 {
-    qint32 cabinet = -1, drawer = -1, letters = -1, kept = -1, five = -1;
+    SaneTestBackend backend;
+    std::unique_ptr<SaneSource> source;
+    std::unique_ptr<ScanFlow> flow;
 
-    explicit ScanHarness(bool settingsSeen = true)
+    explicit ScanHarness(const QStringList& conf = {kPicture}, bool settingsSeen = true)
+        : ScanFixture(home.home()), backend(conf)
     {
-        {
-            FixtureStore store(home.home());
-            cabinet = store.cabinet("Home");
-            drawer = store.drawer(cabinet, "Papers");
-            letters = store.folder(drawer, "Letters");
-            kept = store.folder(drawer, "Kept");
-            five = store.document(kept, "Five");
-            for (int n = 1; n <= 5; ++n)
-                store.page(five, n, QSize(60, 80));
-        }
         openSession();
         view->read();
-        Settings& s = settings();
-        s.setMode(keys::AfterScan, AfterScanMode::Return);
+        settings().setMode(keys::AfterScan, AfterScanMode::Return);
         if (settingsSeen) {
-            s.set(keys::SetupScanSettings, QStringLiteral("True"));
-            s.set(keys::ScanSource, QStringLiteral("test:0"));
+            settings().set(keys::SetupScanSettings, QStringLiteral("True"));
+            settings().set(keys::ScanSource, QStringLiteral("test:0"));
         }
+        source = std::make_unique<SaneSource>();
+        flow = std::make_unique<ScanFlow>(context(), *source);
     }
 
     Settings& settings() { return home.settings(); }
+    // Scans into the node; true when the texts expected came, in order, and no other.
+    bool scan(const NodeKey& node)
+    {
+        flow->scanToViewer(node);
+        return prompter.verify();
+    }
+    NodeKey target(bool intoFolder) const
+    {
+        return intoFolder ? NodeKey::of(Level::Folder, letters)
+                          : NodeKey::of(Level::Document, five);
+    }
     QVector<PageRow> pages(qint32 documentId) const { return session->pages().pages(documentId); }
     QVector<qint32> documentsOf(qint32 folderId) const
     {
@@ -129,9 +148,16 @@ struct ScanHarness : CommandHarness<ScriptedPrompter, PressableProgress>
     QImage pageImage(const PageRow& row) const
     {
         QImageReader reader(pagePath(row));
-        if (reader.format() != "jpeg")
-            return QImage();
-        return reader.read();
+        return reader.format() == "jpeg" ? reader.read() : QImage();
+    }
+    // The file of the first page of the document from `from` on that is missing or no JPEG;
+    // "" when all are whole.
+    QString brokenPage(qint32 documentId, int from = 0) const
+    {
+        for (const PageRow& row : pages(documentId).mid(from))
+            if (pageImage(row).isNull())
+                return pagePath(row);
+        return QString();
     }
 };
 

@@ -99,36 +99,25 @@ private slots:
         QTest::addColumn<ScanColour>("wanted");
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("gives");
+        const auto row = [](const char* name, const QStringList& values, ScanColour wanted,
+                            const char* value, const char* gives) {
+            QTest::newRow(name) << values << wanted << QString(value) << QString(gives);
+        };
         const QStringList three{"Lineart", "Gray", "Color"};
-        QTest::newRow("line art") << three << ScanColour::LineArt << "Lineart"
-                                  << "line art";
-        QTest::newRow("grey") << three << ScanColour::Grey << "Gray"
-                              << "grey";
-        QTest::newRow("colour") << three << ScanColour::Colour << "Color"
-                                << "colour";
+        row("line art", three, ScanColour::LineArt, "Lineart", "line art");
+        row("grey", three, ScanColour::Grey, "Gray", "grey");
+        row("colour", three, ScanColour::Colour, "Color", "colour");
         const QStringList brother{"Black & White", "Gray[Error Diffusion]", "True Gray",
                                   "24bit Color[Fast]", "24bit Color"};
-        QTest::newRow("their line art") << brother << ScanColour::LineArt << "Black & White"
-                                        << "line art";
-        QTest::newRow("true grey, not dithered") << brother << ScanColour::Grey << "True Gray"
-                                                 << "grey";
-        QTest::newRow("plain colour first") << brother << ScanColour::Colour << "24bit Color"
-                                            << "colour";
-        const QStringList two{"Gray", "Color"};
-        QTest::newRow("no line art: grey") << two << ScanColour::LineArt << "Gray"
-                                           << "grey";
-        QTest::newRow("colour only: colour for grey")
-            << QStringList{"Color"} << ScanColour::Grey << "Color"
-            << "colour";
-        QTest::newRow("grey only: grey for colour")
-            << QStringList{"Halftone", "Gray"} << ScanColour::Colour << "Gray"
-            << "grey";
-        QTest::newRow("deep colour after plain")
-            << QStringList{"Color48", "Color", "Gray"} << ScanColour::Colour << "Color"
-            << "colour";
-        QTest::newRow("nothing known")
-            << QStringList{"Halftone", "Infrared"} << ScanColour::Colour << ""
-            << "none";
+        row("their line art", brother, ScanColour::LineArt, "Black & White", "line art");
+        row("true grey, not dithered", brother, ScanColour::Grey, "True Gray", "grey");
+        row("plain colour first", brother, ScanColour::Colour, "24bit Color", "colour");
+        row("no line art: grey", {"Gray", "Color"}, ScanColour::LineArt, "Gray", "grey");
+        row("colour only: colour for grey", {"Color"}, ScanColour::Grey, "Color", "colour");
+        row("grey only: grey for colour", {"Halftone", "Gray"}, ScanColour::Colour, "Gray", "grey");
+        row("deep colour after plain", {"Color48", "Color", "Gray"}, ScanColour::Colour, "Color",
+            "colour");
+        row("nothing known", {"Halftone", "Infrared"}, ScanColour::Colour, "", "none");
     }
     void chooseMode()
     {
@@ -149,25 +138,25 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<bool>("fed");
         QTest::addColumn<bool>("bothSides");
+        const auto row = [](const char* name, const QStringList& values, bool feeder, bool duplex,
+                            const char* value, bool fed, bool bothSides) {
+            QTest::newRow(name) << values << feeder << duplex << QString(value) << fed << bothSides;
+        };
         const QStringList test{"Flatbed", "Automatic Document Feeder"};
-        QTest::newRow("feeder") << test << true << true << "Automatic Document Feeder" << true
-                                << false;
-        QTest::newRow("flatbed") << test << false << false << "Flatbed" << false << false;
+        row("feeder", test, true, true, "Automatic Document Feeder", true, false);
+        row("flatbed", test, false, false, "Flatbed", false, false);
         const QStringList fujitsu{"ADF Front", "ADF Back", "ADF Duplex"};
-        QTest::newRow("duplex") << fujitsu << true << true << "ADF Duplex" << true << true;
-        QTest::newRow("one side") << fujitsu << true << false << "ADF Front" << true << false;
-        QTest::newRow("no flatbed, no feeder: as it is")
-            << fujitsu << false << false << "" << false << false;
+        row("duplex", fujitsu, true, true, "ADF Duplex", true, true);
+        row("one side", fujitsu, true, false, "ADF Front", true, false);
+        row("no flatbed, no feeder: as it is", fujitsu, false, false, "", false, false);
         const QStringList epson{"Flatbed", "Transparency Unit", "ADF - Front", "ADF - Duplex"};
-        QTest::newRow("their duplex") << epson << true << true << "ADF - Duplex" << true << true;
-        QTest::newRow("their feeder") << epson << true << false << "ADF - Front" << true << false;
-        QTest::newRow("no feeder: one page") << QStringList{"Flatbed", "Transparency Adapter"}
-                                             << true << true << "Flatbed" << false << false;
-        QTest::newRow("only a duplex feeder")
-            << QStringList{"Flatbed", "Duplex"} << true << false << "Duplex" << true << true;
-        QTest::newRow("platen") << QStringList{"Platen", "ADF"} << false << false << "Platen"
-                                << false << false;
-        QTest::newRow("no values") << QStringList() << true << true << "" << false << false;
+        row("their duplex", epson, true, true, "ADF - Duplex", true, true);
+        row("their feeder", epson, true, false, "ADF - Front", true, false);
+        row("no feeder: one page", {"Flatbed", "Transparency Adapter"}, true, true, "Flatbed",
+            false, false);
+        row("only a duplex feeder", {"Flatbed", "Duplex"}, true, false, "Duplex", true, true);
+        row("platen", {"Platen", "ADF"}, false, false, "Platen", false, false);
+        row("no values", {}, true, true, "", false, false);
     }
     void chooseSource()
     {

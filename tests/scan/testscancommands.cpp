@@ -1,55 +1,49 @@
 #include <QPushButton>
 #include <QTest>
 
-#include "sanetestbackend.h"
+#include "scanharness.h"
 #include "tests/navigator/navharness.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
 
+Q_DECLARE_METATYPE(qmr::Level)
+
 namespace {
 
-const QString kPicture = QStringLiteral("test-picture \"Color pattern\"");
-
-// Cabinet "Home", drawer "Papers", folder "Kept" with document "Five" (pages 1 to 5), in a
-// main window; pages are saved as soon as they are scanned.
+// The store of ScanFixture in a main window; pages are saved as soon as they are scanned and
+// the kind of scan last chosen is `kind`.
 struct WindowStore
 {
+    SaneTestBackend backend{QStringList{kPicture}};
     NavHarness h;
-    qint32 cabinet = -1, drawer = -1, kept = -1, five = -1;
+    ScanFixture f{h.home.home()};
 
-    explicit WindowStore(bool scannerSet)
+    WindowStore(bool scannerSet, const QString& kind)
     {
-        {
-            FixtureStore store(h.home.home());
-            cabinet = store.cabinet("Home");
-            drawer = store.drawer(cabinet, "Papers");
-            kept = store.folder(drawer, "Kept");
-            five = store.document(kept, "Five");
-            for (int n = 1; n <= 5; ++n)
-                store.page(five, n, QSize(60, 80));
-        }
         Settings& s = h.home.settings();
         s.set(keys::SetupScanSettings, QStringLiteral("True"));
         s.setMode(keys::AfterScan, AfterScanMode::Return);
         if (scannerSet)
             s.set(keys::ScanSource, QStringLiteral("test:0"));
+        s.set(keys::ImageType, kind);
+        h.load();
     }
     // Clicks down the tree to the node of that level.
     void clickDownTo(Level level)
     {
-        const QList<QPair<Level, qint32>> path{{Level::Cabinet, cabinet},
-                                               {Level::Drawer, drawer},
-                                               {Level::Folder, kept},
-                                               {Level::Document, five}};
+        const std::pair<Level, qint32> path[] = {{Level::Cabinet, f.cabinet},
+                                                 {Level::Drawer, f.drawer},
+                                                 {Level::Folder, f.kept},
+                                                 {Level::Document, f.five}};
         for (const auto& [l, id] : path) {
             h.click(NodeKey::of(l, id).text());
             if (l == level)
                 return;
         }
     }
-    int pagesOfFive() const { return h.session->pages().count(five); }
+    QVector<PageRow> pagesOfFive() const { return h.session->pages().pages(f.five); }
 };
 
 } // namespace
@@ -61,36 +55,33 @@ private slots:
     // The buttons write the kind first, then want a folder or a document in the tree.
     void buttons_data()
     {
-        QTest::addColumn<int>("level");
+        QTest::addColumn<Level>("level");
         QTest::addColumn<QString>("button");
         QTest::addColumn<bool>("scannerSet");
         QTest::addColumn<QString>("message");
         QTest::addColumn<QString>("kind");
         QTest::addColumn<int>("pages");
         const QString target = "Please click on a folder or document to scan to.";
-        QTest::newRow("cabinet") << int(Level::Cabinet) << "cmdScanDoc" << true << target
-                                 << "document" << 5;
+        QTest::newRow("cabinet") << Level::Cabinet << "cmdScanDoc" << true << target << "document"
+                                 << 5;
         QTest::newRow("drawer, picture")
-            << int(Level::Drawer) << "cmdScanPic" << true << target << "picture" << 5;
+            << Level::Drawer << "cmdScanPic" << true << target << "picture" << 5;
         QTest::newRow("folder, no scanner")
-            << int(Level::Folder) << "cmdScanDoc" << false << "A scanner could not be detected."
+            << Level::Folder << "cmdScanDoc" << false << "A scanner could not be detected."
             << "document" << 5;
-        QTest::newRow("document, picture") << int(Level::Document) << "cmdScanPic" << true << ""
+        QTest::newRow("document, picture") << Level::Document << "cmdScanPic" << true << ""
                                            << "picture" << 6;
     }
     void buttons()
     {
-        QFETCH(int, level);
+        QFETCH(Level, level);
         QFETCH(QString, button);
         QFETCH(bool, scannerSet);
         QFETCH(QString, message);
         QFETCH(QString, kind);
         QFETCH(int, pages);
-        SaneTestBackend backend({kPicture});
-        WindowStore w(scannerSet);
-        w.h.home.settings().set(keys::ImageType, QStringLiteral("camera"));
-        w.h.load();
-        w.clickDownTo(Level(level));
+        WindowStore w(scannerSet, QStringLiteral("camera"));
+        w.clickDownTo(level);
         if (!message.isEmpty())
             w.h.prompter.expect(message);
         auto* b = w.h.window->findChild<QPushButton*>(button);
@@ -98,7 +89,7 @@ private slots:
         QTest::mouseClick(b, Qt::LeftButton);
         QVERIFY2(w.h.prompter.verify(), qPrintable(w.h.prompter.report()));
         QCOMPARE(w.h.home.settings().get(keys::ImageType), kind);
-        QCOMPARE(w.pagesOfFive(), pages);
+        QCOMPARE(w.pagesOfFive().size(), pages);
     }
 
     // Scan New Page of a document, from the tree or from the list, keeps the kind as it is.
@@ -111,24 +102,18 @@ private slots:
     void scanNewPage()
     {
         QFETCH(bool, fromList);
-        SaneTestBackend backend({kPicture});
-        WindowStore w(true);
-        w.h.home.settings().set(keys::ImageType, QStringLiteral("picture"));
-        w.h.load();
+        WindowStore w(true, QStringLiteral("picture"));
+        w.clickDownTo(fromList ? Level::Folder : Level::Document);
         if (fromList) {
-            w.clickDownTo(Level::Folder);
             QCOMPARE(w.h.listTexts().size(), 1);
             w.h.window->list()->setCurrentRow(0);
-            w.h.setSource(ContextSource::List);
-        } else {
-            w.clickDownTo(Level::Document);
-            w.h.setSource(ContextSource::Tree);
         }
+        w.h.setSource(fromList ? ContextSource::List : ContextSource::Tree);
         w.h.window->menus().run(QStringLiteral("mnuPopupDocumentScanPage"));
         QVERIFY2(w.h.prompter.verify(), qPrintable(w.h.prompter.report()));
         QCOMPARE(w.h.home.settings().get(keys::ImageType), QStringLiteral("picture"));
-        QCOMPARE(w.pagesOfFive(), 6);
-        const QVector<PageRow> rows = w.h.session->pages().pages(w.five);
+        const QVector<PageRow> rows = w.pagesOfFive();
+        QCOMPARE(rows.size(), 6);
         QCOMPARE(rows.last().pageNumber, 6);
         QVERIFY(QFile::exists(w.h.session->paths().pagePath(rows.last().id, rows.last().filename)));
     }

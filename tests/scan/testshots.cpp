@@ -3,6 +3,7 @@
 #include <QTest>
 
 #include "core/settings.h"
+#include "hangingsane.h"
 #include "sanetestbackend.h"
 #include "scan/sanesource.h"
 #include "scan/scanoptionsdialog.h"
@@ -12,23 +13,6 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-
-namespace {
-
-// A system that takes its time to list its devices.
-class NoAnswerSource : public ScanSource
-{
-public:
-    void findDevices() override {}
-    void open(const ScanRequest&) override {}
-    void setOption(const QString&, const QVariant&) override {}
-    void readPages() override {}
-    void nextPage() override {}
-    void cancel() override {}
-    void close() override {}
-};
-
-} // namespace
 
 // The scan settings and the device's options, drawn to PNG files.
 class Shots : public QObject
@@ -41,11 +25,13 @@ private slots:
         test::TestHome home;
         {
             // While the system has not answered yet.
-            NoAnswerSource slow;
-            ScanSettingsDialog dialog(home.settings(), slow);
+            auto slow = std::make_shared<test::HangingSane>(test::HangingSane::Call::Devices);
+            SaneSource source(slow);
+            ScanSettingsDialog dialog(home.settings(), source);
             dialog.show();
             QVERIFY(QTest::qWaitForWindowExposed(&dialog));
             test::saveShot(&dialog, "scan-settings-looking");
+            slow->release();
         }
         SaneSource source;
         ScanSettingsDialog dialog(home.settings(), source);
