@@ -3,10 +3,10 @@
 #include <QListWidget>
 #include <QMenu>
 #include <QTest>
+#include <array>
+#include <functional>
 #include <memory>
 
-#include "core/progress.h"
-#include "core/viewsettings.h"
 #include "navigator/containerlist.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
@@ -14,44 +14,29 @@
 #include "navigator/navwindow.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
-#include "store/schema.h"
-#include "store/session.h"
 #include "templates/drawertemplates.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/recordingprogress.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 
 namespace qmr::test {
 
 // A main window on a temporary home, with scripted prompter and choosers.
-struct NavHarness
+struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
 {
-    TestHome home;
-    ScriptedPrompter prompter;
-    ScriptedChoosers choosers;
-    RecordingProgress progress;
-    std::unique_ptr<Session> session;
-    std::unique_ptr<ViewSettings> view;
     std::unique_ptr<DrawerTemplates> templates;
     std::unique_ptr<NavWindow> window;
 
-    // Opens the store; call fixture() before load() to fill it.
-    void openStore()
-    {
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-    }
+    // Opens the store, for a test that fills it before load().
+    void openStore() { openSession(); }
     void load(bool show = true)
     {
         if (!session)
-            openStore();
+            openSession();
         templates = std::make_unique<DrawerTemplates>(home.home());
         view = std::make_unique<ViewSettings>(home.settings());
         view->read();
-        window = std::make_unique<NavWindow>(
-            CommandContext{*session, prompter, choosers, progress, *view}, *templates);
+        window = std::make_unique<NavWindow>(context(nullptr, false), *templates);
         window->resize(900, 600);
         window->load();
         if (show) {
@@ -60,9 +45,16 @@ struct NavHarness
         }
     }
     // The filled store of FixtureStore::fillSample(), then the window on it.
-    void loadSample(bool show = true)
+    void loadSample(bool show = true) { loadWith({}, show); }
+    // The sample store with what `more` adds to it, then the window on it.
+    void loadWith(const std::function<void(FixtureStore&)>& more, bool show = true)
     {
-        FixtureStore(home.home()).fillSample();
+        {
+            FixtureStore store(home.home());
+            store.fillSample();
+            if (more)
+                more(store);
+        }
         load(show);
     }
     NavTree* tree() const { return window->tree(); }
@@ -72,24 +64,54 @@ struct NavHarness
     // The view that shows the pages of the page pane.
     QAbstractItemView* pageView() const { return window->pageList()->list()->currentView(); }
 
-    // A left click on the node, as a person makes it.
-    void click(const QString& key)
+    // Where a node stands in the tree's viewport, its parents opened: on the text's start, as
+    // a long name may reach past the visible width.
+    QPoint nodePoint(const QString& key) const
     {
         QTreeWidgetItem* item = tree()->node(key);
-        QVERIFY2(item, qPrintable("no node " + key));
+        if (!item)
+            return QPoint(-1, -1);
         for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
             p->setExpanded(true);
         tree()->scrollToItem(item);
         const QRect r = tree()->visualItemRect(item);
-        // On the text's start: a long name may reach past the visible width.
-        const QPoint at(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
-        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, at);
+        return QPoint(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
     }
-
+    // A left click on the node, as a person makes it.
+    void click(const QString& key)
+    {
+        QVERIFY2(tree()->node(key), qPrintable("no node " + key));
+        QTest::mouseClick(tree()->viewport(), Qt::LeftButton, {}, nodePoint(key));
+    }
     void clickPath(const QStringList& keys)
     {
         for (const QString& key : keys)
             click(key);
+    }
+    // Runs a command of the menus, which must be enabled.
+    void trigger(const QString& action)
+    {
+        QAction* a = window->menus().action(action);
+        QVERIFY2(a && a->isEnabled(), qPrintable(action));
+        a->trigger();
+    }
+    // Makes the list's item of that text current; with `speak` the list spoke last.
+    void selectInList(const QString& text, bool speak = false)
+    {
+        QListWidgetItem* item = window->list()->findItems(text, Qt::MatchExactly).value(0);
+        QVERIFY2(item, qPrintable(text));
+        window->list()->setCurrentItem(item);
+        if (speak)
+            setSource(ContextSource::List);
+    }
+    // The found branch as a search would leave it for document 1.
+    void addFoundBranch()
+    {
+        tree()->addNode("", "ROOTFOUND", "Found", QIcon());
+        tree()->addNode("ROOTFOUND", "FCB1", "Home Papers", QIcon());
+        tree()->addNode("FCB1", "FDW1", "Bank", QIcon());
+        tree()->addNode("FDW1", "FFD1", "Checking", QIcon());
+        tree()->addNode("FFD1", "FDC1", "March statement", QIcon());
     }
 
     QStringList childKeys(const QString& key) const
@@ -107,6 +129,14 @@ struct NavHarness
             for (int i = 0; i < item->childCount(); ++i)
                 texts << item->child(i)->text(0);
         return texts;
+    }
+    // The keys below a node, nested in the order shown: "FCB1(FDW1(FFD1),FDW2)".
+    QString branch(const QString& key) const
+    {
+        QStringList below;
+        for (const QString& child : childKeys(key))
+            below << branch(child);
+        return below.isEmpty() ? key : key + "(" + below.join(',') + ")";
     }
     QStringList listTexts() const
     {
@@ -126,12 +156,36 @@ struct NavHarness
     }
     QString visibleLevelMenu() const
     {
-        QString shown;
+        QStringList shown;
         for (const QString& name : NavMenus::levelMenus())
             if (window->menus().menu(name)->menuAction()->isVisible())
-                shown += shown.isEmpty() ? name : "," + name;
-        return shown;
+                shown << name;
+        return shown.join(',');
     }
 };
 
+// The window on the sample store, shown, after clicks on the given nodes.
+struct SampleWindow : NavHarness
+{
+    explicit SampleWindow(const QStringList& clicks = {})
+    {
+        loadSample();
+        clickPath(clicks);
+    }
+};
+
+// A data table in few lines: columns<QString, int>({"key", "count"}), then one row() a case.
+template <class... T> void columns(const std::array<const char*, sizeof...(T)>& names)
+{
+    int i = 0;
+    (QTest::addColumn<T>(names[i++]), ...);
+}
+template <class... V> void row(const char* name, const V&... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
 } // namespace qmr::test
+
+// The prompter saw every text it expected, in order, and nothing else.
+#define QMR_VERIFY_PROMPTS(h) QVERIFY2((h).prompter.verify(), qPrintable((h).prompter.report()))

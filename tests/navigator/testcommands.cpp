@@ -18,9 +18,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::NavHarness;
-
-using qmr::test::whenModal;
+using namespace qmr::test;
 
 namespace {
 
@@ -34,13 +32,6 @@ void typeNameAndOk(QWidget* dialog, const QString& name, QString* caption)
         ok->click();
 }
 
-void trigger(NavHarness& h, const char* action)
-{
-    QAction* a = h.window->menus().action(QLatin1String(action));
-    QVERIFY2(a && a->isEnabled(), action);
-    a->trigger();
-}
-
 } // namespace
 
 class TestCommands : public QObject
@@ -49,61 +40,57 @@ class TestCommands : public QObject
 private slots:
     void newItemsFindTheirParent_data()
     {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("listItem"); // selected in the list afterwards, context "L"
-        QTest::addColumn<QString>("action");
-        QTest::addColumn<int>("level");
-        QTest::addColumn<int>("parent");
-        QTest::addColumn<QString>("caption");
-        QTest::newRow("drawer in clicked cabinet")
-            << QStringList{"CAB1"} << ""
-            << "mnuPopupCabinetNewDrawer" << 1 << 1 << "Add Drawer";
-        QTest::newRow("drawer beside clicked drawer")
-            << QStringList{"CAB1", "DRW2"} << ""
-            << "mnuPopupDrawerNewDrawer" << 1 << 1 << "Add Drawer";
-        QTest::newRow("folder in clicked drawer")
-            << QStringList{"CAB1", "DRW2"} << ""
-            << "mnuPopupDrawerNewFolder" << 2 << 2 << "Add Folder";
-        QTest::newRow("folder beside clicked folder")
-            << QStringList{"CAB1", "DRW2", "FLD3"} << ""
-            << "mnuPopupFolderNewFolder" << 2 << 2 << "Add Folder";
-        QTest::newRow("document in clicked folder")
-            << QStringList{"CAB1", "DRW1", "FLD1"} << ""
-            << "mnuPopupFolderNewDocument" << 3 << 1 << "Add Document";
-        QTest::newRow("document beside clicked document")
-            << QStringList{"CAB1", "DRW2", "FLD3", "DOC3"} << ""
-            << "mnuPopupDocumentNewDocument" << 3 << 3 << "Add Document";
-        QTest::newRow("drawer in the list's cabinet")
-            << QStringList{"ROOT"} << "Home Papers"
-            << "mnuPopupCabinetNewDrawer" << 1 << 1 << "Add Drawer";
-        QTest::newRow("folder beside the list's folder")
-            << QStringList{"CAB1", "DRW1"} << "Checking"
-            << "mnuPopupFolderNewFolder" << 2 << 1 << "Add Folder";
-        QTest::newRow("cabinet") << QStringList{"ROOT"} << ""
-                                 << "mnuPopupRootNewFileCabinet" << 0 << -1 << "Add File Cabinet";
+        // `select`: a list item that then spoke last, or "tree:" and a node the keyboard chose.
+        columns<QStringList, QString, QString, int, int, QString>(
+            {"clicks", "select", "action", "level", "parent", "caption"});
+        const QString drawer = "Add Drawer";
+        const QString folder = "Add Folder";
+        const QString document = "Add Document";
+        row("drawer in clicked cabinet", QStringList{"CAB1"}, "", "mnuPopupCabinetNewDrawer", 1, 1,
+            drawer);
+        row("drawer beside clicked drawer", QStringList{"CAB1", "DRW2"}, "",
+            "mnuPopupDrawerNewDrawer", 1, 1, drawer);
+        row("folder in clicked drawer", QStringList{"CAB1", "DRW2"}, "", "mnuPopupDrawerNewFolder",
+            2, 2, folder);
+        row("folder beside clicked folder", QStringList{"CAB1", "DRW2", "FLD3"}, "",
+            "mnuPopupFolderNewFolder", 2, 2, folder);
+        row("document in clicked folder", QStringList{"CAB1", "DRW1", "FLD1"}, "",
+            "mnuPopupFolderNewDocument", 3, 1, document);
+        row("document beside clicked document", QStringList{"CAB1", "DRW2", "FLD3", "DOC3"}, "",
+            "mnuPopupDocumentNewDocument", 3, 3, document);
+        row("drawer in the list's cabinet", QStringList{"ROOT"}, "Home Papers",
+            "mnuPopupCabinetNewDrawer", 1, 1, drawer);
+        row("folder beside the list's folder", QStringList{"CAB1", "DRW1"}, "Checking",
+            "mnuPopupFolderNewFolder", 2, 1, folder);
+        row("cabinet", QStringList{"ROOT"}, "", "mnuPopupRootNewFileCabinet", 0, -1,
+            "Add File Cabinet");
+        row("Insert in the tree", QStringList{"CAB1", "DRW1"}, "", "Insert", 2, 1, folder);
+        // The arrow keys move the selection without driving the window; Insert then adds a
+        // drawer to the cabinet that is selected, not to the one clicked last.
+        row("Insert follows the keyboard", QStringList{"CAB1"}, "tree:CAB2", "Insert", 1, 2,
+            drawer);
     }
     void newItemsFindTheirParent()
     {
         QFETCH(QStringList, clicks);
-        QFETCH(QString, listItem);
+        QFETCH(QString, select);
         QFETCH(QString, action);
         QFETCH(int, level);
         QFETCH(int, parent);
         QFETCH(QString, caption);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath(clicks);
-        if (!listItem.isEmpty()) {
-            QListWidgetItem* item =
-                h.window->list()->findItems(listItem, Qt::MatchExactly).value(0);
-            QVERIFY(item);
-            h.window->list()->setCurrentItem(item);
-            h.setSource(ContextSource::List);
-        }
+        SampleWindow h(clicks);
+        h.session->locks().recordOpen(2);
+        if (select.startsWith("tree:"))
+            h.tree()->selectNode(select.mid(5));
+        else if (!select.isEmpty())
+            h.selectInList(select, true);
         const int before = ItemStore(h.session->db()).count(Level(level));
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Brand new", &seen); });
-        trigger(h, qPrintable(action));
+        if (action == "Insert")
+            QTest::keyClick(h.tree(), Qt::Key_Insert);
+        else
+            h.trigger(action);
         QCOMPARE(seen, caption);
         ItemStore items(h.session->db());
         QCOMPARE(items.count(Level(level)), before + 1);
@@ -119,20 +106,17 @@ private slots:
         if (level > 0)
             QCOMPARE(h.tree()->parentKey(key),
                      NodeKey::of(*parentLevel(Level(level)), parent).text());
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
     }
 
     void propertiesRenameEverywhere()
     {
-        NavHarness h;
-        h.loadSample();
-        h.click("CAB1");
+        SampleWindow h({"CAB1"});
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
         // The drawer comes from the list, as nothing in the record names a drawer.
-        h.window->list()->setCurrentItem(h.window->list()->item(0));
-        h.setSource(ContextSource::List);
-        trigger(h, "mnuPopupDrawerProperties");
+        h.selectInList("Bank", true);
+        h.trigger("mnuPopupDrawerProperties");
         QCOMPARE(seen, QStringLiteral("Drawer Properties (1)"));
         QCOMPARE(h.tree()->node("DRW1")->text(0), QStringLiteral("Bank & Loans"));
         QVERIFY(h.listTexts().contains("Bank & Loans"));
@@ -140,21 +124,17 @@ private slots:
 
     void lockedCabinetPropertiesAskFirst()
     {
-        NavHarness h;
-        h.loadSample();
-        h.click("ROOT");
-        h.window->list()->setCurrentItem(
-            h.window->list()->findItems("Private", Qt::MatchExactly).value(0));
-        h.setSource(ContextSource::List);
+        SampleWindow h({"ROOT"});
+        h.selectInList("Private", true);
         h.choosers.queuePassword(std::nullopt);
-        trigger(h, "mnuPopupCabinetProperties"); // cancelled: no dialog
+        h.trigger("mnuPopupCabinetProperties"); // cancelled: no dialog
         QString seen;
         h.choosers.queuePassword(QStringLiteral("secret"));
         whenModal(h.window.get(), [&](QWidget* d) {
             seen = d->windowTitle();
             d->findChild<QPushButton*>("cmdCancel")->click();
         });
-        trigger(h, "mnuPopupCabinetProperties");
+        h.trigger("mnuPopupCabinetProperties");
         QCOMPARE(seen, QStringLiteral("File Cabinet Properties (2)"));
         QCOMPARE(h.choosers.passwordAsks(), 2);
         // Opened from the list, the cabinet's node is filled as a click fills it.
@@ -164,10 +144,7 @@ private slots:
 
     void documentDoubleClickOpensProperties()
     {
-        NavHarness h;
-        h.loadSample();
-        h.click("CAB1");
-        h.click("DRW1");
+        SampleWindow h({"CAB1", "DRW1"});
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) {
             seen = d->windowTitle();
@@ -180,43 +157,9 @@ private slots:
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement"));
     }
 
-    void insertKeyAddsInTheTree()
-    {
-        NavHarness h;
-        h.loadSample();
-        h.click("CAB1");
-        h.click("DRW1");
-        QString seen;
-        whenModal(h.window.get(),
-                  [&](QWidget* d) { typeNameAndOk(d, "From the keyboard", &seen); });
-        QTest::keyClick(h.tree(), Qt::Key_Insert);
-        QCOMPARE(seen, QStringLiteral("Add Folder"));
-        QCOMPARE(h.tree()->node(h.tree()->selectedKey())->text(0),
-                 QStringLiteral("From the keyboard"));
-        QCOMPARE(h.tree()->parentKey(h.tree()->selectedKey()), QStringLiteral("DRW1"));
-    }
-
-    void insertFollowsTheKeyboard()
-    {
-        NavHarness h;
-        h.loadSample();
-        h.click("CAB1");
-        // The arrow keys move the selection without driving the window; Insert then adds a
-        // drawer to the cabinet that is selected, not to the one clicked last.
-        h.tree()->selectNode("CAB2");
-        h.session->locks().recordOpen(2);
-        QString seen;
-        whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Keyboard drawer", &seen); });
-        QTest::keyClick(h.tree(), Qt::Key_Insert);
-        QCOMPARE(seen, QStringLiteral("Add Drawer"));
-        QCOMPARE(ItemStore(h.session->db()).children(Level::Drawer, 2).size(), 2);
-    }
-
     void pagePropertiesOfTheSelection()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
+        SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
         PageListView* pages = h.window->pageList()->list();
         QCOMPARE(pages->count(), 2);
         pages->selectAllPages();
@@ -225,29 +168,27 @@ private slots:
             data = d->findChild<QLabel*>("lblPageIdData")->text();
             d->findChild<QPushButton*>("cmdOK")->click();
         });
-        trigger(h, "mnuPopupPageProperties");
+        h.trigger("mnuPopupPageProperties");
         QCOMPARE(data, QStringLiteral("2 pages"));
     }
 
     void renumbering_data()
     {
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<QString>("numbers");
-        QTest::newRow("yes") << int(Prompter::Answer::Yes) << "1,2";
-        QTest::newRow("no") << int(Prompter::Answer::No) << "5,5";
-        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << "5,5";
+        columns<int, QString>({"answer", "numbers"});
+        row("yes", int(Prompter::Answer::Yes), "1,2");
+        row("no", int(Prompter::Answer::No), "5,5");
+        row("cancel", int(Prompter::Answer::Cancel), "5,5");
     }
     void renumbering()
     {
         QFETCH(int, answer);
         QFETCH(QString, numbers);
-        NavHarness h;
-        h.loadSample();
+        SampleWindow h;
         h.session->db().execute("UPDATE Page SET PageNumber = 5 WHERE DocumentId = 1");
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
         h.prompter.expect("Renumber all pages in 'March statement'?", Prompter::Answer(answer));
-        trigger(h, "mnuPopupDocumentRepaginate");
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        h.trigger("mnuPopupDocumentRepaginate");
+        QMR_VERIFY_PROMPTS(h);
         const Recordset rs = h.session->db().openRecordset(
             "SELECT PageNumber FROM Page WHERE DocumentId = 1 ORDER BY PageId");
         QCOMPARE(QString("%1,%2").arg(rs.integer(0, "PageNumber")).arg(rs.integer(1, "PageNumber")),
@@ -257,21 +198,17 @@ private slots:
 
     void renumberOnePage_data()
     {
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<bool>("ok");
-        QTest::addColumn<int>("stored");
-        QTest::newRow("number") << "7" << true << 7;
-        QTest::newRow("no number") << "seven" << true << 2;
-        QTest::newRow("cancel") << "9" << false << 2;
+        columns<QString, bool, int>({"typed", "ok", "stored"});
+        row("number", "7", true, 7);
+        row("no number", "seven", true, 2);
+        row("cancel", "9", false, 2);
     }
     void renumberOnePage()
     {
         QFETCH(QString, typed);
         QFETCH(bool, ok);
         QFETCH(int, stored);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
+        SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
         PageListView* pages = h.window->pageList()->list();
         pages->selectPage(pages->pageIdAt(1));
         QString present;
@@ -281,7 +218,7 @@ private slots:
             box->setText(typed);
             d->findChild<QPushButton*>(ok ? "cmdOK" : "cmdCancel")->click();
         });
-        trigger(h, "mnuPopupPageRenumber");
+        h.trigger("mnuPopupPageRenumber");
         QCOMPARE(present, QStringLiteral("2"));
         QCOMPARE(h.session->db().scalar("SELECT PageNumber FROM Page WHERE PageId = 2").toInt(),
                  stored);
@@ -306,8 +243,8 @@ private slots:
             d->findChild<QPushButton*>("cmdCreate")->click();
             d->findChild<QPushButton*>("cmdCancel")->click();
         });
-        trigger(h, "mnuToolsCreateSampleCabinet");
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        h.trigger("mnuToolsCreateSampleCabinet");
+        QMR_VERIFY_PROMPTS(h);
         QCOMPARE(ItemStore(h.session->db()).count(Level::Cabinet), 1);
 
         // Renamed, the cabinet no longer blocks a second copy of the sample.
@@ -315,8 +252,8 @@ private slots:
         h.prompter.expect(unused);
         whenModal(h.window.get(),
                   [](QWidget* d) { d->findChild<QPushButton*>("cmdCreate")->click(); });
-        trigger(h, "mnuToolsCreateSampleCabinet");
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        h.trigger("mnuToolsCreateSampleCabinet");
+        QMR_VERIFY_PROMPTS(h);
         QCOMPARE(ItemStore(h.session->db()).count(Level::Cabinet), 2);
         QCOMPARE(h.tree()->node(h.tree()->selectedKey())->text(0),
                  QStringLiteral("Generic File Cabinet"));
@@ -326,10 +263,9 @@ private slots:
     void drawerFromTemplateThroughTheMenu()
     {
         NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
         QVERIFY(TextFile::writeLines(h.home.file("Drawer.txt"),
                                      {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice"}));
-        h.load();
+        h.loadSample();
         h.templates->loadDrawerTemplates();
         h.click("CAB1");
         whenModal(h.window.get(), [](QWidget* d) {
@@ -337,7 +273,7 @@ private slots:
             d->findChild<QComboBox*>("cboTemplate")->setCurrentIndex(1);
             d->findChild<QPushButton*>("cmdOK")->click();
         });
-        trigger(h, "mnuPopupCabinetNewDrawer");
+        h.trigger("mnuPopupCabinetNewDrawer");
         const QString drawer =
             "DRW" + h.session->db().scalar("SELECT MAX(DrawerId) FROM Drawer").toString();
         QCOMPARE(h.tree()->node(drawer)->text(0), QStringLiteral("My car"));

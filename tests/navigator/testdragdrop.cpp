@@ -15,7 +15,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::NavHarness;
+using namespace qmr::test;
 
 namespace {
 
@@ -45,19 +45,6 @@ DragOutcome dragAndDrop(QWidget* viewport, const QPoint& at, const QMimeData* da
         outcome.dropAccepted = dropped.isAccepted();
     }
     return outcome;
-}
-
-// Where a node stands in the tree's viewport, its parents opened.
-QPoint nodePoint(NavHarness& h, const QString& key)
-{
-    QTreeWidgetItem* item = h.tree()->node(key);
-    if (!item)
-        return QPoint(-1, -1);
-    for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
-        p->setExpanded(true);
-    h.tree()->scrollToItem(item);
-    const QRect r = h.tree()->visualItemRect(item);
-    return QPoint(qMin(r.left() + 12, h.tree()->viewport()->width() - 2), r.center().y());
 }
 
 QMimeData* filesData(const QStringList& files)
@@ -92,9 +79,7 @@ class TestDragDrop : public QObject
 private slots:
     void filesDroppedOnATreeDocument()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         QTemporaryDir outside;
         const QString jpeg = writeImage(outside, QStringLiteral("Bob's \"first\" 100%.jpg"));
         const QString tif = outside.filePath(QStringLiteral("drawing.tif"));
@@ -102,7 +87,7 @@ private slots:
         std::unique_ptr<QMimeData> data(filesData({jpeg, tif}));
         QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
 
-        const DragOutcome o = dragAndDrop(h.tree()->viewport(), nodePoint(h, "DOC2"), data.get());
+        const DragOutcome o = dragAndDrop(h.tree()->viewport(), h.nodePoint("DOC2"), data.get());
 
         QVERIFY(o.overAccepted);
         QCOMPARE(o.overAction, Qt::CopyAction);
@@ -123,20 +108,18 @@ private slots:
         QVERIFY(h.window->pageList()->isVisible());
         QCOMPARE(h.window->pageList()->documentId(), 2);
         QCOMPARE(h.pageTexts(), (QStringList{"drawing.tif", "Page 1"}));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
     }
 
     void filesDroppedOnAFolderMakeOneDocument()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1"});
+        SampleWindow h({"CAB1"});
         QTemporaryDir outside;
         std::unique_ptr<QMimeData> data(
             filesData({writeImage(outside, "a.jpg"), writeImage(outside, "b.bmp", "BMP"),
                        writeImage(outside, "c.jpeg", "JPG")}));
         QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
-        QVERIFY(dragAndDrop(h.tree()->viewport(), nodePoint(h, "FLD2"), data.get()).dropAccepted);
+        QVERIFY(dragAndDrop(h.tree()->viewport(), h.nodePoint("FLD2"), data.get()).dropAccepted);
         QTRY_COMPARE(done.size(), 1);
         const QVector<ItemRow> made = h.session->items().children(Level::Document, 2);
         QCOMPARE(made.size(), 1);
@@ -148,24 +131,21 @@ private slots:
 
     void refusedFileDrops_data()
     {
-        QTest::addColumn<QString>("target");
-        QTest::addColumn<int>("actions");
-        QTest::newRow("on a drawer") << "DRW1" << int(Qt::CopyAction);
-        QTest::newRow("on a cabinet") << "CAB1" << int(Qt::CopyAction);
-        QTest::newRow("on the root") << "ROOT" << int(Qt::CopyAction);
-        QTest::newRow("a file manager that only moves") << "DOC1" << int(Qt::MoveAction);
+        columns<QString, int>({"target", "actions"});
+        row("on a drawer", "DRW1", int(Qt::CopyAction));
+        row("on a cabinet", "CAB1", int(Qt::CopyAction));
+        row("on the root", "ROOT", int(Qt::CopyAction));
+        row("a file manager that only moves", "DOC1", int(Qt::MoveAction));
     }
     void refusedFileDrops()
     {
         QFETCH(QString, target);
         QFETCH(int, actions);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         QTemporaryDir outside;
         std::unique_ptr<QMimeData> data(filesData({writeImage(outside, "a.jpg")}));
         const qint64 pages = h.session->pages().countAll();
-        const DragOutcome o = dragAndDrop(h.tree()->viewport(), nodePoint(h, target), data.get(),
+        const DragOutcome o = dragAndDrop(h.tree()->viewport(), h.nodePoint(target), data.get(),
                                           true, Qt::DropActions(actions));
         QVERIFY(!o.overAccepted);
         QVERIFY(!o.dropAccepted);
@@ -175,12 +155,10 @@ private slots:
 
     void dataWithoutFilesIsNoDrop()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         QMimeData text;
         text.setText(QStringLiteral("/tmp/a.jpg"));
-        QDragEnterEvent enter(nodePoint(h, "DOC1"), Qt::CopyAction, &text, Qt::LeftButton,
+        QDragEnterEvent enter(h.nodePoint("DOC1"), Qt::CopyAction, &text, Qt::LeftButton,
                               Qt::NoModifier);
         QCoreApplication::sendEvent(h.tree()->viewport(), &enter);
         QVERIFY(!enter.isAccepted());
@@ -188,9 +166,7 @@ private slots:
 
     void aDrawerMovedKeepsItsNodes()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         h.tree()->node("DRW1")->setExpanded(true);
         h.tree()->node("FLD1")->setExpanded(true);
         QVERIFY(h.tree()->node("DRW1")->isExpanded());
@@ -203,7 +179,7 @@ private slots:
         h.choosers.queuePassword(QStringLiteral("secret"));
         QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
 
-        const DragOutcome o = dragAndDrop(h.tree()->viewport(), nodePoint(h, "CAB2"), data.get());
+        const DragOutcome o = dragAndDrop(h.tree()->viewport(), h.nodePoint("CAB2"), data.get());
 
         QVERIFY(o.overAccepted);
         QCOMPARE(o.overAction, Qt::MoveAction);
@@ -225,9 +201,7 @@ private slots:
 
     void overTheListTheSelectionFollowsValidTargets()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1", "DRW2"});
+        SampleWindow h({"CAB1", "DRW1", "DRW2"});
         // The list shows Taxes' folders; a document of the tree is dragged over them.
         h.tree()->setCurrentItem(h.tree()->node("DOC1"));
         QVERIFY(dragDrop(h).beginDrag(DropSource::Tree));
@@ -249,22 +223,15 @@ private slots:
 
     void whatNeverDrags_data()
     {
-        QTest::addColumn<QString>("key");
-        QTest::newRow("root") << "ROOT";
-        QTest::newRow("cabinet") << "CAB1";
-        QTest::newRow("found drawer") << "FDW1";
-        QTest::newRow("found document") << "FDC1";
+        columns<QString>({"key"});
+        for (const char* key : {"ROOT", "CAB1", "FDW1", "FDC1"})
+            row(key, QString(key));
     }
     void whatNeverDrags()
     {
         QFETCH(QString, key);
-        NavHarness h;
-        h.loadSample();
-        h.tree()->addNode(QString(), "ROOTFOUND", "Found", QIcon());
-        h.tree()->addNode("ROOTFOUND", "FCB1", "Home Papers", QIcon());
-        h.tree()->addNode("FCB1", "FDW1", "Bank", QIcon());
-        h.tree()->addNode("FDW1", "FFD1", "Checking", QIcon());
-        h.tree()->addNode("FFD1", "FDC1", "March statement", QIcon());
+        SampleWindow h;
+        h.addFoundBranch();
         h.tree()->setCurrentItem(h.tree()->node(key));
         QVERIFY(!dragDrop(h).beginDrag(DropSource::Tree));
         QVERIFY(!dragDrop(h).isDragging());
@@ -272,9 +239,7 @@ private slots:
 
     void aPageDraggedOutOfThePageList()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW2", "DRW1", "DOC1"});
+        SampleWindow h({"CAB1", "DRW2", "DRW1", "DOC1"});
         QCOMPARE(h.pageTexts(), (QStringList{"Page 1", "Page 2"}));
         PageListView* pages = h.window->pageList()->list();
         pages->selectPage(2);
@@ -286,7 +251,7 @@ private slots:
         QVERIFY(!dragAndDrop(pageViewport, QPoint(10, 10), data.get(), false).overAccepted);
         QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
 
-        QVERIFY(dragAndDrop(h.tree()->viewport(), nodePoint(h, "DOC3"), data.get()).dropAccepted);
+        QVERIFY(dragAndDrop(h.tree()->viewport(), h.nodePoint("DOC3"), data.get()).dropAccepted);
 
         QTRY_COMPARE(done.size(), 1);
         QCOMPARE(h.session->pages().documentOf(2), 3);
@@ -298,9 +263,7 @@ private slots:
 
     void pagesOfAFoundDocumentStay()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         h.navigator().showPagesInListView(1, true);
         h.window->pageList()->list()->selectPage(1);
         QVERIFY(!dragDrop(h).beginDrag(DropSource::PageList));

@@ -1,5 +1,4 @@
 #include <QApplication>
-#include <QFile>
 #include <QMenu>
 #include <QMenuBar>
 #include <QTest>
@@ -11,7 +10,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::NavHarness;
+using namespace qmr::test;
 
 namespace {
 
@@ -51,36 +50,23 @@ Shown popupOf(const std::function<void()>& act)
     return shown;
 }
 
-QPoint centreOf(QTreeWidget* tree, const QString& key)
-{
-    return tree->visualItemRect(static_cast<NavTree*>(tree)->node(key)).center();
-}
-
 void rightClickTree(NavHarness& h, const QString& key)
 {
-    QTest::mouseClick(h.tree()->viewport(), Qt::RightButton, {}, centreOf(h.tree(), key));
-}
-
-void selectInList(NavHarness& h, const QString& text)
-{
-    QListWidgetItem* item = h.window->list()->findItems(text, Qt::MatchExactly).value(0);
-    QVERIFY2(item, qPrintable(text));
-    h.window->list()->setCurrentItem(item);
+    QTest::mouseClick(h.tree()->viewport(), Qt::RightButton, {},
+                      h.tree()->visualItemRect(h.tree()->node(key)).center());
 }
 
 void rightClickList(NavHarness& h, const QString& text)
 {
-    selectInList(h, text);
+    h.selectInList(text);
     QListWidget* list = h.window->list();
-    const QRect r = list->visualItemRect(list->findItems(text, Qt::MatchExactly).value(0));
+    const QRect r = list->visualItemRect(list->currentItem());
     QTest::mouseClick(list->viewport(), Qt::RightButton, {}, r.center());
 }
 
-void addFoundBranch(NavHarness& h)
-{
-    h.tree()->addNode("", "ROOTFOUND", "Found", QIcon());
-    h.tree()->addNode("ROOTFOUND", "FCB1", "Home Papers", QIcon());
-}
+const int tree = int(ContextSource::Tree);
+const int list = int(ContextSource::List);
+const int pages = int(ContextSource::PageList);
 
 } // namespace
 
@@ -90,54 +76,22 @@ class TestMenus : public QObject
 private slots:
     void commandKeys_data()
     {
-        QTest::addColumn<int>("control");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("insert");
-        QTest::addColumn<QString>("remove");
-        const int tree = int(ContextSource::Tree);
-        const int list = int(ContextSource::List);
-        QTest::newRow("tree root") << tree << "ROOT"
-                                   << "mnuPopupCabinetNewCabinet"
-                                   << "";
-        QTest::newRow("tree found root") << tree << "ROOTFOUND"
-                                         << ""
-                                         << "";
-        QTest::newRow("tree cabinet") << tree << "CAB1"
-                                      << "mnuPopupDrawerNewDrawer"
-                                      << "mnuPopupCabinetDelete";
-        QTest::newRow("tree drawer") << tree << "DRW1"
-                                     << "mnuPopupFolderNewFolder"
-                                     << "mnuPopupDrawerDelete";
-        QTest::newRow("tree folder") << tree << "FLD1"
-                                     << "mnuPopupFolderNewDocument"
-                                     << "mnuPopupFolderDelete";
-        QTest::newRow("tree document") << tree << "DOC1"
-                                       << "mnuPopupDocumentNewDocument"
-                                       << "mnuPopupDocumentDelete";
-        QTest::newRow("tree found document") << tree << "FDC1"
-                                             << ""
-                                             << "";
-        QTest::newRow("list cabinet") << list << "CAB1"
-                                      << "mnuPopupCabinetNewCabinet"
-                                      << "mnuPopupCabinetDelete";
-        QTest::newRow("list drawer") << list << "DRW1"
-                                     << "mnuPopupDrawerNewDrawer"
-                                     << "mnuPopupDrawerDelete";
-        QTest::newRow("list folder") << list << "FLD1"
-                                     << "mnuPopupFolderNewFolder"
-                                     << "mnuPopupFolderDelete";
-        QTest::newRow("list document") << list << "DOC1"
-                                       << "mnuPopupDocumentScanPage"
-                                       << "mnuPopupDocumentDelete";
-        QTest::newRow("list found cabinet") << list << "FCB1"
-                                            << ""
-                                            << "";
-        QTest::newRow("list nothing") << list << ""
-                                      << ""
-                                      << "";
-        QTest::newRow("page list") << int(ContextSource::PageList) << "PAG1"
-                                   << ""
-                                   << "";
+        columns<int, QString, QString, QString>({"control", "key", "insert", "remove"});
+        // Entries without their "mnuPopup".
+        row("tree root", tree, "ROOT", "CabinetNewCabinet", "");
+        row("tree found root", tree, "ROOTFOUND", "", "");
+        row("tree cabinet", tree, "CAB1", "DrawerNewDrawer", "CabinetDelete");
+        row("tree drawer", tree, "DRW1", "FolderNewFolder", "DrawerDelete");
+        row("tree folder", tree, "FLD1", "FolderNewDocument", "FolderDelete");
+        row("tree document", tree, "DOC1", "DocumentNewDocument", "DocumentDelete");
+        row("tree found document", tree, "FDC1", "", "");
+        row("list cabinet", list, "CAB1", "CabinetNewCabinet", "CabinetDelete");
+        row("list drawer", list, "DRW1", "DrawerNewDrawer", "DrawerDelete");
+        row("list folder", list, "FLD1", "FolderNewFolder", "FolderDelete");
+        row("list document", list, "DOC1", "DocumentScanPage", "DocumentDelete");
+        row("list found cabinet", list, "FCB1", "", "");
+        row("list nothing", list, "", "", "");
+        row("page list", pages, "PAG1", "", "");
     }
     void commandKeys()
     {
@@ -145,39 +99,28 @@ private slots:
         QFETCH(QString, key);
         QFETCH(QString, insert);
         QFETCH(QString, remove);
-        QCOMPARE(CommandKeys::insertCommand(ContextSource(control), NodeKey::parse(key)), insert);
-        QCOMPARE(CommandKeys::deleteCommand(ContextSource(control), NodeKey::parse(key)), remove);
+        const auto named = [](const QString& e) { return e.isEmpty() ? e : "mnuPopup" + e; };
+        QCOMPARE(CommandKeys::insertCommand(ContextSource(control), NodeKey::parse(key)),
+                 named(insert));
+        QCOMPARE(CommandKeys::deleteCommand(ContextSource(control), NodeKey::parse(key)),
+                 named(remove));
     }
 
     void targetRule_data()
     {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("rightClick"); // a tree node right-clicked ("" none)
-        QTest::addColumn<QString>("listItem");   // selected in the list ("" none)
-        QTest::addColumn<int>("source");
-        QTest::addColumn<int>("level");
-        QTest::addColumn<int>("id");
-        const int tree = int(ContextSource::Tree);
-        const int list = int(ContextSource::List);
-        const int pages = int(ContextSource::PageList);
-        QTest::newRow("tree click: the selected node") << QStringList{"CAB1", "DRW1"} << ""
-                                                       << "" << tree << 1 << 1;
-        QTest::newRow("tree click: another level has none") << QStringList{"CAB1", "DRW1"} << ""
-                                                            << "" << tree << 0 << -1;
-        QTest::newRow("list: its selected item") << QStringList{"CAB1"} << ""
-                                                 << "Taxes" << list << 1 << 2;
-        QTest::newRow("list: the tree's node is not the list's level")
-            << QStringList{"CAB1"} << ""
-            << "Taxes" << list << 0 << -1;
-        QTest::newRow("page list reads the container list") << QStringList{"CAB1"} << ""
-                                                            << "Taxes" << pages << 1 << 2;
+        columns<QStringList, QString, QString, int, int, int>(
+            {"clicks", "rightClick", "listItem", "source", "level", "id"});
+        const QStringList drawer{"CAB1", "DRW1"};
+        row("tree click: the selected node", drawer, "", "", tree, 1, 1);
+        row("tree click: another level has none", drawer, "", "", tree, 0, -1);
+        row("list: its selected item", QStringList{"CAB1"}, "", "Taxes", list, 1, 2);
+        row("list: the tree's node is not the list's level", QStringList{"CAB1"}, "", "Taxes", list,
+            0, -1);
+        row("page list reads the container list", QStringList{"CAB1"}, "", "Taxes", pages, 1, 2);
         // After a right click the record names the menu's node, whatever spoke since.
-        QTest::newRow("record first") << QStringList{"CAB1", "DRW1"} << "DRW1"
-                                      << "Savings" << list << 1 << 1;
-        QTest::newRow("record of another level") << QStringList{"CAB1", "DRW1"} << "DRW1"
-                                                 << "Savings" << list << 2 << 2;
-        QTest::newRow("right click on a cabinet") << QStringList{"CAB1", "DRW2"} << "CAB1"
-                                                  << "" << tree << 0 << 1;
+        row("record first", drawer, "DRW1", "Savings", list, 1, 1);
+        row("record of another level", drawer, "DRW1", "Savings", list, 2, 2);
+        row("right click on a cabinet", QStringList{"CAB1", "DRW2"}, "CAB1", "", tree, 0, 1);
     }
     void targetRule()
     {
@@ -186,67 +129,84 @@ private slots:
         QFETCH(QString, listItem);
         QFETCH(int, source);
         QFETCH(int, level);
-        QFETCH(int, id);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath(clicks);
+        SampleWindow h(clicks);
         if (!rightClick.isEmpty()) {
             // A right click menus the selected node, which the click path left selected.
             h.tree()->selectNode(rightClick);
-            const Shown shown = popupOf([&] { rightClickTree(h, rightClick); });
-            QVERIFY(!shown.menu.isEmpty());
+            QVERIFY(!popupOf([&] { rightClickTree(h, rightClick); }).menu.isEmpty());
         }
         if (!listItem.isEmpty())
-            selectInList(h, listItem);
+            h.selectInList(listItem);
         h.setSource(ContextSource(source));
-        QCOMPARE(h.navigator().target().targetId(Level(level)), id);
+        QTEST(h.navigator().target().targetId(Level(level)), "id");
     }
 
-    void treePopups_data()
+    // A right click, or the menu key, on each control: the tree's menus its selected node
+    // wherever the pointer is and fills the record; the list's leaves the record as it was.
+    void popups_data()
     {
-        QTest::addColumn<QString>("node");
-        QTest::addColumn<QString>("menu");
-        QTest::addColumn<QString>("record"); // the record's node afterwards
-        QTest::newRow("root") << "ROOT"
-                              << "mnuPopupRoot"
-                              << "";
-        QTest::newRow("found root") << "ROOTFOUND"
-                                    << "mnuPopupFound"
-                                    << "";
-        QTest::newRow("found cabinet") << "FCB1"
-                                       << ""
-                                       << "";
-        QTest::newRow("open cabinet") << "CAB1"
-                                      << "mnuPopupCabinet"
-                                      << "CAB1";
-        QTest::newRow("locked cabinet") << "CAB2"
-                                        << ""
-                                        << "";
-        QTest::newRow("drawer") << "DRW2"
-                                << "mnuPopupDrawer"
-                                << "DRW2";
-        QTest::newRow("folder") << "FLD1"
-                                << "mnuPopupFolder"
-                                << "FLD1";
-        QTest::newRow("document") << "DOC1"
-                                  << "mnuPopupDocument"
-                                  << "DOC1";
+        columns<QStringList, QString, int, int, QString, QString>(
+            {"clicks", "target", "key", "modifiers", "menu", "record"});
+        const QStringList folder{"CAB1", "DRW1", "FLD1"};
+        row("tree root", folder, "ROOT", 0, 0, "mnuPopupRoot", "");
+        row("tree found root", folder, "ROOTFOUND", 0, 0, "mnuPopupFound", "");
+        row("tree found cabinet", folder, "FCB1", 0, 0, "", "");
+        row("tree open cabinet", folder, "CAB1", 0, 0, "mnuPopupCabinet", "CAB1");
+        row("tree locked cabinet", folder, "CAB2", 0, 0, "", "");
+        row("tree drawer", folder, "DRW2", 0, 0, "mnuPopupDrawer", "DRW2");
+        row("tree folder", folder, "FLD1", 0, 0, "mnuPopupFolder", "FLD1");
+        row("tree document", folder, "DOC1", 0, 0, "mnuPopupDocument", "DOC1");
+        row("list cabinet", QStringList{"ROOT"}, "list:Home Papers", 0, 0, "mnuPopupCabinet", "");
+        row("list locked cabinet", QStringList{"ROOT"}, "list:Private", 0, 0, "", "");
+        row("list drawer", QStringList{"CAB1"}, "list:Taxes", 0, 0, "mnuPopupDrawer", "");
+        row("list folder", QStringList{"CAB1", "DRW1"}, "list:Savings", 0, 0, "mnuPopupFolder", "");
+        row("list document", folder, "list:O'Brien's letter", 0, 0, "mnuPopupDocument", "");
+        const QStringList drawer{"CAB1", "DRW1"};
+        const int shift = int(Qt::ShiftModifier);
+        row("tree, Menu key", drawer, "DRW1", int(Qt::Key_Menu), 0, "mnuPopupDrawer", "DRW1");
+        row("tree, Shift+F10", drawer, "DRW1", int(Qt::Key_F10), shift, "mnuPopupDrawer", "DRW1");
+        row("list, Shift+F10", drawer, "list:Savings", int(Qt::Key_F10), shift, "mnuPopupFolder",
+            "");
+        row("pages, Menu key", QStringList{"CAB1", "DRW1", "FLD1", "DOC1"}, "pages",
+            int(Qt::Key_Menu), 0, "mnuPopupPage", "");
     }
-    void treePopups()
+    void popups()
     {
-        QFETCH(QString, node);
+        QFETCH(QStringList, clicks);
+        QFETCH(QString, target);
+        QFETCH(int, key);
+        QFETCH(int, modifiers);
         QFETCH(QString, menu);
-        QFETCH(QString, record);
-        NavHarness h;
-        h.loadSample();
-        addFoundBranch(h);
-        h.clickPath({"CAB1", "DRW1", "FLD1"});
-        h.tree()->selectNode(node);
-        // A right click elsewhere still menus the selected node.
-        const Shown shown = popupOf([&] { rightClickTree(h, "ROOT"); });
+        SampleWindow h;
+        h.addFoundBranch();
+        h.clickPath(clicks);
+        QWidget* control = h.tree();
+        ContextSource source = ContextSource::Tree;
+        if (target.startsWith("list:")) {
+            h.selectInList(target.mid(5));
+            control = h.window->list();
+            source = ContextSource::List;
+        } else if (target == "pages") {
+            control = h.pageView();
+            source = ContextSource::PageList;
+        } else {
+            h.tree()->selectNode(target);
+        }
+        control->setFocus();
+        const Shown shown = popupOf([&] {
+            if (key)
+                QTest::keyClick(control, Qt::Key(key), Qt::KeyboardModifiers(modifiers));
+            else if (source == ContextSource::List)
+                rightClickList(h, target.mid(5));
+            else
+                rightClickTree(h, "ROOT"); // elsewhere than the selected node
+        });
         QCOMPARE(shown.menu, menu);
-        QCOMPARE(h.session->selection().node.text(), record);
-        QCOMPARE(h.navigator().target().source(), ContextSource::Tree);
+        QTEST(h.session->selection().node.text(), "record");
+        QCOMPARE(h.navigator().target().source(), source);
+        // The menu of a key stands by the selected item, not wherever the mouse pointer is.
+        if (key)
+            QVERIFY(control->rect().contains(control->mapFromGlobal(shown.at)));
         if (menu == "mnuPopupDocument") {
             // Entries of features still to come are there, disabled; Paste waits for the
             // clipboard.
@@ -256,63 +216,23 @@ private slots:
             QVERIFY(shown.enabled.contains("mnuPopupDocumentDelete"));
             QVERIFY(shown.enabled.contains("mnuPopupDocumentRename"));
         }
-    }
-
-    void listPopups_data()
-    {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("item");
-        QTest::addColumn<QString>("menu");
-        QTest::newRow("cabinet") << QStringList{"ROOT"} << "Home Papers"
-                                 << "mnuPopupCabinet";
-        QTest::newRow("locked cabinet") << QStringList{"ROOT"} << "Private"
-                                        << "";
-        QTest::newRow("drawer") << QStringList{"CAB1"} << "Taxes"
-                                << "mnuPopupDrawer";
-        QTest::newRow("folder") << QStringList{"CAB1", "DRW1"} << "Savings"
-                                << "mnuPopupFolder";
-        QTest::newRow("document") << QStringList{"CAB1", "DRW1", "FLD1"} << "O'Brien's letter"
-                                  << "mnuPopupDocument";
-    }
-    void listPopups()
-    {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, item);
-        QFETCH(QString, menu);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath(clicks);
-        const QString recordBefore = h.session->selection().node.text();
-        const Shown shown = popupOf([&] { rightClickList(h, item); });
-        QCOMPARE(shown.menu, menu);
-        QCOMPARE(h.navigator().target().source(), ContextSource::List);
-        // The list's right click leaves the record as it was.
-        QCOMPARE(h.session->selection().node.text(), recordBefore);
-        // While the list's menu is up, Insert shows beside the entry it runs there.
-        if (menu == "mnuPopupDrawer") {
-            const QAction* sibling = h.window->menus().action("mnuPopupDrawerNewDrawer");
-            QCOMPARE(sibling->shortcut(), QKeySequence()); // back to the tree's after closing
-        }
+        // While the list's menu is up, Insert shows beside the entry it runs there; the tree's
+        // key comes back when it closes.
+        if (menu == "mnuPopupDrawer")
+            QCOMPARE(h.window->menus().action("mnuPopupDrawerNewDrawer")->shortcut(),
+                     QKeySequence());
     }
 
     void pagePopup_data()
     {
-        QTest::addColumn<QString>("document");
-        QTest::addColumn<int>("row"); // the page selected, -1 none
-        QTest::addColumn<QStringList>("visible");
-        QTest::addColumn<QString>("deleteText");
-        const QStringList all{"mnuPopupPageOpen",   "mnuPopupPagePrint",     "mnuPopupPageRenumber",
-                              "mnuPopupPageDelete", "mnuPopupPageCut",       "mnuPopupPageCopy",
-                              "mnuPopupPagePaste",  "mnuPopupPageProperties"};
-        QTest::newRow("no pages") << "DOC2" << -1
-                                  << QStringList{"mnuPopupPageCut", "mnuPopupPageCopy",
-                                                 "mnuPopupPagePaste"}
-                                  << "";
-        QTest::newRow("a page") << "DOC1" << 0 << all << "Delete";
-        QStringList shortcut = all;
-        shortcut.removeAll("mnuPopupPagePrint");
-        shortcut.removeAll("mnuPopupPageRenumber");
-        QTest::newRow("a shortcut") << "DOC3" << 1 << shortcut << "Delete shortcut";
+        columns<QString, int, QStringList, QString>({"document", "row", "visible", "deleteText"});
+        QStringList all{"Open", "Print", "Renumber", "Delete",
+                        "Cut",  "Copy",  "Paste",    "Properties"};
+        row("no pages", "DOC2", -1, QStringList{"Cut", "Copy", "Paste"}, "");
+        row("a page", "DOC1", 0, all, "Delete");
+        all.removeAll("Print");
+        all.removeAll("Renumber");
+        row("a shortcut", "DOC3", 1, all, "Delete shortcut");
     }
     void pagePopup()
     {
@@ -321,13 +241,10 @@ private slots:
         QFETCH(QStringList, visible);
         QFETCH(QString, deleteText);
         NavHarness h;
-        {
-            test::FixtureStore store(h.home.home());
-            store.fillSample();
+        h.loadWith([](FixtureStore& store) {
             store.db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, "
                                "Filetype) VALUES (3, 2, '/srv/letters/reply.pdf', 'Y', 'pdf')");
-        }
-        h.load();
+        });
         h.clickPath({"CAB1", "DRW1", "FLD1"});
         if (document == "DOC3")
             h.clickPath({"DRW2", "FLD3"});
@@ -339,6 +256,8 @@ private slots:
         const Shown shown =
             popupOf([&] { QTest::mouseClick(pane->viewport(), Qt::RightButton, {}, at); });
         QCOMPARE(shown.menu, QStringLiteral("mnuPopupPage"));
+        for (QString& entry : visible)
+            entry.prepend("mnuPopupPage");
         QCOMPARE(shown.visible, visible);
         QVERIFY(!shown.enabled.contains("mnuPopupPagePaste"));
         if (!deleteText.isEmpty())
@@ -366,77 +285,26 @@ private slots:
         QVERIFY(!menus.action("mnuPopupDocumentPaste")->isEnabled());
     }
 
-    void menuKeysOpenThePopup_data()
-    {
-        QTest::addColumn<int>("control");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::addColumn<QString>("menu");
-        QTest::newRow("tree, Menu key")
-            << int(ContextSource::Tree) << int(Qt::Key_Menu) << 0 << "mnuPopupDrawer";
-        QTest::newRow("tree, Shift+F10") << int(ContextSource::Tree) << int(Qt::Key_F10)
-                                         << int(Qt::ShiftModifier) << "mnuPopupDrawer";
-        QTest::newRow("list, Shift+F10") << int(ContextSource::List) << int(Qt::Key_F10)
-                                         << int(Qt::ShiftModifier) << "mnuPopupFolder";
-        QTest::newRow("pages, Menu key")
-            << int(ContextSource::PageList) << int(Qt::Key_Menu) << 0 << "mnuPopupPage";
-    }
-    void menuKeysOpenThePopup()
-    {
-        QFETCH(int, control);
-        QFETCH(int, key);
-        QFETCH(int, modifiers);
-        QFETCH(QString, menu);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
-        QWidget* target = h.tree();
-        if (control == int(ContextSource::List)) {
-            selectInList(h, "Savings");
-            target = h.window->list();
-        } else if (control == int(ContextSource::PageList)) {
-            h.clickPath({"FLD1", "DOC1"});
-            target = h.pageView();
-        }
-        target->setFocus();
-        const Shown shown = popupOf(
-            [&] { QTest::keyClick(target, Qt::Key(key), Qt::KeyboardModifiers(modifiers)); });
-        QCOMPARE(shown.menu, menu);
-        QCOMPARE(h.navigator().target().source(), ContextSource(control));
-        // The menu stands by the selected item, not wherever the mouse pointer is.
-        QVERIFY(target->rect().contains(target->mapFromGlobal(shown.at)));
-        if (control == int(ContextSource::Tree))
-            QCOMPARE(h.session->selection().node.text(), QStringLiteral("DRW1"));
-    }
-
     void insertAndDeleteKeys_data()
     {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("listItem");
-        QTest::addColumn<int>("key");
-        QTest::addColumn<QString>("shown"); // the question or the dialog's caption
-        QTest::newRow("tree cabinet, Delete")
-            << QStringList{"CAB1"} << "" << int(Qt::Key_Delete) << "Delete 'Home Papers'?";
-        QTest::newRow("tree folder, Delete") << QStringList{"CAB1", "DRW1", "FLD1"} << ""
-                                             << int(Qt::Key_Delete) << "Delete 'Checking'?";
-        QTest::newRow("tree document, Delete")
-            << QStringList{"CAB1", "DRW1", "FLD1", "DOC1"} << "" << int(Qt::Key_Delete)
-            << "Delete 'March statement'?";
-        QTest::newRow("tree root, Delete")
-            << QStringList{"ROOT"} << "" << int(Qt::Key_Delete) << "";
-        QTest::newRow("list drawer, Delete")
-            << QStringList{"CAB1"} << "Taxes" << int(Qt::Key_Delete) << "Delete 'Taxes'?";
-        QTest::newRow("list document, Delete")
-            << QStringList{"CAB1", "DRW1", "FLD1"} << "O'Brien's letter" << int(Qt::Key_Delete)
-            << "Delete 'O'Brien's letter'?";
-        QTest::newRow("tree root, Insert")
-            << QStringList{"ROOT"} << "" << int(Qt::Key_Insert) << "dialog:Add File Cabinet";
-        QTest::newRow("tree folder, Insert") << QStringList{"CAB1", "DRW1", "FLD1"} << ""
-                                             << int(Qt::Key_Insert) << "dialog:Add Document";
-        QTest::newRow("list cabinet, Insert") << QStringList{"ROOT"} << "Home Papers"
-                                              << int(Qt::Key_Insert) << "dialog:Add File Cabinet";
-        QTest::newRow("list folder, Insert") << QStringList{"CAB1", "DRW1"} << "Savings"
-                                             << int(Qt::Key_Insert) << "dialog:Add Folder";
+        // What the key brings: the question, or "dialog:" and the dialog's caption.
+        columns<QStringList, QString, int, QString>({"clicks", "listItem", "key", "shown"});
+        const int del = int(Qt::Key_Delete);
+        const int ins = int(Qt::Key_Insert);
+        const QStringList folder{"CAB1", "DRW1", "FLD1"};
+        row("tree cabinet, Delete", QStringList{"CAB1"}, "", del, "Delete 'Home Papers'?");
+        row("tree folder, Delete", folder, "", del, "Delete 'Checking'?");
+        row("tree document, Delete", QStringList{"CAB1", "DRW1", "FLD1", "DOC1"}, "", del,
+            "Delete 'March statement'?");
+        row("tree root, Delete", QStringList{"ROOT"}, "", del, "");
+        row("list drawer, Delete", QStringList{"CAB1"}, "Taxes", del, "Delete 'Taxes'?");
+        row("list document, Delete", folder, "O'Brien's letter", del, "Delete 'O'Brien's letter'?");
+        row("tree root, Insert", QStringList{"ROOT"}, "", ins, "dialog:Add File Cabinet");
+        row("tree folder, Insert", folder, "", ins, "dialog:Add Document");
+        row("list cabinet, Insert", QStringList{"ROOT"}, "Home Papers", ins,
+            "dialog:Add File Cabinet");
+        row("list folder, Insert", QStringList{"CAB1", "DRW1"}, "Savings", ins,
+            "dialog:Add Folder");
     }
     void insertAndDeleteKeys()
     {
@@ -444,12 +312,10 @@ private slots:
         QFETCH(QString, listItem);
         QFETCH(int, key);
         QFETCH(QString, shown);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath(clicks);
+        SampleWindow h(clicks);
         QWidget* control = h.tree();
         if (!listItem.isEmpty()) {
-            selectInList(h, listItem);
+            h.selectInList(listItem);
             control = h.window->list();
         }
         QString caption;
@@ -465,7 +331,7 @@ private slots:
         }
         control->setFocus();
         QTest::keyClick(control, Qt::Key(key));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         if (shown.startsWith("dialog:"))
             QCOMPARE(caption, shown.mid(7));
         // The key ends with the focus back on its control.
@@ -474,65 +340,27 @@ private slots:
 
     void menusShowTheirKeys()
     {
-        NavHarness h;
-        h.loadSample();
+        SampleWindow h;
         const NavMenus& menus = h.window->menus();
-        auto keys = [&](const char* name) {
-            return menus.action(QLatin1String(name))->shortcut().toString();
-        };
-        QCOMPARE(keys("mnuPopupCabinetDelete"), QStringLiteral("Del"));
-        QCOMPARE(keys("mnuPopupPageDelete"), QStringLiteral("Del"));
-        QCOMPARE(keys("mnuPopupDrawerRename"), QStringLiteral("F2"));
-        QCOMPARE(keys("mnuPopupRootRefresh"), QStringLiteral("F5"));
-        QCOMPARE(keys("mnuHelpHelpTopics"), QStringLiteral("F1"));
-        QCOMPARE(keys("mnuFileExit"), QStringLiteral("Ctrl+Q"));
+        // Insert, as the tree runs it, beside the entry that does the same in each menu.
+        const QList<std::pair<const char*, const char*>> keys{
+            {"mnuPopupCabinetDelete", "Del"},
+            {"mnuPopupPageDelete", "Del"},
+            {"mnuPopupDrawerRename", "F2"},
+            {"mnuPopupRootRefresh", "F5"},
+            {"mnuHelpHelpTopics", "F1"},
+            {"mnuFileExit", "Ctrl+Q"},
+            {"mnuPopupCabinetNewDrawer", "Ins"},
+            {"mnuPopupDrawerNewFolder", "Ins"},
+            {"mnuPopupDocumentNewDocument", "Ins"},
+            {"mnuPopupDrawerNewDrawer", ""}};
+        for (const auto& [name, key] : keys)
+            QCOMPARE(menus.action(name)->shortcut().toString(), QString(key));
         QCOMPARE(menus.action("mnuFileFind")->shortcuts(),
                  (QList<QKeySequence>{QKeySequence("Ctrl+F"), QKeySequence("F3")}));
-        // Insert, as the tree runs it, beside the entry that does the same in each menu.
-        QCOMPARE(keys("mnuPopupCabinetNewDrawer"), QStringLiteral("Ins"));
-        QCOMPARE(keys("mnuPopupDrawerNewFolder"), QStringLiteral("Ins"));
-        QCOMPARE(keys("mnuPopupDocumentNewDocument"), QStringLiteral("Ins"));
-        QCOMPARE(keys("mnuPopupDrawerNewDrawer"), QString());
         // The controls' keys are only shown by the menus: the control decides.
         QCOMPARE(menus.action("mnuPopupCabinetDelete")->shortcutContext(), Qt::WidgetShortcut);
         QCOMPARE(menus.action("mnuFileExit")->shortcutContext(), Qt::WindowShortcut);
-    }
-
-    void windowKeys()
-    {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
-        // Ctrl+Q asks the exit question, with No for Enter.
-        h.prompter.expect("Exit the Quillmere?", Prompter::Answer::No);
-        QTest::keyClick(h.tree(), Qt::Key_Q, Qt::ControlModifier);
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        QCOMPARE(h.prompter.defaults(), QStringList{"No"});
-        // Find's keys are tested with the found branch.
-        // F1 asks for the help, which this test's home and build do not hold.
-        if (!QFile::exists(QCoreApplication::applicationDirPath() + "/qmrhelp.txt")) {
-            h.prompter.expect("Cannot find help file QMRHELP.TXT.");
-            QTest::keyClick(h.tree(), Qt::Key_F1);
-            QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        }
-        QVERIFY(h.window->menus().action("mnuFileFind")->isEnabled());
-    }
-
-    void menusOnlyShowTheLevelOfTheClickedNode()
-    {
-        NavHarness h;
-        h.loadSample();
-        const QStringList path{"ROOT", "CAB1", "DRW1", "FLD1", "DOC1"};
-        const QStringList menus{"mnuPopupRoot", "mnuPopupCabinet", "mnuPopupDrawer",
-                                "mnuPopupFolder", "mnuPopupDocument"};
-        for (int i = 0; i < path.size(); ++i) {
-            h.click(path.at(i));
-            QCOMPARE(h.visibleLevelMenu(), menus.at(i));
-        }
-        // The menus of the whole program stay.
-        for (const char* name : {"mnuFile", "mnuTools", "mnuHelp"})
-            QVERIFY(h.window->menus().menu(name)->menuAction()->isVisible());
-        QVERIFY(!h.window->menus().menu("mnuPopupFound")->menuAction()->isVisible());
     }
 };
 

@@ -21,12 +21,12 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::NavHarness;
+using namespace qmr::test;
 
 namespace {
 
 // A page row whose picture is a dark JPEG of `size` at its computed path, with no thumbnail.
-qint32 darkPage(NavHarness& h, test::FixtureStore& store, qint32 doc, int number,
+qint32 darkPage(NavHarness& h, FixtureStore& store, qint32 doc, int number,
                 const QSize& size = QSize(850, 1100))
 {
     const qint32 id = store.pageRow(doc, number);
@@ -38,20 +38,36 @@ qint32 darkPage(NavHarness& h, test::FixtureStore& store, qint32 doc, int number
     return id;
 }
 
-// A document of `pages` page rows numbered 1.., without files, in a folder of the sample.
-qint32 documentOfRows(test::FixtureStore& store, int pages, const QString& name = "Big")
+// Shows a document of `pages` page rows numbered 1.., without files, in a folder of the
+// sample, `perBlock` (the setting's text) at a time.
+qint32 showBig(NavHarness& h, int pages, const QString& perBlock = QString())
 {
-    const qint32 doc = store.document(1, name);
-    Database::Transaction tx(store.db());
-    for (int n = 1; n <= pages; ++n)
-        store.pageRow(doc, n);
-    tx.commit();
+    if (!perBlock.isEmpty())
+        h.home.settings().set(keys::DisplayCount, perBlock);
+    qint32 doc = -1;
+    h.loadWith([&](FixtureStore& store) {
+        doc = store.document(1, "Big");
+        Database::Transaction tx(store.db());
+        for (int n = 1; n <= pages; ++n)
+            store.pageRow(doc, n);
+        tx.commit();
+    });
+    h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
     return doc;
 }
 
 QPushButton* button(NavHarness& h, const char* name)
 {
     return h.window->findChild<QPushButton*>(name);
+}
+
+QString enabledButtons(NavHarness& h)
+{
+    QStringList on;
+    for (const char* name : {"cmdFirst", "cmdPrev", "cmdNext", "cmdLast"})
+        if (button(h, name)->isEnabled())
+            on << name;
+    return on.join(',');
 }
 
 QString status(NavHarness& h)
@@ -93,35 +109,23 @@ class TestPagePane : public QObject
 {
     Q_OBJECT
 private slots:
-    void pagingThroughTheWindow()
+    void paging()
     {
         NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = documentOfRows(store, 25);
-        h.home.settings().set(keys::DisplayCount, "10");
-        h.load();
-        const QString key = QString("DOC%1").arg(doc);
-        h.clickPath({"CAB1", "DRW1", "FLD1", key});
+        const QString key = QString("DOC%1").arg(showBig(h, 25, "10"));
         QCOMPARE(status(h), QString(" Showing 10 images (page 1 of 3)"));
         QCOMPARE(h.pageTexts(), pageRange(1, 10));
-        QVERIFY(!button(h, "cmdFirst")->isEnabled());
-        QVERIFY(!button(h, "cmdPrev")->isEnabled());
-        QVERIFY(button(h, "cmdNext")->isEnabled());
-        QVERIFY(button(h, "cmdLast")->isEnabled());
-
+        QCOMPARE(enabledButtons(h), QString("cmdNext,cmdLast"));
         button(h, "cmdNext")->click();
         QCOMPARE(h.pageTexts(), pageRange(11, 20));
         QCOMPARE(status(h), QString(" Showing 10 images (page 2 of 3)"));
-        QVERIFY(button(h, "cmdPrev")->isEnabled());
-
+        QCOMPARE(enabledButtons(h), QString("cmdFirst,cmdPrev,cmdNext,cmdLast"));
         // The keys of the list act as the buttons do.
-        QWidget* list = h.window->pageList()->list()->currentView();
+        QWidget* list = h.pageView();
         QTest::keyClick(list, Qt::Key_End);
         QCOMPARE(h.pageTexts(), pageRange(16, 25));
         QCOMPARE(status(h), QString(" Showing 10 images (page 2 of 3)"));
-        QVERIFY(!button(h, "cmdNext")->isEnabled());
-        QVERIFY(!button(h, "cmdLast")->isEnabled());
+        QCOMPARE(enabledButtons(h), QString("cmdFirst,cmdPrev"));
         QCOMPARE(h.navigator().target().source(), ContextSource::PageList);
         QTest::keyClick(list, Qt::Key_PageUp);
         QCOMPARE(h.pageTexts(), pageRange(7, 16));
@@ -132,18 +136,15 @@ private slots:
         // Missing pictures leave blank tiles and say nothing.
         QVERIFY(
             QTest::qWaitFor([&] { return h.window->pageList()->thumbnails().outstanding() == 0; }));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-    }
-
-    void pagingDoesNotReadTheStore()
-    {
-        NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = documentOfRows(store, 25);
-        h.home.settings().set(keys::DisplayCount, "10");
-        h.load();
-        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        QMR_VERIFY_PROMPTS(h);
+        // A document without pages leaves the buttons as they were.
+        button(h, "cmdNext")->click();
+        h.click("DOC2");
+        QCOMPARE(status(h), QString());
+        QVERIFY(h.pageTexts().isEmpty());
+        QCOMPARE(enabledButtons(h), QString("cmdFirst,cmdPrev,cmdNext,cmdLast"));
+        // Paging does not read the store again.
+        h.click(key);
         h.session->db().execute("DELETE FROM Page");
         button(h, "cmdLast")->click();
         QCOMPARE(h.pageTexts(), pageRange(16, 25));
@@ -155,12 +156,7 @@ private slots:
     void showMoreAndLessAreSaved()
     {
         NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = documentOfRows(store, 70);
-        h.home.settings().set(keys::DisplayCount, "500"); // comes up as 64
-        h.load();
-        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        showBig(h, 70, "500"); // comes up as 64
         QCOMPARE(status(h), QString(" Showing 64 images (page 1 of 2)"));
         button(h, "cmdShowMore")->click();
         QCOMPARE(h.pageTexts().size(), 64);
@@ -171,31 +167,10 @@ private slots:
         QCOMPARE(h.home.settings().get(keys::DisplayCount), QString("62"));
     }
 
-    void anEmptyDocumentLeavesTheButtons()
-    {
-        NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = documentOfRows(store, 40);
-        h.home.settings().set(keys::DisplayCount, "16");
-        h.load();
-        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
-        button(h, "cmdNext")->click();
-        h.click("DOC2"); // O'Brien's letter has no pages
-        QCOMPARE(status(h), QString());
-        QVERIFY(h.pageTexts().isEmpty());
-        for (const char* name : {"cmdFirst", "cmdPrev", "cmdNext", "cmdLast"})
-            QVERIFY2(button(h, name)->isEnabled(), name);
-    }
-
     void theListViewShowsTheWholeDocument()
     {
         NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = documentOfRows(store, 120);
-        h.load();
-        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        showBig(h, 120);
         button(h, "cmdNext")->click();
         QCOMPARE(status(h), QString(" Showing 20 images (page 2 of 6)"));
 
@@ -237,7 +212,7 @@ private slots:
     void thumbnailsAreMadeOnFirstDisplay()
     {
         NavHarness h;
-        test::FixtureStore store(h.home.home());
+        FixtureStore store(h.home.home());
         store.fillSample();
         const qint32 doc = store.document(1, "Scans");
         const qint32 wide = darkPage(h, store, doc, 1, QSize(1100, 550));
@@ -272,7 +247,7 @@ private slots:
         const QString tip =
             list->currentView()->model()->index(1, 0).data(Qt::ToolTipRole).toString();
         QVERIFY2(tip.contains("missing: " + paths.computedPagePath(gone)), qPrintable(tip));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         // A shortcut shows the icon of its file's type in the middle of its tile.
         const QImage icon = iconImage(list, 3);
         bool drawn = false;
@@ -285,37 +260,32 @@ private slots:
 
     void thePaneOnItsOwn_data()
     {
-        QTest::addColumn<int>("key");
-        QTest::addColumn<int>("modifiers");
-        QTest::addColumn<QString>("command");
-        QTest::newRow("I") << int(Qt::Key_I) << 0 << "mnuPopupPageProperties";
-        QTest::newRow("Ctrl+I") << int(Qt::Key_I) << int(Qt::ControlModifier)
-                                << "mnuPopupPageProperties";
-        QTest::newRow("R") << int(Qt::Key_R) << 0 << "mnuPopupPageRenumber";
-        QTest::newRow("Ctrl+X") << int(Qt::Key_X) << int(Qt::ControlModifier) << "mnuPopupPageCut";
-        QTest::newRow("X") << int(Qt::Key_X) << 0 << "";
-        QTest::newRow("Ctrl+C") << int(Qt::Key_C) << int(Qt::ControlModifier) << "mnuPopupPageCopy";
-        QTest::newRow("Ctrl+V") << int(Qt::Key_V) << int(Qt::ControlModifier)
-                                << "mnuPopupPagePaste";
-        QTest::newRow("V") << int(Qt::Key_V) << 0 << "";
-        QTest::newRow("Alt+R") << int(Qt::Key_R) << int(Qt::AltModifier) << "";
+        columns<int, int, QString>({"key", "modifiers", "command"});
+        const int ctrl = int(Qt::ControlModifier);
+        row("I", int(Qt::Key_I), 0, "mnuPopupPageProperties");
+        row("Ctrl+I", int(Qt::Key_I), ctrl, "mnuPopupPageProperties");
+        row("R", int(Qt::Key_R), 0, "mnuPopupPageRenumber");
+        row("Ctrl+X", int(Qt::Key_X), ctrl, "mnuPopupPageCut");
+        row("X", int(Qt::Key_X), 0, "");
+        row("Ctrl+C", int(Qt::Key_C), ctrl, "mnuPopupPageCopy");
+        row("Ctrl+V", int(Qt::Key_V), ctrl, "mnuPopupPagePaste");
+        row("V", int(Qt::Key_V), 0, "");
+        row("Alt+R", int(Qt::Key_R), int(Qt::AltModifier), "");
     }
     void thePaneOnItsOwn()
     {
         QFETCH(int, key);
         QFETCH(int, modifiers);
-        test::TestHome home;
+        TestHome home;
         ViewSettings view(home.settings());
         view.read();
         NavIcons icons;
         const PagePaths paths(home.home());
         PagePane pane(icons, view, paths);
-        QVector<PageRow> rows;
+        QVector<PageRow> rows(3);
         for (int n = 1; n <= 3; ++n) {
-            PageRow row;
-            row.id = 10 + n;
-            row.pageNumber = n;
-            rows << row;
+            rows[n - 1].id = 10 + n;
+            rows[n - 1].pageNumber = n;
         }
         pane.showPages(5, rows);
         pane.show();
@@ -333,8 +303,7 @@ private slots:
 
     void openingGoesThroughTheOpener()
     {
-        NavHarness h;
-        h.loadSample();
+        SampleWindow h;
         RecordingOpener opener;
         h.navigator().setPageOpener(&opener);
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
@@ -362,21 +331,13 @@ private slots:
 
     void theDefaultOpener_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("message"); // %1: the page's path
-        QTest::addColumn<bool>("opened");
-        QTest::newRow("page image") << "image"
-                                    << "" << true;
-        QTest::newRow("page image gone") << "image gone"
-                                         << "Missing file '%1'." << false;
-        QTest::newRow("shortcut") << "shortcut"
-                                  << "" << true;
-        QTest::newRow("shortcut gone") << "shortcut gone"
-                                       << "Missing file '%1'." << false;
-        QTest::newRow("shortcut without a name") << "shortcut empty"
-                                                 << "This shortcut has no filename." << false;
-        QTest::newRow("no program") << "no program"
-                                    << "No program for '%1'." << true;
+        columns<QString, QString, bool>({"kind", "message", "opened"}); // %1: the page's path
+        row("page image", "image", "", true);
+        row("page image gone", "image gone", "Missing file '%1'.", false);
+        row("shortcut", "shortcut", "", true);
+        row("shortcut gone", "shortcut gone", "Missing file '%1'.", false);
+        row("shortcut without a name", "shortcut empty", "This shortcut has no filename.", false);
+        row("no program", "no program", "No program for '%1'.", true);
     }
     void theDefaultOpener()
     {
@@ -384,7 +345,7 @@ private slots:
         QFETCH(QString, message);
         QFETCH(bool, opened);
         NavHarness h;
-        test::FixtureStore store(h.home.home());
+        FixtureStore store(h.home.home());
         store.fillSample();
         h.openStore();
         const PagePaths paths(h.home.home());
@@ -408,78 +369,19 @@ private slots:
         DefaultPageOpener opener(*h.session, h.prompter, h.choosers);
         opener.openPage(id);
         opener.openPage(999); // a page that is gone from the store says nothing
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         QCOMPARE(h.choosers.edited(), opened ? QStringList{path} : QStringList());
     }
 
     void aRefreshShowsTheBlockOfTheSelectedPage()
     {
         NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = documentOfRows(store, 30);
-        h.home.settings().set(keys::DisplayCount, "10");
-        h.load();
-        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
-        const qint32 last = store.pageRow(doc, 31);
+        const qint32 doc = showBig(h, 30, "10");
+        const qint32 last = FixtureStore(h.home.home()).pageRow(doc, 31);
         h.navigator().refreshPages(doc, last);
         QCOMPARE(status(h), QString(" Showing 10 images (page 4 of 4)"));
         QCOMPARE(h.pageTexts(), QStringList{"Page 31"});
         QCOMPARE(h.window->pageList()->selectedPageIds(), QVector<qint32>{last});
-    }
-
-    void containerListsHideThePane_data()
-    {
-        QTest::addColumn<QStringList>("path");
-        QTest::addColumn<QStringList>("items");
-        QTest::newRow("root") << QStringList{"ROOT"}
-                              << QStringList{"Home Papers", "Private", "Shoe Box"};
-        QTest::newRow("cabinet") << QStringList{"CAB1"} << QStringList{"Bank", "Taxes"};
-        QTest::newRow("drawer") << QStringList{"CAB1", "DRW1"}
-                                << QStringList{"Checking", "Savings"};
-        // Bare names: a document's date shows in the tree only.
-        QTest::newRow("folder") << QStringList{"CAB1", "DRW1", "FLD1"}
-                                << QStringList{"March statement", "O'Brien's letter"};
-        QTest::newRow("empty folder") << QStringList{"CAB1", "DRW1", "FLD2"} << QStringList{};
-    }
-    void containerListsHideThePane()
-    {
-        QFETCH(QStringList, path);
-        NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        store.cabinet("Shoe Box");
-        h.load();
-        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
-        const char* const paneControls[] = {
-            "cmdShowMore", "cmdShowLess",  "cmdNext", "cmdPrev",      "cmdFirst", "cmdLast",
-            "lblStatus",   "imgThumbnail", "imgList", "imgArrowDown", "lvwThumb"};
-        for (const char* name : paneControls)
-            QVERIFY2(h.window->findChild<QWidget*>(name)->isVisible(), name);
-        h.clickPath(path);
-        QTEST(h.listTexts(), "items");
-        QVERIFY(h.window->list()->isVisible());
-        for (const char* name : paneControls)
-            QVERIFY2(!h.window->findChild<QWidget*>(name)->isVisible(), name);
-        // Enter with nothing selected in the list does nothing.
-        const QString selected = h.tree()->selectedKey();
-        h.window->list()->clearSelection();
-        QTest::keyClick(h.window->list(), Qt::Key_Return);
-        QCOMPARE(h.tree()->selectedKey(), selected);
-    }
-
-    void enterInTheListOpensTheItemInTheTree()
-    {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1", "FLD1"});
-        QListWidget* list = h.window->list();
-        list->setCurrentItem(list->findItems("March statement", Qt::MatchExactly).value(0));
-        QTest::keyClick(list, Qt::Key_Return);
-        QCOMPARE(h.tree()->selectedKey(), QString("DOC1"));
-        QCOMPARE(h.pageTexts(), QStringList({"Page 1", "Page 2"}));
-        // The record still tells of the last click in the tree.
-        QCOMPARE(h.session->selection().lastNodeKey, QString("FLD1"));
     }
 };
 

@@ -9,7 +9,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::NavHarness;
+using namespace qmr::test;
 
 namespace {
 
@@ -52,13 +52,6 @@ QString stored(NavHarness& h, Level level, qint32 id)
     return ItemStore(h.session->db()).item(level, id).name;
 }
 
-void selectInList(NavHarness& h, const QString& text)
-{
-    QListWidgetItem* item = h.window->list()->findItems(text, Qt::MatchExactly).value(0);
-    QVERIFY2(item, qPrintable(text));
-    h.window->list()->setCurrentItem(item);
-}
-
 } // namespace
 
 class TestRename : public QObject
@@ -67,39 +60,29 @@ class TestRename : public QObject
 private slots:
     void inTheTree_data()
     {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QStringList>("messages");
-        QTest::addColumn<QString>("name"); // stored afterwards
+        // `messages` shown, then the name stored.
+        columns<QStringList, QString, QStringList, QString>(
+            {"clicks", "typed", "messages", "name"});
         const QString bad = "The following characters are not allowed:\n\\ / : * ? \" < > | .";
-        QTest::newRow("cabinet clash") << QStringList{"CAB1"} << "private"
-                                       << QStringList{"A file cabinet named 'private' already "
-                                                      "exists."}
-                                       << "Home Papers";
-        QTest::newRow("own name, other case")
-            << QStringList{"CAB1"} << "HOME PAPERS" << QStringList{} << "HOME PAPERS";
-        QTest::newRow("drawer clash in its cabinet")
-            << QStringList{"CAB1", "DRW1"} << "Taxes"
-            << QStringList{"A drawer named 'Taxes' already exists."} << "Bank";
-        QTest::newRow("drawer of another cabinet's name")
-            << QStringList{"CAB1", "DRW1"} << "Health" << QStringList{} << "Health";
-        QTest::newRow("folder clash in its drawer")
-            << QStringList{"CAB1", "DRW1", "FLD1"} << "savings"
-            << QStringList{"A folder named 'savings' already exists."} << "Checking";
-        QTest::newRow("folder of another drawer's name")
-            << QStringList{"CAB1", "DRW1", "FLD1"} << "2025" << QStringList{} << "2025";
-        QTest::newRow("slash stripped")
-            << QStringList{"CAB1", "DRW1"} << "Bank/Loans" << QStringList{bad} << "BankLoans";
-        QTest::newRow("stripped, then a clash")
-            << QStringList{"CAB1", "DRW1"} << "Tax:es"
-            << QStringList{bad, "A drawer named 'Taxes' already exists."} << "Bank";
-        QTest::newRow("nothing but bad characters")
-            << QStringList{"CAB1", "DRW1"} << "/:*" << QStringList{bad} << "Bank";
-        QTest::newRow("empty") << QStringList{"CAB1", "DRW1"} << "" << QStringList{} << "Bank";
-        QTest::newRow("too long") << QStringList{"CAB1", "DRW1"} << QString(81, 'b')
-                                  << QStringList{"The name is too long: a drawer's name can "
-                                                 "have at most 80 characters."}
-                                  << "Bank";
+        const QStringList cabinet{"CAB1"};
+        const QStringList drawer{"CAB1", "DRW1"};
+        const QStringList folder{"CAB1", "DRW1", "FLD1"};
+        const QString taxes = "A drawer named 'Taxes' already exists.";
+        row("cabinet clash", cabinet, "private",
+            QStringList{"A file cabinet named 'private' already exists."}, "Home Papers");
+        row("own name, other case", cabinet, "HOME PAPERS", QStringList{}, "HOME PAPERS");
+        row("drawer clash in its cabinet", drawer, "Taxes", QStringList{taxes}, "Bank");
+        row("drawer of another cabinet's name", drawer, "Health", QStringList{}, "Health");
+        row("folder clash in its drawer", folder, "savings",
+            QStringList{"A folder named 'savings' already exists."}, "Checking");
+        row("folder of another drawer's name", folder, "2025", QStringList{}, "2025");
+        row("slash stripped", drawer, "Bank/Loans", QStringList{bad}, "BankLoans");
+        row("stripped, then a clash", drawer, "Tax:es", QStringList{bad, taxes}, "Bank");
+        row("nothing but bad characters", drawer, "/:*", QStringList{bad}, "Bank");
+        row("empty", drawer, "", QStringList{}, "Bank");
+        row("too long", drawer, QString(81, 'b'),
+            QStringList{"The name is too long: a drawer's name can have at most 80 characters."},
+            "Bank");
     }
     void inTheTree()
     {
@@ -107,14 +90,12 @@ private slots:
         QFETCH(QString, typed);
         QFETCH(QStringList, messages);
         QFETCH(QString, name);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath(clicks);
+        SampleWindow h(clicks);
         const NodeKey key = NodeKey::parse(clicks.last());
         for (const QString& m : messages)
             h.prompter.expect(m);
         QVERIFY(renameWithKeys(h, h.tree(), typed));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         QCOMPARE(stored(h, *key.level(), key.id()), name);
         // The node shows what the store holds, renamed or not.
         QCOMPARE(h.tree()->node(key.text())->text(0), name);
@@ -123,36 +104,16 @@ private slots:
 
     void inTheList_data()
     {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("item");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("name");
-        QTest::newRow("drawer, fine") << QStringList{"CAB1"} << "Bank"
-                                      << "DRW1"
-                                      << "Banking"
-                                      << ""
-                                      << "Banking";
+        columns<QStringList, QString, QString, QString, QString, QString>(
+            {"clicks", "item", "key", "typed", "message", "name"});
+        row("drawer, fine", QStringList{"CAB1"}, "Bank", "DRW1", "Banking", "", "Banking");
         // The list refuses a name any other drawer or folder bears, in whatever parent.
-        QTest::newRow("drawer of another cabinet's name")
-            << QStringList{"CAB1"} << "Bank"
-            << "DRW1"
-            << "health"
-            << "A drawer named 'health' already exists."
-            << "Bank";
-        QTest::newRow("folder of another drawer's name")
-            << QStringList{"CAB1", "DRW1"} << "Checking"
-            << "FLD1"
-            << "Doctor"
-            << "A folder named 'Doctor' already exists."
-            << "Checking";
-        QTest::newRow("document, no test")
-            << QStringList{"CAB1", "DRW1", "FLD1"} << "O'Brien's letter"
-            << "DOC2"
-            << "March statement"
-            << ""
-            << "March statement";
+        row("drawer of another cabinet's name", QStringList{"CAB1"}, "Bank", "DRW1", "health",
+            "A drawer named 'health' already exists.", "Bank");
+        row("folder of another drawer's name", QStringList{"CAB1", "DRW1"}, "Checking", "FLD1",
+            "Doctor", "A folder named 'Doctor' already exists.", "Checking");
+        row("document, no test", QStringList{"CAB1", "DRW1", "FLD1"}, "O'Brien's letter", "DOC2",
+            "March statement", "", "March statement");
     }
     void inTheList()
     {
@@ -162,14 +123,12 @@ private slots:
         QFETCH(QString, typed);
         QFETCH(QString, message);
         QFETCH(QString, name);
-        NavHarness h;
-        h.loadSample();
-        h.clickPath(clicks);
-        selectInList(h, item);
+        SampleWindow h(clicks);
+        h.selectInList(item);
         if (!message.isEmpty())
             h.prompter.expect(message);
         QVERIFY(renameWithKeys(h, h.window->list(), typed));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         const NodeKey k = NodeKey::parse(key);
         QCOMPARE(stored(h, *k.level(), k.id()), name);
         QCOMPARE(h.listTexts().contains(name), true);
@@ -181,19 +140,15 @@ private slots:
 
     void documentWithItsDate()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1", "FLD1"});
-        // A found copy, as a search leaves it.
-        h.tree()->addNode("", "ROOTFOUND", "Found", QIcon());
-        h.tree()->addNode("ROOTFOUND", "FDC1", "March statement (03/31/2026)", QIcon());
+        SampleWindow h({"CAB1", "DRW1", "FLD1"});
+        h.addFoundBranch();
         h.tree()->selectNode("DOC1");
         // The label starts with the date, and what comes back is the name: a kept date brings
         // its slashes, which are stripped.
         QString started;
         h.prompter.expect("The following characters are not allowed:\n\\ / : * ? \" < > | .");
         QVERIFY(renameWithKeys(h, h.tree(), "March statement (03/31/2026)", &started));
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         QCOMPARE(started, QStringLiteral("March statement (03/31/2026)"));
         QCOMPARE(stored(h, Level::Document, 1), QStringLiteral("March statement (03312026)"));
         // With the date taken out the name is clean; the node then shows no date.
@@ -207,9 +162,7 @@ private slots:
 
     void enterEndsTheEditOnly()
     {
-        NavHarness h;
-        h.loadSample();
-        h.click("CAB1");
+        SampleWindow h({"CAB1"});
         // The drawer is selected with the keyboard: the list still shows the cabinet's
         // drawers, and the Enter that confirms the new name does not open the drawer.
         h.tree()->selectNode("DRW1");
@@ -217,7 +170,7 @@ private slots:
         QCOMPARE(h.listTexts(), (QStringList{"Banking", "Taxes"}));
         QCOMPARE(h.visibleLevelMenu(), QStringLiteral("mnuPopupCabinet"));
         // The same in the list: the renamed drawer is not opened.
-        selectInList(h, "Taxes");
+        h.selectInList("Taxes");
         QVERIFY(renameWithKeys(h, h.window->list(), "Tax"));
         QCOMPARE(h.listTexts(), (QStringList{"Banking", "Tax"}));
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
@@ -225,9 +178,7 @@ private slots:
 
     void escapeEndsTheEditOnly()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         QSignalSpy exits(h.window.get(), &NavWindow::exitRequested);
         h.tree()->setFocus();
         QTest::keyClick(h.tree(), Qt::Key_F2);
@@ -237,7 +188,7 @@ private slots:
         QTest::keyClicks(editor, "Changed");
         QTest::keyClick(editor, Qt::Key_Escape);
         settle(h);
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report())); // no exit question
+        QMR_VERIFY_PROMPTS(h); // no exit question
         QVERIFY(!editorOf(h.tree()));
         QVERIFY(!h.navigator().rename().isEditing());
         QCOMPARE(stored(h, Level::Drawer, 1), QStringLiteral("Bank"));
@@ -246,14 +197,12 @@ private slots:
         // Outside an edit, Escape asks again.
         h.prompter.expect("Exit the Quillmere?", Prompter::Answer::No);
         QTest::keyClick(h.tree(), Qt::Key_Escape);
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
     }
 
     void keysInTheEditorStayThere()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
+        SampleWindow h({"CAB1", "DRW1"});
         h.tree()->setFocus();
         QTest::keyClick(h.tree(), Qt::Key_F2);
         QLineEdit* editor = editorOf(h.tree());
@@ -265,35 +214,33 @@ private slots:
         QCOMPARE(editor->text(), QStringLiteral("ank"));
         QTest::keyClick(editor, Qt::Key_Return);
         settle(h);
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
         QCOMPARE(stored(h, Level::Drawer, 1), QStringLiteral("ank"));
     }
 
     void refused_data()
     {
-        QTest::addColumn<QStringList>("clicks");
-        QTest::addColumn<QString>("select"); // tree node to select, or "list:" + item text
-        QTest::newRow("root") << QStringList{"ROOT"} << "ROOT";
-        QTest::newRow("found root") << QStringList{"ROOT"} << "ROOTFOUND";
-        QTest::newRow("found copy") << QStringList{"ROOT"} << "FCB1";
-        QTest::newRow("locked cabinet") << QStringList{"ROOT"} << "CAB2";
-        // The list's lock test reads the tree's node: the root has no number, and a drawer's
-        // number is taken for a cabinet's (drawer 2, cabinet 2 being locked).
-        QTest::newRow("list under the root") << QStringList{"ROOT"} << "list:Home Papers";
-        QTest::newRow("list under drawer 2") << QStringList{"CAB1", "DRW2"} << "list:2025";
+        // A tree node to select, or "list:" and an item. The list's lock test reads the tree's
+        // node: the root has no number, and a drawer's number is taken for a cabinet's (drawer
+        // 2, cabinet 2 being locked).
+        columns<QStringList, QString>({"clicks", "select"});
+        row("root", QStringList{"ROOT"}, "ROOT");
+        row("found root", QStringList{"ROOT"}, "ROOTFOUND");
+        row("found copy", QStringList{"ROOT"}, "FCB1");
+        row("locked cabinet", QStringList{"ROOT"}, "CAB2");
+        row("list under the root", QStringList{"ROOT"}, "list:Home Papers");
+        row("list under drawer 2", QStringList{"CAB1", "DRW2"}, "list:2025");
     }
     void refused()
     {
         QFETCH(QStringList, clicks);
         QFETCH(QString, select);
-        NavHarness h;
-        h.loadSample();
-        h.tree()->addNode("", "ROOTFOUND", "Found", QIcon());
-        h.tree()->addNode("ROOTFOUND", "FCB1", "Home Papers", QIcon());
+        SampleWindow h;
+        h.addFoundBranch();
         h.clickPath(clicks);
         QAbstractItemView* view = h.tree();
         if (select.startsWith("list:")) {
-            selectInList(h, select.mid(5));
+            h.selectInList(select.mid(5));
             view = h.window->list();
         } else {
             h.tree()->selectNode(select);
@@ -302,15 +249,13 @@ private slots:
         QTest::keyClick(view, Qt::Key_F2);
         QVERIFY(!editorOf(view));
         QVERIFY(!h.navigator().rename().isEditing());
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QMR_VERIFY_PROMPTS(h);
     }
 
     void renameCommandPicksTheControl()
     {
-        NavHarness h;
-        h.loadSample();
-        h.clickPath({"CAB1", "DRW1"});
-        selectInList(h, "Savings");
+        SampleWindow h({"CAB1", "DRW1"});
+        h.selectInList("Savings");
         // From the list, with nothing in the record: the list's label.
         h.setSource(ContextSource::List);
         h.window->menus().action("mnuPopupFolderRename")->trigger();

@@ -28,6 +28,19 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using namespace qmr::test;
+
+namespace {
+
+// Shows a window and draws it once it is up.
+void shoot(QWidget& window, const char* name)
+{
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+    saveShot(&window, name);
+}
+
+} // namespace
 
 // Renders windows on a filled store to PNG files, so that anyone can look at them without a
 // display. The files go to $QMR_SHOTS_DIR (default: shots/ in the working directory).
@@ -37,38 +50,35 @@ class Shots : public QObject
 private slots:
     void mainWindow()
     {
-        test::NavHarness h;
-        test::FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 cab = store.cabinet("Shoe Box 1998-2004");
-        for (const char* d : {"Receipts", "Warranties", "Medical", "Car", "School"}) {
-            const qint32 drw = store.drawer(cab, d);
-            for (int f = 1; f <= 3; ++f)
-                store.folder(drw, QString("%1 folder %2").arg(d).arg(f));
-        }
-        h.load();
+        NavHarness h;
+        h.loadWith([](FixtureStore& store) {
+            const qint32 cab = store.cabinet("Shoe Box 1998-2004");
+            for (const char* d : {"Receipts", "Warranties", "Medical", "Car", "School"}) {
+                const qint32 drw = store.drawer(cab, d);
+                for (int f = 1; f <= 3; ++f)
+                    store.folder(drw, QString("%1 folder %2").arg(d).arg(f));
+            }
+        });
         h.window->resize(1000, 640);
         h.click("ROOT");
-        test::saveShot(h.window.get(), "navigator-root");
-        h.click("CAB1");
-        h.click("DRW1");
-        test::saveShot(h.window.get(), "navigator-drawer");
-        h.click("FLD1");
-        h.click("DOC1");
-        test::saveShot(h.window.get(), "navigator-document");
+        saveShot(h.window.get(), "navigator-root");
+        h.clickPath({"CAB1", "DRW1"});
+        saveShot(h.window.get(), "navigator-drawer");
+        h.clickPath({"FLD1", "DOC1"});
+        saveShot(h.window.get(), "navigator-document");
         h.tree()->expandAll();
-        test::saveShot(h.window.get(), "navigator-expanded");
+        saveShot(h.window.get(), "navigator-expanded");
         QMenu* bar = h.window->menus().menu("mnuPopupDocument");
         bar->popup(h.window->mapToGlobal(QPoint(200, 30)));
         QVERIFY(QTest::qWaitForWindowExposed(bar));
-        test::saveShot(bar, "menu-document");
+        saveShot(bar, "menu-document");
         bar->close();
     }
 
     void pagePane()
     {
-        test::NavHarness h;
-        test::FixtureStore store(h.home.home());
+        NavHarness h;
+        FixtureStore store(h.home.home());
         store.fillSample();
         const qint32 folder = 1;
         for (const char* name : {"April statement", "May statement", "Loan agreement",
@@ -82,7 +92,7 @@ private slots:
             if (n == 6)
                 continue; // its file has gone: a blank tile
             const QSize size = n % 5 == 2 ? QSize(1100, 850) : QSize(850, 1100);
-            test::scannedPage(h.home.home(), id, n, size, heads[n % 4]);
+            scannedPage(h.home.home(), id, n, size, heads[n % 4]);
             store.db().execute(
                 "UPDATE Page SET FileSize = ? WHERE PageId = ?",
                 {QFileInfo(PagePaths(h.home.home()).computedPagePath(id)).size(), id});
@@ -95,27 +105,26 @@ private slots:
         h.load();
         h.window->resize(1000, 640);
         h.clickPath({"CAB1", "DRW1", "FLD1"});
-        test::saveShot(h.window.get(), "navigator-container-list");
+        saveShot(h.window.get(), "navigator-container-list");
         h.click(QString("DOC%1").arg(doc));
         QVERIFY(QTest::qWaitFor(
             [&] { return h.window->pageList()->thumbnails().outstanding() == 0; }, 10000));
         QTest::qWait(50);
-        test::saveShot(h.window.get(), "pane-thumbnails");
+        saveShot(h.window.get(), "pane-thumbnails");
         h.window->findChild<QToolButton*>("imgList")->click();
-        test::saveShot(h.window.get(), "pane-list");
+        saveShot(h.window.get(), "pane-list");
         h.window->findChild<QToolButton*>("imgThumbnail")->click();
         // Empty places say how they fill.
         h.click("DOC2");
-        test::saveShot(h.window.get(), "pane-empty-document");
+        saveShot(h.window.get(), "pane-empty-document");
         h.clickPath({"CAB1", "DRW1", "FLD2"});
-        test::saveShot(h.window.get(), "navigator-empty-folder");
+        saveShot(h.window.get(), "navigator-empty-folder");
     }
 
     void itemDialogs()
     {
-        test::NavHarness h;
-        test::FixtureStore(h.home.home()).fillSample();
-        h.load(false);
+        NavHarness h;
+        h.loadSample(false);
         const CommandContext services = h.window->navigator().context();
         struct Shot
         {
@@ -141,27 +150,18 @@ private slots:
                 dialog.setAdd(-1);
             else
                 QVERIFY(dialog.setEdit(shot.id));
-            dialog.show();
-            QVERIFY(QTest::qWaitForWindowExposed(&dialog));
             dialog.findChild<QTabWidget*>("tabMain")->setCurrentIndex(shot.tab);
-            test::saveShot(&dialog, shot.name);
+            shoot(dialog, shot.name);
         }
         ItemDialog drawer(Level::Drawer, services);
         drawer.setAdd(1);
         drawer.populateTemplates({"Car", "House"}, {});
-        drawer.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&drawer));
-        test::saveShot(&drawer, "dialog-drawer-add-template");
+        shoot(drawer, "dialog-drawer-add-template");
         ItemDialog fresh(Level::Document, services, nullptr, true);
-        fresh.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&fresh));
-        test::saveShot(&fresh, "dialog-document-new");
-
+        shoot(fresh, "dialog-document-new");
         PagePropertiesDialog page(h.session->db());
         page.populate(1);
-        page.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&page));
-        test::saveShot(&page, "dialog-page-properties");
+        shoot(page, "dialog-page-properties");
 
         QVERIFY(TextFile::writeLines(h.home.file("Drawer.txt"),
                                      {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice", "FLD=Insurance",
@@ -169,16 +169,12 @@ private slots:
         h.templates->loadDrawerTemplates();
         TemplateEditor editor(*h.templates, h.prompter);
         editor.tree()->expandAll();
-        editor.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&editor));
-        test::saveShot(&editor, "dialog-drawer-templates");
+        shoot(editor, "dialog-drawer-templates");
 
         SampleCabinets samples(h.home.home(), h.session->db(), nullptr);
         samples.ensureFile();
         SampleDialog sample(samples, h.prompter, h.choosers);
-        sample.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&sample));
-        test::saveShot(&sample, "dialog-sample-cabinet");
+        shoot(sample, "dialog-sample-cabinet");
     }
 
     void popupMenus()
@@ -188,13 +184,12 @@ private slots:
         const QStringList paths = QIcon::themeSearchPaths();
         QIcon::setThemeSearchPaths(paths + QStringList{QStringLiteral("/usr/share/icons")});
         QIcon::setThemeName(QStringLiteral("Adwaita"));
-        test::NavHarness h;
-        h.loadSample();
+        SampleWindow h;
         // Each menu is drawn once it is up, then closed.
         auto shoot = [](const QString& name, const std::function<void()>& open) {
             QTimer::singleShot(100, [name] {
                 if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
-                    test::saveShot(menu, name);
+                    saveShot(menu, name);
                     menu->close();
                 }
             });
@@ -217,7 +212,7 @@ private slots:
         h.tree()->selectNode("DRW2");
         h.tree()->setFocus();
         QTest::keyClick(h.tree(), Qt::Key_F2);
-        test::saveShot(h.window.get(), "navigator-rename");
+        saveShot(h.window.get(), "navigator-rename");
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QIcon::setThemeName(theme);
         QIcon::setThemeSearchPaths(paths);
@@ -226,9 +221,7 @@ private slots:
     void passwordDialog()
     {
         PasswordDialog dialog;
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        test::saveShot(&dialog, "dialog-password");
+        shoot(dialog, "dialog-password");
     }
 };
 
