@@ -2,17 +2,14 @@
 
 #include "core/localenumber.h"
 #include "tests/support/testrunner.h"
+#include "tests/support/datarow.h"
 
+using qmr::test::row;
 using namespace qmr;
 
 class TestLocaleNumber : public QObject
 {
     Q_OBJECT
-    template <typename... T> static void row(const char* name, const T&... v)
-    {
-        (QTest::newRow(name) << ... << v);
-    }
-
 private slots:
     void read_data()
     {

@@ -23,14 +23,9 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
+#include "tests/support/datarow.h"
 
 namespace qmr::test {
-
-// One row of a data table: QTest::newRow(name) << each value in turn.
-template <typename... T> void row(const char* name, const T&... v)
-{
-    (QTest::newRow(name) << ... << v);
-}
 
 // The real file system with failures on order: the n-th copy (counted from 1) fails as the
 // test says, files can be made unreadable, and a hook runs after every copy.

@@ -9,14 +9,9 @@
 #include "store/session.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
+#include "tests/support/datarow.h"
 
 namespace qmr::test {
-
-// One row of a data table: QTest::newRow(name) << each value in turn.
-template <typename... T> void row(const char* name, const T&... v)
-{
-    (QTest::newRow(name) << ... << v);
-}
 
 // The sample store with what searching needs on top: descriptions, amounts, page sizes and
 // scan dates, a second open cabinet and a document inside the locked one.

@@ -7,6 +7,7 @@
 
 #include "core/settings.h"
 #include "mail/mailsettings.h"
+#include "tests/support/datarow.h"
 
 namespace qmr::test {
 
@@ -113,15 +114,6 @@ struct ParsedMessage : MessagePart
         return out;
     }
 };
-
-#ifndef QMR_TEST_ROW // the mail and print harnesses both give it
-#define QMR_TEST_ROW
-// One data row, its values in the order of the columns.
-template <class... T> void row(const char* name, const T&... values)
-{
-    (QTest::newRow(name) << ... << values);
-}
-#endif
 
 inline MailSettings smtpTo(quint16 port, const QString& from = QStringLiteral("me@example.org"))
 {

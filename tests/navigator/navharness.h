@@ -18,6 +18,7 @@
 #include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/recordingprogress.h"
+#include "tests/support/datarow.h"
 
 namespace qmr::test {
 
@@ -173,17 +174,6 @@ struct SampleWindow : NavHarness
         clickPath(clicks);
     }
 };
-
-// A data table in few lines: columns<QString, int>({"key", "count"}), then one row() a case.
-template <class... T> void columns(const std::array<const char*, sizeof...(T)>& names)
-{
-    int i = 0;
-    (QTest::addColumn<T>(names[i++]), ...);
-}
-template <class... V> void row(const char* name, const V&... values)
-{
-    (QTest::newRow(name) << ... << values);
-}
 
 } // namespace qmr::test
 

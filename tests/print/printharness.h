@@ -24,6 +24,7 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
+#include "tests/support/datarow.h"
 
 namespace qmr::test {
 
@@ -42,15 +43,6 @@ inline bool setJfifDensity(const QString& path, char units, quint8 x, quint8 y)
     bytes.replace(at + 7, 5, QByteArray(density, 5));
     return file.seek(0) && file.write(bytes) == bytes.size();
 }
-
-#ifndef QMR_TEST_ROW // the mail and print harnesses both give it
-#define QMR_TEST_ROW
-// One data row, its values in the order of the columns.
-template <class... T> void row(const char* name, const T&... values)
-{
-    (QTest::newRow(name) << ... << values);
-}
-#endif
 
 // Writes a JPEG of `size` whose header states dpiX by dpiY dots per inch; 0 and 0 writes a
 // header that states none.

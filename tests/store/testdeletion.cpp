@@ -11,7 +11,9 @@
 #include "tests/support/recordingprogress.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
+#include "tests/support/datarow.h"
 
+using qmr::test::row;
 using namespace qmr;
 using test::RecordingProgress;
 
@@ -80,11 +82,6 @@ struct DeletionStore
 class TestDeletion : public QObject
 {
     Q_OBJECT
-    template <typename... T> static void row(const char* name, const T&... v)
-    {
-        (QTest::newRow(name) << ... << v);
-    }
-
 private slots:
     void everyLevel_data()
     {

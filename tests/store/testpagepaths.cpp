@@ -7,17 +7,14 @@
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
+#include "tests/support/datarow.h"
 
+using qmr::test::row;
 using namespace qmr;
 
 class TestPagePaths : public QObject
 {
     Q_OBJECT
-    template <typename... T> static void row(const char* name, const T&... v)
-    {
-        (QTest::newRow(name) << ... << v);
-    }
-
 private slots:
     void computed_data()
     {

@@ -10,7 +10,9 @@
 #include "store/storeerror.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
+#include "tests/support/datarow.h"
 
+using qmr::test::row;
 using namespace qmr;
 
 namespace {
@@ -45,11 +47,6 @@ void makeStoreAt(const AppHome& home, int version)
 class TestSchema : public QObject
 {
     Q_OBJECT
-    template <typename... T> static void row(const char* name, const T&... v)
-    {
-        (QTest::newRow(name) << ... << v);
-    }
-
 private slots:
     void freshStore()
     {

@@ -14,7 +14,9 @@
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
+#include "tests/support/datarow.h"
 
+using qmr::test::row;
 using namespace qmr;
 
 namespace {
@@ -67,11 +69,6 @@ Checked check(Database& db, const PagePaths& paths, bool repair)
 class TestStoreCheck : public QObject
 {
     Q_OBJECT
-    template <typename... T> static void row(const char* name, const T&... v)
-    {
-        (QTest::newRow(name) << ... << v);
-    }
-
 private slots:
     void damage_data()
     {

@@ -1,0 +1,20 @@
+#pragma once
+
+#include <QTest>
+#include <array>
+
+namespace qmr::test {
+
+// A data table in few lines: columns<QString, int>({"key", "count"}), then one row() a case,
+// its values in the order of the columns.
+template <class... T> void columns(const std::array<const char*, sizeof...(T)>& names)
+{
+    int i = 0;
+    (QTest::addColumn<T>(names[i++]), ...);
+}
+template <class... V> void row(const char* name, const V&... values)
+{
+    (QTest::newRow(name) << ... << values);
+}
+
+} // namespace qmr::test
