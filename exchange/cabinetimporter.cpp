@@ -483,7 +483,7 @@ qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, 
     NewPage page;
     page.name = name;
     page.pageNumber =
-        ExchangeReader::pageNumberOf(name).value_or(pages.highestNumber(documentId) + 1);
+        ExchangeReader::pageNumberOf(name).value_or(pages.nextNumber(documentId));
     page.fileSize = length;
     page.scanDate = QDate::currentDate();
     page.shortcut = isShortcutName(name);

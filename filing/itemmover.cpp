@@ -108,7 +108,7 @@ bool ItemMover::movePage(qint32 pageId, qint32 documentId, DropSource source)
     if (current < 0 || current == documentId)
         return false;
     // At the end of its new document; the numbers of the one it left are not closed up.
-    pages.movePage(pageId, documentId, pages.highestNumber(documentId) + 1);
+    pages.movePage(pageId, documentId, pages.nextNumber(documentId));
     if (m_context.pageNotifier)
         m_context.pageNotifier->pageAdded(pageId);
     if (source == DropSource::PageList && m_view) {

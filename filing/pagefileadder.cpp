@@ -17,6 +17,7 @@
 #include "store/commandcontext.h"
 #include "store/itemrules.h"
 #include "store/pageplace.h"
+#include "store/pagestore.h"
 #include "store/session.h"
 #include "store/storeerror.h"
 
@@ -226,8 +227,8 @@ std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fil
 qint32 PageFileAdder::nextPageNumber(qint32 documentId)
 {
     if (const auto known = m_highest.constFind(documentId); known != m_highest.constEnd())
-        return *known + 1;
-    return m_context.session.pages().highestNumber(documentId) + 1;
+        return PageStore::numberAfter(*known);
+    return m_context.session.pages().nextNumber(documentId);
 }
 
 void PageFileAdder::holdDeliveries()

@@ -1,6 +1,7 @@
 #include "store/pagestore.h"
 
 #include <QCoreApplication>
+#include <limits>
 
 #include "core/progress.h"
 #include "store/database.h"
@@ -97,6 +98,16 @@ qint32 PageStore::highestNumber(qint32 documentId) const
         .scalar(QStringLiteral("SELECT MAX(PageNumber) FROM Page WHERE DocumentId = ?"),
                 {documentId})
         .toInt();
+}
+
+qint32 PageStore::numberAfter(qint32 pageNumber)
+{
+    return pageNumber < std::numeric_limits<qint32>::max() ? pageNumber + 1 : pageNumber;
+}
+
+qint32 PageStore::nextNumber(qint32 documentId) const
+{
+    return numberAfter(highestNumber(documentId));
 }
 
 qint32 PageStore::lowestNumber(qint32 documentId) const

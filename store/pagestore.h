@@ -57,6 +57,10 @@ public:
     qint64 countAll() const;
     // The highest page number of a document, 0 when it has none.
     qint32 highestNumber(qint32 documentId) const;
+    // The number a page added at the end of a document takes: one past the highest, held at
+    // the largest number a page can carry (an imported name can already use it).
+    qint32 nextNumber(qint32 documentId) const;
+    static qint32 numberAfter(qint32 pageNumber);
     qint32 lowestNumber(qint32 documentId) const;
 
     // The pages before and after a page in the viewer's order: the nearest lower (higher)

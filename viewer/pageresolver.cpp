@@ -25,7 +25,7 @@ qint32 PageResolver::makePage(qint32 documentId)
 {
     PageStore& pages = m_context.session.pages();
     NewPage page;
-    page.pageNumber = pages.highestNumber(documentId) + 1;
+    page.pageNumber = pages.nextNumber(documentId);
     page.scanDate = QDate::currentDate();
     page.fileType = QStringLiteral("JPG");
     m_madePageId = pages.insertPage(documentId, page);

@@ -199,21 +199,33 @@ private slots:
         QCOMPARE(h.choosers.directoryStarts().size(), 1);
     }
 
+    void importFilesIntoADocument_data()
+    {
+        QTest::addColumn<QString>("numbered");
+        QTest::addColumn<QList<int>>("numbers");
+        QTest::newRow("after a numbered name") << "Page 5.jpg" << QList<int>({1, 2, 5, 6});
+        // No number past the largest: the next page shares it.
+        QTest::newRow("after the largest number")
+            << "Page 2147483647.jpg" << QList<int>({1, 2, 2147483647, 2147483647});
+    }
+
     void importFilesIntoADocument()
     {
+        QFETCH(QString, numbered);
+        QFETCH(QList<int>, numbers);
         NavHarness h;
         h.loadSample();
         QTemporaryDir dir;
-        writeFiles(dir.path(), {"Page 5.jpg", "x.jpg"});
+        writeFiles(dir.path(), {numbered, "x.jpg"});
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"}); // "March statement": pages 1, 2
         for (int run = 0; run < 2; ++run)
             importFiles(h, "mnuPopupDocumentImportFiles", dir.path());
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         // The second run finds both names and adds nothing.
-        QList<int> numbers;
+        QList<int> found;
         for (const PageRow& row : h.session->pages().pages(1))
-            numbers << row.pageNumber;
-        QCOMPARE(numbers, QList<int>({1, 2, 5, 6}));
+            found << row.pageNumber;
+        QCOMPARE(found, numbers);
         // The chooser opens where the last import came from.
         QCOMPARE(h.choosers.directoryStarts().value(1), dir.path());
         // The page pane shows the document's four pages.
