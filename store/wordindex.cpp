@@ -1,6 +1,7 @@
 #include "store/wordindex.h"
 
 #include "store/database.h"
+#include "store/storelog.h"
 #include "store/storeerror.h"
 
 namespace qmr {
@@ -60,7 +61,9 @@ void WordIndex::ensure(Database& db)
                            .arg(words, values(QStringLiteral("row"), t), table));
         }
         tx.commit();
-    } catch (const StoreError&) {
+    } catch (const StoreError& e) {
+        // Searching works without the index, only slower: the user is not troubled with it.
+        qCWarning(lcStore) << "The word index could not be made:" << e.message();
     }
 }
 
