@@ -89,7 +89,7 @@ bool Startup::start(bool showWindow)
     m_splash->splashStep(tr("Loading main menu"));
     m_progress = std::make_unique<ProgressWindow>();
     m_base = std::make_unique<CommandContext>(
-        CommandContext{*m_session, m_prompter, m_choosers, *m_progress, *m_view});
+        CommandContext{*m_session, m_state, m_prompter, m_choosers, *m_progress, *m_view});
     m_notifier = std::make_unique<MailPageNotifier>(*m_base);
     m_base->pageNotifier = m_notifier.get();
     m_window = std::make_unique<NavWindow>(*m_base, *m_templates);
@@ -97,7 +97,7 @@ bool Startup::start(bool showWindow)
     m_progress->setWindowIcon(m_window->windowIcon());
 
     m_splash->splashStep(tr("Initializing"));
-    m_session->findRecord().initFindDefaults();
+    m_state.findRecord().initFindDefaults();
 
     m_splash->finish();
     if (showWindow) {

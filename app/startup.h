@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "core/apphome.h"
+#include "core/runstate.h"
 
 namespace qmr {
 
@@ -43,6 +44,7 @@ public:
     static bool checkDataAccess(Prompter& prompter, int runtimeVersion);
 
     Session& session() { return *m_session; }
+    RunState& state() { return m_state; }
     NavWindow* window() { return m_window.get(); }
     SplashWindow* splash() { return m_splash.get(); }
     ProgressWindow* progress() { return m_progress.get(); }
@@ -60,6 +62,7 @@ private:
     std::unique_ptr<HomeLock> m_lock;
     std::unique_ptr<AccessibleNames> m_names;
     std::unique_ptr<Session> m_session;
+    RunState m_state;
     std::unique_ptr<ViewSettings> m_view;
     std::unique_ptr<DrawerTemplates> m_templates;
     std::unique_ptr<SplashWindow> m_splash;

@@ -37,6 +37,7 @@
 
 #include "app/progresswindow.h"
 #include "benchsupport.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "navigator/navdragdrop.h"
 #include "navigator/navigator.h"
@@ -133,6 +134,7 @@ int main(int argc, char** argv)
     // The window on a store with a document for each round, the folder's nodes open.
     test::TestHome home;
     Session session(home.home(), home.settings());
+    RunState state;
     StoreSchema::openDatabase(session.db(), home.home());
     Database& db = session.db();
     db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Bench', '')");
@@ -154,7 +156,7 @@ int main(int argc, char** argv)
     view.read();
     DrawerTemplates templates(home.home());
     ProgressWindow progress;
-    NavWindow window(CommandContext{session, prompter, choosers, progress, view}, templates);
+    NavWindow window(CommandContext{session, state, prompter, choosers, progress, view}, templates);
     window.resize(1400, 1000);
     window.load();
     window.show();

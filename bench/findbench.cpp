@@ -31,6 +31,7 @@
 #include "core/findcriteria.h"
 #include "core/findrecord.h"
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "find/findsearch.h"
 #include "navigator/foundbranch.h"
@@ -188,6 +189,7 @@ int main(int argc, char** argv)
 
     test::TestHome home;
     Session session(home.home(), home.settings());
+    RunState state;
     StoreSchema::openDatabase(session.db(), home.home());
     QElapsedTimer timer;
     timer.start();
@@ -202,7 +204,7 @@ int main(int argc, char** argv)
     DrawerTemplates templates(home.home());
     ViewSettings view(home.settings());
     view.read();
-    NavWindow window(CommandContext{session, prompter, choosers, progress, view}, templates);
+    NavWindow window(CommandContext{session, state, prompter, choosers, progress, view}, templates);
     window.resize(1000, 700);
     window.load();
     window.show();
@@ -263,7 +265,7 @@ int main(int argc, char** argv)
             timer.restart();
             branch.clear();
             f.clear = timer.nsecsElapsed() / 1000;
-            const FindOutcome outcome = FindSearch(session).run(criteria, 0, 0);
+            const FindOutcome outcome = FindSearch(session, state.foundSet()).run(criteria, 0, 0);
             f.search = timer.nsecsElapsed() / 1000 - f.clear;
             branch.show(outcome.documents);
             QCoreApplication::processEvents(); // the tree sorts and lays out

@@ -10,6 +10,7 @@
 #include <cstdio>
 
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "navigator/navigator.h"
 #include "navigator/navtree.h"
@@ -35,6 +36,7 @@ int main(int argc, char** argv)
 
     test::TestHome home;
     Session session(home.home(), home.settings());
+    RunState state;
     StoreSchema::openDatabase(session.db(), home.home());
     Database& db = session.db();
     QElapsedTimer timer;
@@ -76,7 +78,7 @@ int main(int argc, char** argv)
     DrawerTemplates templates(home.home());
     ViewSettings view(home.settings());
     view.read();
-    NavWindow window(CommandContext{session, prompter, choosers, progress, view}, templates);
+    NavWindow window(CommandContext{session, state, prompter, choosers, progress, view}, templates);
     window.resize(1000, 700);
     window.load();
     std::printf("tree loaded:         %6lld ms  (%d nodes)\n",

@@ -26,6 +26,7 @@
 
 #include "benchsupport.h"
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "filing/thumbnailcache.h"
 #include "filing/thumbnailmaker.h"
@@ -71,6 +72,7 @@ int main(int argc, char** argv)
     home.settings().set(keys::DisplayCount, QStringLiteral("64"));
     home.settings().set(keys::ThumbView, QStringLiteral("thumbnail"));
     Session session(home.home(), home.settings());
+    RunState state;
     StoreSchema::openDatabase(session.db(), home.home());
     Database& db = session.db();
 
@@ -188,7 +190,7 @@ int main(int argc, char** argv)
     ViewSettings view(home.settings());
     view.read();
     DrawerTemplates templates(home.home());
-    NavWindow window(CommandContext{session, prompter, choosers, progress, view}, templates);
+    NavWindow window(CommandContext{session, state, prompter, choosers, progress, view}, templates);
     window.resize(1400, 1000);
     window.load();
     window.show();

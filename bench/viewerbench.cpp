@@ -21,6 +21,7 @@
 
 #include "core/progress.h"
 #include "core/prompter.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "store/pagepaths.h"
 #include "store/schema.h"
@@ -151,6 +152,7 @@ int main(int argc, char** argv)
         pageId = store.page(doc, 1, QSize(100, 100));
     }
     Session session(home.home(), home.settings());
+    RunState state;
     StoreSchema::openDatabase(session.db(), home.home());
     const QString path = session.paths().computedPagePath(pageId);
     const QImage page = scannedPage();
@@ -163,7 +165,7 @@ int main(int argc, char** argv)
     test::ScriptedChoosers choosers;
     SilentProgress progress;
     ViewSettings view(home.settings());
-    const CommandContext context{session, prompter, choosers, progress, view};
+    const CommandContext context{session, state, prompter, choosers, progress, view};
 
     {
         qint32 a3 = -1;

@@ -4,6 +4,7 @@
 
 #include "core/navigatorcallbacks.h"
 #include "core/pagenotifier.h"
+#include "core/runstate.h"
 #include "filing/cabinetopener.h"
 #include "filing/moveview.h"
 #include "filing/pagefileadder.h"
@@ -114,7 +115,7 @@ bool ItemMover::movePage(qint32 pageId, qint32 documentId, DropSource source)
     if (source == DropSource::PageList && m_view) {
         m_view->removePages({pageId});
         // The drag moved the tree's selection over its targets; the node on show comes back.
-        m_view->selectNode(NodeKey::parse(m_context.session.selection().lastNodeKey));
+        m_view->selectNode(NodeKey::parse(m_context.state.selection().lastNodeKey));
     }
     return true;
 }

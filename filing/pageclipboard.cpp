@@ -9,6 +9,7 @@
 #include "core/navigatorcallbacks.h"
 #include "core/pagenotifier.h"
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "filing/clipboardfiles.h"
 #include "store/commandcontext.h"
 #include "store/commandguard.h"
@@ -23,7 +24,7 @@ PageClipboard::PageClipboard(const CommandContext& context)
 
 void PageClipboard::cut()
 {
-    ClipPages& clip = m_context.session.clipPages();
+    ClipPages& clip = m_context.state.clipPages();
     clip.clear();
     if (m_context.target)
         clip.ids = m_context.target->selectedPageIds();
@@ -31,7 +32,7 @@ void PageClipboard::cut()
 
 void PageClipboard::copySelectedPages()
 {
-    m_context.session.clipPages().clear();
+    m_context.state.clipPages().clear();
     if (!m_context.target)
         return;
     guarded(m_context.prompter, [this] {
@@ -46,7 +47,7 @@ void PageClipboard::copySelectedPages()
 
 bool PageClipboard::canPaste() const
 {
-    return !m_context.session.clipPages().isEmpty() || ClipboardFiles::clipboardHasFiles();
+    return !m_context.state.clipPages().isEmpty() || ClipboardFiles::clipboardHasFiles();
 }
 
 void PageClipboard::pasteIntoDocument()
@@ -60,7 +61,7 @@ void PageClipboard::pasteIntoDocument()
     const qint32 documentId = selected.id();
     guarded(m_context.prompter, [&] {
         // Pages cut win over files on the clipboard.
-        if (!m_context.session.clipPages().isEmpty())
+        if (!m_context.state.clipPages().isEmpty())
             pasteCutPages(documentId);
         else
             m_drop.pasteFiles(ClipboardFiles::getClipboardFiles(), documentId);
@@ -71,7 +72,7 @@ void PageClipboard::pasteCutPages(qint32 documentId)
 {
     QGuiApplication::setOverrideCursor(Qt::WaitCursor);
     const auto restore = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
-    ClipPages& clip = m_context.session.clipPages();
+    ClipPages& clip = m_context.state.clipPages();
     PageStore& pages = m_context.session.pages();
     Progress& progress = m_context.progress;
     const QString title = QCoreApplication::translate("qmr::PageClipboard", "Pasting files");

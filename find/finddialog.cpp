@@ -11,6 +11,7 @@
 #include "core/foundresults.h"
 #include "core/localenumber.h"
 #include "core/prompter.h"
+#include "core/runstate.h"
 #include "find/findsearch.h"
 #include "find/locationcombos.h"
 #include "store/commandguard.h"
@@ -78,7 +79,7 @@ void FindDialog::loadForm()
     // Typing starts in the keywords, not on the tab bar that leads the tab order.
     m_ui->txtKeywords->setFocus();
 
-    const FindRecord& record = m_context.session.findRecord();
+    const FindRecord& record = m_context.state.findRecord();
     m_ui->txtKeywords->setText(record.keywords);
     m_ui->optKeywords0->setChecked(record.matchAny != 0);
     m_ui->optKeywords1->setChecked(record.matchAll != 0);
@@ -129,7 +130,7 @@ void FindDialog::followFrom(const QDate& from, QDateEdit* thru, QDate* followed)
     // A Thru date that the user has not set yet (the default, or what this helper put there)
     // follows, so that stepping through a From date does not leave Thru behind at its first
     // step.
-    const QDate defaultThru = m_context.session.findRecord().defaultThru;
+    const QDate defaultThru = m_context.state.findRecord().defaultThru;
     if (thru->date() == defaultThru || (followed->isValid() && thru->date() == *followed)) {
         *followed = from;
         thru->setDate(from);
@@ -164,7 +165,7 @@ void FindDialog::reset()
     if (m_context.prompter.ask(tr("Reset find parameters?"), Prompter::Buttons::YesNo) !=
         Prompter::Answer::Yes)
         return;
-    m_context.session.findRecord().initFindDefaults();
+    m_context.state.findRecord().initFindDefaults();
     loadForm();
 }
 
@@ -220,7 +221,7 @@ void FindDialog::find()
         m_ui->txtKeywords->setFocus();
         return;
     }
-    FindRecord record = m_context.session.findRecord();
+    FindRecord record = m_context.state.findRecord();
     if (!readNumbers(record))
         return;
     record.keywords = m_ui->txtKeywords->text();
@@ -233,7 +234,7 @@ void FindDialog::find()
     record.scanThru = m_ui->dtScanThru->date();
     record.docFrom = m_ui->dtDocFrom->date();
     record.docThru = m_ui->dtDocThru->date();
-    m_context.session.findRecord() = record;
+    m_context.state.findRecord() = record;
 
     m_timer->stop();
     runFind(record);
@@ -246,8 +247,8 @@ void FindDialog::runFind(const FindRecord& record)
         if (m_results)
             m_results->clear();
         // The ids are what the polls have settled; a combo changed since is not seen yet.
-        const FindOutcome outcome =
-            FindSearch(m_context.session).run(record, m_combos->cabinetId(), m_combos->folderId());
+        const FindOutcome outcome = FindSearch(m_context.session, m_context.state.foundSet())
+                                        .run(record, m_combos->cabinetId(), m_combos->folderId());
         if (outcome.foundCount == 0) {
             m_context.prompter.tell(tr("Nothing found."));
             return;

@@ -4,11 +4,12 @@
 
 #include "core/findcriteria.h"
 #include "core/findrecord.h"
+#include "core/foundset.h"
 #include "store/session.h"
 
 namespace qmr {
 
-FindSearch::FindSearch(Session& session) : m_session(session)
+FindSearch::FindSearch(Session& session, FoundSet& found) : m_session(session), m_found(found)
 {
 }
 
@@ -26,8 +27,7 @@ QVector<qint32> FindSearch::cabinetsToSearch(qint32 cabinetId) const
 
 FindOutcome FindSearch::run(const FindRecord& record, qint32 cabinetId, qint32 folderId)
 {
-    FoundSet& found = m_session.foundSet();
-    found.clear();
+    m_found.clear();
     const FindCriteria criteria = FindCriteria::fromRecord(record, folderId);
     // One read of the store from the list of cabinets to the names of the places found.
     Database::Transaction read(m_session.db());
@@ -36,7 +36,7 @@ FindOutcome FindSearch::run(const FindRecord& record, qint32 cabinetId, qint32 f
     read.commit();
     // A found document's page list is narrowed by what this search asked of its pages.
     if (!cabinets.isEmpty())
-        found.pageFilter = criteria.pages;
+        m_found.pageFilter = criteria.pages;
     return outcome;
 }
 

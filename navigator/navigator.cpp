@@ -9,6 +9,7 @@
 #include <QScopeGuard>
 
 #include "core/prompter.h"
+#include "core/runstate.h"
 #include "filing/cabinetopener.h"
 #include "filing/commandkeys.h"
 #include "filing/defaultpageopener.h"
@@ -43,9 +44,10 @@ QAbstractItemView* pageView(PagePane& pane)
 
 Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& list,
                      PagePane& pages, NavMenus& menus, NavIcons& icons, QWidget* window)
-    : QObject(window), m_context{base.session, base.prompter, base.choosers, base.progress,
-                                 base.view,    &m_target,     this,          window},
-      m_target(base.session.selection(), *this), m_tree(tree), m_list(list), m_pages(pages),
+    : QObject(window), m_context{base.session,  base.state,    base.prompter,
+                                 base.choosers, base.progress, base.view,
+                                 &m_target,     this,          window},
+      m_target(base.state.selection(), *this), m_tree(tree), m_list(list), m_pages(pages),
       m_menus(menus), m_icons(icons), m_window(window), m_filler(tree, list, icons, base.session),
       m_defaultOpener(
           std::make_unique<DefaultPageOpener>(base.session, base.prompter, base.choosers)),
@@ -99,7 +101,7 @@ void Navigator::refreshNavTree()
 void Navigator::restoreLastNode()
 {
     guarded(m_context.prompter, [this] {
-        SelectionRecord& record = m_context.session.selection();
+        SelectionRecord& record = m_context.state.selection();
         const QString saved = m_context.session.settings().get(keys::LastNavTreeNodeKey);
         if (saved.isEmpty())
             return;
@@ -129,7 +131,7 @@ QString Navigator::lastNodeKeyToSave() const
     // a locked cabinet, say) and nothing was clicked since, the place read at start is kept.
     const NodeKey selected = treeSelectedKey();
     if (m_restoreStopped && (selected.isEmpty() || selected.isRoot()))
-        return m_context.session.selection().lastNodeKey;
+        return m_context.state.selection().lastNodeKey;
     return selected.text();
 }
 
@@ -148,7 +150,7 @@ bool Navigator::openCabinet(qint32 cabinetId)
 
 void Navigator::tvwMainProcessNode(const QString& text)
 {
-    SelectionRecord& record = m_context.session.selection();
+    SelectionRecord& record = m_context.state.selection();
     const NodeKey clicked = NodeKey::parse(text);
     bool proceed = true;
     if (clicked.level() == Level::Cabinet) {
@@ -205,7 +207,7 @@ void Navigator::setRecordFromKey(const NodeKey& key)
     const QTreeWidgetItem* node = m_tree.node(key.text());
     const qint32 parent =
         *level == Level::Cabinet ? -1 : NodeKey::parse(m_tree.parentKey(key.text())).id();
-    m_context.session.selection().set(key, node ? node->text(0) : QString(), parent);
+    m_context.state.selection().set(key, node ? node->text(0) : QString(), parent);
 }
 
 void Navigator::onTreeDoubleClick(QTreeWidgetItem* item)
@@ -265,7 +267,7 @@ void Navigator::showPagesInListView(qint32 documentId, bool found)
     m_list.hide();
     m_pages.show();
     // A found document shows the pages its search looked for.
-    const PageFilter filter = found ? m_context.session.foundSet().pageFilter : PageFilter();
+    const PageFilter filter = found ? m_context.state.foundSet().pageFilter : PageFilter();
     m_pages.showPages(documentId, m_context.session.pages().pages(documentId, filter), found);
     // A caller that did not come from the tree leaves the tree in step; a found document's
     // node stays where it is.
@@ -324,7 +326,7 @@ void Navigator::itemRemoved(Level level, qint32 id)
     // nothing on show and nothing a command would aim at is gone from the store.
     const bool inView = isWithin(treeSelectedKey(), removed);
     const NodeKey parent = treeParentKey(removed);
-    SelectionRecord& record = m_context.session.selection();
+    SelectionRecord& record = m_context.state.selection();
     if (isWithin(record.node, removed))
         record.clear();
     m_filler.removeItem(level, id);
@@ -435,7 +437,7 @@ void Navigator::onTreeMouseUp(Qt::MouseButton button)
     // After any button the commands find their target anew: from the menu's node after a
     // right click, else from the selected node.
     m_target.setSource(ContextSource::Tree);
-    m_context.session.selection().clear();
+    m_context.state.selection().clear();
     if (button == Qt::RightButton)
         treePopup(QCursor::pos());
 }
@@ -501,7 +503,7 @@ bool Navigator::onControlKey(ContextSource control, const QKeyEvent& event)
     // Shift+F10 and the Menu key open the pop-up of the control with the focus.
     if (key == Qt::Key_Menu || (key == Qt::Key_F10 && mods == Qt::ShiftModifier)) {
         if (control == ContextSource::Tree) {
-            m_context.session.selection().clear();
+            m_context.state.selection().clear();
             treePopup(keyboardPopupPoint(&m_tree));
         } else if (control == ContextSource::List) {
             listPopup(keyboardPopupPoint(&m_list));

@@ -18,6 +18,7 @@
 #include <QVBoxLayout>
 
 #include "core/prompter.h"
+#include "core/runstate.h"
 #include "exchange/exchangecommands.h"
 #include "filing/clipboardcommands.h"
 #include "filing/deletecommand.h"
@@ -240,7 +241,7 @@ void NavWindow::load(const std::function<void(const QString&)>& splashStep)
         if (splashStep)
             splashStep(text);
     };
-    m_base.session.selection().clear();
+    m_base.state.selection().clear();
     restorePlacement();
 
     step(tr("Loading main menu"));

@@ -112,10 +112,16 @@ bool ScanFlow::prepareViewer(const NodeKey& key)
 {
     // The viewer's saves stay quiet while the scan's own progress is up.
     auto* quiet = new QuietProgress(m_context.progress);
-    CommandContext viewerContext{
-        m_context.session,   m_context.prompter, m_context.choosers,  *quiet,
-        m_context.view,      m_context.target,   m_context.navigator, m_context.parent,
-        m_context.pageOpener};
+    CommandContext viewerContext{m_context.session,
+                                 m_context.state,
+                                 m_context.prompter,
+                                 m_context.choosers,
+                                 *quiet,
+                                 m_context.view,
+                                 m_context.target,
+                                 m_context.navigator,
+                                 m_context.parent,
+                                 m_context.pageOpener};
     auto* viewer = new PageViewWindow(viewerContext, m_context.parent);
     quiet->setParent(viewer);
     viewer->setWindowFlag(Qt::Window);

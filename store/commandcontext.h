@@ -11,10 +11,11 @@ class PageNotifier;
 class PageOpener;
 class Progress;
 class Prompter;
+class RunState;
 class Session;
 class ViewSettings;
 
-// What every command and dialog works with. Start-up supplies the first five; the main window
+// What every command and dialog works with. Start-up supplies the first six; the main window
 // adds the target, itself as the navigator, and itself as the parent of dialogs. Outside a
 // window (tests, batch runs) the last three may stay empty. The window's navigator owns the
 // one context of a run; commands and dialogs hold it by reference, so that what is set later
@@ -22,6 +23,7 @@ class ViewSettings;
 struct CommandContext
 {
     Session& session;
+    RunState& state;
     Prompter& prompter;
     Choosers& choosers;
     Progress& progress;

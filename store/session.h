@@ -1,10 +1,6 @@
 #pragma once
 
 #include "core/apphome.h"
-#include "core/clippages.h"
-#include "core/findrecord.h"
-#include "core/foundset.h"
-#include "core/selectionrecord.h"
 #include "core/settings.h"
 #include "store/cabinetlock.h"
 #include "store/database.h"
@@ -14,8 +10,9 @@
 
 namespace qmr {
 
-// The program-wide state of one run: the store connection, the open-cabinet list, the
-// selection record and the find criteria. One object, passed to whoever needs it.
+// The store of one run: its home, the connection, the items and pages, the cabinet locks
+// and the page paths. One object, passed to whoever needs it; what the run only remembers
+// (selection, search, cut pages) is its RunState.
 class Session
 {
 public:
@@ -29,12 +26,6 @@ public:
     ItemStore& items() { return m_items; }
     PageStore& pages() { return m_pages; }
     const PagePaths& paths() const { return m_paths; }
-    SelectionRecord& selection() { return m_selection; }
-    FindRecord& findRecord() { return m_find; }
-    // What the last search asked of the pages, for its found documents.
-    FoundSet& foundSet() { return m_foundSet; }
-    // The pages cut and waiting for a paste.
-    ClipPages& clipPages() { return m_clipPages; }
 
 private:
     AppHome m_home;
@@ -44,10 +35,6 @@ private:
     ItemStore m_items{m_db};
     PageStore m_pages{m_db};
     PagePaths m_paths;
-    SelectionRecord m_selection;
-    FindRecord m_find;
-    FoundSet m_foundSet;
-    ClipPages m_clipPages;
 };
 
 } // namespace qmr

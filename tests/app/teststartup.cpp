@@ -67,7 +67,7 @@ private slots:
         QCOMPARE(run.startup->splash()->bar()->position(), 6);
         QCOMPARE(run.startup->splash()->bar()->maximum(), 8);
         QVERIFY(!run.startup->splash()->isVisible());
-        QCOMPARE(run.session().findRecord().cabinetName, QStringLiteral("(All)"));
+        QCOMPARE(run.state().findRecord().cabinetName, QStringLiteral("(All)"));
         // Made narrow, the window cuts the names; made wide again, it shows them whole.
         w->showNormal();
         w->resize(360, w->height());
@@ -101,7 +101,7 @@ private slots:
         QVERIFY(!w->isMaximized());
         QCOMPARE(w->geometry().size(), normal.size());
         QCOMPARE(w->tree()->selectedKey(), last);
-        QCOMPARE(run.session().selection().lastNodeKey, last);
+        QCOMPARE(run.state().selection().lastNodeKey, last);
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
         QCOMPARE(run.choosers.passwordAsks(), 0);
     }

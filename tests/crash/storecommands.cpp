@@ -11,6 +11,7 @@
 #include "core/commandtarget.h"
 #include "core/level.h"
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/settings.h"
 #include "core/textfile.h"
 #include "core/viewsettings.h"
@@ -108,6 +109,7 @@ struct CommandStore::Parts
     quint32 seed;
     Settings settings{home.file(QStringLiteral("settings.conf"))};
     Session session{home, settings};
+    RunState state;
     DrawerTemplates templates{home};
     test::ScriptedPrompter prompter;
     test::ScriptedChoosers choosers;
@@ -119,7 +121,8 @@ struct CommandStore::Parts
     Database& db() { return session.db(); }
     const CommandContext& context()
     {
-        return contexts.emplace_back(CommandContext{session, prompter, choosers, progress, view});
+        return contexts.emplace_back(
+            CommandContext{session, state, prompter, choosers, progress, view});
     }
 
     // A random existing item of the level (by id order), or -1 when there is none.
@@ -235,7 +238,7 @@ struct CommandStore::Parts
     void move(QRandomGenerator& rng)
     {
         test::ScriptedChoosers moveChoosers;
-        const CommandContext moving{session, prompter, moveChoosers, progress, view};
+        const CommandContext moving{session, state, prompter, moveChoosers, progress, view};
         PageFileAdder files(moving);
         ItemMover mover(moving, files, nullptr);
         const Level level = Level(rng.bounded(1, 5));
@@ -259,7 +262,7 @@ struct CommandStore::Parts
     void pasteCutPages(QRandomGenerator& rng)
     {
         test::SetTargetView targetView;
-        CommandTarget target(session.selection(), targetView);
+        CommandTarget target(state.selection(), targetView);
         CommandContext pasting = context();
         pasting.target = &target;
         PageClipboard clipboard(pasting);

@@ -116,7 +116,7 @@ private slots:
         loadWithOther(h);
         h.click(click);
         if (listItem.startsWith("@"))
-            h.session->selection().set(NodeKey::parse(listItem.mid(1)), "Home Papers", -1);
+            h.state.selection().set(NodeKey::parse(listItem.mid(1)), "Home Papers", -1);
         else if (!listItem.isEmpty())
             h.window->list()->setCurrentItem(h.window->list()->itemOf(NodeKey::parse(listItem)));
         h.setSource(ContextSource(source));

@@ -8,6 +8,7 @@
 
 #include "core/pagenotifier.h"
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "filing/itemmover.h"
 #include "filing/moveview.h"
@@ -95,6 +96,7 @@ struct MoveBench
     ScriptedChoosers choosers;
     SilentProgress silent;
     std::unique_ptr<Session> session;
+    RunState state;
     std::unique_ptr<ViewSettings> view;
     NavRecorder navigator;
     RecordingMoveView moves;
@@ -110,8 +112,8 @@ struct MoveBench
         session = std::make_unique<Session>(home.home(), home.settings());
         StoreSchema::openDatabase(session->db(), home.home());
         view = std::make_unique<ViewSettings>(home.settings());
-        context = std::make_unique<CommandContext>(
-            CommandContext{*session, prompter, choosers, progress ? *progress : silent, *view});
+        context = std::make_unique<CommandContext>(CommandContext{
+            *session, state, prompter, choosers, progress ? *progress : silent, *view});
         context->navigator = &navigator;
         context->pageNotifier = &notices;
         files = std::make_unique<PageFileAdder>(*context);

@@ -1,6 +1,7 @@
 #include <QTest>
 
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "filing/cabinetopener.h"
 #include "store/commandcontext.h"
@@ -25,6 +26,7 @@ struct OpenerHarness
     test::NavRecorder nav;
     SilentProgress progress;
     std::unique_ptr<Session> session;
+    RunState state;
     std::unique_ptr<ViewSettings> view;
 
     OpenerHarness()
@@ -37,7 +39,8 @@ struct OpenerHarness
     bool open(qint32 id)
     {
         return CabinetOpener::openCabinet(
-            CommandContext{*session, prompter, choosers, progress, *view, nullptr, &nav}, id);
+            CommandContext{*session, state, prompter, choosers, progress, *view, nullptr, &nav},
+            id);
     }
     qint32 cabinet(const QString& name, const QString& password = QString())
     {

@@ -69,7 +69,7 @@ private slots:
         QFETCH(DropSource, source);
         QFETCH(QStringList, move);
         MoveBench b;
-        b.session->selection().lastNodeKey = QStringLiteral("DOC3");
+        b.state.selection().lastNodeKey = QStringLiteral("DOC3");
         b.choosers.queuePassword(QStringLiteral("secret"));
         const NodeKey moved = NodeKey::parse(move.at(0));
         const QString before = parentKeyOf(*b.session, moved);

@@ -21,7 +21,7 @@ namespace {
 struct ClipBench : MoveBench
 {
     explicit ClipBench(Progress* progress = nullptr)
-        : MoveBench(progress), target(session->selection(), stub)
+        : MoveBench(progress), target(state.selection(), stub)
     {
         context->target = &target;
         clipboard = std::make_unique<PageClipboard>(*context);
@@ -107,10 +107,10 @@ private slots:
         ClipBench b;
         b.stub.pages = {1};
         b.clipboard->cut();
-        QCOMPARE(b.session->clipPages().ids, QVector<qint32>{1});
+        QCOMPARE(b.state.clipPages().ids, QVector<qint32>{1});
         b.stub.pages = {2};
         b.clipboard->copySelectedPages();
-        QVERIFY(b.session->clipPages().isEmpty());
+        QVERIFY(b.state.clipPages().isEmpty());
         // The paste takes the copied file; what was cut stays where it is.
         b.stub.tree = NodeKey::parse("DOC3");
         b.clipboard->pasteIntoDocument();
@@ -136,7 +136,7 @@ private slots:
         QCOMPARE(b.session->pages().count(3), 3);
         QCOMPARE(b.notices.pages, (QVector<qint32>{2, 1}));
         QCOMPARE(b.navigator.calls, QStringList{"SHOWDOC3"});
-        QVERIFY(b.session->clipPages().isEmpty());
+        QVERIFY(b.state.clipPages().isEmpty());
         // The next paste takes the files.
         b.clipboard->pasteIntoDocument();
         QCOMPARE(b.session->pages().count(3), 4);

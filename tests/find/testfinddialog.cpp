@@ -15,6 +15,7 @@
 #include "core/findrecord.h"
 #include "core/foundresults.h"
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "find/finddialog.h"
 #include "find/locationcombos.h"
@@ -63,6 +64,7 @@ struct DialogHarness
     std::unique_ptr<ViewSettings> view;
     RecordingResults results;
     Session& session;
+    RunState state;
     std::optional<CommandContext> context; // the dialog holds it by reference
     std::unique_ptr<FindDialog> dialog;
 
@@ -71,9 +73,9 @@ struct DialogHarness
         : session(fixture.open())
     {
         if (prepare)
-            prepare(session.findRecord());
+            prepare(state.findRecord());
         view = std::make_unique<ViewSettings>(fixture.home.settings());
-        context.emplace(CommandContext{session, prompter, choosers, progress, *view});
+        context.emplace(CommandContext{session, state, prompter, choosers, progress, *view});
         dialog = std::make_unique<FindDialog>(*context, &results);
     }
     template <typename T> T* child(const char* name) const
@@ -221,8 +223,8 @@ private slots:
         // Cancel leaves the criteria as they were.
         h.child<QPushButton>("cmdCancel")->click();
         QCOMPARE(h.dialog->result(), int(QDialog::Rejected));
-        QCOMPARE(h.session.findRecord().keywords, QString("tax  bill"));
-        QCOMPARE(h.session.findRecord().amountThru, 1234567.891);
+        QCOMPARE(h.state.findRecord().keywords, QString("tax  bill"));
+        QCOMPARE(h.state.findRecord().amountThru, 1234567.891);
         QVERIFY(h.results.calls.isEmpty());
     }
 
@@ -251,15 +253,15 @@ private slots:
         h.prompter.expect("Reset find parameters?", Prompter::Answer::No);
         h.child<QPushButton>("cmdReset")->click();
         QCOMPARE(h.box("txtKeywords")->text(), QString("tax"));
-        QCOMPARE(h.session.findRecord().keywords, QString("tax"));
+        QCOMPARE(h.state.findRecord().keywords, QString("tax"));
         QCOMPARE(h.tab(), 2);
 
         h.prompter.expect("Reset find parameters?", Prompter::Answer::Yes);
         h.child<QPushButton>("cmdReset")->click();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(h.box("txtKeywords")->text(), QString());
-        QCOMPARE(h.session.findRecord().keywords, QString());
-        QCOMPARE(h.session.findRecord().cabinetName, QString("(All)"));
+        QCOMPARE(h.state.findRecord().keywords, QString());
+        QCOMPARE(h.state.findRecord().cabinetName, QString("(All)"));
         QCOMPARE(h.combo("cboCabinet")->currentText(), QString("(All)"));
         QCOMPARE(h.box("txtAmtFrom")->text(), QString("0.00"));
         QCOMPARE(h.tab(), 0);
@@ -289,15 +291,15 @@ private slots:
             QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
             QCOMPARE(h.tab(), 0);
             QCOMPARE(h.dialog->focusWidget(), h.box("txtKeywords"));
-            QCOMPARE(h.session.findRecord().amountFrom, 0.0);
+            QCOMPARE(h.state.findRecord().amountFrom, 0.0);
             QVERIFY(h.results.calls.isEmpty());
             return;
         }
         // Without keywords every folder of the cabinet matches: all its documents come.
         QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
         QCOMPARE(h.results.calls, (QStringList{"clear", "show 6"}));
-        QCOMPARE(h.session.findRecord().amountFrom, 3.0);
-        QCOMPARE(h.session.findRecord().cabinetName, QString("Office"));
+        QCOMPARE(h.state.findRecord().amountFrom, 3.0);
+        QCOMPARE(h.state.findRecord().cabinetName, QString("Office"));
     }
 
     void searchWritesTheCriteria()
@@ -319,7 +321,7 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
         QCOMPARE(h.results.calls, (QStringList{"clear", "show 1"}));
-        const FindRecord& r = h.session.findRecord();
+        const FindRecord& r = h.state.findRecord();
         QCOMPARE(r.keywords, QString("statement"));
         QCOMPARE(r.matchAny, 0);
         QCOMPARE(r.matchAll, 1);
@@ -332,7 +334,7 @@ private slots:
         QCOMPARE(r.fileSizeThru, 5001); // rounded to a whole number
         QCOMPARE(r.amountFrom, 1234.5); // not 1: a group separator does not stop the number
         QCOMPARE(r.amountThru, 2000.0);
-        const PageFilter& pages = h.session.foundSet().pageFilter;
+        const PageFilter& pages = h.state.foundSet().pageFilter;
         QVERIFY(pages.scanDate == (ValueRange<QDate>{QDate(2026, 1, 1), QDate(2026, 12, 31)}));
         QVERIFY(pages.fileSize == (ValueRange<qint64>{1000, 5001}));
     }
@@ -363,7 +365,7 @@ private slots:
         QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
         QCOMPARE(h.tab(), 2);
         QCOMPARE(h.dialog->focusWidget(), h.box(qPrintable(box)));
-        QCOMPARE(h.session.findRecord().keywords, QString()); // nothing written
+        QCOMPARE(h.state.findRecord().keywords, QString()); // nothing written
         QVERIFY(h.results.calls.isEmpty());
         // An empty box is 0.
         h.box(qPrintable(box))->clear();
@@ -481,7 +483,7 @@ private slots:
         h.select("cboCabinet", "Office");
         h.child<QPushButton>("cmdFind")->click();
         QCOMPARE(h.results.calls, (QStringList{"clear", "show 1,6"}));
-        QCOMPARE(h.session.findRecord().cabinetName, QString("Office"));
+        QCOMPARE(h.state.findRecord().cabinetName, QString("Office"));
         // After a poll the same search keeps to the cabinet.
         DialogHarness again(m_fixture);
         again.box("txtKeywords")->setText("statement bill");
@@ -576,12 +578,13 @@ private slots:
     {
         test::TestHome home;
         Session session(home.home(), home.settings());
+        RunState state;
         StoreSchema::openDatabase(session.db(), home.home());
         test::ScriptedPrompter prompter;
         test::ScriptedChoosers choosers;
         SilentProgress progress;
         ViewSettings view(home.settings());
-        const CommandContext context{session, prompter, choosers, progress, view};
+        const CommandContext context{session, state, prompter, choosers, progress, view};
         FindDialog dialog(context, nullptr);
         auto* cabinet = dialog.findChild<QComboBox*>("cboCabinet");
         QCOMPARE(items(cabinet), QStringList{"No file cabinets to find"});

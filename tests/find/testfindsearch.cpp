@@ -1,6 +1,7 @@
 #include <QTest>
 
 #include "core/findrecord.h"
+#include "core/runstate.h"
 #include "find/findsearch.h"
 #include "findfixture.h"
 #include "tests/support/testrunner.h"
@@ -180,7 +181,9 @@ private slots:
         QFETCH(QStringList, documents);
         QFETCH(int, count);
         Session& session = m_fixture.open();
-        const FindOutcome outcome = FindSearch(session).run(criteria, cabinet, folder);
+        RunState state;
+        const FindOutcome outcome =
+            FindSearch(session, state.foundSet()).run(criteria, cabinet, folder);
         QCOMPARE(sortedUnique(foundKeys(outcome)), documents);
         QCOMPARE(outcome.foundCount, count);
     }
@@ -188,7 +191,9 @@ private slots:
     void foundByBothPasses()
     {
         Session& session = m_fixture.open();
-        const FindOutcome outcome = FindSearch(session).run(keywords("checking"), 0, 0);
+        RunState state;
+        const FindOutcome outcome =
+            FindSearch(session, state.foundSet()).run(keywords("checking"), 0, 0);
         // Document pass first, then the folder's documents.
         QCOMPARE(foundKeys(outcome).count("DOC5"), 2);
         QCOMPARE(foundKeys(outcome).first(), QString("DOC5"));
@@ -201,7 +206,8 @@ private slots:
     void lockedCabinetOnceOpened()
     {
         Session& session = m_fixture.open();
-        FindSearch search(session);
+        RunState state;
+        FindSearch search(session, state.foundSet());
         QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 3}));
         session.locks().recordOpen(2);
         QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 2, 3}));
@@ -212,19 +218,20 @@ private slots:
     void pageFilterOfTheSearch()
     {
         Session& session = m_fixture.open();
+        RunState state;
         FindRecord r = keywords("bill");
         r.scanFrom = QDate(2004, 2, 1);
         r.scanThru = QDate(2004, 2, 20);
         r.fileSizeFrom = 500;
         r.fileSizeThru = 900;
         r.amountThru = 100; // not about pages
-        FindSearch(session).run(r, 0, 0);
+        FindSearch(session, state.foundSet()).run(r, 0, 0);
         PageFilter asked;
         asked.scanDate = ValueRange<QDate>{QDate(2004, 2, 1), QDate(2004, 2, 20)};
         asked.fileSize = ValueRange<qint64>{500, 900};
-        QVERIFY(session.foundSet().pageFilter == asked);
+        QVERIFY(state.foundSet().pageFilter == asked);
         // The found document's pages are those the search asked for, the limits included.
-        const QVector<PageRow> pages = session.pages().pages(6, session.foundSet().pageFilter);
+        const QVector<PageRow> pages = session.pages().pages(6, state.foundSet().pageFilter);
         QCOMPARE(pages.size(), 1);
         QCOMPARE(pages.first().pageNumber, 2);
         QCOMPARE(session.pages().pages(6).size(), 2);
@@ -234,16 +241,17 @@ private slots:
         asked.scanDate->thru = QDate(2004, 2, 19);
         QVERIFY(session.pages().pages(6, asked).isEmpty());
         // A new search empties it first.
-        FindSearch(session).run(keywords("bill"), 0, 0);
-        QVERIFY(session.foundSet().pageFilter.isEmpty());
+        FindSearch(session, state.foundSet()).run(keywords("bill"), 0, 0);
+        QVERIFY(state.foundSet().pageFilter.isEmpty());
     }
 
     void noCabinetsFindsNothing()
     {
         test::TestHome home;
         Session session(home.home(), home.settings());
+        RunState state;
         StoreSchema::openDatabase(session.db(), home.home());
-        const FindOutcome outcome = FindSearch(session).run(FindRecord(), 0, 0);
+        const FindOutcome outcome = FindSearch(session, state.foundSet()).run(FindRecord(), 0, 0);
         QCOMPARE(outcome.foundCount, 0);
         QVERIFY(outcome.documents.isEmpty());
     }

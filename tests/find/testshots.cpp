@@ -24,7 +24,7 @@ private slots:
     {
         test::NavHarness h;
         h.loadSample();
-        FindRecord& r = h.session->findRecord();
+        FindRecord& r = h.state.findRecord();
         r.keywords = "statement tax";
         r.cabinetName = "Home Papers";
         r.drawerName = "Bank";

@@ -10,6 +10,7 @@
 #include <functional>
 
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/textfile.h"
 #include "core/viewsettings.h"
 #include "help/aboutdialog.h"
@@ -323,12 +324,13 @@ private slots:
         for (int i = 1; i <= 3; ++i)
             store.pageRow(doc, i);
         Session session(home.home(), home.settings());
+        RunState state;
         StoreSchema::openDatabase(session.db(), home.home());
         test::ScriptedPrompter prompter;
         test::ScriptedChoosers choosers;
         SilentProgress progress;
         ViewSettings view(home.settings());
-        const CommandContext context{session, prompter, choosers, progress, view};
+        const CommandContext context{session, state, prompter, choosers, progress, view};
         HelpCommands commands(context);
         CommandTable table;
         commands.addTo(table);

@@ -200,7 +200,7 @@ private slots:
             QCOMPARE(h.listTexts(), listBefore);
             QVERIFY(h.window->list()->isVisible());
             QCOMPARE(h.visibleLevelMenu(), QString());
-            QVERIFY(h.session->selection().node.isEmpty());
+            QVERIFY(h.state.selection().node.isEmpty());
         }
         // Double click, Insert and Delete on a found document do nothing.
         h.click("FDC1");

@@ -202,7 +202,7 @@ private slots:
                 rightClickTree(h, "ROOT"); // elsewhere than the selected node
         });
         QCOMPARE(shown.menu, menu);
-        QTEST(h.session->selection().node.text(), "record");
+        QTEST(h.state.selection().node.text(), "record");
         QCOMPARE(h.navigator().target().source(), source);
         // The menu of a key stands by the selected item, not wherever the mouse pointer is.
         if (key)

@@ -196,14 +196,14 @@ private slots:
         // A mouse click leaves the record empty again when the button comes up; a command
         // then finds the clicked node as the tree's selection.
         for (int l = 0; l < 4; ++l) {
-            QCOMPARE(h.session->selection().idOf(Level(l)), -1);
+            QCOMPARE(h.state.selection().idOf(Level(l)), -1);
             QCOMPARE(h.navigator().target().targetId(Level(l)), l == level ? id : -1);
         }
         // Enter drives the window as a click does, and the record it fills stays.
         h.click("ROOT");
         h.tree()->selectNode(path.last());
         QTest::keyClick(h.tree(), Qt::Key_Return);
-        const SelectionRecord& r = h.session->selection();
+        const SelectionRecord& r = h.state.selection();
         QCOMPARE(r.lastNodeKey, path.last());
         QCOMPARE(h.visibleLevelMenu(), menu);
         QTEST(r.parentId, "parent");
@@ -251,7 +251,7 @@ private slots:
         h.click("CAB2");
         QCOMPARE(h.childKeys("CAB2"), QStringList{});
         QVERIFY(!h.tree()->node("CAB2")->isExpanded());
-        QCOMPARE(h.session->selection().lastNodeKey, QStringLiteral("CAB2"));
+        QCOMPARE(h.state.selection().lastNodeKey, QStringLiteral("CAB2"));
         QCOMPARE(h.listTexts(), listBefore);
 
         h.choosers.queuePassword(QStringLiteral("wrong"));
@@ -301,7 +301,7 @@ private slots:
         h.home.settings().saveSetting("LastNavTreeNodeKey", saved);
         h.loadSample();
         QCOMPARE(h.choosers.passwordAsks(), 0); // a start never asks
-        QCOMPARE(h.session->selection().lastNodeKey, saved);
+        QCOMPARE(h.state.selection().lastNodeKey, saved);
         QCOMPARE(h.visibleLevelMenu(), menu);
         if (selected.isEmpty()) {
             QVERIFY(h.tree()->selectedKey().isEmpty() || h.tree()->selectedKey() == "ROOT");
@@ -313,7 +313,7 @@ private slots:
             return;
         }
         QCOMPARE(h.tree()->selectedKey(), selected);
-        const SelectionRecord& r = h.session->selection();
+        const SelectionRecord& r = h.state.selection();
         QCOMPARE(r.idOf(Level(level)), NodeKey::parse(saved).id());
         QTEST(r.parentId, "parent");
         if (level == 3)
@@ -455,9 +455,9 @@ private slots:
         QCOMPARE(h.tree()->selectedKey(), opened);
         QTEST(opened.startsWith("DOC") ? h.pageTexts() : h.listTexts(), "shown");
         const NodeKey was = NodeKey::parse(clicks.last());
-        QCOMPARE(h.session->selection().lastNodeKey, clicks.last());
-        QCOMPARE(h.session->selection().idOf(*was.level()), was.id());
-        QCOMPARE(h.session->selection().idOf(*NodeKey::parse(opened).level()), -1);
+        QCOMPARE(h.state.selection().lastNodeKey, clicks.last());
+        QCOMPARE(h.state.selection().idOf(*was.level()), was.id());
+        QCOMPARE(h.state.selection().idOf(*NodeKey::parse(opened).level()), -1);
         QTEST(h.visibleLevelMenu(), "menu");
     }
 

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "core/progress.h"
+#include "core/runstate.h"
 #include "core/viewsettings.h"
 #include "store/commandcontext.h"
 #include "store/schema.h"
@@ -29,6 +30,7 @@ struct CommandHarness
     NavRecorder nav;
     ProgressT progress;
     std::unique_ptr<Session> session;
+    RunState state;
     std::unique_ptr<ViewSettings> view;
     std::deque<CommandContext> contexts;
 
@@ -42,7 +44,7 @@ struct CommandHarness
     // navigator is told anything when `withNavigator` is false.
     const CommandContext& context(Progress* other = nullptr, bool withNavigator = true)
     {
-        return contexts.emplace_back(CommandContext{*session, prompter, choosers,
+        return contexts.emplace_back(CommandContext{*session, state, prompter, choosers,
                                                     other ? *other : progress, *view, nullptr,
                                                     withNavigator ? &nav : nullptr});
     }
