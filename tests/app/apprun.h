@@ -14,6 +14,7 @@
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
+#include "tests/support/treepoint.h"
 
 namespace qmr::test {
 
@@ -44,23 +45,12 @@ struct AppRun
     }
     NavWindow* window() const { return startup->window(); }
     Session& session() const { return startup->session(); }
+    RunState& state() const { return startup->state(); }
     NavTree* tree() const { return window()->tree(); }
     PageListView* pages() const { return window()->pageList()->list(); }
     QAbstractItemView* pageView() const { return pages()->currentView(); }
     QAction* action(const char* name) const { return window()->menus().action(name); }
-
-    // Where a node stands in the tree, its parents opened.
-    QPoint nodePoint(const QString& key) const
-    {
-        QTreeWidgetItem* item = tree()->node(key);
-        if (!item)
-            return QPoint(-1, -1);
-        for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
-            p->setExpanded(true);
-        tree()->scrollToItem(item);
-        const QRect r = tree()->visualItemRect(item);
-        return QPoint(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
-    }
+    QPoint nodePoint(const QString& key) const { return test::nodePoint(*tree(), key); }
     // Left clicks on nodes, as a person makes them, each node in view after the one before.
     void click(const QStringList& keys) const
     {

@@ -19,6 +19,7 @@
 #include "tests/support/fixturestore.h"
 #include "tests/support/recordingprogress.h"
 #include "tests/support/datarow.h"
+#include "tests/support/treepoint.h"
 
 namespace qmr::test {
 
@@ -64,20 +65,7 @@ struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
     void setSource(ContextSource source) { navigator().target().setSource(source); }
     // The view that shows the pages of the page pane.
     QAbstractItemView* pageView() const { return window->pageList()->list()->currentView(); }
-
-    // Where a node stands in the tree's viewport, its parents opened: on the text's start, as
-    // a long name may reach past the visible width.
-    QPoint nodePoint(const QString& key) const
-    {
-        QTreeWidgetItem* item = tree()->node(key);
-        if (!item)
-            return QPoint(-1, -1);
-        for (QTreeWidgetItem* p = item->parent(); p; p = p->parent())
-            p->setExpanded(true);
-        tree()->scrollToItem(item);
-        const QRect r = tree()->visualItemRect(item);
-        return QPoint(qMin(r.left() + 12, tree()->viewport()->width() - 2), r.center().y());
-    }
+    QPoint nodePoint(const QString& key) const { return test::nodePoint(*tree(), key); }
     // A left click on the node, as a person makes it.
     void click(const QString& key)
     {
