@@ -2,21 +2,22 @@
 // main window's tree: keywords by any word (one and two words), all words, and a date range
 // with an amount and no keywords (which brings every document through the folder pass).
 //
-//   build/bench/bench_find [--documents N] [--only TEXT] [cabinets drawers folders documents
-//                          pages]
+//   build/bench/bench_find [--documents N] [--only TEXT] [--runs N]
+//                          [cabinets drawers folders documents pages]
 //
 // Defaults: 10 cabinets x 5 drawers x 20 folders x 20 documents x 5 pages: 20,000 documents
 // and 100,000 pages. --documents N keeps the cabinets, drawers and folders and puts N
 // documents in all into the folders (--documents 100000: 100 a folder, 500,000 pages).
 // --only runs the searches whose name holds TEXT.
 //
-// Each search runs five times, each time after the result of the one before; the figures
-// are of the median run. "clear" takes that result away, "query" is the search in the store,
-// "branch" the found branch built, sorted and laid out; "cpu" is the thread's own processor
-// time for both, which is what the wall clock shows on an idle machine. "LIKE" is SQLite's
-// own LIKE over the same columns for the same keywords, on a connection of its own with the
-// same page cache, reading the matching rows of Document and Folder: the one pass that a
-// search by keywords cannot do without; "x LIKE" is the query's time over it.
+// Each search runs five times (--runs N: N times, for a profiler), each time after the result
+// of the one before; the figures are of the median run. "clear" takes that result away,
+// "query" is the search in the store, "branch" the found branch built, sorted and laid out;
+// "cpu" is the thread's own processor time for both, which is what the wall clock shows on an
+// idle machine. "LIKE" is SQLite's own LIKE over the same columns for the same keywords, on a
+// connection of its own with the same page cache, reading the matching rows of Document and
+// Folder: the one pass that a search by keywords cannot do without; "x LIKE" is the query's
+// time over it.
 
 #include <QApplication>
 #include <QCommandLineParser>
@@ -177,9 +178,13 @@ int main(int argc, char** argv)
     QCommandLineParser parser;
     const QCommandLineOption documentsOption("documents", "Documents in all.", "N");
     const QCommandLineOption onlyOption("only", "Only the searches whose name holds TEXT.", "TEXT");
-    parser.addOptions({documentsOption, onlyOption});
+    const QCommandLineOption runsOption("runs", "Runs of each search (5); more for a profiler.",
+                                        "N");
+    parser.addOptions({documentsOption, onlyOption, runsOption});
     parser.addPositionalArgument("sizes", "cabinets drawers folders documents pages");
     parser.process(app);
+    const int runCount =
+        parser.isSet(runsOption) ? std::max(1, parser.value(runsOption).toInt()) : 5;
     int n[5] = {10, 5, 20, 20, 5};
     const QStringList sizes = parser.positionalArguments();
     for (int i = 0; i < sizes.size() && i < 5; ++i)
@@ -259,7 +264,7 @@ int main(int argc, char** argv)
         if (!QString(name).contains(parser.value(onlyOption)))
             continue;
         std::vector<Figures> runs;
-        for (int run = 0; run < 5; ++run) {
+        for (int run = 0; run < runCount; ++run) {
             Figures f;
             const qint64 cpu = cpuMicroseconds();
             timer.restart();

@@ -48,7 +48,7 @@ public:
     // Expands a node and reports it through expanding(), whether or not it has children.
     bool expandNode(const QString& key);
     int nodeCount() const { return m_nodes.size(); }
-    // The width that shows the widest name of the open branches whole.
+    // The width that shows the widest name in view whole.
     int namesWidth() const { return sizeHintForColumn(0); }
     // Keeps the sideways position: a wide name must not push the tree out of view.
     void scrollTo(const QModelIndex& index, ScrollHint hint = EnsureVisible) override;

@@ -1,4 +1,6 @@
 #include <QFile>
+#include <QHeaderView>
+#include <QScrollBar>
 #include <QSignalSpy>
 #include <QSplitter>
 #include <QSplitterHandle>
@@ -99,6 +101,29 @@ private slots:
         tree.removeNode("ROOTFOUND");
         QCOMPARE(tree.nodeCount(), 3);
         QVERIFY(!tree.node("FDC8"));
+    }
+
+    // The column fits the names in view, and widens for a longer one scrolled into view.
+    void longNameScrolledIntoView()
+    {
+        NavTree tree;
+        tree.resize(220, 160);
+        tree.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&tree));
+        tree.addNode({}, "ROOT", "File Cabinets", {});
+        for (int i = 0; i < 300; ++i)
+            tree.addNode("ROOT", QString("CAB%1").arg(i), QString("c%1").arg(i, 3, 10, QChar('0')),
+                         {});
+        const QString longName = "zz " + QString("a rather long name of a cabinet ").repeated(3);
+        tree.addNode("ROOT", "CAB999", longName, {});
+        tree.expandNode("ROOT");
+        QCoreApplication::processEvents();
+        QHeaderView* header = tree.header();
+        const int needed = tree.fontMetrics().horizontalAdvance(longName);
+        QVERIFY2(header->sectionSize(0) < needed, "the long name is out of view, its width too");
+        tree.verticalScrollBar()->setValue(tree.verticalScrollBar()->maximum());
+        QVERIFY(tree.visualItemRect(tree.node("CAB999")).intersects(tree.viewport()->rect()));
+        QTRY_VERIFY(header->sectionSize(0) >= needed);
     }
 
     void rightClickSelectsNothing()
