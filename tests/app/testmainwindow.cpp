@@ -674,8 +674,8 @@ private slots:
             {"CAB1", {"mnuPopupCabinetProperties"}, {"mnuPopupCabinetNewDrawer"}},
             {"DRW1", {"mnuPopupDrawerProperties"}, {"mnuPopupDrawerNewFolder"}},
             {"FLD1",
-             {"mnuPopupFolderProperties"},
-             {"mnuPopupFolderNewDocument", "mnuPopupFolderImportFiles"}},
+             {"mnuPopupFolderProperties", "mnuPopupFolderImportFiles"},
+             {"mnuPopupFolderNewDocument"}},
             {"DOC1", {"mnuPopupDocumentProperties", "mnuPopupDocumentPrint"}, {}}};
         for (const auto& [node, whole, keysOnly] : levels) {
             run.click({node});
