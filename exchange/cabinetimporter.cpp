@@ -482,8 +482,7 @@ qint32 CabinetImporter::addImportedPage(qint32 documentId, const QString& name, 
         return existing;
     NewPage page;
     page.name = name;
-    page.pageNumber =
-        ExchangeReader::pageNumberOf(name).value_or(pages.nextNumber(documentId));
+    page.pageNumber = ExchangeReader::pageNumberOf(name).value_or(pages.nextNumber(documentId));
     page.fileSize = length;
     page.scanDate = QDate::currentDate();
     page.shortcut = isShortcutName(name);
