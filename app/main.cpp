@@ -7,6 +7,7 @@
 #include "app/commandline.h"
 #include "app/exitonsignal.h"
 #include "app/startup.h"
+#include "core/brokenpipes.h"
 #include "core/imageloader.h"
 #include "core/settings.h"
 #include "dialogs/boxprompter.h"
@@ -45,10 +46,7 @@ void nameApplication()
 
 int main(int argc, char* argv[])
 {
-    // A write to a pipe or socket whose other end has gone (the scanner backend's reader, a
-    // mail server that hung up) fails with an error that the command reports; it must not
-    // end the program.
-    std::signal(SIGPIPE, SIG_IGN);
+    qmr::surviveBrokenPipes();
     // Likewise a write past the session's file size limit fails with EFBIG and is reported.
     std::signal(SIGXFSZ, SIG_IGN);
     // Page images up to a 600 dpi A3 colour scan open; larger ones are refused by name.
