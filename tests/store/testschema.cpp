@@ -283,6 +283,31 @@ private slots:
                                  StoreColumns::check("Page", "Filename", QString(251, 'n')));
     }
 
+    // A store that cannot grow (a full disk) refuses the insert with a message that says so,
+    // and keeps what it held.
+    void fullStoreSaysSo()
+    {
+        test::TestHome home;
+        Database db;
+        StoreSchema::openDatabase(db, home.home());
+        ItemStore items(db);
+        items.insertItem(Level::Cabinet, -1, QStringLiteral("Kept"));
+        const int pages = db.scalar(QStringLiteral("PRAGMA page_count")).toInt();
+        db.execute(QStringLiteral("PRAGMA max_page_count = %1").arg(pages));
+        try {
+            for (int i = 0; i < 200; ++i)
+                items.insertItem(Level::Cabinet, -1,
+                                 QString(70, QLatin1Char('a' + i % 26)) + QString::number(i));
+            QFAIL("the store grew past its limit");
+        } catch (const StoreError& e) {
+            QVERIFY2(e.message().startsWith(QStringLiteral("The disk is full: ")),
+                     qPrintable(e.message()));
+        }
+        QCOMPARE(
+            db.scalar(QStringLiteral("SELECT Name FROM Cabinet WHERE CabinetId = 1")).toString(),
+            QStringLiteral("Kept"));
+    }
+
     void quoteSqlAndNulls()
     {
         QCOMPARE(quoteSql("it's 'x'"), QStringLiteral("it''s ''x''"));
