@@ -23,6 +23,7 @@
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
+#include "viewer/editrescue.h"
 
 namespace qmr {
 
@@ -105,6 +106,7 @@ bool Startup::start(bool showWindow)
         if (m_window->pageList()->isVisible())
             m_window->pageList()->setFocus();
     }
+    EditRescue::tellWhatWasKept(m_settings, m_prompter);
     // Once the window is up: what a run that ended early left in the page directories goes.
     // Files aside from before this run's start are leftovers; later ones are this run's.
     m_sweep = std::make_unique<HomeSweep>(m_session->db(), m_session->paths(), runStart);

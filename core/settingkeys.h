@@ -42,6 +42,8 @@ namespace keys {
 inline constexpr FlagKey FirstShow{"FirstShow", true};
 inline constexpr SettingKey TreeWidth{"tvwMainWidth", "3000"}; // twips
 inline constexpr SettingKey LastNavTreeNodeKey{"LastNavTreeNodeKey", ""};
+// Where a run that was made to end kept its viewers' unsaved pictures; told at the next start.
+inline constexpr SettingKey RecoveredTo{"RecoveredTo", ""};
 
 // Page pane and viewer
 inline constexpr SettingKey ThumbSide{"ThumbSide", "100"};

@@ -40,6 +40,7 @@
 #include "scan/scancommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "viewer/editrescue.h"
 #include "viewer/viewercommands.h"
 
 namespace qmr {
@@ -347,6 +348,8 @@ bool NavWindow::closeOtherWindows()
 
 void NavWindow::exitRun()
 {
+    // Only a run that is made to end still has viewers open here; File > Exit closed them.
+    EditRescue(m_base.session.home(), m_base.session.settings()).keepOpenViewers();
     finishRun();
     emit exitRequested();
 }

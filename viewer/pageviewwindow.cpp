@@ -503,6 +503,12 @@ void PageViewWindow::discardNewPage()
     close();
 }
 
+QImage PageViewWindow::unsavedPicture() const
+{
+    const bool newPage = m_mode == ViewerMode::Add && !m_newPageSaved && m_location.pageId >= 0;
+    return m_page.edited() || newPage ? m_page.image() : QImage();
+}
+
 void PageViewWindow::cmdCancel()
 {
     close();

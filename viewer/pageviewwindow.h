@@ -66,6 +66,9 @@ public:
     bool imageChanged() const { return m_imageChanged; }
     // The image has edits that are not saved.
     bool edited() const { return m_page.edited(); }
+    // The picture a save would write and that is not saved: a page's edits, or a new page's
+    // image; a null image when there is none.
+    QImage unsavedPicture() const;
     bool newPageSaved() const { return m_newPageSaved; }
 
     // The commands of the buttons and the Edit menu.

@@ -1,6 +1,7 @@
 #include <QAction>
 #include <QApplication>
 #include <QDir>
+#include <QEventLoop>
 #include <QFileInfo>
 #include <QLineEdit>
 #include <QMessageBox>
@@ -12,9 +13,12 @@
 #include <QStatusBar>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
+#include <csignal>
 #include <functional>
 #include <memory>
 
+#include "app/exitonsignal.h"
 #include "app/startup.h"
 #include "core/settings.h"
 #include "core/pageopener.h"
@@ -332,6 +336,49 @@ private slots:
         QVERIFY(!viewer || !viewer->isVisible());
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
         QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
+    }
+
+    // A run that is made to end (a logout, SIGTERM) cannot ask about the viewer's edits: the
+    // changed picture goes into the home's folder "Recovered", the page stays as it was, and
+    // the next start says where the picture is, once.
+    void aSignalKeepsTheViewersEdits()
+    {
+        ViewerRun r;
+        ExitOnSignal exitOnSignal;
+        QVERIFY(r.start({writeCornered}));
+        exitOnSignal.attach(r.run->window());
+        QPointer<PageViewWindow> viewer = r.open(r.pages.first());
+        QVERIFY(viewer);
+        QVERIFY(click(viewer, "cmdRotateClockwise"));
+        // Stands for the program's main loop, which the signal's exit waits for.
+        QEventLoop mainLoop;
+        connect(r.run->window(), &NavWindow::exitRequested, &mainLoop, [&] { mainLoop.exit(0); });
+        QTimer::singleShot(20000, &mainLoop, [&] { mainLoop.exit(1); });
+        QTimer::singleShot(0, [] { std::raise(SIGTERM); });
+        QCOMPARE(mainLoop.exec(), 0);
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
+        const QDir recovered(r.home.file("Recovered"));
+        const QStringList kept = recovered.entryList(QDir::Files);
+        QCOMPARE(kept.size(), 1);
+        QVERIFY2(kept.first().startsWith(QString("Page %1, ").arg(r.pages.first())),
+                 qPrintable(kept.first()));
+        const QImage picture(recovered.filePath(kept.first()));
+        QCOMPARE(picture.size(), QSize(200, 300));
+        QVERIFY(picture.pixelColor(190, 10).value() < 60); // the dark corner turned to the right
+
+        for (const bool tell : {true, false}) {
+            r.run.reset();
+            r.run =
+                std::make_unique<Startup>(r.home.home(), r.home.settings(), r.prompter, r.choosers);
+            if (tell)
+                r.prompter.expect(QString("Quillmere was ended while a viewer held changes "
+                                          "that were not saved. The changed pictures were kept "
+                                          "in %1; the pages are as they were.")
+                                      .arg(QDir::toNativeSeparators(recovered.path())));
+            QVERIFY(r.run->start());
+            QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        }
     }
 
     // The viewer opens wholly on the screen and comes back where it was left.

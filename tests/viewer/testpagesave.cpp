@@ -309,6 +309,24 @@ private slots:
                      QString("New document"));
     }
 
+    // What a run that is made to end keeps of a new page: its image, until it is saved.
+    void unsavedPictureOfANewPage()
+    {
+        test::ViewerHarness h;
+        PageViewWindow w(h.context());
+        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.empty)));
+        QVERIFY(w.unsavedPicture().isNull()); // nothing came yet
+        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
+        w.showAndLoad();
+        QTRY_VERIFY(w.canvas()->isEnabled());
+        QCOMPARE(w.unsavedPicture().size(), QSize(30, 20));
+        QVERIFY(w.preResolveDbId());
+        QCOMPARE(w.save(), PageSaver::Result::Saved);
+        QVERIFY(w.unsavedPicture().isNull());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
     void addMailsTheFolderNotice()
     {
         test::ViewerHarness h;
