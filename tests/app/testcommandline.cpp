@@ -50,6 +50,7 @@ class TestCommandLine : public QObject
 {
     Q_OBJECT
 private slots:
+    // --version and an unknown option are read as exitStatuses runs them.
     void parse_data()
     {
         QTest::addColumn<QStringList>("arguments");
@@ -66,12 +67,10 @@ private slots:
         row("the toolkit's own", {"-platform", "offscreen", "-reverse"}, Action::Window, "||");
         row("help", {"--help"}, Action::Help, "||", "quillmere [--home DIR] --export CABINET DIR");
         row("-h", {"-h"}, Action::Help, "||", "--import DIR");
-        row("version", {"--version"}, Action::Version, "||", "Quillmere ");
         row("export", {"--export", "Home Papers", "/out"}, Action::Export, "|Home Papers|/out");
         row("export, home last", {"--export", "C", "/out", "--home", "/h"}, Action::Export,
             "/h|C|/out");
         row("import", {"--import", "/ex/C", "Target"}, Action::Import, "|Target|/ex/C");
-        row("unknown option", {"--bogus"}, Action::Error, "||", "Unknown option 'bogus'.");
         row("export needs two", {"--export", "C"}, Action::Error, "||",
             "--export needs a cabinet and a directory");
         row("import needs two", {"--import", "/ex"}, Action::Error, "||",

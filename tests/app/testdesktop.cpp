@@ -15,6 +15,7 @@
 #include "dialogs/dialogchoosers.h"
 #include "help/helpwindow.h"
 #include "tests/app/apprun.h"
+#include "tests/support/datarow.h"
 #include "tests/support/modalwatch.h"
 #include "tests/support/shots.h"
 #include "tests/support/testrunner.h"
@@ -86,9 +87,9 @@ private slots:
     // the list of topics, the arrows move in it, Enter opens the topic.
     void helpInAnyThemeByKeys_data()
     {
-        QTest::addColumn<bool>("dark");
-        QTest::newRow("light theme") << false;
-        QTest::newRow("dark theme") << true;
+        test::columns<bool>({"dark"});
+        test::row("light theme", false);
+        test::row("dark theme", true);
     }
     void helpInAnyThemeByKeys()
     {
@@ -152,13 +153,9 @@ private slots:
     {
         // The folders: "" none, "stale" one that is not there, "usual" where the chooser opens
         // by itself; each other name a folder of its own, "S" the one chosen last.
-        QTest::addColumn<QString>("entry");
-        QTest::addColumn<bool>("desktop");
-        QTest::addColumn<QString>("box");
-        QTest::addColumn<QString>("answer"); // "": Cancel
-        QTest::addColumn<QString>("start");
-        QTest::addColumn<QString>("boxAfter");
-        QTest::addColumn<QString>("remembered");
+        // answer "": Cancel.
+        test::columns<QString, bool, QString, QString, QString, QString, QString>(
+            {"entry", "desktop", "box", "answer", "start", "boxAfter", "remembered"});
         const QString cabinet = "mnuPopupRootNewFileCabinet", exports = "mnuToolsExportCabinet";
         const auto row = [](const char* name, const QString& entry, bool desktop,
                             const QString& places) {

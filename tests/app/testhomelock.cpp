@@ -23,8 +23,9 @@
 #include "core/homelock.h"
 #include "core/settings.h"
 #include "store/schema.h"
-#include "tests/support/fixturestore.h"
 #include "tests/app/apprun.h"
+#include "tests/support/datarow.h"
+#include "tests/support/fixturestore.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -144,13 +145,16 @@ bool canMakeFileIn(const QString& dir)
     return made;
 }
 
-QProcessEnvironment programEnvironment(const QString& configDir)
+// Starts the program itself, offscreen, with a settings directory of its own.
+bool startProgram(QProcess& process, const QString& configDir, const QStringList& arguments)
 {
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert("QT_QPA_PLATFORM", "offscreen");
     env.insert("XDG_CONFIG_HOME", configDir);
     env.remove("QUILLMERE_HOME");
-    return env;
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(QMR_APP_PATH), arguments);
+    return process.waitForStarted();
 }
 
 // A pipe whose writer stalls at its first write: it is full before the writer starts, and
@@ -214,48 +218,27 @@ class TestHomeLock : public QObject
 {
     Q_OBJECT
 private slots:
-    // A second run in this process is refused while the first holds the home; once the first
-    // has ended, its lock is gone and the next run starts.
-    void secondRunIsRefusedUntilTheFirstEnds()
-    {
-        test::AppRun run;
-        QVERIFY(run.start(false));
-        QVERIFY(QFile::exists(run.home.file(HomeLock::fileName())));
-        auto second = run.make();
-        run.prompter.expect(
-            refusal(run.home, QCoreApplication::applicationPid(), QSysInfo::machineHostName()));
-        QVERIFY(!second->start(false));
-        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
-        QVERIFY(!second->window());
-        run.startup.reset();
-        QVERIFY(!QFile::exists(run.home.file(HomeLock::fileName())));
-        QVERIFY(run.start(false));
-        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
-    }
-
     void lockLeftInTheHome_data()
     {
         // holder: "self" (this process stands for a run that holds the lock), "reused" (this
         // process, but the lock names another program: the number was given out again),
-        // "gone" (a finished process: a crash or a kill), or another machine's pid; host:
-        // "this", or another machine's name.
-        QTest::addColumn<QString>("holder");
-        QTest::addColumn<QString>("host");
-        QTest::addColumn<int>("ageSeconds");
-        QTest::addColumn<bool>("refused");
+        // "gone" (a finished process: a crash or a kill), "empty" (a run killed between making
+        // its lock file and writing it), or another machine's pid; host: "this", or another
+        // machine's name.
+        test::columns<QString, QString, int, bool>({"holder", "host", "ageSeconds", "refused"});
         const int stale =
             int(std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count());
-        const auto row = [](const char* name, const char* holder, const char* host, int age,
-                            bool refused) {
-            QTest::newRow(name) << QString(holder) << QString(host) << age << refused;
-        };
-        row("running here", "self", "this", 0, true);
-        row("running here, refreshed a while ago", "self", "this", stale - 60, true);
-        row("running here, not refreshed for too long (hung)", "self", "this", stale + 60, false);
-        row("gone here (crash or kill)", "gone", "this", 0, false);
-        row("its number now another program's", "reused", "this", 0, false);
-        row("other machine, refreshed", "4242", "scanner-pc", 30, true);
-        row("other machine, not refreshed for too long", "4242", "scanner-pc", stale + 60, false);
+        test::row("running here", "self", "this", 0, true);
+        test::row("running here, refreshed a while ago", "self", "this", stale - 60, true);
+        test::row("running here, not refreshed for too long (hung)", "self", "this", stale + 60,
+                  false);
+        test::row("gone here (crash or kill)", "gone", "this", 0, false);
+        test::row("its number now another program's", "reused", "this", 0, false);
+        test::row("other machine, refreshed", "4242", "scanner-pc", 30, true);
+        test::row("other machine, not refreshed for too long", "4242", "scanner-pc", stale + 60,
+                  false);
+        test::row("unreadable", "empty", "this", 0, true);
+        test::row("unreadable, left alone for too long", "empty", "this", stale + 60, false);
     }
     void lockLeftInTheHome()
     {
@@ -264,48 +247,38 @@ private slots:
         QFETCH(int, ageSeconds);
         QFETCH(bool, refused);
         test::AppRun run;
-        const qint64 pid = holder == "self" || holder == "reused"
-                               ? QCoreApplication::applicationPid()
-                           : holder == "gone" ? finishedPid()
-                                              : holder.toLongLong();
-        const QString program = holder == "reused"
-                                    ? QStringLiteral("quillmere")
-                                    : QFileInfo(QCoreApplication::applicationFilePath()).fileName();
-        QVERIFY(pid > 0);
+        const QString lock = run.home.file(HomeLock::fileName());
         const bool here = host == "this";
         const QString hostName = here ? QSysInfo::machineHostName() : host;
-        QVERIFY(writeLock(run.home, pid, program, hostName,
-                          here ? QSysInfo::machineUniqueId() : QByteArray("0badc0ffee0ddf00d"),
-                          ageSeconds));
-        if (refused)
-            run.prompter.expect(refusal(run.home, pid, hostName));
+        qint64 pid = -1; // as an empty lock file reads
+        if (holder == "empty") {
+            QVERIFY(run.home.writeFile(HomeLock::fileName(), QByteArray()) &&
+                    ageFile(lock, ageSeconds));
+            if (refused)
+                run.prompter.expect(
+                    QStringLiteral("The home %1 is in use by another Quillmere, and its lock "
+                                   "file %2 cannot be read. If no Quillmere is working on this "
+                                   "home, remove that file.")
+                        .arg(run.home.home().path(), lock));
+        } else {
+            pid = holder == "self" || holder == "reused" ? QCoreApplication::applicationPid()
+                  : holder == "gone"                     ? finishedPid()
+                                                         : holder.toLongLong();
+            const QString program =
+                holder == "reused" ? QStringLiteral("quillmere")
+                                   : QFileInfo(QCoreApplication::applicationFilePath()).fileName();
+            QVERIFY(pid > 0);
+            QVERIFY(writeLock(run.home, pid, program, hostName,
+                              here ? QSysInfo::machineUniqueId() : QByteArray("0badc0ffee0ddf00d"),
+                              ageSeconds));
+            if (refused)
+                run.prompter.expect(refusal(run.home, pid, hostName));
+        }
         QCOMPARE(run.start(false), !refused);
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
         QCOMPARE(QFile::exists(StoreSchema::storePath(run.home.home())), !refused);
         // Taken over: the lock names this run now.
-        QCOMPARE(holderPid(run.home.file(HomeLock::fileName())),
-                 refused ? pid : QCoreApplication::applicationPid());
-    }
-
-    void unreadableLockFile()
-    {
-        // A run killed between making its lock file and writing it leaves an empty one.
-        test::AppRun run;
-        const QString lock = run.home.file(HomeLock::fileName());
-        QVERIFY(run.home.writeFile(HomeLock::fileName(), QByteArray()));
-        run.prompter.expect(QStringLiteral("The home %1 is in use by another Quillmere, and its "
-                                           "lock file %2 cannot be read. If no Quillmere is "
-                                           "working on this home, remove that file.")
-                                .arg(run.home.home().path(), lock));
-        QVERIFY(!run.start(false));
-        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
-        QVERIFY(!QFile::exists(StoreSchema::storePath(run.home.home())));
-        // Left alone for longer than a holder's refresh allows, it is taken over.
-        QVERIFY(ageFile(
-            lock,
-            std::chrono::duration_cast<std::chrono::seconds>(HomeLock::kStaleAfter).count() + 60));
-        QVERIFY(run.start(false));
-        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+        QCOMPARE(holderPid(lock), refused ? pid : QCoreApplication::applicationPid());
     }
 
     // The program itself, started as another run, holds the home until it ends: a signal ends
@@ -325,10 +298,8 @@ private slots:
         test::AppRun run;
         QTemporaryDir config;
         QProcess other;
-        other.setProcessEnvironment(programEnvironment(config.path()));
         other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        other.start(QStringLiteral(QMR_APP_PATH), {"--home", run.home.path()});
-        QVERIFY(other.waitForStarted());
+        QVERIFY(startProgram(other, config.path(), {"--home", run.home.path()}));
         // It holds the home once its store is open (it listens for signals before it takes it).
         const QString lock = run.home.file(HomeLock::fileName());
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(StoreSchema::storePath(run.home.home())) &&
@@ -422,11 +393,10 @@ private slots:
 
     void signalStopsABatchRun_data()
     {
-        QTest::addColumn<QString>("command");
-        QTest::addColumn<int>("signalNumber");
-        QTest::newRow("export, SIGTERM") << "export" << SIGTERM;
-        QTest::newRow("import, SIGINT") << "import" << SIGINT;
-        QTest::newRow("export, SIGHUP") << "export" << SIGHUP;
+        test::columns<QString, int>({"command", "signalNumber"});
+        test::row("export, SIGTERM", "export", SIGTERM);
+        test::row("import, SIGINT", "import", SIGINT);
+        test::row("export, SIGHUP", "export", SIGHUP);
     }
     void signalStopsABatchRun()
     {
@@ -443,9 +413,8 @@ private slots:
         const int pagesBefore = pageCount(home.home());
         if (command == "import") {
             QProcess exporting;
-            exporting.setProcessEnvironment(programEnvironment(config.path()));
-            exporting.start(QStringLiteral(QMR_APP_PATH),
-                            {"--home", home.path(), "--export", "Home Papers", exchange});
+            QVERIFY(startProgram(exporting, config.path(),
+                                 {"--home", home.path(), "--export", "Home Papers", exchange}));
             QVERIFY(exporting.waitForFinished(60000));
             QCOMPARE(exporting.exitCode(), 0);
         }
@@ -454,14 +423,13 @@ private slots:
         FullPipe progress(out.filePath("progress"));
         QVERIFY(progress.isFull());
         QProcess program;
-        program.setProcessEnvironment(programEnvironment(config.path()));
         program.setStandardErrorFile(progress.path());
-        program.start(QStringLiteral(QMR_APP_PATH),
-                      command == "export" ? QStringList{"--home", home.path(), "--export",
-                                                        "Home Papers", out.filePath("y")}
-                                          : QStringList{"--home", home.path(), "--import",
-                                                        exchange + "/Home Papers", "Target"});
-        QVERIFY(program.waitForStarted());
+        QVERIFY(startProgram(
+            program, config.path(),
+            command == "export"
+                ? QStringList{"--home", home.path(), "--export", "Home Papers", out.filePath("y")}
+                : QStringList{"--home", home.path(), "--import", exchange + "/Home Papers",
+                              "Target"}));
         const QString lock = home.file(HomeLock::fileName());
         QTRY_VERIFY_WITH_TIMEOUT(holderPid(lock) == program.processId(), 30000);
         QCOMPARE(::kill(pid_t(program.processId()), signalNumber), 0);

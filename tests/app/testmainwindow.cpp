@@ -46,6 +46,7 @@
 #include "store/session.h"
 #include "tests/app/apprun.h"
 #include "tests/support/fixturestore.h"
+#include "tests/support/datarow.h"
 #include "tests/support/modalwatch.h"
 #include "tests/support/testrunner.h"
 
@@ -84,6 +85,33 @@ bool dropOn(QWidget* viewport, const QPoint& at, const QMimeData* data)
     QDropEvent dropped(QPointF(at), actions, data, Qt::LeftButton, Qt::NoModifier);
     QCoreApplication::sendEvent(viewport, &dropped);
     return dropped.isAccepted();
+}
+
+// A picture file as a file manager hands it over: its path in the data's URLs (none when the
+// file could not be written).
+QMimeData* pictureFile(const QString& path)
+{
+    QImage picture(40, 50, QImage::Format_RGB32);
+    picture.fill(Qt::darkCyan);
+    auto* data = new QMimeData;
+    if (picture.save(path))
+        data->setUrls({QUrl::fromLocalFile(path)});
+    return data;
+}
+
+// Fills the sample store with one more document of `pages` pages in its first folder: small
+// pictures with thumbnails, or rows alone. The last page is stored first, so that the store's
+// order is not the pages' own.
+qint32 sampleWithLongReport(const AppHome& home, int pages, bool pictures)
+{
+    test::FixtureStore store(home);
+    store.fillSample();
+    const qint32 report = store.document(1, QStringLiteral("Long report"));
+    Database::Transaction tx(store.db());
+    for (int n = pages; n >= 1; --n)
+        (void)(pictures ? store.page(report, n, QSize(60, 80)) : store.pageRow(report, n));
+    tx.commit();
+    return report;
 }
 
 // Whether anything but the background is drawn on a view's viewport.
@@ -381,16 +409,7 @@ private slots:
     void copiedAndCutPagesArePasted()
     {
         test::AppRun run;
-        test::FixtureStore store(run.home.home());
-        store.fillSample();
-        const qint32 report = store.document(1, QStringLiteral("Long report"));
-        {
-            Database::Transaction tx(store.db());
-            for (int n = 1; n <= 30; ++n) // small pictures with thumbnails
-                store.page(report, n, QSize(60, 80));
-            tx.commit();
-        }
-        store.close();
+        const qint32 report = sampleWithLongReport(run.home.home(), 30, true);
         run.home.settings().set(keys::LastNavTreeNodeKey, QString("DOC%1").arg(report));
         run.home.settings().set(keys::ThumbView, "list");
         QVERIFY(run.start());
@@ -408,10 +427,9 @@ private slots:
         run.click({"DRW2", "DOC3"});
         QCOMPARE(run.window()->pageList()->documentId(), 3);
         QMenu* documentMenu = run.window()->menus().menu("mnuPopupDocument");
-        documentMenu->popup(run.window()->mapToGlobal(QPoint(40, 40)));
-        QVERIFY(QTest::qWaitForWindowExposed(documentMenu));
-        QVERIFY(run.action("mnuPopupDocumentPaste")->isEnabled());
-        documentMenu->close();
+        QVERIFY(
+            withPopup([&] { documentMenu->popup(run.window()->mapToGlobal(QPoint(40, 40))); },
+                      [&](QMenu*) { QVERIFY(run.action("mnuPopupDocumentPaste")->isEnabled()); }));
         const QPoint onPage =
             run.pageView()->visualRect(run.pageView()->model()->index(0, 0)).center();
         QVERIFY(withPopup(
@@ -454,25 +472,15 @@ private slots:
 
     void pageListShowsLongDocuments_data()
     {
-        QTest::addColumn<bool>("atStart");
-        QTest::newRow("restored at start") << true;
-        QTest::newRow("chosen after start") << false;
+        test::columns<bool>({"atStart"});
+        test::row("restored at start", true);
+        test::row("chosen after start", false);
     }
     void pageListShowsLongDocuments()
     {
         QFETCH(bool, atStart);
         test::AppRun run;
-        test::FixtureStore store(run.home.home());
-        store.fillSample();
-        const qint32 doc = store.document(1, QStringLiteral("Long report"));
-        {
-            Database::Transaction tx(store.db());
-            for (int n = 120; n >= 1; --n)
-                store.pageRow(doc, n);
-            tx.commit();
-        }
-        store.close();
-        const QString key = QString("DOC%1").arg(doc);
+        const QString key = QString("DOC%1").arg(sampleWithLongReport(run.home.home(), 120, false));
         run.home.settings().set(keys::ThumbView, "list");
         run.home.settings().set(keys::LastNavTreeNodeKey, atStart ? key : QString("FLD1"));
         QVERIFY(run.start());
@@ -506,14 +514,13 @@ private slots:
 
     void emptyPlacesSayHowTheyFill_data()
     {
-        QTest::addColumn<QString>("node");
-        QTest::addColumn<QString>("hint");
-        QTest::newRow("document") << "CAB1,DRW1,DOC2"
-                                  << "No pages yet. Scan one with Scan Page, drop image files "
-                                     "here, or paste pages with Ctrl+V.";
-        QTest::newRow("folder") << "CAB1,FLD2"
-                                << "No documents yet. Add one with New Document in the Folder "
-                                   "menu, or drop image files here.";
+        test::columns<QString, QString>({"node", "hint"});
+        test::row("document", "CAB1,DRW1,DOC2",
+                  "No pages yet. Scan one with Scan Page, drop image files here, or paste pages "
+                  "with Ctrl+V.");
+        test::row("folder", "CAB1,FLD2",
+                  "No documents yet. Add one with New Document in the Folder menu, or drop image "
+                  "files here.");
     }
     void emptyPlacesSayHowTheyFill()
     {
@@ -533,15 +540,11 @@ private slots:
         QCOMPARE(run.window()->findChild<QLabel*>("lblStatus")->text(), QString());
 
         // Files dropped on the empty place arrive there.
-        QImage image(40, 50, QImage::Format_RGB32);
-        image.fill(Qt::darkCyan);
         QTemporaryDir outside;
-        const QString file = outside.filePath("dropped.jpg");
-        QVERIFY(image.save(file));
-        QMimeData data;
-        data.setUrls({QUrl::fromLocalFile(file)});
+        const std::unique_ptr<QMimeData> data(pictureFile(outside.filePath("dropped.jpg")));
+        QVERIFY(data->hasUrls());
         QSignalSpy done(&run.window()->dragDrop(), &NavDragDrop::dropDone);
-        QVERIFY(dropOn(view->viewport(), QPoint(20, 20), &data));
+        QVERIFY(dropOn(view->viewport(), QPoint(20, 20), data.get()));
         QTRY_COMPARE(done.size(), 1);
         const qint32 document =
             pages ? 2 : run.session().items().children(Level::Document, 2).value(0).id;
@@ -563,13 +566,8 @@ private slots:
         QVERIFY(run.start());
         NavWindow* w = run.window();
         // A picture copied in a file manager, so that Paste has something to take.
-        QImage picture(40, 50, QImage::Format_RGB32);
-        picture.fill(Qt::darkCyan);
-        const QString copied = run.home.file("copied.png");
-        QVERIFY(picture.save(copied));
-        auto* data = new QMimeData;
-        data->setUrls({QUrl::fromLocalFile(copied)});
-        QApplication::clipboard()->setMimeData(data);
+        QApplication::clipboard()->setMimeData(pictureFile(run.home.file("copied.png")));
+        QVERIFY(QApplication::clipboard()->mimeData()->hasUrls());
         const auto emptied = qScopeGuard([] { QApplication::clipboard()->clear(); });
 
         QSet<QString> enabled;

@@ -20,6 +20,7 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/app/apprun.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -146,13 +147,11 @@ private slots:
 
     void progressBar_data()
     {
-        QTest::addColumn<int>("maximum");
-        QTest::addColumn<int>("steps");
-        QTest::addColumn<double>("fraction");
-        QTest::newRow("three of three") << 3 << 3 << 0.75;
-        QTest::newRow("beyond the end") << 3 << 9 << 0.75;
-        QTest::newRow("none") << 10 << 0 << 0.0;
-        QTest::newRow("half") << 9 << 5 << 0.5;
+        test::columns<int, int, double>({"maximum", "steps", "fraction"});
+        test::row("three of three", 3, 3, 0.75);
+        test::row("beyond the end", 3, 9, 0.75);
+        test::row("none", 10, 0, 0.0);
+        test::row("half", 9, 5, 0.5);
     }
     void progressBar()
     {

@@ -3,6 +3,7 @@
 #include <QTest>
 #include <QXmlStreamReader>
 
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 namespace {
@@ -56,11 +57,8 @@ class TestTranslations : public QObject
 private slots:
     void templateHoldsTheProgramsTexts_data()
     {
-        QTest::addColumn<QString>("context");
-        QTest::addColumn<QString>("source");
-        const auto row = [](const char* name, const char* context, const char* source) {
-            QTest::newRow(name) << QString(context) << QString(source);
-        };
+        using qmr::test::row;
+        qmr::test::columns<QString, QString>({"context", "source"});
         row("viewer's save question", "qmr::PageSaver",
             "The file named '%1' aready exists.\nDo you want to overwrite this file?");
         row("import report", "qmr::ImportReport", "%1 files imported.\r\n%2 shortcuts created.");

@@ -19,21 +19,18 @@
 #include <memory>
 
 #include "app/exitonsignal.h"
-#include "app/startup.h"
 #include "core/settings.h"
 #include "core/pageopener.h"
 #include "dialogs/boxprompter.h"
 #include "navigator/navigator.h"
-#include "navigator/navwindow.h"
 #include "store/pagepaths.h"
+#include "tests/app/apprun.h"
 #include "tests/mail/mailharness.h"
 #include "tests/print/printharness.h"
 #include "tests/support/bigpictures.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/pageviewwindow.h"
@@ -50,12 +47,8 @@ using FileWriter = std::function<bool(const QString& path)>;
 
 // The program as main assembles it, on a home with one document whose page files the test
 // puts in place.
-struct ViewerRun
+struct ViewerRun : test::AppRun
 {
-    test::TestHome home;
-    test::ScriptedPrompter prompter;
-    test::ScriptedChoosers choosers;
-    std::unique_ptr<Startup> run;
     QVector<qint32> pages;
 
     bool start(const QVector<FileWriter>& files, Prompter* boxes = nullptr)
@@ -70,9 +63,9 @@ struct ViewerRun
                     return false;
             }
         }
-        run = std::make_unique<Startup>(home.home(), home.settings(), boxes ? *boxes : prompter,
-                                        choosers);
-        return run->start();
+        startup = boxes ? std::make_unique<Startup>(home.home(), home.settings(), *boxes, choosers)
+                        : make();
+        return startup->start();
     }
     QString path(qint32 pageId) const { return PagePaths(home.home()).computedPagePath(pageId); }
 
@@ -80,8 +73,8 @@ struct ViewerRun
     // (its caption comes with the load).
     PageViewWindow* open(qint32 pageId)
     {
-        run->window()->navigator().context().pageOpener->openPage(pageId);
-        auto* viewer = run->window()->findChild<PageViewWindow*>();
+        window()->navigator().context().pageOpener->openPage(pageId);
+        auto* viewer = window()->findChild<PageViewWindow*>();
         const QString caption =
             QString("Page # %1 (ID = %2)").arg(pages.indexOf(pageId) + 1).arg(pageId);
         const bool loaded =
@@ -165,86 +158,76 @@ class TestViewerWindow : public QObject
 {
     Q_OBJECT
 private slots:
-    void bigScansShowPrintAndMail_data()
+    void picturesShowPrintAndMail_data()
     {
-        QTest::addColumn<QSize>("size");
-        QTest::newRow("A4 at 600 dpi") << BigPictures::kA4;
-        QTest::newRow("A3 at 600 dpi") << BigPictures::kA3;
+        test::columns<QSize, QByteArray, QString>({"scan", "picture", "reason"});
+        test::row("A4 at 600 dpi", BigPictures::kA4, QByteArray(), QString());
+        test::row("A3 at 600 dpi", BigPictures::kA3, QByteArray(), QString());
+        const QString square = "it is 60000 by 60000 pixels, which would take 13733 MB of "
+                               "memory, and at most 1024 MB may be used";
+        test::row("too large: JPEG", QSize(), BigPictures::bomb(), square);
+        // A kind the viewer leaves to other programs, but named all the same.
+        test::row("too large: PNG", QSize(), BigPictures::pngStating(QSize(60000, 60000)), square);
+        test::row("too large: BMP a pixel wide", QSize(), BigPictures::bmpStating(QSize(1, 200000)),
+                  QString("it is 1 by 200000 pixels, and no side may be longer than 65535 pixels"));
     }
-    void bigScansShowPrintAndMail()
+    void picturesShowPrintAndMail()
     {
-        QFETCH(QSize, size);
+        QFETCH(QSize, scan);
+        QFETCH(QByteArray, picture);
+        QFETCH(QString, reason);
+        const bool refused = !reason.isEmpty();
         ViewerRun r;
-        QVERIFY(r.start({[&](const QString& path) { return BigPictures::copyScan(size, path); }}));
+        QVERIFY(r.start({[&](const QString& path) {
+            return refused ? BigPictures::writeFile(path, picture)
+                           : BigPictures::copyScan(scan, path);
+        }}));
         const qint32 page = r.pages.first();
+        const QString path = r.path(page);
+        const QString tooLarge = "The picture '" + path + "' is too large to open: " + reason + ".";
+
+        if (refused)
+            r.prompter.expect(tooLarge);
         PageViewWindow* viewer = r.open(page);
         QVERIFY(viewer);
-        QVERIFY(viewer->canvas()->hasImage());
-        QCOMPARE(viewer->pageImage().image().size(), size);
-        QCOMPARE(qRound(viewer->pageImage().image().dotsPerMeterX() * 0.0254), 600);
-        // The page is drawn: at one to one it fills the view with its paper.
-        QCOMPARE(viewer->canvas()->zoomPercent(), 100.0);
-        QVERIFY2(paperShare(viewer->canvas()) > 0.9, "the view does not show the page");
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        QCOMPARE(viewer->canvas()->hasImage(), !refused);
+        if (!refused) {
+            QCOMPARE(viewer->pageImage().image().size(), scan);
+            QCOMPARE(qRound(viewer->pageImage().image().dotsPerMeterX() * 0.0254), 600);
+            // The page is drawn: at one to one it fills the view with its paper.
+            QCOMPARE(viewer->canvas()->zoomPercent(), 100.0);
+            QVERIFY2(paperShare(viewer->canvas()) > 0.9, "the view does not show the page");
+        }
 
         QTemporaryDir out;
-        const test::PdfFacts pdf = test::readPdf(r.print(viewer, out));
-        QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
-        QCOMPARE(pdf.pages, 1);
-        QCOMPARE(pdf.imageSizes, QVector<QSize>{size});
+        if (refused)
+            r.prompter.expect("Cannot print " + path + ": " + reason);
+        const QString printed = r.print(viewer, out);
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        if (!refused) {
+            const test::PdfFacts pdf = test::readPdf(printed);
+            QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
+            QCOMPARE(pdf.pages, 1);
+            QCOMPARE(pdf.imageSizes, QVector<QSize>{scan});
+        }
 
         test::SendmailStandIn sendmail;
-        r.prompter.expect("Message sent.");
+        r.prompter.expect(refused ? tooLarge : QString("Message sent."));
         r.mail(viewer, sendmail);
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        if (refused) {
+            QVERIFY(sendmail.message().isEmpty());
+            return;
+        }
         const test::ParsedMessage message(sendmail.message());
         QCOMPARE(message.parts.size(), 2);
         const test::ParsedMessage::Part& attached = message.parts.at(1);
         QVERIFY(attached.headers.value("content-disposition")
                     .contains(QByteArray::number(page) + ".jpg"));
-        QFile file(r.path(page));
+        QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(QByteArray::fromBase64(attached.body), file.readAll());
-        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
-    }
-
-    void tooLargePictureIsRefusedByName_data()
-    {
-        QTest::addColumn<QByteArray>("picture");
-        QTest::addColumn<QString>("reason");
-        const QString square = "it is 60000 by 60000 pixels, which would take 13733 MB of "
-                               "memory, and at most 1024 MB may be used";
-        QTest::newRow("JPEG") << BigPictures::bomb() << square;
-        // A kind the viewer leaves to other programs, but named all the same.
-        QTest::newRow("PNG") << BigPictures::pngStating(QSize(60000, 60000)) << square;
-        QTest::newRow("BMP a pixel wide")
-            << BigPictures::bmpStating(QSize(1, 200000))
-            << "it is 1 by 200000 pixels, and no side may be longer than 65535 pixels";
-    }
-    void tooLargePictureIsRefusedByName()
-    {
-        QFETCH(QByteArray, picture);
-        QFETCH(QString, reason);
-        ViewerRun r;
-        QVERIFY(
-            r.start({[&](const QString& path) { return BigPictures::writeFile(path, picture); }}));
-        const QString path = r.path(r.pages.first());
-        const QString tooLarge = "The picture '" + path + "' is too large to open: " + reason + ".";
-
-        r.prompter.expect(tooLarge);
-        PageViewWindow* viewer = r.open(r.pages.first());
-        QVERIFY(viewer);
-        QCOMPARE(r.prompter.seen().size(), 1);
-        QVERIFY(!viewer->canvas()->hasImage());
-
-        QTemporaryDir out;
-        r.prompter.expect("Cannot print " + path + ": " + reason);
-        r.print(viewer, out);
-        QCOMPARE(r.prompter.seen().size(), 2);
-
-        test::SendmailStandIn sendmail;
-        r.prompter.expect(tooLarge);
-        r.mail(viewer, sendmail);
-        QVERIFY(sendmail.message().isEmpty());
-        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
     }
 
     // Rotate Left turns the other way from Rotate; Ctrl+Z and Ctrl+Shift+Z take an edit back
@@ -325,14 +308,14 @@ private slots:
         QVERIFY(click(viewer, "cmdRotateClockwise"));
         r.prompter.expect("Exit the Quillmere?", Prompter::Answer::Yes);
         r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
-        r.run->window()->mnuFileExit();
+        r.window()->mnuFileExit();
         r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
-        r.run->window()->close();
-        QVERIFY(r.run->window()->isVisible());
+        r.window()->close();
+        QVERIFY(r.window()->isVisible());
         QVERIFY(viewer && viewer->isVisible() && viewer->edited());
         r.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
-        r.run->window()->close();
-        QVERIFY(!r.run->window()->isVisible());
+        r.window()->close();
+        QVERIFY(!r.window()->isVisible());
         QVERIFY(!viewer || !viewer->isVisible());
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
         QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
@@ -346,13 +329,13 @@ private slots:
         ViewerRun r;
         ExitOnSignal exitOnSignal;
         QVERIFY(r.start({writeCornered}));
-        exitOnSignal.attach(r.run->window());
+        exitOnSignal.attach(r.window());
         QPointer<PageViewWindow> viewer = r.open(r.pages.first());
         QVERIFY(viewer);
         QVERIFY(click(viewer, "cmdRotateClockwise"));
         // Stands for the program's main loop, which the signal's exit waits for.
         QEventLoop mainLoop;
-        connect(r.run->window(), &NavWindow::exitRequested, &mainLoop, [&] { mainLoop.exit(0); });
+        connect(r.window(), &NavWindow::exitRequested, &mainLoop, [&] { mainLoop.exit(0); });
         QTimer::singleShot(20000, &mainLoop, [&] { mainLoop.exit(1); });
         QTimer::singleShot(0, [] { std::raise(SIGTERM); });
         QCOMPARE(mainLoop.exec(), 0);
@@ -368,15 +351,14 @@ private slots:
         QVERIFY(picture.pixelColor(190, 10).value() < 60); // the dark corner turned to the right
 
         for (const bool tell : {true, false}) {
-            r.run.reset();
-            r.run =
-                std::make_unique<Startup>(r.home.home(), r.home.settings(), r.prompter, r.choosers);
+            r.startup.reset();
+            r.startup = r.make();
             if (tell)
                 r.prompter.expect(QString("Quillmere was ended while a viewer held changes "
                                           "that were not saved. The changed pictures were kept "
                                           "in %1; the pages are as they were.")
                                       .arg(QDir::toNativeSeparators(recovered.path())));
-            QVERIFY(r.run->start());
+            QVERIFY(r.startup->start());
             QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
         }
     }
@@ -416,7 +398,7 @@ private slots:
         QVERIFY(r.start(
             {[](const QString& path) { return BigPictures::copyScan(QSize(850, 1100), path); }},
             &boxes));
-        boxes.setParent(r.run->window());
+        boxes.setParent(r.window());
         PageViewWindow* viewer = r.open(r.pages.first());
         QVERIFY(viewer);
         QVERIFY(viewer->canvas()->hasImage());

@@ -23,6 +23,15 @@
 
 namespace qmr::test {
 
+// The texts of an item's children, in the order shown.
+inline QStringList itemTexts(const QTreeWidgetItem* item)
+{
+    QStringList texts;
+    for (int i = 0; item && i < item->childCount(); ++i)
+        texts << item->child(i)->text(0);
+    return texts;
+}
+
 // A main window on a temporary home, with scripted prompter and choosers.
 struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
 {
@@ -111,14 +120,7 @@ struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
                 keys << NavTree::keyOf(item->child(i));
         return keys;
     }
-    QStringList childTexts(const QString& key) const
-    {
-        QStringList texts;
-        if (QTreeWidgetItem* item = tree()->node(key))
-            for (int i = 0; i < item->childCount(); ++i)
-                texts << item->child(i)->text(0);
-        return texts;
-    }
+    QStringList childTexts(const QString& key) const { return itemTexts(tree()->node(key)); }
     // The keys below a node, nested in the order shown: "FCB1(FDW1(FFD1),FDW2)".
     QString branch(const QString& key) const
     {

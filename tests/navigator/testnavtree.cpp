@@ -13,18 +13,6 @@
 using namespace qmr;
 using namespace qmr::test;
 
-namespace {
-
-QStringList texts(const QTreeWidgetItem* item)
-{
-    QStringList texts;
-    for (int i = 0; i < item->childCount(); ++i)
-        texts << item->child(i)->text(0);
-    return texts;
-}
-
-} // namespace
-
 class TestNavTree : public QObject
 {
     Q_OBJECT
@@ -42,7 +30,7 @@ private slots:
         QCOMPARE(tree.node("CAB1")->text(0), QStringLiteral("beta"));
         QCOMPARE(tree.nodeCount(), 4);
         // Children stay sorted by text without regard to case.
-        QCOMPARE(texts(tree.node("ROOT")), (QStringList{"Alpha", "beta", "gamma"}));
+        QCOMPARE(itemTexts(tree.node("ROOT")), (QStringList{"Alpha", "beta", "gamma"}));
         tree.addNode("CAB1", "DRW5", "inner", {});
         // Expanding from code is reported, with or without children.
         QSignalSpy spy(&tree, &NavTree::expanding);
@@ -94,7 +82,7 @@ private slots:
         QCOMPARE(expanding.count(), 5);
         // Sorted like every other node once events have run.
         QCoreApplication::processEvents();
-        QCOMPARE(texts(tree.node("FFD1")), (QStringList{"Alpha", "zeta"}));
+        QCOMPARE(itemTexts(tree.node("FFD1")), (QStringList{"Alpha", "zeta"}));
         QCOMPARE(tree.node("FCB1")->child(0)->text(0), QString("bank"));
         QCOMPARE(tree.topLevelItem(1)->text(0), QString("Found"));
         // Gone again with their root.
@@ -124,30 +112,6 @@ private slots:
         tree.verticalScrollBar()->setValue(tree.verticalScrollBar()->maximum());
         QVERIFY(tree.visualItemRect(tree.node("CAB999")).intersects(tree.viewport()->rect()));
         QTRY_VERIFY(header->sectionSize(0) >= needed);
-    }
-
-    void rightClickSelectsNothing()
-    {
-        NavTree tree;
-        tree.addNode({}, "ROOT", "root", {});
-        tree.addNode("ROOT", "CAB1", "one", {});
-        tree.addNode("ROOT", "CAB2", "two", {});
-        tree.expandAll();
-        tree.resize(200, 200);
-        tree.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&tree));
-        tree.selectNode("CAB1");
-        QSignalSpy clicks(&tree, &NavTree::nodeClicked);
-        QSignalSpy ups(&tree, &NavTree::contextRequested);
-        const QRect r = tree.visualItemRect(tree.node("CAB2"));
-        const QPoint at(r.left() + 10, r.center().y());
-        QTest::mouseClick(tree.viewport(), Qt::RightButton, {}, at);
-        QCOMPARE(tree.selectedKey(), QStringLiteral("CAB1"));
-        QCOMPARE(clicks.count(), 0);
-        QCOMPARE(ups.count(), 1);
-        QTest::mouseClick(tree.viewport(), Qt::LeftButton, {}, at);
-        QCOMPARE(tree.selectedKey(), QStringLiteral("CAB2"));
-        QCOMPARE(clicks.count(), 1);
     }
 
     void firstStartAndEmptyStoreMakeTheSampleCabinet()
@@ -302,6 +266,7 @@ private slots:
 
     void restoreWalk_data()
     {
+        // `list`: what the window lists, or where the walk stopped short, the nodes clicked then.
         columns<QString, QString, QString, int, int, QStringList>(
             {"saved", "selected", "menu", "level", "parent", "list"});
         row("cabinet", "CAB1", "CAB1", "mnuPopupCabinet", 0, -1, QStringList{"Bank", "Taxes"});
@@ -311,6 +276,8 @@ private slots:
         row("document", "DOC3", "DOC3", "mnuPopupDocument", 3, 3, QStringList{});
         row("gone", "FLD77", "", "mnuPopupFolder", -1, -1, QStringList{});
         row("locked", "FLD4", "", "mnuPopupFolder", -1, -1, QStringList{});
+        row("locked, then a click on the root", "FLD4", "", "mnuPopupFolder", -1, -1,
+            QStringList{"ROOT"});
         row("page key", "PAG1", "", "", -1, -1, QStringList{});
         row("garbage", "XYZ", "", "", -1, -1, QStringList{});
         row("root", "ROOT", "", "", -1, -1, QStringList{});
@@ -330,11 +297,20 @@ private slots:
         QCOMPARE(h.visibleLevelMenu(), menu);
         if (selected.isEmpty()) {
             QVERIFY(h.tree()->selectedKey().isEmpty() || h.tree()->selectedKey() == "ROOT");
-            // Where the walk stopped short, the place is kept for the next start.
+            // Where the walk stopped short, the place is kept for the next start; a click
+            // after it (`list` names the node) is the new place.
+            h.clickPath(list);
             const QString inView = h.tree()->selectedKey();
+            // Closing the window saves without asking.
             h.window->close();
-            QCOMPARE(h.home.reopenSettings().getSetting("LastNavTreeNodeKey"),
-                     menu.isEmpty() ? inView : saved);
+            QMR_VERIFY_PROMPTS(h);
+            Settings& s = h.home.reopenSettings();
+            QCOMPARE(s.getSetting("LastNavTreeNodeKey"), !list.isEmpty()  ? list.last()
+                                                         : menu.isEmpty() ? inView
+                                                                          : saved);
+            QCOMPARE(s.getSetting("FirstShow"), QStringLiteral("N"));
+            QVERIFY(s.contains("frmNavTree.Width"));
+            QVERIFY(!h.session->db().isOpen());
             return;
         }
         QCOMPARE(h.tree()->selectedKey(), selected);
@@ -348,16 +324,6 @@ private slots:
         // The walk opened every level down to the node.
         for (QTreeWidgetItem* p = h.tree()->node(selected)->parent(); p; p = p->parent())
             QVERIFY(p->isExpanded());
-    }
-
-    void aClickAfterAShortWalkIsTheNewPlace()
-    {
-        NavHarness h;
-        h.home.settings().saveSetting("LastNavTreeNodeKey", "FLD4"); // in the locked cabinet
-        h.loadSample();
-        h.click("ROOT");
-        h.window->close();
-        QCOMPARE(h.home.reopenSettings().getSetting("LastNavTreeNodeKey"), QStringLiteral("ROOT"));
     }
 
     void dividerWidthIsSavedWhenLetGo()
@@ -436,18 +402,6 @@ private slots:
         QCOMPARE(s.getSetting("LastNavTreeNodeKey"), exits ? QString("DRW2") : QString());
         QCOMPARE(s.contains("frmNavTree.WindowState"), exits);
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW2"));
-    }
-
-    void closingTheWindowSavesWithoutAsking()
-    {
-        SampleWindow h({"CAB1"});
-        h.window->close();
-        QMR_VERIFY_PROMPTS(h);
-        Settings& s = h.home.reopenSettings();
-        QCOMPARE(s.getSetting("LastNavTreeNodeKey"), QStringLiteral("CAB1"));
-        QCOMPARE(s.getSetting("FirstShow"), QStringLiteral("N"));
-        QVERIFY(s.contains("frmNavTree.Width"));
-        QVERIFY(!h.session->db().isOpen());
     }
 
     // Enter or a double click in the list opens the item in the tree; the record and the menu

@@ -227,7 +227,7 @@ private slots:
         h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
         QVERIFY(QTest::qWaitFor(
             [&] { return h.window->pageList()->thumbnails().outstanding() == 0; }, 10000));
-        QTest::qWait(20);
+        QCoreApplication::processEvents();
         QCOMPARE(h.pageTexts(), QStringList({"Page 1", "Page 2", "Page 3", "letter.pdf"}));
         const PagePaths paths(h.home.home());
         for (const qint32 id : {wide, tall})

@@ -1,9 +1,13 @@
 #include <QTest>
 
 #include "scan/optionmatch.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
+using qmr::test::row;
+using Values = QStringList;
 
 Q_DECLARE_METATYPE(qmr::ScanColour)
 
@@ -44,22 +48,20 @@ class TestOptionMatch : public QObject
 private slots:
     void nearestValue_data()
     {
-        QTest::addColumn<ScanOption>("option");
-        QTest::addColumn<double>("wanted");
-        QTest::addColumn<double>("chosen");
-        QTest::newRow("range, inside") << range(1, 1200, 1) << 150.0 << 150.0;
-        QTest::newRow("range, between steps") << range(50, 600, 25) << 160.0 << 150.0;
-        QTest::newRow("range, rounds up") << range(50, 600, 25) << 165.0 << 175.0;
-        QTest::newRow("range, below") << range(75, 600, 1) << 10.0 << 75.0;
-        QTest::newRow("range, above") << range(75, 600, 1) << 9600.0 << 600.0;
-        QTest::newRow("range, top off the steps") << range(50, 610, 25) << 610.0 << 600.0;
-        QTest::newRow("range, no step") << range(10.5, 99.5, 0) << 33.3 << 33.3;
-        QTest::newRow("list, exact") << list({75, 150, 300, 600}) << 300.0 << 300.0;
-        QTest::newRow("list, nearest") << list({75, 150, 300, 600}) << 200.0 << 150.0;
-        QTest::newRow("list, tie goes up") << list({100, 200, 300}) << 150.0 << 200.0;
-        QTest::newRow("list, unsorted") << list({1200, 300, 600, 75}) << 500.0 << 600.0;
-        QTest::newRow("list, below all") << list({150, 300}) << 1.0 << 150.0;
-        QTest::newRow("no constraint") << ScanOption() << 123.0 << 123.0;
+        columns<ScanOption, double, double>({"option", "wanted", "chosen"});
+        row("range, inside", range(1, 1200, 1), 150.0, 150.0);
+        row("range, between steps", range(50, 600, 25), 160.0, 150.0);
+        row("range, rounds up", range(50, 600, 25), 165.0, 175.0);
+        row("range, below", range(75, 600, 1), 10.0, 75.0);
+        row("range, above", range(75, 600, 1), 9600.0, 600.0);
+        row("range, top off the steps", range(50, 610, 25), 610.0, 600.0);
+        row("range, no step", range(10.5, 99.5, 0), 33.3, 33.3);
+        row("list, exact", list({75, 150, 300, 600}), 300.0, 300.0);
+        row("list, nearest", list({75, 150, 300, 600}), 200.0, 150.0);
+        row("list, tie goes up", list({100, 200, 300}), 150.0, 200.0);
+        row("list, unsorted", list({1200, 300, 600, 75}), 500.0, 600.0);
+        row("list, below all", list({150, 300}), 1.0, 150.0);
+        row("no constraint", ScanOption(), 123.0, 123.0);
     }
     void nearestValue()
     {
@@ -71,8 +73,7 @@ private slots:
 
     void meaningOfMode_data()
     {
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("meaning");
+        columns<QString, QString>({"value", "meaning"});
         for (const char* v : {"Lineart", "LineArt", "Line Art", "line-art", "Binary",
                               "Black & White", "Black and White", "BW", "B&W"})
             QTest::newRow(v) << QString::fromUtf8(v) << "line art";
@@ -95,14 +96,7 @@ private slots:
 
     void chooseMode_data()
     {
-        QTest::addColumn<QStringList>("values");
-        QTest::addColumn<ScanColour>("wanted");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<QString>("gives");
-        const auto row = [](const char* name, const QStringList& values, ScanColour wanted,
-                            const char* value, const char* gives) {
-            QTest::newRow(name) << values << wanted << QString(value) << QString(gives);
-        };
+        columns<QStringList, ScanColour, QString, QString>({"values", "wanted", "value", "gives"});
         const QStringList three{"Lineart", "Gray", "Color"};
         row("line art", three, ScanColour::LineArt, "Lineart", "line art");
         row("grey", three, ScanColour::Grey, "Gray", "grey");
@@ -112,12 +106,13 @@ private slots:
         row("their line art", brother, ScanColour::LineArt, "Black & White", "line art");
         row("true grey, not dithered", brother, ScanColour::Grey, "True Gray", "grey");
         row("plain colour first", brother, ScanColour::Colour, "24bit Color", "colour");
-        row("no line art: grey", {"Gray", "Color"}, ScanColour::LineArt, "Gray", "grey");
-        row("colour only: colour for grey", {"Color"}, ScanColour::Grey, "Color", "colour");
-        row("grey only: grey for colour", {"Halftone", "Gray"}, ScanColour::Colour, "Gray", "grey");
-        row("deep colour after plain", {"Color48", "Color", "Gray"}, ScanColour::Colour, "Color",
-            "colour");
-        row("nothing known", {"Halftone", "Infrared"}, ScanColour::Colour, "", "none");
+        row("no line art: grey", Values{"Gray", "Color"}, ScanColour::LineArt, "Gray", "grey");
+        row("colour only: colour for grey", Values{"Color"}, ScanColour::Grey, "Color", "colour");
+        row("grey only: grey for colour", Values{"Halftone", "Gray"}, ScanColour::Colour, "Gray",
+            "grey");
+        row("deep colour after plain", Values{"Color48", "Color", "Gray"}, ScanColour::Colour,
+            "Color", "colour");
+        row("nothing known", Values{"Halftone", "Infrared"}, ScanColour::Colour, "", "none");
     }
     void chooseMode()
     {
@@ -132,16 +127,8 @@ private slots:
 
     void chooseSource_data()
     {
-        QTest::addColumn<QStringList>("values");
-        QTest::addColumn<bool>("feeder");
-        QTest::addColumn<bool>("duplex");
-        QTest::addColumn<QString>("value");
-        QTest::addColumn<bool>("fed");
-        QTest::addColumn<bool>("bothSides");
-        const auto row = [](const char* name, const QStringList& values, bool feeder, bool duplex,
-                            const char* value, bool fed, bool bothSides) {
-            QTest::newRow(name) << values << feeder << duplex << QString(value) << fed << bothSides;
-        };
+        columns<QStringList, bool, bool, QString, bool, bool>(
+            {"values", "feeder", "duplex", "value", "fed", "bothSides"});
         const QStringList test{"Flatbed", "Automatic Document Feeder"};
         row("feeder", test, true, true, "Automatic Document Feeder", true, false);
         row("flatbed", test, false, false, "Flatbed", false, false);
@@ -152,11 +139,11 @@ private slots:
         const QStringList epson{"Flatbed", "Transparency Unit", "ADF - Front", "ADF - Duplex"};
         row("their duplex", epson, true, true, "ADF - Duplex", true, true);
         row("their feeder", epson, true, false, "ADF - Front", true, false);
-        row("no feeder: one page", {"Flatbed", "Transparency Adapter"}, true, true, "Flatbed",
+        row("no feeder: one page", Values{"Flatbed", "Transparency Adapter"}, true, true, "Flatbed",
             false, false);
-        row("only a duplex feeder", {"Flatbed", "Duplex"}, true, false, "Duplex", true, true);
-        row("platen", {"Platen", "ADF"}, false, false, "Platen", false, false);
-        row("no values", {}, true, true, "", false, false);
+        row("only a duplex feeder", Values{"Flatbed", "Duplex"}, true, false, "Duplex", true, true);
+        row("platen", Values{"Platen", "ADF"}, false, false, "Platen", false, false);
+        row("no values", Values{}, true, true, "", false, false);
     }
     void chooseSource()
     {

@@ -16,11 +16,14 @@
 #include "sanetestbackend.h"
 #include "core/brokenpipes.h"
 #include "scan/sanesource.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
 using Options = QList<QPair<QString, QVariant>>;
 using Reason = qmr::ScanEnd::Reason;
+using qmr::test::columns;
+using qmr::test::row;
 
 Q_DECLARE_METATYPE(qmr::ScanColour)
 Q_DECLARE_METATYPE(qmr::test::HangingSane::Call)
@@ -151,11 +154,9 @@ class TestSaneSource : public QObject
 private slots:
     void deviceList_data()
     {
-        QTest::addColumn<QStringList>("conf");
-        QTest::addColumn<QStringList>("names");
-        QTest::newRow("as installed") << QStringList() << QStringList{"test:0", "test:1"};
-        QTest::newRow("three") << QStringList{"number_of_devices 3"}
-                               << QStringList{"test:0", "test:1", "test:2"};
+        columns<QStringList, QStringList>({"conf", "names"});
+        row("as installed", QStringList(), QStringList{"test:0", "test:1"});
+        row("three", QStringList{"number_of_devices 3"}, QStringList{"test:0", "test:1", "test:2"});
     }
     void deviceList()
     {
@@ -180,15 +181,9 @@ private slots:
     // The pages as the system's own command-line frontend reads them with the same settings.
     void sameAsScanimage_data()
     {
-        QTest::addColumn<ScanColour>("colour");
-        QTest::addColumn<int>("depth"); // 0: as the request sets it
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<int>("format");
-        const auto row = [](const char* name, ScanColour c, int depth, const char* mode,
-                            const char* bits, QImage::Format format) {
-            QTest::newRow(name) << c << depth << QStringList{"--mode", mode, "--depth", bits}
-                                << int(format);
-        };
+        // depth 0: as the request sets it; mode and bits: the frontend's arguments.
+        columns<ScanColour, int, QString, QString, QImage::Format>(
+            {"colour", "depth", "mode", "bits", "format"});
         row("colour", ScanColour::Colour, 0, "Color", "8", QImage::Format_RGB32);
         row("grey", ScanColour::Grey, 0, "Gray", "8", QImage::Format_Grayscale8);
         row("line art", ScanColour::LineArt, 0, "Gray", "1", QImage::Format_Mono);
@@ -199,11 +194,12 @@ private slots:
     {
         QFETCH(ScanColour, colour);
         QFETCH(int, depth);
-        QFETCH(QStringList, arguments);
-        QFETCH(int, format);
+        QFETCH(QString, mode);
+        QFETCH(QString, bits);
+        QFETCH(QImage::Format, format);
         test::SaneTestBackend backend({kPicture});
-        const QImage expected =
-            backend.scanimage(QStringList{"-d", "test:0", "--resolution", "50"} + arguments);
+        const QImage expected = backend.scanimage(
+            {"-d", "test:0", "--resolution", "50", "--mode", mode, "--depth", bits});
         QVERIFY(!expected.isNull());
         SaneSource source;
         const Scan scan =
@@ -212,7 +208,7 @@ private slots:
         QCOMPARE(scan.end.reason, Reason::Done);
         QCOMPARE(scan.pages.size(), 1);
         const QImage& image = scan.pages.first();
-        QCOMPARE(int(image.format()), format);
+        QCOMPARE(image.format(), format);
         QCOMPARE(image.size(), expected.size());
         QCOMPARE(image.dotsPerMeterX(), qRound(50 / 0.0254));
         // 16-bit samples are cut to their high byte here and rounded by the file reader.
@@ -231,13 +227,11 @@ private slots:
     // that does not know the page's length give the page a single pass gives.
     void unusualFrames_data()
     {
-        QTest::addColumn<ScanColour>("colour");
-        QTest::addColumn<QString>("option");
-        QTest::addColumn<QVariant>("value");
-        QTest::newRow("three passes") << ScanColour::Colour << "three-pass" << QVariant(true);
-        QTest::newRow("wasted pixels, grey") << ScanColour::Grey << "ppl-loss" << QVariant(7);
-        QTest::newRow("wasted pixels, colour") << ScanColour::Colour << "ppl-loss" << QVariant(3);
-        QTest::newRow("small reads") << ScanColour::Colour << "read-limit" << QVariant(true);
+        columns<ScanColour, QString, QVariant>({"colour", "option", "value"});
+        row("three passes", ScanColour::Colour, "three-pass", QVariant(true));
+        row("wasted pixels, grey", ScanColour::Grey, "ppl-loss", QVariant(7));
+        row("wasted pixels, colour", ScanColour::Colour, "ppl-loss", QVariant(3));
+        row("small reads", ScanColour::Colour, "read-limit", QVariant(true));
     }
     void unusualFrames()
     {
@@ -279,11 +273,9 @@ private slots:
     // one page.
     void feeder_data()
     {
-        QTest::addColumn<bool>("feeder");
-        QTest::addColumn<QString>("sourceValue");
-        QTest::addColumn<int>("pages");
-        QTest::newRow("feeder") << true << "Automatic Document Feeder" << 10;
-        QTest::newRow("flatbed") << false << "Flatbed" << 1;
+        columns<bool, QString, int>({"feeder", "sourceValue", "pages"});
+        row("feeder", true, "Automatic Document Feeder", 10);
+        row("flatbed", false, "Flatbed", 1);
     }
     void feeder()
     {
@@ -305,31 +297,25 @@ private slots:
 
     void failures_data()
     {
-        QTest::addColumn<QString>("device");
-        QTest::addColumn<QString>("status");
-        QTest::addColumn<int>("failAfter"); // pages read before the failure is set; -1 at open
-        const QString jammed = "Document feeder jammed";
-        QTest::newRow("no such device") << "test:9"
-                                        << "Invalid argument" << -1;
-        QTest::newRow("jammed at once") << "test:0" << jammed << 0;
-        QTest::newRow("jammed on the third sheet") << "test:0" << jammed << 2;
-        QTest::newRow("cover open") << "test:0"
-                                    << "Scanner cover is open" << 1;
-        QTest::newRow("input and output") << "test:0"
-                                          << "Error during device I/O" << 0;
+        // failAfter: pages read before the device is told to fail with `code`; -1 at open.
+        columns<QString, QString, int, QString>({"device", "code", "failAfter", "status"});
+        const char* jammed = "Document feeder jammed";
+        row("no such device", "test:9", "", -1, "Invalid argument");
+        row("jammed at once", "test:0", "SANE_STATUS_JAMMED", 0, jammed);
+        row("jammed on the third sheet", "test:0", "SANE_STATUS_JAMMED", 2, jammed);
+        row("cover open", "test:0", "SANE_STATUS_COVER_OPEN", 1, "Scanner cover is open");
+        row("input and output", "test:0", "SANE_STATUS_IO_ERROR", 0, "Error during device I/O");
     }
     void failures()
     {
         QFETCH(QString, device);
-        QFETCH(QString, status);
+        QFETCH(QString, code);
         QFETCH(int, failAfter);
+        QFETCH(QString, status);
         test::SaneTestBackend backend;
         SaneSource source;
         ScanRequest r = request(ScanColour::Grey, 30, true);
         r.device = device;
-        const QString code = status == "Document feeder jammed"  ? "SANE_STATUS_JAMMED"
-                             : status == "Scanner cover is open" ? "SANE_STATUS_COVER_OPEN"
-                                                                 : "SANE_STATUS_IO_ERROR";
         const Scan scan =
             runScan(source, r, failAfter == 0 ? Options{{"read-return-value", code}} : Options(), 0,
                     [&](int read) {
@@ -387,10 +373,10 @@ private slots:
     void hangingDevice_data()
     {
         using Call = test::HangingSane::Call;
-        QTest::addColumn<Call>("hangIn");
-        QTest::newRow("looking for devices") << Call::Devices;
-        QTest::newRow("cancel of a read") << Call::Cancel;
-        QTest::newRow("close") << Call::Close;
+        columns<Call>({"hangIn"});
+        row("looking for devices", Call::Devices);
+        row("cancel of a read", Call::Cancel);
+        row("close", Call::Close);
     }
     void hangingDevice()
     {
@@ -491,11 +477,10 @@ private slots:
     // and a change that brings others to life.
     void options_data()
     {
-        QTest::addColumn<int>("asked");
-        QTest::addColumn<double>("taken");
-        QTest::newRow("as asked") << 150 << 150.0;
-        QTest::newRow("above the device") << 4800 << 1200.0;
-        QTest::newRow("below the device") << 0 << 1.0;
+        columns<int, double>({"asked", "taken"});
+        row("as asked", 150, 150.0);
+        row("above the device", 4800, 1200.0);
+        row("below the device", 0, 1.0);
     }
     void options()
     {

@@ -3,6 +3,7 @@
 
 #include "scanharness.h"
 #include "tests/navigator/navharness.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -55,22 +56,14 @@ private slots:
     // The buttons write the kind first, then want a folder or a document in the tree.
     void buttons_data()
     {
-        QTest::addColumn<Level>("level");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<bool>("scannerSet");
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<int>("pages");
-        const QString target = "Please click on a folder or document to scan to.";
-        QTest::newRow("cabinet") << Level::Cabinet << "cmdScanDoc" << true << target << "document"
-                                 << 5;
-        QTest::newRow("drawer, picture")
-            << Level::Drawer << "cmdScanPic" << true << target << "picture" << 5;
-        QTest::newRow("folder, no scanner")
-            << Level::Folder << "cmdScanDoc" << false << "A scanner could not be detected."
-            << "document" << 5;
-        QTest::newRow("document, picture") << Level::Document << "cmdScanPic" << true << ""
-                                           << "picture" << 6;
+        columns<Level, QString, bool, QString, QString, int>(
+            {"level", "button", "scannerSet", "message", "kind", "pages"});
+        const char* target = "Please click on a folder or document to scan to.";
+        row("cabinet", Level::Cabinet, "cmdScanDoc", true, target, "document", 5);
+        row("drawer, picture", Level::Drawer, "cmdScanPic", true, target, "picture", 5);
+        row("folder, no scanner", Level::Folder, "cmdScanDoc", false,
+            "A scanner could not be detected.", "document", 5);
+        row("document, picture", Level::Document, "cmdScanPic", true, "", "picture", 6);
     }
     void buttons()
     {
@@ -95,9 +88,9 @@ private slots:
     // Scan New Page of a document, from the tree or from the list, keeps the kind as it is.
     void scanNewPage_data()
     {
-        QTest::addColumn<bool>("fromList");
-        QTest::newRow("tree") << false;
-        QTest::newRow("list") << true;
+        columns<bool>({"fromList"});
+        row("tree", false);
+        row("list", true);
     }
     void scanNewPage()
     {

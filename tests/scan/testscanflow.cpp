@@ -8,6 +8,7 @@
 #include "scan/scanoptionsdialog.h"
 #include "scan/scansettingsdialog.h"
 #include "scanharness.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 #include "viewer/pageviewwindow.h"
 
@@ -34,18 +35,9 @@ private slots:
     // follow its highest number. Every sheet is a real JPEG of the size the device gives.
     void scanIntoStore_data()
     {
-        QTest::addColumn<bool>("intoFolder");
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("scanType"); // "" leaves the default colour
-        QTest::addColumn<bool>("feeder");
-        QTest::addColumn<int>("pages");
-        QTest::addColumn<int>("dpi");
-        QTest::addColumn<bool>("grey");
-        const auto row = [](const char* name, bool intoFolder, const char* kind,
-                            const char* scanType, bool feeder, int pages, int dpi, bool grey) {
-            QTest::newRow(name) << intoFolder << QString(kind) << QString(scanType) << feeder
-                                << pages << dpi << grey;
-        };
+        // scanType "" leaves the default colour.
+        columns<bool, QString, QString, bool, int, int, bool>(
+            {"intoFolder", "kind", "scanType", "feeder", "pages", "dpi", "grey"});
         row("document into a folder", true, "document", "", false, 1, 150, false);
         row("picture into a document of five", false, "picture", "", false, 1, 300, false);
         row("grey picture", false, "picture", "grayscale", false, 1, 300, true);
@@ -138,10 +130,9 @@ private slots:
     // viewer closed without saving ends the run, keeping the pages saved before.
     void editingEachSheet_data()
     {
-        QTest::addColumn<int>("closeAt"); // the sheet whose viewer is closed; 0 for none
-        QTest::addColumn<int>("saved");
-        QTest::newRow("every sheet saved") << 0 << 10;
-        QTest::newRow("closed at the third") << 3 << 2;
+        columns<int, int>({"closeAt", "saved"}); // closeAt: that sheet's viewer; 0 for none
+        row("every sheet saved", 0, 10);
+        row("closed at the third", 3, 2);
     }
     void editingEachSheet()
     {
@@ -200,10 +191,9 @@ private slots:
     // no row is left without its file.
     void cancelKeepsSavedPages_data()
     {
-        QTest::addColumn<bool>("intoFolder");
-        QTest::addColumn<int>("cancelAfter");
-        QTest::newRow("into a document, after three") << false << 3;
-        QTest::newRow("into a folder, after one") << true << 1;
+        columns<bool, int>({"intoFolder", "cancelAfter"});
+        row("into a document, after three", false, 3);
+        row("into a folder, after one", true, 1);
     }
     void cancelKeepsSavedPages()
     {
@@ -237,19 +227,9 @@ private slots:
     // the page being read leaves no row behind.
     void messages_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::addColumn<QString>("scanner");
-        QTest::addColumn<QString>("camera");
-        QTest::addColumn<bool>("intoFolder");
-        QTest::addColumn<QString>("status"); // the device fails with it; "" for no failure
-        QTest::addColumn<int>("failAfter");  // pages saved before the failure
-        QTest::addColumn<QString>("message");
-        const auto row = [](const char* name, const char* kind, const char* scanner,
-                            const char* camera, bool intoFolder, const char* status, int failAfter,
-                            const char* message) {
-            QTest::newRow(name) << QString(kind) << QString(scanner) << QString(camera)
-                                << intoFolder << QString(status) << failAfter << QString(message);
-        };
+        // status: the device fails with it ("" for no failure) after failAfter pages saved.
+        columns<QString, QString, QString, bool, QString, int, QString>(
+            {"kind", "scanner", "camera", "intoFolder", "status", "failAfter", "message"});
         const char* noScanner = "A scanner could not be detected.";
         row("no scanner", "document", "", "test:1", false, "", 0, noScanner);
         row("no scanner for a picture", "picture", "", "test:1", true, "", 0, noScanner);
@@ -308,9 +288,9 @@ private slots:
     // document is in the tree at once; Cancel there reads nothing.
     void detailsBeforeTheScan_data()
     {
-        QTest::addColumn<bool>("confirm");
-        QTest::newRow("named Invoice") << true;
-        QTest::newRow("cancelled") << false;
+        columns<bool>({"confirm"});
+        row("named Invoice", true);
+        row("cancelled", false);
     }
     void detailsBeforeTheScan()
     {
@@ -346,9 +326,9 @@ private slots:
     // is what the device reads with; Cancel there reads nothing and leaves no row.
     void deviceOptionsBeforeTheScan_data()
     {
-        QTest::addColumn<bool>("scan");
-        QTest::newRow("mode changed to grey, then Scan") << true;
-        QTest::newRow("cancelled") << false;
+        columns<bool>({"scan"});
+        row("mode changed to grey, then Scan", true);
+        row("cancelled", false);
     }
     void deviceOptionsBeforeTheScan()
     {
@@ -397,9 +377,9 @@ private slots:
     // with what it chose (the first device found, for someone who never chose).
     void settingsBeforeTheFirstScan_data()
     {
-        QTest::addColumn<bool>("confirm");
-        QTest::newRow("cancelled") << false;
-        QTest::newRow("confirmed") << true;
+        columns<bool>({"confirm"});
+        row("cancelled", false);
+        row("confirmed", true);
     }
     void settingsBeforeTheFirstScan()
     {

@@ -10,6 +10,7 @@
 #include "sanetestbackend.h"
 #include "scan/sanesource.h"
 #include "scan/scansettingsdialog.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
@@ -91,20 +92,14 @@ private slots:
     // OK writes every setting the dialog shows, not only the first five; Cancel writes none.
     void okWritesEverySetting_data()
     {
-        QTest::addColumn<bool>("change");
-        QTest::addColumn<bool>("confirm");
-        QTest::addColumn<QStringList>("expected"); // the values of kKeys; "" for absent
-        QTest::newRow("as it opens")
-            << false << true
-            << QStringList{"test:0", "IMAGEEDIT", "afterscan", "N",   "",   "Y",  "N",
-                           "color",  "color",     "150",       "300", "50", "30", "True"};
-        QTest::newRow("every control changed")
-            << true << true
-            << QStringList{"test:1", "RETURN",    "beforescan",    "Y",   "test:0", "N",
-                           "Y",      "grayscale", "black & white", "200", "600",    "20",
-                           "40",     "True"};
-        QTest::newRow("cancelled")
-            << true << false << QStringList{"", "", "", "", "", "", "", "", "", "", "", "", "", ""};
+        columns<bool, bool, QStringList>({"change", "confirm", "expected"}); // "" for absent
+        row("as it opens", false, true,
+            QStringList{"test:0", "IMAGEEDIT", "afterscan", "N", "", "Y", "N", "color", "color",
+                        "150", "300", "50", "30", "True"});
+        row("every control changed", true, true,
+            QStringList{"test:1", "RETURN", "beforescan", "Y", "test:0", "N", "Y", "grayscale",
+                        "black & white", "200", "600", "20", "40", "True"});
+        row("cancelled", true, false, QStringList(std::size(kKeys), QString()));
     }
     void okWritesEverySetting()
     {
