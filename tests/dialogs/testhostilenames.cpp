@@ -14,14 +14,6 @@ namespace {
 
 const char* const kLevelWords[] = {"cabinet", "drawer", "folder", "document"};
 
-QString repeat(const QString& unit, int times)
-{
-    QString out;
-    for (int i = 0; i < times; ++i)
-        out += unit;
-    return out;
-}
-
 QString tooLong(const char* what, int level, int width)
 {
     return QStringLiteral("The %1 is too long: a %2's %1 can have at most %3 characters.")
@@ -68,10 +60,10 @@ QVector<Case> nameCases()
         {"only spaces", "    ", true},
         {"at width", QString(80, 'w')},
         {"one past width", QString(81, 'w'), true},
-        {"emoji at width", repeat(emoji, 80)},
-        {"emoji one past width", repeat(emoji, 81), true},
-        {"combining at width", repeat(accent, 40)},
-        {"combining one past width", repeat(accent, 40) + "x", true},
+        {"emoji at width", emoji.repeated(80)},
+        {"emoji one past width", emoji.repeated(81), true},
+        {"combining at width", accent.repeated(40)},
+        {"combining one past width", accent.repeated(40) + "x", true},
     };
 }
 
@@ -86,22 +78,19 @@ QString nameRefusal(const Case& c, int level)
     return tooLong("name", level, 80);
 }
 
-const char* controlOf(const QString& field)
+// The box a field is typed in, and where the store keeps it.
+struct Field
 {
-    return field == "name"          ? "txtName"
-           : field == "email"       ? "txtEmail"
-           : field == "storagePath" ? "txtSaveTo"
-           : field == "password"    ? "txtPassword"
-                                    : "txtDescription";
-}
-
-QString storedField(const ItemFields& f, const QString& field)
+    const char* control;
+    QString ItemFields::*stored;
+};
+Field fieldOf(const QString& field)
 {
-    return field == "name"          ? f.name
-           : field == "email"       ? f.email
-           : field == "storagePath" ? f.storagePath
-           : field == "password"    ? f.password
-                                    : f.description;
+    const QHash<QString, Field> fields{{"name", {"txtName", &ItemFields::name}},
+                                       {"email", {"txtEmail", &ItemFields::email}},
+                                       {"storagePath", {"txtSaveTo", &ItemFields::storagePath}},
+                                       {"password", {"txtPassword", &ItemFields::password}}};
+    return fields.value(field, {"txtDescription", &ItemFields::description});
 }
 
 } // namespace
@@ -174,6 +163,7 @@ private slots:
         DialogHarness h;
         ItemStore items(h.db());
         const Level lv = Level(level);
+        QString ItemFields::*const kept = fieldOf(field).stored;
         // New items go below item 1 of the level above; properties change item 1.
         const qint32 parent = level == 0 ? -1 : 1;
         const int countBefore = items.count(lv);
@@ -192,7 +182,7 @@ private slots:
         if (field == "description")
             child<QPlainTextEdit>(&dialog, "txtDescription")->setPlainText(typed);
         else
-            child<QLineEdit>(&dialog, controlOf(field))->setText(typed);
+            child<QLineEdit>(&dialog, fieldOf(field).control)->setText(typed);
         if (!message.isEmpty())
             h.prompter.expect(message);
         dialog.cmdOK();
@@ -203,7 +193,7 @@ private slots:
             QCOMPARE(dialog.result(), int(QDialog::Rejected));
             QCOMPARE(items.count(lv), countBefore);
             QCOMPARE(items.fields(lv, 1)->name, item1Before->name);
-            QCOMPARE(storedField(*items.fields(lv, 1), field), storedField(*item1Before, field));
+            QCOMPARE((*items.fields(lv, 1)).*kept, (*item1Before).*kept);
             QVERIFY(h.nav.calls.isEmpty());
             return;
         }
@@ -212,7 +202,7 @@ private slots:
         QCOMPARE(items.count(lv), countBefore + (mode == "Add" ? 1 : 0));
         const std::optional<ItemFields> f = items.fields(lv, id);
         QVERIFY(f);
-        QCOMPARE(storedField(*f, field), stored);
+        QCOMPARE((*f).*kept, stored);
 
         // Found as typed: among its parent's children, by the name test that refuses doubles
         // (which ignores case and treats % and _ as themselves), and in its dialog again.
@@ -236,7 +226,7 @@ private slots:
         if (field == "description")
             QCOMPARE(child<QPlainTextEdit>(&again, "txtDescription")->toPlainText(), stored);
         else
-            QCOMPARE(child<QLineEdit>(&again, controlOf(field))->text(), stored);
+            QCOMPARE(child<QLineEdit>(&again, fieldOf(field).control)->text(), stored);
     }
 };
 

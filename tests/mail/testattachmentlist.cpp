@@ -6,15 +6,15 @@
 
 using namespace qmr;
 
+// The room made in the body for the attachments is checked where messages are really sent
+// (TestMailDialogs::sendDialogAttachments, TestMailSender::send, TestPageNotice).
 class TestAttachmentList : public QObject
 {
     Q_OBJECT
 private slots:
     void counting_data()
     {
-        QTest::addColumn<QString>("attachments");
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QStringList>("paths");
+        test::columns<QString, int, QStringList>({"attachments", "count", "paths"});
         const QStringList one = {"/p/1.jpg"};
         test::row("none", "", 0, QStringList());
         test::row("one without a mark", "/p/1.jpg", 1, one);
@@ -33,21 +33,6 @@ private slots:
         QFETCH(QStringList, paths);
         QCOMPARE(AttachmentList::count(attachments), count);
         QCOMPARE(AttachmentList::paths(attachments), paths);
-    }
-
-    void roomInTheBody_data()
-    {
-        QTest::addColumn<int>("count");
-        QTest::addColumn<QString>("body");
-        test::row("no attachments: the body as it is", 0, "Hello");
-        test::row("one page", 1, " \r\nHello");
-        test::row("a document of three pages", 3, "   \r\nHello");
-    }
-    void roomInTheBody()
-    {
-        QFETCH(int, count);
-        QFETCH(QString, body);
-        QCOMPARE(AttachmentList::bodyWithRoom("Hello", count), body);
     }
 };
 

@@ -34,17 +34,20 @@ template <class T> T* control(QWidget* w, const char* name)
     return c;
 }
 
+// A document of three pages; the one shown is the last.
 struct Pages
 {
     QTemporaryDir dir;
-    QString one = dir.filePath("1.jpg");
-    QString two = dir.filePath("2.jpg");
+    QString page = dir.filePath("3.jpg");
+    QString document; // each path ended by the mark
     Pages()
     {
         QImage image(40, 30, QImage::Format_RGB32);
         image.fill(Qt::gray);
-        image.save(one, "JPG");
-        image.save(two, "JPG");
+        for (const char* name : {"1.jpg", "2.jpg", "3.jpg"}) {
+            image.save(dir.filePath(name), "JPG");
+            document += dir.filePath(name) + "|";
+        }
     }
 };
 
@@ -56,10 +59,8 @@ class TestMailDialogs : public QObject
 private slots:
     void sendDialogAttachments_data()
     {
-        QTest::addColumn<bool>("onlyThisPage");
-        QTest::addColumn<int>("parts");
-        QTest::addColumn<QByteArray>("room");
-        test::row("all pages of the document", false, 3, QByteArray("  \r\n"));
+        test::columns<bool, int, QByteArray>({"onlyThisPage", "parts", "room"});
+        test::row("all pages of the document", false, 4, QByteArray("   \r\n"));
         test::row("only this page", true, 2, QByteArray(" \r\n"));
     }
     void sendDialogAttachments()
@@ -72,14 +73,12 @@ private slots:
         test::SmtpSink sink;
         test::smtpTo(sink.port()).write(home.settings());
         Pages pages;
-        SendEmailDialog dialog(home.settings(), prompter, pages.two,
-                               pages.one + "|" + pages.two + "|");
+        SendEmailDialog dialog(home.settings(), prompter, pages.page, pages.document);
         dialog.show();
         QVERIFY(control<QRadioButton>(&dialog, "optSend0")->isChecked());
         if (onlyThisPage)
             control<QRadioButton>(&dialog, "optSend1")->setChecked(true);
-        QCOMPARE(dialog.attachments(),
-                 onlyThisPage ? pages.two : pages.one + "|" + pages.two + "|");
+        QCOMPARE(dialog.attachments(), onlyThisPage ? pages.page : pages.document);
         control<QLineEdit>(&dialog, "txtSendTo")->setText("you@example.org");
         control<QLineEdit>(&dialog, "txtSubject")->setText("Pages");
         control<QPlainTextEdit>(&dialog, "txtBody")->setPlainText("Here.");
@@ -92,7 +91,7 @@ private slots:
         QCOMPARE(m.parts.size(), parts);
         QVERIFY(test::ParsedMessage::unquote(m.parts[0].body).startsWith(room + "Here."));
         QCOMPARE(m.parts.last().headers.value("content-type"),
-                 QByteArray("image/jpeg; name=\"2.jpg\""));
+                 QByteArray("image/jpeg; name=\"3.jpg\""));
     }
 
     // Nothing goes out without a mail system. An address that holds a line break would let its
@@ -100,10 +99,7 @@ private slots:
     // goes out, by either route.
     void sendIsRefused_data()
     {
-        QTest::addColumn<QString>("route");
-        QTest::addColumn<QString>("sendTo");
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("message");
+        test::columns<QString, QString, QString, QString>({"route", "sendTo", "from", "message"});
         const QString inSendTo = "The address in 'Send to' holds a line break or another "
                                  "control character.";
         const QString inSender = "The address in 'Your email address' of File/Email Settings "
@@ -181,8 +177,7 @@ private slots:
 
     void settingsDialogLoadsAndSaves_data()
     {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<int>("index");
+        test::columns<QString, int>({"stored", "index"});
         test::row("none", "", 0);
         test::row("MAPI", "MAPI", 1);
         test::row("CDONTS", "CDONTS", 2);

@@ -1,14 +1,10 @@
 #include <QElapsedTimer>
-#include <QEventLoop>
 #include <QImage>
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QThread>
-#include <QTimer>
 
 #include "mail/mailsender.h"
-#include "mail/sendmailtransport.h"
 #include "mail/smtptransport.h"
 #include "mailharness.h"
 #include "smtpsink.h"
@@ -18,28 +14,6 @@
 using namespace qmr;
 
 namespace {
-
-// Runs a transport on a worker thread while this thread answers as the server, at most
-// `limitMs` long.
-std::optional<MailFailure> sendOffThread(MailTransport& transport, const QByteArray& message,
-                                         const QString& from, const QStringList& to,
-                                         int limitMs = 15000)
-{
-    std::atomic_bool cancel{false};
-    std::optional<MailFailure> result;
-    QEventLoop loop;
-    std::unique_ptr<QThread> worker(
-        QThread::create([&] { result = transport.send(message, from, to, cancel); }));
-    QObject::connect(worker.get(), &QThread::finished, &loop, &QEventLoop::quit);
-    QTimer::singleShot(limitMs, &loop, [&] {
-        cancel = true;
-        loop.quit();
-    });
-    worker->start();
-    loop.exec();
-    worker->wait();
-    return result;
-}
 
 struct Files
 {
@@ -53,7 +27,7 @@ struct Files
         image.save(page, "JPG");
         QFile f(letter);
         f.open(QIODevice::WriteOnly);
-        f.write("%PDF-1.4\n%\xe2\xe3\xcf\xd3\n1 0 obj\n<<>>\nendobj\n.\n..\n");
+        f.write("%PDF-1.4\n%\xe2\xe3\xcf\xd3\n1 0 obj\n<<>>\nendobj\n");
     }
     static QByteArray bytes(const QString& path)
     {
@@ -76,7 +50,7 @@ void checkMessage(const QByteArray& text, const Files& files)
     QByteArray body = m.parts[0].body;
     body.chop(2);
     // Two attachments: two blanks and a line break stand before the text.
-    QCOMPARE(test::ParsedMessage::unquote(body), QByteArray("  \r\nSee the pages.\r\n.\r\nBye"));
+    QCOMPARE(test::ParsedMessage::unquote(body), QByteArray("  \r\nSee the pages.\r\n.\r\n..Bye"));
     QCOMPARE(QByteArray::fromBase64(m.parts[1].body), Files::bytes(files.page));
     QCOMPARE(m.parts[1].headers.value("content-type"), QByteArray("image/jpeg; name=\"1.jpg\""));
     QCOMPARE(QByteArray::fromBase64(m.parts[2].body), Files::bytes(files.letter));
@@ -90,40 +64,14 @@ class TestMailSender : public QObject
 {
     Q_OBJECT
 private slots:
-    // The one message text goes out byte for byte the same by either route.
-    void bothRoutesSendTheSameBytes()
-    {
-        Files files;
-        MailMessage m;
-        m.from = "me@example.org";
-        m.to = "you@example.org";
-        m.subject = "Both ways";
-        m.body = ".starts with a dot\r\n.\r\nand a lone dot above";
-        m.attachments << files.page << files.letter;
-        const QByteArray message = MimeMessage::build(m, nullptr);
-
-        test::SmtpSink sink;
-        SmtpTransport smtp(test::smtpTo(sink.port()));
-        QVERIFY(!sendOffThread(smtp, message, m.from, m.recipients()));
-        QCOMPARE(sink.mailFrom, QString("me@example.org"));
-        QCOMPARE(sink.recipients, QStringList{"you@example.org"});
-        QCOMPARE(sink.messages.size(), 1);
-        QCOMPARE(sink.messages[0], message);
-
-        test::SendmailStandIn sendmail;
-        SendmailTransport local(sendmail.program);
-        QVERIFY(!sendOffThread(local, message, m.from, m.recipients()));
-        QCOMPARE(sendmail.arguments(), (QStringList{"-t", "-i"}));
-        QCOMPARE(sendmail.message(), message);
-    }
-
-    // A message with two attachments, to the sink or to the stand-in for sendmail.
+    // A message with two attachments, to the sink or to the stand-in for sendmail, arrives as
+    // it was written. Its lone dot and the line that starts with one would end the message or
+    // lose a dot on the way unless the transport guards them.
     void send_data()
     {
-        QTest::addColumn<bool>("smtp");
-        QTest::addColumn<QString>("body");
-        test::row("SMTP", true, "See the pages.\n.\nBye");
-        test::row("sendmail", false, "See the pages.\r\n.\r\nBye");
+        test::columns<bool, QString>({"smtp", "body"});
+        test::row("SMTP", true, "See the pages.\n.\n..Bye");
+        test::row("sendmail", false, "See the pages.\r\n.\r\n..Bye");
     }
     void send()
     {
@@ -139,14 +87,16 @@ private slots:
             "you@example.org", "Two pages", body, files.page + "|" + files.letter + "|"));
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         QCOMPARE(sink.messages.size(), smtp ? 1 : 0);
+        QCOMPARE(sink.mailFrom, smtp ? QString("me@example.org") : QString());
+        QCOMPARE(sink.recipients, smtp ? QStringList{"you@example.org"} : QStringList());
         QCOMPARE(sendmail.arguments(), (smtp ? QStringList() : QStringList{"-t", "-i"}));
         checkMessage(smtp ? sink.messages[0] : sendmail.message(), files);
     }
 
     void failures_data()
     {
-        QTest::addColumn<QString>("route");
-        QTest::addColumn<QString>("message"); // a regular expression; "" for none at all
+        // The message is a regular expression; "" for none at all.
+        test::columns<QString, QString>({"route", "message"});
         test::row("server refuses the connection", "refused",
                   "^SendEmailNTS: Error  #7 .*(onnect|refused).*");
         test::row("server refuses the recipient", "recipient", "^SendEmailNTS: Error  #55 .*554.*");
@@ -200,10 +150,7 @@ private slots:
 
     void smtpAddresses_data()
     {
-        QTest::addColumn<QString>("server");
-        QTest::addColumn<int>("port");
-        QTest::addColumn<QString>("security");
-        QTest::addColumn<QString>("url");
+        test::columns<QString, int, QString, QString>({"server", "port", "security", "url"});
         test::row("plain", "mail.example.org", 25, "none", "smtp://mail.example.org:25");
         test::row("starttls", "mail.example.org", 587, "starttls", "smtp://mail.example.org:587");
         test::row("tls", "mail.example.org", 465, "tls", "smtps://mail.example.org:465");

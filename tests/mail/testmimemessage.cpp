@@ -65,7 +65,7 @@ private slots:
 
     void encodedSubject_data()
     {
-        QTest::addColumn<QString>("subject");
+        test::columns<QString>({"subject"});
         test::row("accents", QString::fromUtf8("Rechnung für Müller – Größe"));
         test::row("long, with a character beyond the first plane",
                   QString::fromUtf8("Überweisung ") + QString(30, QChar(0x00e9)) +
@@ -84,7 +84,7 @@ private slots:
 
     void quotedPrintableBody_data()
     {
-        QTest::addColumn<QString>("body");
+        test::columns<QString>({"body"});
         test::row("blanks before the text", "   \r\nHello");
         test::row("unix line ends", "one\ntwo\n\nthree");
         test::row("equals and umlauts", QString::fromUtf8("a=b, Käse, naïve"));
@@ -164,19 +164,14 @@ private slots:
 
     void refusals_data()
     {
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::addColumn<QString>("attachment");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("text");
+        // A missing attachment: TestMailSender::failures, whose message is built here.
+        test::columns<QString, QString, int, QString>({"from", "to", "number", "text"});
         const QString me = "me@example.org", you = "you@example.org";
-        test::row("attachment gone", me, you, "/nonexistent/page.jpg", 53,
-                  "File not found: '/nonexistent/page.jpg'");
         // A line break in an address would start a header of its own.
-        test::row("line break in To", me, you + "\r\nBcc: evil@example.org", "", 5,
+        test::row("line break in To", me, you + "\r\nBcc: evil@example.org", 5,
                   "The address 'you@example.org\\r\\nBcc: evil@example.org' holds a line break "
                   "or another control character.");
-        test::row("line break in From", me + "\nBcc: evil@example.org", you, "", 5,
+        test::row("line break in From", me + "\nBcc: evil@example.org", you, 5,
                   "The address 'me@example.org\\nBcc: evil@example.org' holds a line break or "
                   "another control character.");
     }
@@ -184,14 +179,11 @@ private slots:
     {
         QFETCH(QString, from);
         QFETCH(QString, to);
-        QFETCH(QString, attachment);
         QFETCH(int, number);
         QFETCH(QString, text);
         MailMessage m;
         m.from = from;
         m.to = to;
-        if (!attachment.isEmpty())
-            m.attachments << attachment;
         std::optional<MailFailure> failure;
         QVERIFY(MimeMessage::build(m, &failure).isEmpty());
         QVERIFY(failure);

@@ -28,8 +28,7 @@ class TestSmtpPassword : public QObject
 private slots:
     void passwordPlace_data()
     {
-        QTest::addColumn<QString>("bus");
-        QTest::addColumn<QString>("place");
+        test::columns<QString, QString>({"bus", "place"});
         test::row("keyring running", "keyring", "keyring");
         test::row("no bus", "none", "file");
         test::row("a bus that never answers", "silent", "file");

@@ -75,10 +75,8 @@ class TestPrintDialogs : public QObject
 private slots:
     void initialPrinter_data()
     {
-        QTest::addColumn<QStringList>("printers");
-        QTest::addColumn<QString>("kept");
-        QTest::addColumn<QString>("systemDefault");
-        QTest::addColumn<QString>("chosen");
+        test::columns<QStringList, QString, QString, QString>(
+            {"printers", "kept", "systemDefault", "chosen"});
         const QString pdf = "Print to PDF file";
         test::row("kept printer", kPrinters, "Hall_Inkjet", "Office_Laser", "Hall_Inkjet");
         test::row("kept PDF", kPrinters, pdf, "Office_Laser", pdf);
@@ -101,8 +99,7 @@ private slots:
 
     void pdfFileNames_data()
     {
-        QTest::addColumn<QString>("title");
-        QTest::addColumn<QString>("file");
+        test::columns<QString, QString>({"title", "file"});
         test::row("plain", "Tax return", "Tax return.pdf");
         test::row("slashes and colons", "2025/26: rent", "2025_26_ rent.pdf");
         test::row("empty", "", "Quillmere.pdf");
@@ -128,7 +125,6 @@ private slots:
                  (QStringList{"Office_Laser", "Hall_Inkjet", "Print to PDF file"}));
         QCOMPARE(box->currentText(), QString("Hall_Inkjet"));
         QVERIFY(child<QPushButton>(&dialog, "cmdPrint")->isEnabled());
-        QCOMPARE(child<QLabel>(&dialog, "lblItem")->text(), QString("Page 1 of Tax return"));
         // A choice is kept at once, for the next print.
         QVERIFY(dialog.choosePrinter("Print to PDF file"));
         QCOMPARE(h.home.settings().get(keys::Printer), QString("Print to PDF file"));
@@ -137,9 +133,8 @@ private slots:
 
     void pagePrint_data()
     {
-        QTest::addColumn<QString>("printer");
-        QTest::addColumn<QString>("chosen"); // the PDF file's name, "" when cancelled
-        QTest::addColumn<QString>("message");
+        // chosen: the PDF file's name, "" when cancelled.
+        test::columns<QString, QString, QString>({"printer", "chosen", "message"});
         test::row("to a PDF file", "Print to PDF file", "one", "");
         test::row("PDF name cancelled: the window stays", "Print to PDF file", "", "");
         // The test lists a printer that the system does not have.
@@ -182,9 +177,8 @@ private slots:
 
     void documentRange_data()
     {
-        QTest::addColumn<QString>("from");
-        QTest::addColumn<QString>("to");
-        QTest::addColumn<int>("pages"); // -1: "Nothing found to print."
+        // pages -1: "Nothing found to print."
+        test::columns<QString, QString, int>({"from", "to", "pages"});
         test::row("the whole document", "", "", 3);
         test::row("two of three", "4", "9", 2);
         test::row("one", "9", "9", 1);
@@ -248,10 +242,8 @@ private slots:
 
     void printSettingsChecksWidthThenHeight_data()
     {
-        QTest::addColumn<QString>("width");
-        QTest::addColumn<QString>("height");
-        QTest::addColumn<bool>("ok");         // or else Cancel
-        QTest::addColumn<QString>("message"); // "" when none
+        // ok: OK, or else Cancel; message: "" when none.
+        test::columns<QString, QString, bool, QString>({"width", "height", "ok", "message"});
         const QString width = "Print width % must be between 10% and 200%.";
         const QString height = "Print height % must be between 10% and 200%.";
         test::row("both fine", "80", "120", true, "");
@@ -292,35 +284,22 @@ private slots:
                  saved ? QStringList({width, height}) : QStringList({"90", "95"}));
     }
 
-    void settingsReachThePrint()
+    // What frmPrintSettings saves and the paper the setup chose (here A5) are those of the
+    // next print; the sheet turns to suit the page, which is wider than it is tall.
+    void choicesReachTheNextPrint()
     {
-        // What frmPrintSettings saves is what the next print draws with.
         PrintHarness h;
-        const qint32 page = h.page(1, QSize(850, 1100), 100, 100);
-        test::ScriptedPrompter prompter;
-        PrintSettingsDialog settings(h.home.settings(), prompter);
+        const qint32 page = h.page(1, QSize(1000, 100), 100, 100);
+        h.home.settings().set(keys::Printer, "Print to PDF file");
+        PrintSettingsDialog settings(h.home.settings(), h.prompter);
         child<QLineEdit>(&settings, "txtWidthPct")->setText("50");
         child<QLineEdit>(&settings, "txtHeightPct")->setText("200");
         QVERIFY(settings.cmdOK());
-
-        QTemporaryDir dir;
-        PageLayouts layouts;
-        PrintDialog dialog(h.context(), layouts, page, kPrinters);
-        QVERIFY(child<QLabel>(&dialog, "lblScale")->text().contains("50% across and 200% down"));
-        // 100 / 0.95 / 0.5 across, 100 / 0.95 / 2 down.
-        QCOMPARE(
-            test::ppiMismatch(printToPdf(h, layouts, page, dir.filePath("s.pdf")), {{211, 53}}),
-            QString());
-    }
-
-    void printSetupIsKeptForTheNextPrint()
-    {
-        PrintHarness h;
-        const qint32 page = h.page(1, QSize(200, 100), 100, 100);
-        h.home.settings().set(keys::Printer, "Print to PDF file");
         PageLayouts layouts;
         {
             PrintDialog dialog(h.context(), layouts, page, kPrinters);
+            QVERIFY(
+                child<QLabel>(&dialog, "lblScale")->text().contains("50% across and 200% down"));
             QString opened;
             test::whenModal(this, [&](QWidget* w) {
                 opened = w->metaObject()->className();
@@ -331,8 +310,6 @@ private slots:
             QCOMPARE(opened, QString("QPageSetupDialog"));
             QVERIFY(layouts.contains("Print to PDF file"));
         }
-        // The paper the setup chose (here A5) is that of the next print; the sheet turns to
-        // suit the page, which is wider than it is tall.
         QPageLayout a5 = layouts.value("Print to PDF file");
         a5.setPageSize(QPageSize(QPageSize::A5));
         a5.setOrientation(QPageLayout::Portrait);
@@ -341,6 +318,9 @@ private slots:
         const test::PdfFacts pdf = printToPdf(h, layouts, page, dir.filePath("wide.pdf"));
         QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
         QCOMPARE(pdf.pageSize.toSize(), QSize(595, 420));
+        // 100 / 0.95 / 0.5 across, 100 / 0.95 / 2 down.
+        QCOMPARE(test::ppiMismatch(pdf, {{211, 53}}), QString());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
     // Preview shows the sheets of the chosen printer and writes nothing.

@@ -17,14 +17,9 @@ class TestPrintScale : public QObject
 private slots:
     void printSize_data()
     {
-        QTest::addColumn<QSize>("pixels");
-        QTest::addColumn<int>("fileX");
-        QTest::addColumn<int>("fileY");
-        QTest::addColumn<int>("printer");
-        QTest::addColumn<int>("scanDpi");
-        QTest::addColumn<double>("widthPct");
-        QTest::addColumn<double>("heightPct");
-        QTest::addColumn<QSize>("drawn"); // width x height in printer dots
+        // drawn: width x height in printer dots.
+        test::columns<QSize, int, int, int, int, double, double, QSize>(
+            {"pixels", "fileX", "fileY", "printer", "scanDpi", "widthPct", "heightPct", "drawn"});
 
         const QSize letter(1700, 2200);
         test::row("200 dpi page on a 600 dpi printer", letter, 200, 200, 600, 150, 100.0, 100.0,
@@ -69,8 +64,7 @@ private slots:
 
     void percentage_data()
     {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<double>("used");
+        test::columns<QString, double>({"stored", "used"});
         const QList<std::pair<const char*, double>> rows = {
             {"5", 100},   {"9.9", 100},  {"10", 10}, {"150", 150}, {"200", 200},
             {"201", 100}, {"wide", 100}, {"", 100},  {" 80 ", 80}};
@@ -86,10 +80,9 @@ private slots:
 
     void settingsFeedTheScale_data()
     {
-        QTest::addColumn<QStringList>("keyValues"); // key, value, key, value...
-        QTest::addColumn<int>("scanDpi");
-        QTest::addColumn<double>("widthPct");
-        QTest::addColumn<double>("heightPct");
+        // keyValues: key, value, key, value...
+        test::columns<QStringList, int, double, double>(
+            {"keyValues", "scanDpi", "widthPct", "heightPct"});
         test::row("nothing stored: documents at 150, 100%", QStringList{}, 150, 100.0, 100.0);
         test::row("last scan a picture", QStringList{"TWAINImageType", "picture"}, 300, 100.0,
                   100.0);
@@ -123,11 +116,7 @@ private slots:
 
     void fileResolution_data()
     {
-        QTest::addColumn<QString>("format");
-        QTest::addColumn<int>("dpiX");
-        QTest::addColumn<int>("dpiY");
-        QTest::addColumn<int>("readX");
-        QTest::addColumn<int>("readY");
+        test::columns<QString, int, int, int, int>({"format", "dpiX", "dpiY", "readX", "readY"});
         test::row("JPEG 200", "JPG", 200, 200, 200, 200);
         test::row("JPEG 300 by 150", "JPG", 300, 150, 300, 150);
         test::row("JPEG without resolution", "JPG", 0, 0, 0, 0);
