@@ -231,6 +231,42 @@ QVector<qint32> PageStore::pagesUsingFile(const QString& path, qint32 computedId
     return ids;
 }
 
+QVector<FiledPage> PageStore::locations(const QList<qint32>& pageIds) const
+{
+    QStringList ids;
+    ids.reserve(pageIds.size());
+    for (const qint32 id : pageIds)
+        ids << QString::number(id);
+    QVector<FiledPage> found;
+    // The ids travel as one bound JSON array, however many there are.
+    m_db.forEachRow(
+        QStringLiteral(
+            "SELECT p.PageId, p.PageNumber, d.DocumentId, c.CabinetId, c.Name, r.Name, f.Name, "
+            "d.Name FROM Page p JOIN Document d ON d.DocumentId = p.DocumentId JOIN Folder f ON "
+            "f.FolderId = d.FolderId JOIN Drawer r ON r.DrawerId = f.DrawerId JOIN Cabinet c ON "
+            "c.CabinetId = r.CabinetId WHERE p.PageId IN (SELECT value FROM json_each(?)) ORDER "
+            "BY c.Name, r.Name, f.Name, d.Name, d.DocumentId, p.PageNumber"),
+        {QLatin1Char('[') + ids.join(QLatin1Char(',')) + QLatin1Char(']')},
+        [&](const Database::Row& row) {
+            found.push_back({qint32(row.integer(0)),
+                             qint32(row.integer(1)),
+                             qint32(row.integer(2)),
+                             qint32(row.integer(3)),
+                             {row.text(4), row.text(5), row.text(6), row.text(7)}});
+        });
+    return found;
+}
+
+QVector<std::pair<qint32, QString>> PageStore::pageFiles() const
+{
+    QVector<std::pair<qint32, QString>> files;
+    m_db.forEachRow(QStringLiteral("SELECT PageId, Filename FROM Page ORDER BY PageId"), {},
+                    [&](const Database::Row& row) {
+                        files.push_back({qint32(row.integer(0)), row.text(1)});
+                    });
+    return files;
+}
+
 void PageStore::setFile(qint32 pageId, const QString& filename, qint64 fileSize)
 {
     StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), filename);

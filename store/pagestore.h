@@ -2,8 +2,10 @@
 
 #include <QDate>
 #include <QString>
+#include <QStringList>
 #include <QVector>
 #include <optional>
+#include <utility>
 
 #include "core/pagefilter.h"
 
@@ -25,6 +27,16 @@ struct PageRow
     QDate scanDate;
     QString fileType;
     bool shortcut = false;
+};
+
+// Where a page is filed: its document and the names on the way down from the cabinet.
+struct FiledPage
+{
+    qint32 pageId = -1;
+    qint32 pageNumber = 0;
+    qint32 documentId = -1;
+    qint32 cabinetId = -1;
+    QStringList names; // cabinet, drawer, folder, document
 };
 
 // The fields of a new page row.
@@ -87,6 +99,12 @@ public:
     // The pages other than `exceptId` whose image is the file at `path`: by their stored
     // Filename, or the page `computedId` (whose computed path `path` is) when it has none.
     QVector<qint32> pagesUsingFile(const QString& path, qint32 computedId, qint32 exceptId) const;
+    // Where each of the pages is filed (pages that are gone are left out), ordered by the
+    // names and then the page numbers.
+    QVector<FiledPage> locations(const QList<qint32>& pageIds) const;
+    // Every page's id and stored Filename ("" for its computed path), oldest page first:
+    // what the text reader goes through.
+    QVector<std::pair<qint32, QString>> pageFiles() const;
     // Writes where the page's image lies ("" for its computed path) and its size.
     void setFile(qint32 pageId, const QString& filename, qint64 fileSize);
 

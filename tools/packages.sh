@@ -12,6 +12,7 @@ packages=(
   libsqlite3-dev                       # the store
   libcurl4-openssl-dev                 # mail to an SMTP server
   qtkeychain-qt6-dev                   # the SMTP password in the desktop's keyring
+  libtesseract-dev tesseract-ocr-eng   # reads the text on the pages
   libsane-dev sane-utils               # scanners and cameras; sane-utils brings the test device
   xvfb xauth                           # a virtual display for screenshots under xvfb-run
   clang libclang-rt-14-dev             # fuzz targets: clang with libFuzzer and its sanitizers

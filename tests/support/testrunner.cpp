@@ -15,8 +15,18 @@ std::vector<TestEntry>& registry()
     return entries;
 }
 
+std::vector<ProgramMode>& programModes()
+{
+    static std::vector<ProgramMode> modes;
+    return modes;
+}
+
 int runAll(int argc, char** argv)
 {
+    for (int i = 1; i < argc; ++i)
+        for (const ProgramMode& mode : programModes())
+            if (std::strcmp(argv[i], mode.option) == 0)
+                return mode.run(argc, argv);
     // As in the program. Besides, the signal stays blocked in every thread: the test library
     // puts its crash handler over SIGPIPE as each class starts, and a broken pipe (a scanner
     // backend's reader after a cancel) is no crash, while the library's stack dump runs a

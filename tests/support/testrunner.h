@@ -22,6 +22,23 @@ struct TestEntry
 std::vector<TestEntry>& registry();
 int runAll(int argc, char** argv);
 
+// A helper process of the program (the text reading worker) that the executable becomes when
+// started with its option, so that tests start the real helper code in a process of its own.
+struct ProgramMode
+{
+    const char* option;
+    int (*run)(int argc, char** argv);
+};
+std::vector<ProgramMode>& programModes();
+
+struct ModeRegistrar
+{
+    ModeRegistrar(const char* option, int (*run)(int, char**))
+    {
+        programModes().push_back({option, run});
+    }
+};
+
 struct Registrar
 {
     Registrar(const char* name, TestFactory make, bool onDemand = false)
@@ -39,3 +56,6 @@ struct Registrar
 #define QMR_TEST_ON_DEMAND(Class)                                                                  \
     static const qmr::test::Registrar registrar##Class(                                            \
         #Class, [] { return std::unique_ptr<QObject>(new Class); }, true);
+
+#define QMR_TEST_PROGRAM_MODE(Name, option, function)                                              \
+    static const qmr::test::ModeRegistrar modeRegistrar##Name(option, function);

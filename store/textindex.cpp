@@ -1,0 +1,261 @@
+#include "store/textindex.h"
+
+#include <QDataStream>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+
+#include "core/pagewords.h"
+#include "store/storeerror.h"
+#include "store/storelog.h"
+
+namespace qmr {
+
+namespace {
+
+// The words' boxes in reading order, packed and compressed: four numbers a word.
+QByteArray packBoxes(const QList<TextIndex::Word>& words)
+{
+    QByteArray packed;
+    QDataStream out(&packed, QIODevice::WriteOnly);
+    for (const TextIndex::Word& word : words)
+        out << qint32(word.box.x()) << qint32(word.box.y()) << qint32(word.box.width())
+            << qint32(word.box.height());
+    return qCompress(packed);
+}
+
+QList<QRect> unpackBoxes(const QByteArray& stored)
+{
+    QList<QRect> boxes;
+    QDataStream in(qUncompress(stored));
+    qint32 x, y, w, h;
+    while (!in.atEnd()) {
+        in >> x >> y >> w >> h;
+        if (in.status() != QDataStream::Ok)
+            break;
+        boxes << QRect(x, y, w, h);
+    }
+    return boxes;
+}
+
+// The full-text query of the terms: each one quoted (its words then form a phrase), a star
+// after a beginning; the terms must all be there.
+QString matchExpression(const PageWords& words)
+{
+    QStringList parts;
+    for (const PageWords::Term& term : words.terms()) {
+        QString phrase = term.words.join(QLatin1Char(' '));
+        phrase.replace(QLatin1Char('"'), QLatin1String("\"\""));
+        parts << QLatin1Char('"') + phrase + QLatin1Char('"') +
+                     (term.prefix ? QStringLiteral("*") : QString());
+    }
+    return parts.join(QLatin1String(" AND "));
+}
+
+} // namespace
+
+TextIndex::Stamp TextIndex::Stamp::of(const QString& path)
+{
+    const QFileInfo info(path);
+    if (!info.exists())
+        return {};
+    return {info.size(), info.lastModified().toMSecsSinceEpoch()};
+}
+
+TextIndex::TextIndex(const QString& home) : m_path(QDir(home).filePath(fileName()))
+{
+}
+
+void TextIndex::open()
+{
+    try {
+        m_db.open(m_path);
+        makeTables();
+        return;
+    } catch (const StoreError& error) {
+        m_db.close();
+        const QString aside = m_path + QStringLiteral(".damaged");
+        qCWarning(lcStore).noquote()
+            << "The page text index" << m_path << "could not be used (" << error.message()
+            << "); it is set aside as" << aside << "and made anew";
+        // The journal goes with its file: left behind, it would be played into the new one.
+        for (const QString& suffix : {QString(), QStringLiteral("-journal")}) {
+            QFile::remove(aside + suffix);
+            if (QFile::exists(m_path + suffix) && !QFile::rename(m_path + suffix, aside + suffix))
+                QFile::remove(m_path + suffix);
+        }
+    }
+    m_db.open(m_path);
+    makeTables();
+}
+
+void TextIndex::makeTables()
+{
+    Database::Transaction group(m_db);
+    m_db.execute(QStringLiteral(
+        "CREATE TABLE IF NOT EXISTS PageText (PageID INTEGER PRIMARY KEY, FileSize INTEGER NOT "
+        "NULL, FileTime INTEGER NOT NULL, State INTEGER NOT NULL DEFAULT 0, WorkerEnds INTEGER "
+        "NOT NULL DEFAULT 0, Body TEXT NOT NULL DEFAULT '', Boxes BLOB)"));
+    // The words are kept once, in PageText; the full-text table holds only its index of them.
+    m_db.execute(QStringLiteral(
+        "CREATE VIRTUAL TABLE IF NOT EXISTS PageTextWords USING fts5(Body, content='PageText', "
+        "content_rowid='PageID', tokenize='unicode61 remove_diacritics 2')"));
+    m_db.execute(QStringLiteral(
+        "CREATE TRIGGER IF NOT EXISTS PageText_Add AFTER INSERT ON PageText BEGIN INSERT INTO "
+        "PageTextWords (rowid, Body) VALUES (new.PageID, new.Body); END"));
+    m_db.execute(QStringLiteral(
+        "CREATE TRIGGER IF NOT EXISTS PageText_Remove AFTER DELETE ON PageText BEGIN INSERT "
+        "INTO PageTextWords (PageTextWords, rowid, Body) VALUES ('delete', old.PageID, "
+        "old.Body); END"));
+    m_db.execute(QStringLiteral(
+        "CREATE TRIGGER IF NOT EXISTS PageText_Change AFTER UPDATE OF Body ON PageText BEGIN "
+        "INSERT INTO PageTextWords (PageTextWords, rowid, Body) VALUES ('delete', old.PageID, "
+        "old.Body); INSERT INTO PageTextWords (rowid, Body) VALUES (new.PageID, new.Body); END"));
+    group.commit();
+}
+
+void TextIndex::together(const std::function<void()>& work)
+{
+    Database::Transaction group(m_db);
+    work();
+    group.commit();
+}
+
+void TextIndex::put(int pageId, const Stamp& stamp, const QList<Word>& words)
+{
+    QStringList texts;
+    texts.reserve(words.size());
+    for (const Word& word : words)
+        // Composed as the index compares them ("ﬁ" is "fi"), and one word stays one word.
+        texts << word.text.normalized(QString::NormalizationForm_KC)
+                     .replace(QLatin1Char(' '), QChar(0xA0));
+    Database::Transaction group(m_db);
+    m_db.execute(QStringLiteral("DELETE FROM PageText WHERE PageID = ?"), {pageId});
+    m_db.execute(
+        QStringLiteral("INSERT INTO PageText (PageID, FileSize, FileTime, State, Body, "
+                       "Boxes) VALUES (?, ?, ?, 0, ?, ?)"),
+        {pageId, stamp.size, stamp.modified, texts.join(QLatin1Char(' ')), packBoxes(words)});
+    group.commit();
+}
+
+void TextIndex::markUnreadable(int pageId, const Stamp& stamp)
+{
+    Database::Transaction group(m_db);
+    const QVariant ends =
+        m_db.scalar(QStringLiteral("SELECT WorkerEnds FROM PageText WHERE PageID = ?"), {pageId});
+    m_db.execute(QStringLiteral("DELETE FROM PageText WHERE PageID = ?"), {pageId});
+    m_db.execute(QStringLiteral("INSERT INTO PageText (PageID, FileSize, FileTime, State, "
+                                "WorkerEnds) VALUES (?, ?, ?, 1, ?)"),
+                 {pageId, stamp.size, stamp.modified, ends.isNull() ? 0 : ends.toInt()});
+    group.commit();
+}
+
+int TextIndex::countWorkerEnd(int pageId, const Stamp& stamp)
+{
+    Database::Transaction group(m_db);
+    const std::optional<Entry> before = entry(pageId);
+    const int ends = before && before->state == State::Interrupted && before->stamp == stamp
+                         ? before->workerEnds + 1
+                         : 1;
+    m_db.execute(QStringLiteral("DELETE FROM PageText WHERE PageID = ?"), {pageId});
+    m_db.execute(QStringLiteral("INSERT INTO PageText (PageID, FileSize, FileTime, State, "
+                                "WorkerEnds) VALUES (?, ?, ?, 2, ?)"),
+                 {pageId, stamp.size, stamp.modified, ends});
+    group.commit();
+    return ends;
+}
+
+void TextIndex::drop(int pageId)
+{
+    m_db.execute(QStringLiteral("DELETE FROM PageText WHERE PageID = ?"), {pageId});
+}
+
+std::optional<TextIndex::Entry> TextIndex::entry(int pageId)
+{
+    const Recordset rows = m_db.openRecordset(
+        QStringLiteral(
+            "SELECT FileSize, FileTime, State, WorkerEnds FROM PageText WHERE PageID = ?"),
+        {pageId});
+    if (rows.isEmpty())
+        return std::nullopt;
+    return Entry{{rows.value(0, 0).toLongLong(), rows.value(0, 1).toLongLong()},
+                 State(rows.value(0, 2).toInt()),
+                 rows.value(0, 3).toInt()};
+}
+
+QList<int> TextIndex::pages()
+{
+    QList<int> ids;
+    m_db.forEachRow(QStringLiteral("SELECT PageID FROM PageText ORDER BY PageID"), {},
+                    [&](const Database::Row& row) { ids << int(row.integer(0)); });
+    return ids;
+}
+
+QHash<int, TextIndex::Entry> TextIndex::entries()
+{
+    QHash<int, Entry> all;
+    m_db.forEachRow(
+        QStringLiteral("SELECT PageID, FileSize, FileTime, State, WorkerEnds FROM PageText"), {},
+        [&](const Database::Row& row) {
+            all.insert(int(row.integer(0)), Entry{{row.integer(1), row.integer(2)},
+                                                  State(row.integer(3)),
+                                                  int(row.integer(4))});
+        });
+    return all;
+}
+
+QList<int> TextIndex::pagesWith(const PageWords& words)
+{
+    QList<int> ids;
+    if (words.isEmpty())
+        return ids;
+    m_db.forEachRow(QStringLiteral("SELECT rowid FROM PageTextWords WHERE PageTextWords MATCH ? "
+                                   "ORDER BY rowid"),
+                    {matchExpression(words)},
+                    [&](const Database::Row& row) { ids << int(row.integer(0)); });
+    return ids;
+}
+
+QList<TextIndex::Word> TextIndex::wordsOf(int pageId)
+{
+    const Recordset rows = m_db.openRecordset(
+        QStringLiteral("SELECT Body, Boxes FROM PageText WHERE PageID = ?"), {pageId});
+    QList<Word> words;
+    if (rows.isEmpty())
+        return words;
+    const QString body = rows.value(0, 0).toString();
+    const QStringList texts = body.isEmpty() ? QStringList() : body.split(QLatin1Char(' '));
+    const QList<QRect> boxes = unpackBoxes(rows.value(0, 1).toByteArray());
+    for (qsizetype i = 0; i < texts.size(); ++i)
+        words << Word{texts.at(i), i < boxes.size() ? boxes.at(i) : QRect()};
+    return words;
+}
+
+QList<QRect> TextIndex::boxesOf(int pageId, const PageWords& words)
+{
+    // A word as read may hold several index words ("e-mail,"): each stands for its box.
+    const QList<Word> read = wordsOf(pageId);
+    QStringList folded;
+    QList<int> owner;
+    for (int i = 0; i < read.size(); ++i)
+        for (const QString& piece : PageWords::wordsOf(read.at(i).text)) {
+            folded << PageWords::fold(piece);
+            owner << i;
+        }
+    QList<QRect> boxes;
+    int last = -1;
+    for (const int at : words.matchedWords(folded))
+        if (owner.at(at) != last) {
+            last = owner.at(at);
+            boxes << read.at(last).box;
+        }
+    return boxes;
+}
+
+QString TextIndex::textOf(int pageId)
+{
+    return m_db.scalar(QStringLiteral("SELECT Body FROM PageText WHERE PageID = ?"), {pageId})
+        .toString();
+}
+
+} // namespace qmr

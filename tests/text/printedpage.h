@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QImage>
+#include <QPainter>
+#include <QStringList>
+
+namespace qmr::test {
+
+// A strip of white paper at 300 dpi, as wide as an A4 page.
+inline QImage paper(int height = 500)
+{
+    QImage page(2480, height, QImage::Format_RGB32);
+    page.fill(Qt::white);
+    page.setDotsPerMeterX(11811);
+    page.setDotsPerMeterY(11811);
+    return page;
+}
+
+inline QFont printFont()
+{
+    QFont font("DejaVu Serif");
+    font.setPixelSize(50); // 12 points at 300 dpi
+    return font;
+}
+
+// Paper with the lines printed on it in 12 points, one line every 100 pixels.
+inline QImage printedPage(const QStringList& lines, QPoint origin = QPoint(150, 150))
+{
+    QImage page = paper(origin.y() + 100 * int(lines.size()) + 100);
+    QPainter painter(&page);
+    painter.setFont(printFont());
+    painter.setPen(Qt::black);
+    for (const QString& line : lines) {
+        painter.drawText(origin, line);
+        origin.ry() += 100;
+    }
+    return page;
+}
+
+} // namespace qmr::test

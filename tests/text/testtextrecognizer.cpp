@@ -1,0 +1,116 @@
+#include <QPainter>
+#include <QRandomGenerator>
+#include <QTest>
+
+#include "core/pagewords.h"
+#include "tests/support/datarow.h"
+#include "tests/support/testrunner.h"
+#include "tests/text/printedpage.h"
+#include "text/textrecognizer.h"
+
+using namespace qmr;
+using namespace qmr::test;
+
+class TestTextRecognizer : public QObject
+{
+    Q_OBJECT
+
+    TextRecognizer m_recognizer;
+
+private slots:
+    void initTestCase() { QVERIFY2(m_recognizer.start("eng").ok(), "the English pack"); }
+
+    // The words of a printed line come back in order, each boxed where it was printed.
+    void readsAPrintedLine()
+    {
+        const QString text = "Invoice number 4711 from Northwind Heating, due 12 March 2026";
+        const QPoint origin(150, 200);
+        const QImage page = printedPage({text}, origin);
+        const QList<TextIndex::Word> words = m_recognizer.read(page);
+        QStringList texts;
+        for (const TextIndex::Word& word : words)
+            texts << word.text;
+        QCOMPARE(texts.join(' '), text);
+
+        const QFontMetrics metrics(printFont(), &page);
+        const int start = origin.x() + metrics.horizontalAdvance(text.left(text.indexOf("4711")));
+        const QRect printed(start, origin.y() - metrics.ascent(), metrics.horizontalAdvance("4711"),
+                            metrics.ascent());
+        const QRect read = words.at(2).box;
+        QVERIFY2(printed.adjusted(-8, -8, 8, 8).contains(read) &&
+                     read.width() > printed.width() * 3 / 4,
+                 qPrintable(QString("printed %1,%2 %3x%4, read %5,%6 %7x%8")
+                                .arg(printed.x())
+                                .arg(printed.y())
+                                .arg(printed.width())
+                                .arg(printed.height())
+                                .arg(read.x())
+                                .arg(read.y())
+                                .arg(read.width())
+                                .arg(read.height())));
+    }
+
+    // Nothing written gives no words, and no message either.
+    void nothingWrittenGivesNoWords_data()
+    {
+        columns<QString>({"page"});
+        row("blank", QString("blank"));
+        row("a photograph", QString("photograph"));
+        row("no picture", QString("none"));
+    }
+    void nothingWrittenGivesNoWords()
+    {
+        QFETCH(QString, page);
+        QImage picture;
+        if (page == "blank") {
+            picture = paper(1200);
+        } else if (page == "photograph") {
+            // Soft shapes and grain, as a snapshot of a garden has them.
+            picture = paper(1200);
+            QPainter painter(&picture);
+            painter.setRenderHint(QPainter::Antialiasing);
+            QRandomGenerator random(7);
+            for (int i = 0; i < 60; ++i) {
+                painter.setPen(Qt::NoPen);
+                painter.setBrush(
+                    QColor::fromHsv(int(random.bounded(360)), 120, 80 + int(random.bounded(150))));
+                painter.drawEllipse(QPoint(int(random.bounded(2480)), int(random.bounded(1200))),
+                                    40 + int(random.bounded(300)), 40 + int(random.bounded(200)));
+            }
+            for (int i = 0; i < 200000; ++i)
+                picture.setPixel(int(random.bounded(2480)), int(random.bounded(1200)),
+                                 random.bounded(2) ? 0xff303030 : 0xffd0d0d0);
+        }
+        QCOMPARE(m_recognizer.read(picture), QList<TextIndex::Word>{});
+    }
+
+    void languages_data()
+    {
+        columns<QString, QString, QString>({"locale", "installed", "chosen"});
+        row("the locale's pack", "de_DE", "deu eng", "deu");
+        row("no pack for the locale", "de_DE", "eng fra", "eng");
+        row("English", "en_GB", "eng", "eng");
+    }
+    void languages()
+    {
+        QFETCH(QString, locale);
+        QFETCH(QString, installed);
+        QFETCH(QString, chosen);
+        QCOMPARE(TextRecognizer::defaultLanguages(QLocale(locale), installed.split(' ')), chosen);
+    }
+
+    void aMissingPackIsNamed()
+    {
+        TextRecognizer recognizer;
+        const Attempt<> started = recognizer.start("eng+xyz");
+        QVERIFY(!started);
+        QCOMPARE(started.why(), QString("The language pack for xyz is not installed; text on the "
+                                        "pages is not read until it is."));
+        QCOMPARE(recognizer.read(paper()), QList<TextIndex::Word>{});
+        QVERIFY(TextRecognizer::installedLanguages().contains("eng"));
+        QVERIFY(!TextRecognizer::installedLanguages().contains("osd"));
+    }
+};
+
+QMR_TEST(TestTextRecognizer)
+#include "testtextrecognizer.moc"

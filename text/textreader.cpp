@@ -1,0 +1,179 @@
+#include "text/textreader.h"
+
+#include <QProcessEnvironment>
+
+#include "text/textlog.h"
+#include "text/textworker.h"
+
+namespace qmr {
+
+namespace {
+
+// A page that ended this many workers is not tried again until its file changes.
+constexpr int kWorkerEndsAllowed = 2;
+
+} // namespace
+
+TextReader::TextReader(TextIndex& index, QStringList worker, QObject* parent)
+    : QObject(parent), m_index(index), m_worker(std::move(worker))
+{
+}
+
+TextReader::~TextReader()
+{
+    // A page half read is read again at the next start; quitting waits for nothing.
+    if (m_process) {
+        m_process->disconnect(this);
+        m_process->kill();
+        m_process->waitForFinished(2000);
+    }
+}
+
+void TextReader::enqueue(const QList<Page>& pages)
+{
+    const int before = m_total;
+    for (const Page& page : pages) {
+        bool waiting = m_current && m_current->page.id == page.id;
+        for (const Page& queued : m_queue)
+            waiting = waiting || queued.id == page.id;
+        if (waiting)
+            continue;
+        m_queue.push_back(page);
+        ++m_total;
+    }
+    if (m_total != before)
+        emit progress(m_done, m_total);
+    startNext();
+}
+
+void TextReader::setPaused(bool paused)
+{
+    m_paused = paused;
+    startNext();
+}
+
+void TextReader::startNext()
+{
+    if (m_paused || m_failed || m_current)
+        return;
+    if (m_queue.empty()) {
+        // The worker ends at the end of its input, and its memory goes with it.
+        if (m_process && !m_closing) {
+            m_closing = true;
+            m_process->closeWriteChannel();
+        }
+        if (m_total > 0) {
+            m_done = m_total = 0;
+            emit idle();
+        }
+        return;
+    }
+    if (!m_process) {
+        startWorker();
+        return; // the worker's first line starts the page
+    }
+    if (!m_ready || m_closing)
+        return;
+    m_current = Current{m_queue.front(), TextIndex::Stamp::of(m_queue.front().path)};
+    m_queue.pop_front();
+    m_process->write(TextWorker::request(m_current->page.id, m_current->page.path));
+    emit pageStarted(m_current->page.id, m_process->processId());
+}
+
+void TextReader::startWorker()
+{
+    m_process = new QProcess(this);
+    m_ready = false;
+    m_pending.clear();
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    // One thread: the recogniser's own threads would only compete with the window.
+    environment.insert(QStringLiteral("OMP_THREAD_LIMIT"), QStringLiteral("1"));
+    m_process->setProcessEnvironment(environment);
+    m_process->setProcessChannelMode(QProcess::SeparateChannels);
+    m_process->setStandardErrorFile(QProcess::nullDevice());
+    connect(m_process, &QProcess::readyReadStandardOutput, this, &TextReader::readAnswers);
+    connect(m_process, &QProcess::finished, this, &TextReader::workerEnded);
+    connect(m_process, &QProcess::errorOccurred, this, [this](QProcess::ProcessError error) {
+        if (error == QProcess::FailedToStart)
+            workerEnded();
+    });
+    m_process->start(m_worker.first(), m_worker.mid(1));
+}
+
+void TextReader::readAnswers()
+{
+    m_pending += m_process->readAllStandardOutput();
+    qsizetype end;
+    while ((end = m_pending.indexOf('\n')) >= 0) {
+        const QByteArray line = m_pending.left(end);
+        m_pending.remove(0, end + 1);
+        const std::optional<TextWorker::Answer> answer = TextWorker::parse(line);
+        if (!answer) {
+            qCWarning(lcText) << "The text worker said something else:" << line.left(200);
+            continue;
+        }
+        if (answer->ready) {
+            m_ready = true;
+        } else if (!answer->failure.isEmpty()) {
+            m_failed = true;
+            emit failed(answer->failure);
+        } else if (m_current && answer->pageId == m_current->page.id) {
+            m_index.put(m_current->page.id, m_current->stamp, answer->words);
+            const int id = m_current->page.id;
+            finishCurrent();
+            emit pageRead(id);
+        }
+    }
+    startNext();
+}
+
+void TextReader::workerEnded()
+{
+    QProcess* ended = m_process;
+    if (!ended)
+        return;
+    m_process = nullptr;
+    ended->disconnect(this);
+    ended->deleteLater();
+    if (m_failed)
+        return;
+    if (m_closing) {
+        m_closing = false;
+        m_ready = false;
+        startNext();
+        return;
+    }
+    if (!m_ready && !m_current) {
+        // It ended before it could read anything: starting it again would end the same way.
+        m_failed = true;
+        qCWarning(lcText) << "The text worker could not start:" << ended->errorString();
+        emit failed(tr("The text on the pages cannot be read: the reading worker does not "
+                       "start (%1).")
+                        .arg(ended->errorString()));
+        return;
+    }
+    m_ready = false;
+    if (m_current) {
+        const Current page = *m_current;
+        m_current.reset();
+        qCWarning(lcText) << "The text worker ended while reading page" << page.page.id;
+        if (m_index.countWorkerEnd(page.page.id, page.stamp) >= kWorkerEndsAllowed) {
+            m_index.markUnreadable(page.page.id, page.stamp);
+            ++m_done;
+            emit progress(m_done, m_total);
+            emit pageUnreadable(page.page.id);
+        } else {
+            m_queue.push_front(page.page);
+        }
+    }
+    startNext();
+}
+
+void TextReader::finishCurrent()
+{
+    m_current.reset();
+    ++m_done;
+    emit progress(m_done, m_total);
+}
+
+} // namespace qmr

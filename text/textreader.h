@@ -1,0 +1,79 @@
+#pragma once
+
+#include <QList>
+#include <QObject>
+#include <QProcess>
+#include <QString>
+#include <QStringList>
+#include <deque>
+#include <optional>
+
+#include "store/textindex.h"
+
+namespace qmr {
+
+// Has the pages' text read by the worker process, one page at a time, and keeps it in the
+// index. A worker that ends while it reads a page is started again; a page that has ended a
+// worker twice is marked unreadable and skipped, so one bad page cannot stop the rest.
+class TextReader : public QObject
+{
+    Q_OBJECT
+
+public:
+    struct Page
+    {
+        int id = -1;
+        QString path;
+    };
+
+    // `worker` is the program and its arguments that start a worker.
+    TextReader(TextIndex& index, QStringList worker, QObject* parent = nullptr);
+    ~TextReader() override;
+
+    // Adds pages to the end of the queue (a page already waiting is not added twice).
+    void enqueue(const QList<Page>& pages);
+    // Paused, the page being read is finished and no other is started.
+    void setPaused(bool paused);
+    bool isPaused() const { return m_paused; }
+    bool isIdle() const { return !m_current && m_queue.empty(); }
+    int done() const { return m_done; }
+    int total() const { return m_total; }
+
+signals:
+    void progress(int done, int total);
+    // A worker took the page (its process id): the moment a test may end it.
+    void pageStarted(int pageId, qint64 workerProcessId);
+    void pageRead(int pageId);
+    void pageUnreadable(int pageId);
+    // Every queued page is done.
+    void idle();
+    // No worker can read (a language pack is missing): the queue waits, the message says why.
+    void failed(const QString& message);
+
+private:
+    void startNext();
+    void startWorker();
+    void readAnswers();
+    void workerEnded();
+    void finishCurrent();
+
+    TextIndex& m_index;
+    QStringList m_worker;
+    QProcess* m_process = nullptr;
+    bool m_ready = false;
+    bool m_paused = false;
+    bool m_failed = false;
+    bool m_closing = false; // its input closed, the worker is ending
+    std::deque<Page> m_queue;
+    struct Current
+    {
+        Page page;
+        TextIndex::Stamp stamp;
+    };
+    std::optional<Current> m_current;
+    QByteArray m_pending;
+    int m_done = 0;
+    int m_total = 0;
+};
+
+} // namespace qmr
