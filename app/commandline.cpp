@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <unistd.h>
 
+#include "app/textbatch.h"
 #include "core/homelock.h"
 #include "core/quitsignals.h"
 #include "core/settings.h"
@@ -15,6 +16,8 @@
 #include "store/session.h"
 #include "store/storecheck.h"
 #include "store/storeerror.h"
+#include "text/textrecognizer.h"
+#include "text/textworker.h"
 #include "filing/thumbnailmaker.h"
 
 namespace qmr {
@@ -27,7 +30,9 @@ QString usage()
                                        "Usage: quillmere [--home DIR]\n"
                                        "       quillmere [--home DIR] --export CABINET DIR\n"
                                        "       quillmere [--home DIR] --import DIR CABINET\n"
-                                       "       quillmere [--home DIR] --check [--repair]\n");
+                                       "       quillmere [--home DIR] --check [--repair]\n"
+                                       "       quillmere [--home DIR] --find WORDS\n"
+                                       "       quillmere [--home DIR] --read-text\n");
 }
 
 // Options that the toolkit reads for the window; they are accepted and left to it.
@@ -63,6 +68,8 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
            "                        QMR.txt) into the cabinet\n"
            "  --check               checks the store and the page files against each other\n"
            "  --check --repair      also mends what can be mended, never removing a page\n"
+           "  --find WORDS          prints the documents whose pages hold the words\n"
+           "  --read-text           reads the text of every page not read yet\n"
            "They print a progress line and a report, and end with status 1 when something\n"
            "could not be done (or --check found a problem); a wrong command line ends with\n"
            "status 2."));
@@ -95,6 +102,16 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
     parser.addOption(importOption);
     parser.addOption(checkOption);
     parser.addOption(repairOption);
+    const QCommandLineOption findOption(
+        QStringLiteral("find"),
+        tr("Print the documents whose pages hold WORDS (\"a phrase\", a trailing * for a "
+           "beginning), one a line with the numbers of those pages; status 1 when none."),
+        QStringLiteral("WORDS"));
+    const QCommandLineOption readTextOption(
+        QStringLiteral("read-text"),
+        tr("Read the text of every page whose text is not read yet, without a window."));
+    parser.addOption(findOption);
+    parser.addOption(readTextOption);
     parser.addPositionalArgument(QStringLiteral("DIR|CABINET"),
                                  tr("The second value of --export or --import."));
     addToolkitOptions(parser);
@@ -128,6 +145,19 @@ CommandLineRequest CommandLine::parse(const QStringList& arguments)
     const QStringList rest = parser.positionalArguments();
     if (parser.isSet(repairOption) && !parser.isSet(checkOption))
         return error(tr("--repair goes with --check."));
+    const bool finding = parser.isSet(findOption);
+    const bool reading = parser.isSet(readTextOption);
+    if (finding || reading) {
+        if (exporting || importing || parser.isSet(checkOption) || (finding && reading))
+            return error(tr("--find and --read-text go alone, without --export, --import, "
+                            "--check or each other."));
+        if (!rest.isEmpty())
+            return error(tr("Unexpected argument '%1'.").arg(rest.first()));
+        request.action =
+            finding ? CommandLineRequest::Action::Find : CommandLineRequest::Action::ReadText;
+        request.words = parser.value(findOption);
+        return request;
+    }
     if (parser.isSet(checkOption)) {
         if (exporting || importing)
             return error(tr("--check cannot be given with --export or --import."));
@@ -205,6 +235,18 @@ int CommandLine::runBatch(const CommandLineRequest& request)
                    .arg(home.path());
         return 1;
     }
+    Settings settings;
+    if (request.action == CommandLineRequest::Action::Find) {
+        // Only reading: it may run beside the window, and needs no lock.
+        Session session(home, settings);
+        try {
+            StoreSchema::openDatabase(session.db(), home);
+        } catch (const StoreError& e) {
+            err << "quillmere: " << e.message() << '\n';
+            return 1;
+        }
+        return TextBatch(session, out, err).find(request.words);
+    }
     // From here on a signal to quit stops the walk as Cancel would, and the lock goes with the
     // run.
     QuitSignals quit;
@@ -214,7 +256,6 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         err << "quillmere: " << lock.refusal() << '\n';
         return 1;
     }
-    Settings settings;
     Session session(home, settings);
     try {
         StoreSchema::openDatabase(session.db(), home);
@@ -237,6 +278,11 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         out << summary.text() << '\n';
         return summary.clean() ? 0 : 1;
     }
+    if (request.action == CommandLineRequest::Action::ReadText)
+        return TextBatch(session, out, err)
+            .readText(TextRecognizer::chosenLanguages(settings.get(keys::OcrLanguages)),
+                      {QCoreApplication::applicationFilePath(),
+                       QString::fromLatin1(TextWorker::kOption)});
     ExchangeBatch batch(session, out, err, ::isatty(STDERR_FILENO) != 0);
     batch.setStopTest([&quit] { return quit.requested(); });
     return request.action == CommandLineRequest::Action::Export

@@ -14,6 +14,7 @@
 #include "dialogs/dialogchoosers.h"
 #include "help/helplocator.h"
 #include "navigator/navwindow.h"
+#include "text/textworker.h"
 
 namespace {
 
@@ -54,6 +55,8 @@ int main(int argc, char* argv[])
     for (int i = 1; i < argc; ++i) {
         if (std::strcmp(argv[i], "--help-file") == 0)
             return printHelpFile(argc, argv);
+        if (std::strcmp(argv[i], qmr::TextWorker::kOption) == 0)
+            return qmr::TextWorker::run(argc, argv);
     }
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
@@ -65,7 +68,8 @@ int main(int argc, char* argv[])
         QCoreApplication app(argc, argv);
         nameApplication();
         if (request.action == Action::Export || request.action == Action::Import ||
-            request.action == Action::Check)
+            request.action == Action::Check || request.action == Action::Find ||
+            request.action == Action::ReadText)
             return qmr::CommandLine::runBatch(request);
         return qmr::CommandLine::print(request);
     }
@@ -87,7 +91,9 @@ int main(int argc, char* argv[])
     qmr::Settings settings;
     qmr::BoxPrompter prompter;
     qmr::DialogChoosers choosers;
-    qmr::Startup startup(qmr::CommandLine::homeOf(request), settings, prompter, choosers);
+    qmr::Startup startup(
+        qmr::CommandLine::homeOf(request), settings, prompter, choosers,
+        {QCoreApplication::applicationFilePath(), QString::fromLatin1(qmr::TextWorker::kOption)});
     if (!startup.start())
         return 1;
     prompter.setParent(startup.window());

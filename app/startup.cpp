@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDateTime>
+#include <QStatusBar>
 #include <QTimer>
 #include <QTreeWidget>
 
@@ -10,6 +11,7 @@
 #include "app/progresswindow.h"
 #include "app/splashwindow.h"
 #include "core/homelock.h"
+#include "core/pagenotifiers.h"
 #include "core/prompter.h"
 #include "core/settings.h"
 #include "core/viewsettings.h"
@@ -23,12 +25,17 @@
 #include "store/session.h"
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
+#include "text/readingline.h"
+#include "text/textreading.h"
+#include "text/textrecognizer.h"
 #include "viewer/editrescue.h"
 
 namespace qmr {
 
-Startup::Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers)
-    : m_home(std::move(home)), m_settings(settings), m_prompter(prompter), m_choosers(choosers)
+Startup::Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers,
+                 QStringList textWorker)
+    : m_home(std::move(home)), m_settings(settings), m_prompter(prompter), m_choosers(choosers),
+      m_textWorker(std::move(textWorker))
 {
 }
 
@@ -92,7 +99,9 @@ bool Startup::start(bool showWindow)
     m_base = std::make_unique<CommandContext>(
         CommandContext{*m_session, m_state, m_prompter, m_choosers, *m_progress, *m_view});
     m_notifier = std::make_unique<MailPageNotifier>(*m_base);
-    m_base->pageNotifier = m_notifier.get();
+    m_notifiers = std::make_unique<PageNotifiers>();
+    m_notifiers->add(*m_notifier);
+    m_base->pageNotifier = m_notifiers.get();
     m_window = std::make_unique<NavWindow>(*m_base, *m_templates);
     m_window->load([this](const QString& text) { m_splash->splashStep(text); });
     m_progress->setWindowIcon(m_window->windowIcon());
@@ -111,7 +120,26 @@ bool Startup::start(bool showWindow)
     // Files aside from before this run's start are leftovers; later ones are this run's.
     m_sweep = std::make_unique<HomeSweep>(m_session->db(), m_session->paths(), runStart);
     QTimer::singleShot(0, m_sweep.get(), &HomeSweep::start);
+    startTextReading();
     return true;
+}
+
+void Startup::startTextReading()
+{
+    if (m_textWorker.isEmpty())
+        return;
+    QString languages = m_settings.get(keys::OcrLanguages);
+    if (languages.isEmpty())
+        languages =
+            TextRecognizer::defaultLanguages(QLocale(), TextRecognizer::installedLanguages());
+    m_reading =
+        std::make_unique<TextReading>(m_session->db(), m_session->paths(), languages, m_textWorker);
+    if (!m_reading->start()) {
+        m_reading.reset();
+        return;
+    }
+    new ReadingLine(*m_reading->reader(), *m_window->statusBar());
+    m_notifiers->add(*m_reading);
 }
 
 } // namespace qmr

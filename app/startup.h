@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QCoreApplication>
+#include <QStringList>
 
 #include <memory>
 
@@ -16,12 +17,14 @@ class DrawerTemplates;
 class HomeLock;
 class HomeSweep;
 class MailPageNotifier;
+class PageNotifiers;
 class NavWindow;
 class ProgressWindow;
 class Prompter;
 class Session;
 class Settings;
 class SplashWindow;
+class TextReading;
 class ViewSettings;
 
 // The start of a run, in its fixed order: prerequisite test, the home taken for this run
@@ -33,7 +36,10 @@ class Startup
     Q_DECLARE_TR_FUNCTIONS(qmr::Startup)
 
 public:
-    Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers);
+    // `textWorker`: the program and arguments that start the text reading worker; none, and
+    // the pages' text is not read in this run.
+    Startup(AppHome home, Settings& settings, Prompter& prompter, Choosers& choosers,
+            QStringList textWorker = {});
     ~Startup();
 
     // False when the run must end: the prerequisite failed, another run holds the home, or
@@ -52,8 +58,12 @@ public:
     ViewSettings& viewSettings() { return *m_view; }
     // The tidying of the page files that starts once the window is up.
     HomeSweep* sweep() { return m_sweep.get(); }
+    // The reading of the pages' text; null when it is not read in this run.
+    TextReading* textReading() { return m_reading.get(); }
 
 private:
+    void startTextReading();
+
     AppHome m_home;
     Settings& m_settings;
     Prompter& m_prompter;
@@ -70,6 +80,10 @@ private:
     // The services every command works with, held for the run: the mail notifier keeps it.
     std::unique_ptr<CommandContext> m_base;
     std::unique_ptr<MailPageNotifier> m_notifier;
+    std::unique_ptr<PageNotifiers> m_notifiers;
+    QStringList m_textWorker;
+    // Before the window: its reading line goes first.
+    std::unique_ptr<TextReading> m_reading;
     std::unique_ptr<NavWindow> m_window;
     std::unique_ptr<HomeSweep> m_sweep;
 };

@@ -44,6 +44,9 @@ inline constexpr SettingKey TreeWidth{"tvwMainWidth", "3000"}; // twips
 inline constexpr SettingKey LastNavTreeNodeKey{"LastNavTreeNodeKey", ""};
 // Where a run that was made to end kept its viewers' unsaved pictures; told at the next start.
 inline constexpr SettingKey RecoveredTo{"RecoveredTo", ""};
+// The language packs the text on the pages is read with, "+" between them ("deu+eng"); ""
+// for the user's own language where its pack is installed, else English.
+inline constexpr SettingKey OcrLanguages{"OcrLanguages", ""};
 
 // Page pane and viewer
 inline constexpr SettingKey ThumbSide{"ThumbSide", "100"};

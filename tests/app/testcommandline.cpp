@@ -7,6 +7,8 @@
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
+#include "tests/text/printedpage.h"
+#include "store/pagepaths.h"
 
 using namespace qmr;
 using Action = CommandLineRequest::Action;
@@ -78,6 +80,11 @@ private slots:
         row("three values", {"--export", "C", "/a", "/b"}, Action::Error, "||", "--export needs");
         row("both", {"--export", "C", "/a", "--import", "/b"}, Action::Error, "||",
             "cannot be given together");
+        row("find", {"--find", "gas bill"}, Action::Find, "||");
+        row("read text", {"--home", "/h", "--read-text"}, Action::ReadText, "/h||");
+        row("find with check", {"--find", "x", "--check"}, Action::Error, "||",
+            "--find and --read-text go alone");
+        row("find and read", {"--read-text", "--find", "x"}, Action::Error, "||", "go alone");
         row("stray argument", {"stray"}, Action::Error, "||", "Unexpected argument 'stray'.");
         row("home without its value", {"--home"}, Action::Error, "||",
             "Missing value after '--home'.");
@@ -130,6 +137,47 @@ private slots:
 
         r = runProgram({"--home", h, "--repair"}, config.path());
         QCOMPARE(r.status, 2);
+    }
+
+    // Pages filed by a script are read by --read-text (the program's own worker reads them),
+    // and --find names their documents and pages; a locked cabinet's pages stay out.
+    void readTextThenFind()
+    {
+        test::TestHome home;
+        QTemporaryDir config;
+        {
+            test::FixtureStore store(home.home());
+            const PagePaths paths(home.home());
+            const auto file = [&](qint32 cabinet, const QString& document,
+                                  const QStringList& pages) {
+                const qint32 id =
+                    store.document(store.folder(store.drawer(cabinet, "Bills"), "Gas"), document);
+                for (int i = 0; i < pages.size(); ++i)
+                    QVERIFY(test::printedPage({pages.at(i)})
+                                .save(paths.pagePath(store.page(id, i + 1), ""), "JPG"));
+            };
+            file(store.cabinet("Home"), "Winter", {"Northwind heating invoice", "Water meter"});
+            file(store.cabinet("Private", "secret"), "Loan", {"Northwind bank"});
+        }
+        const QString h = home.path();
+        Result r = runProgram({"--home", h, "--read-text"}, config.path());
+        QCOMPARE(r.status, 0);
+        QVERIFY2(r.out.contains("Reading text: 3 of 3 pages\n"), qPrintable(r.out + r.err));
+        QVERIFY2(r.out.endsWith("The text of every page is read.\n"), qPrintable(r.out));
+
+        r = runProgram({"--home", h, "--find", "northwind"}, config.path());
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, QString("Home/Bills/Gas/Winter\t1\n"));
+        r = runProgram({"--home", h, "--find", "\"water meter\" north*"}, config.path());
+        QCOMPARE(r.out, QString());
+        QCOMPARE(r.status, 1);
+        r = runProgram({"--home", h, "--find", "METER"}, config.path());
+        QCOMPARE(r.out, QString("Home/Bills/Gas/Winter\t2\n"));
+
+        // Nothing new to read: done at once.
+        r = runProgram({"--home", h, "--read-text"}, config.path());
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, QString("The text of every page is read.\n"));
     }
 
     // Each way a batch run ends has its status: 0 done, 1 failed, 2 not understood.
