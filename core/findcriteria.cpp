@@ -28,6 +28,7 @@ FindCriteria FindCriteria::fromRecord(const FindRecord& record, qint32 folderId)
 {
     FindCriteria criteria;
     criteria.keywords = record.keywords;
+    criteria.pageWords = PageWords::parse(record.pageWords);
     criteria.match = record.matchAny != 0 ? KeywordMatch::AnyWord : KeywordMatch::AllWords;
     criteria.folderId = folderId;
     criteria.documentDate = dateRange(record.docFrom, record.docThru, record);

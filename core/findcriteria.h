@@ -7,6 +7,7 @@
 #include <optional>
 
 #include "core/pagefilter.h"
+#include "core/pagewords.h"
 #include "core/valuerange.h"
 
 namespace qmr {
@@ -29,6 +30,9 @@ struct FindCriteria
     std::optional<ValueRange<QDate>> documentDate;
     std::optional<ValueRange<double>> amount;
     PageFilter pages; // scan date and file size
+    // Words read on the pages: when any, a document is found only with a page holding them
+    // all, whichever pass finds it.
+    PageWords pageWords;
 
     // The criteria that the record of the find dialog means. A range counts unless its From
     // is past its Thru; a date range neither when it is the pair of default dates, nor when

@@ -5,6 +5,7 @@ namespace qmr {
 void FindRecord::initFindDefaults()
 {
     keywords.clear();
+    pageWords.clear();
     matchAny = 1;
     matchAll = 0;
     const QString all = QStringLiteral("(All)");

@@ -10,6 +10,7 @@ namespace qmr {
 struct FindRecord
 {
     QString keywords;
+    QString pageWords; // "Words on the pages"
     int matchAny = 1;
     int matchAll = 0;
     QString cabinetName;

@@ -81,6 +81,7 @@ void FindDialog::loadForm()
 
     const FindRecord& record = m_context.state.findRecord();
     m_ui->txtKeywords->setText(record.keywords);
+    m_ui->txtPageWords->setText(record.pageWords);
     m_ui->optKeywords0->setChecked(record.matchAny != 0);
     m_ui->optKeywords1->setChecked(record.matchAll != 0);
 
@@ -214,7 +215,9 @@ bool FindDialog::readNumbers(FindRecord& record)
 void FindDialog::find()
 {
     m_ui->txtKeywords->setText(m_ui->txtKeywords->text().trimmed());
-    if (m_ui->txtKeywords->text().isEmpty() &&
+    m_ui->txtPageWords->setText(m_ui->txtPageWords->text().trimmed());
+    // Words on the pages are something to look for: the question is for a search by ranges.
+    if (m_ui->txtKeywords->text().isEmpty() && m_ui->txtPageWords->text().isEmpty() &&
         m_context.prompter.ask(tr("No keywords entered.  Search without keywords?"),
                                Prompter::Buttons::YesNoCancel) != Prompter::Answer::Yes) {
         m_ui->tabFind->setCurrentIndex(kKeywordsTab);
@@ -225,6 +228,7 @@ void FindDialog::find()
     if (!readNumbers(record))
         return;
     record.keywords = m_ui->txtKeywords->text();
+    record.pageWords = m_ui->txtPageWords->text();
     record.matchAny = m_ui->optKeywords0->isChecked() ? 1 : 0;
     record.matchAll = m_ui->optKeywords1->isChecked() ? 1 : 0;
     record.cabinetName = m_ui->cboCabinet->currentText();

@@ -7,6 +7,7 @@
 #include "core/findcriteria.h"
 #include "store/database.h"
 #include "store/pageconditions.h"
+#include "store/textindex.h"
 #include "store/wordindex.h"
 
 namespace qmr {
@@ -65,6 +66,18 @@ void addKeywords(Conditions& c, const QStringList& pieces, const QString& table,
         c.binds << pattern << pattern;
     }
     c.text << QLatin1Char('(') + tests.join(QStringLiteral(" OR ")) + QLatin1Char(')');
+}
+
+// Documents with a page whose text holds every term, from the text index on this connection.
+void addPageWords(Conditions& c, const PageWords& words)
+{
+    if (words.isEmpty())
+        return;
+    c.text << QStringLiteral("Document.DocumentId IN (SELECT Page.DocumentId FROM Page WHERE "
+                             "Page.PageId IN (SELECT rowid FROM %1.PageTextWords WHERE "
+                             "PageTextWords MATCH ?))")
+                  .arg(TextIndex::attachedName());
+    c.binds << TextIndex::matchExpression(words);
 }
 
 // The cabinet and folder in scope. A single cabinet is searched from its drawers; several are
@@ -155,6 +168,9 @@ FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint
     if (cabinets.isEmpty())
         return outcome;
     const QStringList pieces = criteria.keywordPieces();
+    // Words on the pages with no text read in this run: no page can hold them.
+    if (!criteria.pageWords.isEmpty() && !TextIndex::isAttached(m_db))
+        return outcome;
     HitReader reader(cabinets);
     Database::Transaction read(m_db);
     const QString match = WordIndex::present(m_db) ? WordIndex::matchFor(pieces) : QString();
@@ -164,6 +180,7 @@ FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint
     Conditions documents;
     addKeywords(documents, pieces, QStringLiteral("Document"), QStringLiteral("DocumentId"), match);
     addPlace(documents, criteria, cabinets);
+    addPageWords(documents, criteria.pageWords);
     if (criteria.documentDate) {
         documents.text << QStringLiteral("Document.DateOnDocument BETWEEN ? AND ?");
         documents.binds << criteria.documentDate->from << criteria.documentDate->thru;
@@ -196,6 +213,7 @@ FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint
     Conditions folders;
     addKeywords(folders, pieces, QStringLiteral("Folder"), QStringLiteral("FolderId"), match);
     addPlace(folders, criteria, cabinets);
+    addPageWords(folders, criteria.pageWords);
     qint32 lastFolder = -1;
     m_db.forEachRow(QStringLiteral("SELECT ") + kColumns + QStringLiteral(" FROM Folder ") +
                         kPlaces +

@@ -1,6 +1,5 @@
 #include "store/textindex.h"
 
-#include <QDataStream>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
@@ -13,34 +12,70 @@ namespace qmr {
 
 namespace {
 
-// The words' boxes in reading order, packed and compressed: four numbers a word.
+// The words' boxes in reading order, packed and compressed. Words follow each other along a
+// line, so each box is kept as its distance from the one before (zigzag varints: small numbers
+// take one byte), which makes them a third of four plain numbers before compression.
+void putNumber(QByteArray& out, qint64 value)
+{
+    quint64 zigzag = (quint64(value) << 1) ^ quint64(value >> 63);
+    while (zigzag >= 0x80) {
+        out += char(zigzag | 0x80);
+        zigzag >>= 7;
+    }
+    out += char(zigzag);
+}
+
+bool takeNumber(const QByteArray& in, qsizetype& at, qint64& value)
+{
+    quint64 zigzag = 0;
+    for (int shift = 0; shift < 64; shift += 7) {
+        if (at >= in.size())
+            return false;
+        const auto byte = quint8(in.at(at++));
+        zigzag |= quint64(byte & 0x7f) << shift;
+        if (!(byte & 0x80)) {
+            value = qint64(zigzag >> 1) ^ -qint64(zigzag & 1);
+            return true;
+        }
+    }
+    return false;
+}
+
 QByteArray packBoxes(const QList<TextIndex::Word>& words)
 {
     QByteArray packed;
-    QDataStream out(&packed, QIODevice::WriteOnly);
-    for (const TextIndex::Word& word : words)
-        out << qint32(word.box.x()) << qint32(word.box.y()) << qint32(word.box.width())
-            << qint32(word.box.height());
+    QRect before;
+    for (const TextIndex::Word& word : words) {
+        const QRect& box = word.box;
+        putNumber(packed, qint64(box.x()) - (before.x() + before.width()));
+        putNumber(packed, qint64(box.y()) - before.y());
+        putNumber(packed, box.width());
+        putNumber(packed, qint64(box.height()) - before.height());
+        before = box;
+    }
     return qCompress(packed);
 }
 
 QList<QRect> unpackBoxes(const QByteArray& stored)
 {
+    const QByteArray packed = qUncompress(stored);
     QList<QRect> boxes;
-    QDataStream in(qUncompress(stored));
-    qint32 x, y, w, h;
-    while (!in.atEnd()) {
-        in >> x >> y >> w >> h;
-        if (in.status() != QDataStream::Ok)
-            break;
-        boxes << QRect(x, y, w, h);
+    QRect before;
+    qsizetype at = 0;
+    qint64 dx, dy, w, dh;
+    while (takeNumber(packed, at, dx) && takeNumber(packed, at, dy) && takeNumber(packed, at, w) &&
+           takeNumber(packed, at, dh)) {
+        const QRect box(int(before.x() + before.width() + dx), int(before.y() + dy), int(w),
+                        int(before.height() + dh));
+        boxes << box;
+        before = box;
     }
     return boxes;
 }
 
-// The full-text query of the terms: each one quoted (its words then form a phrase), a star
-// after a beginning; the terms must all be there.
-QString matchExpression(const PageWords& words)
+} // namespace
+
+QString TextIndex::matchExpression(const PageWords& words)
 {
     QStringList parts;
     for (const PageWords::Term& term : words.terms()) {
@@ -52,7 +87,19 @@ QString matchExpression(const PageWords& words)
     return parts.join(QLatin1String(" AND "));
 }
 
-} // namespace
+void TextIndex::attachTo(Database& store)
+{
+    if (!isAttached(store))
+        store.execute(QStringLiteral("ATTACH DATABASE ? AS ") + attachedName(), {m_path});
+}
+
+bool TextIndex::isAttached(Database& store)
+{
+    return !store
+                .scalar(QStringLiteral("SELECT 1 FROM pragma_database_list WHERE name = ?"),
+                        {attachedName()})
+                .isNull();
+}
 
 TextIndex::Stamp TextIndex::Stamp::of(const QString& path)
 {
@@ -91,6 +138,9 @@ void TextIndex::open()
 
 void TextIndex::makeTables()
 {
+    // Pages of text are a few kilobytes a row: on small database pages each row would leave
+    // much of its page empty. Only a new file takes it.
+    m_db.execute(QStringLiteral("PRAGMA page_size = 16384"));
     Database::Transaction group(m_db);
     m_db.execute(QStringLiteral(
         "CREATE TABLE IF NOT EXISTS PageText (PageID INTEGER PRIMARY KEY, FileSize INTEGER NOT "

@@ -44,6 +44,10 @@ public:
     };
 
     static QString fileName() { return QStringLiteral("qmrtext.db"); }
+    // The name the index has on the store's connection once attached to it.
+    static QString attachedName() { return QStringLiteral("pagetext"); }
+    // The full-text query of the words: each term quoted, a star after a beginning.
+    static QString matchExpression(const PageWords& words);
 
     explicit TextIndex(const QString& home);
     // Opens the file, making it when missing. A file that cannot be read as an index is set
@@ -51,6 +55,10 @@ public:
     // held is made from the pages again.
     void open();
     const QString& path() const { return m_path; }
+    // Makes the index readable on the store's own connection (after open()), so that a search
+    // of the documents can ask it within its one statement.
+    void attachTo(Database& store);
+    static bool isAttached(Database& store);
 
     // Runs `work` as one change of the file: many pages written at once (a rebuild, a bench)
     // cost one commit.

@@ -31,6 +31,7 @@ Attempt<> TextReading::start()
 {
     try {
         m_index.open();
+        m_index.attachTo(m_db);
     } catch (const StoreError& error) {
         qCWarning(lcText) << "No page text this run:" << error.message();
         return Failure(error.message());

@@ -22,6 +22,7 @@
 #include "findfixture.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
+#include "store/textindex.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -337,6 +338,27 @@ private slots:
         const PageFilter& pages = h.state.foundSet().pageFilter;
         QVERIFY(pages.scanDate == (ValueRange<QDate>{QDate(2026, 1, 1), QDate(2026, 12, 31)}));
         QVERIFY(pages.fileSize == (ValueRange<qint64>{1000, 5001}));
+    }
+
+    // Words on the pages are something to look for: no question about empty keywords, and
+    // the document whose page holds them is found.
+    void wordsOnThePages()
+    {
+        DialogHarness h(m_fixture);
+        TextIndex index(m_fixture.home.path());
+        index.open();
+        const Recordset fees = h.session.db().openRecordset(
+            "SELECT PageId, Page.DocumentId FROM Page JOIN Document ON Document.DocumentId = "
+            "Page.DocumentId WHERE Document.Name = 'Checking fees'");
+        const qint32 page = fees.value(0, 0).toInt();
+        index.put(page, {1, 1},
+                  {{"Overdraft", QRect(1, 1, 9, 9)}, {"charges", QRect(11, 1, 9, 9)}});
+        index.attachTo(h.session.db());
+        h.box("txtPageWords")->setText(" overdraft ");
+        h.child<QPushButton>("cmdFind")->click();
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(h.results.calls, (QStringList{"clear", "show " + fees.value(0, 1).toString()}));
+        QCOMPARE(h.state.findRecord().pageWords, QString("overdraft"));
     }
 
     void numbersThatAreNoNumbers_data()

@@ -4,7 +4,11 @@
 #include <QTest>
 
 #include "core/pagewords.h"
+#include "core/findcriteria.h"
+#include "store/documentsearch.h"
 #include "store/textindex.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/testhome.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
@@ -111,12 +115,62 @@ private slots:
         QFETCH(QList<int>, words);
         TextIndex index(m_home.path());
         index.open();
-        const QList<TextIndex::Word> read = line("Total amount due: e-mail, 42 total");
+        // Two lines: the boxes go back to the left and down, and come back as they were.
+        const QList<TextIndex::Word> read =
+            line("Total amount due:") + line("e-mail, 42 total", 160);
         index.put(4, kStamp, read);
         QList<QRect> expected;
         for (int i : words)
             expected << read.at(i).box;
         QCOMPARE(index.boxesOf(4, PageWords::parse(typed)), expected);
+    }
+
+    // Words on the pages narrow both passes of a document search to documents with a page
+    // that holds them all; without the index on the store's connection nothing holds them.
+    void theDocumentSearchAsksTheIndex_data()
+    {
+        columns<QString, QString, bool, QStringList>(
+            {"keywords", "pageWords", "attached", "documents"});
+        row("words alone", "", "invoice", true, QStringList{"Spring", "Winter"});
+        row("all on one page", "", "northwind invoice", true, QStringList{"Winter"});
+        row("terms on different pages", "", "northwind water", true, QStringList{});
+        row("with a folder's keyword", "gas", "invoice", true, QStringList{"Winter"});
+        row("with a document's keyword", "spring", "invoice", true, QStringList{"Spring"});
+        row("no words: as before", "gas", "", true, QStringList{"Autumn", "Winter"});
+        row("no text read", "", "invoice", false, QStringList{});
+    }
+    void theDocumentSearchAsksTheIndex()
+    {
+        QFETCH(QString, keywords);
+        QFETCH(QString, pageWords);
+        QFETCH(bool, attached);
+        QFETCH(QStringList, documents);
+        TestHome home;
+        FixtureStore store(home.home());
+        const qint32 cabinet = store.cabinet("Home");
+        const qint32 drawer = store.drawer(cabinet, "Bills");
+        const qint32 gas = store.folder(drawer, "Gas");
+        TextIndex index(home.path());
+        index.open();
+        const auto file = [&](qint32 folder, const QString& name, const QStringList& pages) {
+            const qint32 document = store.document(folder, name);
+            for (int i = 0; i < pages.size(); ++i)
+                index.put(store.page(document, i + 1), kStamp, line(pages.at(i)));
+        };
+        file(gas, "Winter", {"Northwind gas invoice", "terms"});
+        file(gas, "Autumn", {"water", "Northwind"});
+        file(store.folder(drawer, "Water"), "Spring", {"invoice"});
+        if (attached)
+            index.attachTo(store.db());
+        FindCriteria criteria;
+        criteria.keywords = keywords;
+        criteria.pageWords = PageWords::parse(pageWords);
+        QStringList names;
+        for (const FoundDocument& d : DocumentSearch(store.db()).run(criteria, {cabinet}).documents)
+            names << d.documentName;
+        names.sort();
+        names.removeDuplicates();
+        QCOMPARE(names, documents);
     }
 
     // A file that is no index is set aside, and no journal of it is left to be played into
