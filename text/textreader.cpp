@@ -2,6 +2,7 @@
 
 #include <QProcessEnvironment>
 
+#include "store/storeerror.h"
 #include "text/textlog.h"
 #include "text/textworker.h"
 
@@ -118,7 +119,8 @@ void TextReader::readAnswers()
             m_failed = true;
             emit failed(answer->failure);
         } else if (m_current && answer->pageId == m_current->page.id) {
-            m_index.put(m_current->page.id, m_current->stamp, answer->words);
+            if (!keep([&] { m_index.put(m_current->page.id, m_current->stamp, answer->words); }))
+                return;
             const int id = m_current->page.id;
             finishCurrent();
             emit pageRead(id);
@@ -157,8 +159,14 @@ void TextReader::workerEnded()
         const Current page = *m_current;
         m_current.reset();
         qCWarning(lcText) << "The text worker ended while reading page" << page.page.id;
-        if (m_index.countWorkerEnd(page.page.id, page.stamp) >= kWorkerEndsAllowed) {
-            m_index.markUnreadable(page.page.id, page.stamp);
+        bool skip = false;
+        if (!keep([&] {
+                skip = m_index.countWorkerEnd(page.page.id, page.stamp) >= kWorkerEndsAllowed;
+                if (skip)
+                    m_index.markUnreadable(page.page.id, page.stamp);
+            }))
+            return;
+        if (skip) {
             ++m_done;
             emit progress(m_done, m_total);
             emit pageUnreadable(page.page.id);
@@ -167,6 +175,26 @@ void TextReader::workerEnded()
         }
     }
     startNext();
+}
+
+bool TextReader::keep(const std::function<void()>& write)
+{
+    try {
+        write();
+        return true;
+    } catch (const StoreError& error) {
+        // A full disk or a file taken away: reading stops for this run, the program goes on,
+        // and what is not kept is read at the next start.
+        qCWarning(lcText) << "The page text could not be kept:" << error.message();
+        m_failed = true;
+        m_current.reset();
+        if (m_process) {
+            m_process->disconnect(this);
+            m_process->kill();
+        }
+        emit failed(tr("The text on the pages cannot be kept: %1").arg(error.message()));
+        return false;
+    }
 }
 
 void TextReader::finishCurrent()

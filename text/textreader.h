@@ -6,6 +6,7 @@
 #include <QString>
 #include <QStringList>
 #include <deque>
+#include <functional>
 #include <optional>
 
 #include "store/textindex.h"
@@ -56,6 +57,9 @@ private:
     void readAnswers();
     void workerEnded();
     void finishCurrent();
+    // Runs a change of the index; when the index refuses it, reading stops with a message
+    // and false comes back.
+    bool keep(const std::function<void()>& write);
 
     TextIndex& m_index;
     QStringList m_worker;

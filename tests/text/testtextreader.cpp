@@ -1,10 +1,12 @@
 #include <QCoreApplication>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 #include <csignal>
 
 #include "core/pagewords.h"
+#include "store/database.h"
 #include "tests/support/testrunner.h"
 #include "tests/text/printedpage.h"
 #include "text/textreader.h"
@@ -105,6 +107,27 @@ private slots:
         QCOMPARE(pagesWith(index, "northwind"), QList<int>{1});
         QCOMPARE(pagesWith(index, "receipt"), QList<int>{3});
         QCOMPARE(pagesWith(index, "water"), QList<int>{});
+    }
+
+    // An index that refuses what was read stops the reading with a message, not the program.
+    void anIndexThatRefusesStopsTheReading()
+    {
+        QTemporaryDir home;
+        TextIndex index(home.path());
+        index.open();
+        {
+            Database other;
+            other.open(index.path());
+            other.execute("DROP TABLE PageText");
+        }
+        TextReader reader(index, workerCommand());
+        QSignalSpy failed(&reader, &TextReader::failed);
+        QTest::ignoreMessage(QtWarningMsg, QRegularExpression("page text could not be kept"));
+        reader.enqueue(m_pages.mid(0, 1));
+        QVERIFY(failed.wait(kPatienceMs));
+        QVERIFY2(
+            failed.first().first().toString().startsWith("The text on the pages cannot be kept: "),
+            qPrintable(failed.first().first().toString()));
     }
 
     // A missing language pack is said once, and nothing is marked: the pages wait for it.
