@@ -2,6 +2,8 @@
 
 #include <QtGlobal>
 
+#include "core/pagewords.h"
+
 namespace qmr {
 
 // Opens one page for a person to look at: the viewer for a page image, the file's own program
@@ -11,6 +13,13 @@ class PageOpener
 public:
     virtual ~PageOpener() = default;
     virtual void openPage(qint32 pageId) = 0;
+    // A page of a document found by the words on its pages: an opener that can show where
+    // they are does.
+    virtual void openFoundPage(qint32 pageId, const PageWords& words)
+    {
+        Q_UNUSED(words)
+        openPage(pageId);
+    }
 };
 
 } // namespace qmr

@@ -19,6 +19,8 @@ struct PageEntry
     QString fileSize;
     QString fileType;
     bool shortcut = false;
+    // The page holds the words on the pages that found its document: the pane marks it.
+    bool matched = false;
     // Where the picture and its thumbnail lie (both "" for a shortcut's thumbnail).
     QString pagePath;
     QString thumbPath;

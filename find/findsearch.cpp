@@ -35,8 +35,10 @@ FindOutcome FindSearch::run(const FindRecord& record, qint32 cabinetId, qint32 f
     FindOutcome outcome = DocumentSearch(m_session.db()).run(criteria, cabinets);
     read.commit();
     // A found document's page list is narrowed by what this search asked of its pages.
-    if (!cabinets.isEmpty())
+    if (!cabinets.isEmpty()) {
         m_found.pageFilter = criteria.pages;
+        m_found.pageWords = criteria.pageWords;
+    }
     return outcome;
 }
 

@@ -22,6 +22,7 @@
 #include "resources/navicons.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "store/textindex.h"
 
 namespace qmr {
 
@@ -267,8 +268,13 @@ void Navigator::showPagesInListView(qint32 documentId, bool found)
     m_list.hide();
     m_pages.show();
     // A found document shows the pages its search looked for.
-    const PageFilter filter = found ? m_context.state.foundSet().pageFilter : PageFilter();
-    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, filter), found);
+    const FoundSet& search = m_context.state.foundSet();
+    const PageFilter filter = found ? search.pageFilter : PageFilter();
+    const QList<qint32> matched =
+        found ? TextIndex::pagesWith(m_context.session.db(), documentId, search.pageWords)
+              : QList<qint32>();
+    m_pages.showPages(documentId, m_context.session.pages().pages(documentId, filter), found,
+                      matched);
     // A caller that did not come from the tree leaves the tree in step; a found document's
     // node stays where it is.
     const QString key = NodeKey::of(Level::Document, documentId).text();
@@ -294,7 +300,14 @@ void Navigator::openPage(qint32 pageId)
 {
     if (pageId < 0 || !m_context.pageOpener)
         return;
-    guarded(m_context.prompter, [&] { m_context.pageOpener->openPage(pageId); });
+    guarded(m_context.prompter, [&] {
+        // From a found document the viewer shows where the words searched for are.
+        const PageWords& words = m_context.state.foundSet().pageWords;
+        if (m_pages.isFound() && !words.isEmpty())
+            m_context.pageOpener->openFoundPage(pageId, words);
+        else
+            m_context.pageOpener->openPage(pageId);
+    });
 }
 
 // ---- what dialogs and commands call back --------------------------------------------------

@@ -16,6 +16,7 @@ namespace {
 
 constexpr int kKeyRole = Qt::UserRole + 1;
 constexpr int kIdRole = Qt::UserRole + 2;
+constexpr int kMatchedRole = Qt::UserRole + 3;
 constexpr int kColumns = 6;
 // Page #, Filename, Size, Scan date, Page ID; the sort column stays hidden.
 constexpr int kSortColumn = 5;
@@ -136,6 +137,19 @@ void PageListView::addPage(const PageEntry& entry, const QString& text, const QI
         row << new QStandardItem(sub);
     for (QStandardItem* item : row)
         item->setEditable(false);
+    if (entry.matched) {
+        // As a highlighter marks a line on paper: a tint and bold text, in both views.
+        first->setToolTip(entry.filename + QLatin1Char('\n') +
+                          tr("The words searched for are on this page."));
+        first->setData(true, kMatchedRole);
+        for (QStandardItem* item : row) {
+            QFont bold = item->font();
+            bold.setBold(true);
+            item->setFont(bold);
+            item->setBackground(QColor(255, 236, 140));
+            item->setForeground(QColor(Qt::black));
+        }
+    }
     m_rows.insert(entry.pageId, m_model->rowCount());
     m_model->appendRow(row);
 }
@@ -210,6 +224,12 @@ QString PageListView::columnText(int row, int column) const
 {
     const QStandardItem* item = m_model->item(row, column);
     return item ? item->text() : QString();
+}
+
+bool PageListView::matchedAt(int row) const
+{
+    const QStandardItem* item = m_model->item(row, 0);
+    return item && item->data(kMatchedRole).toBool();
 }
 
 qint32 PageListView::pageIdAt(int row) const

@@ -42,6 +42,8 @@ public:
     QString textAt(int row) const;
     QString columnText(int row, int column) const;
     qint32 pageIdAt(int row) const;
+    // The page holds the words searched for: it is marked.
+    bool matchedAt(int row) const;
     QIcon iconAt(int row) const;
     qint32 pageIdOf(const QModelIndex& index) const;
     // The page under a point of the current view's viewport; -1 for none.

@@ -235,14 +235,17 @@ void PagePane::arrangeThumbPane()
 
 // ---- the document and its blocks ----------------------------------------------------------
 
-void PagePane::showPages(qint32 documentId, const QVector<PageRow>& rows, bool found)
+void PagePane::showPages(qint32 documentId, const QVector<PageRow>& rows, bool found,
+                         const QList<qint32>& matched)
 {
     m_documentId = documentId;
     m_found = found;
     m_entries.clear();
     m_entries.reserve(rows.size());
-    for (const PageRow& row : rows)
+    for (const PageRow& row : rows) {
         m_entries << PageEntry::fromRow(row, m_paths);
+        m_entries.last().matched = matched.contains(row.id);
+    }
     // The view settings dialog may have changed the block size since the last document.
     m_paging.setDisplayCount(m_view.displayCount());
     m_paging.load(m_entries.size());

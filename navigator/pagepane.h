@@ -32,8 +32,10 @@ public:
     ~PagePane() override;
 
     // Keeps the rows (in page order) and shows the first block. `found`: the document of a
-    // found node, shown with the found set's page conditions.
-    void showPages(qint32 documentId, const QVector<PageRow>& rows, bool found = false);
+    // found node, shown with the found set's page conditions; `matched`: its pages that hold
+    // the words on the pages searched for, marked.
+    void showPages(qint32 documentId, const QVector<PageRow>& rows, bool found = false,
+                   const QList<qint32>& matched = {});
     // Forgets the document; the pane is hidden by its owner.
     void clearPages();
     qint32 documentId() const { return m_documentId; }

@@ -266,10 +266,10 @@ QList<int> TextIndex::pagesWith(const PageWords& words)
     return ids;
 }
 
-QList<TextIndex::Word> TextIndex::wordsOf(int pageId)
+QList<TextIndex::Word> TextIndex::wordsOf(Database& db, const QString& table, int pageId)
 {
-    const Recordset rows = m_db.openRecordset(
-        QStringLiteral("SELECT Body, Boxes FROM PageText WHERE PageID = ?"), {pageId});
+    const Recordset rows = db.openRecordset(
+        QStringLiteral("SELECT Body, Boxes FROM %1 WHERE PageID = ?").arg(table), {pageId});
     QList<Word> words;
     if (rows.isEmpty())
         return words;
@@ -281,10 +281,9 @@ QList<TextIndex::Word> TextIndex::wordsOf(int pageId)
     return words;
 }
 
-QList<QRect> TextIndex::boxesOf(int pageId, const PageWords& words)
+QList<QRect> TextIndex::boxesOf(const QList<Word>& read, const PageWords& words)
 {
     // A word as read may hold several index words ("e-mail,"): each stands for its box.
-    const QList<Word> read = wordsOf(pageId);
     QStringList folded;
     QList<int> owner;
     for (int i = 0; i < read.size(); ++i)
@@ -300,6 +299,40 @@ QList<QRect> TextIndex::boxesOf(int pageId, const PageWords& words)
             boxes << read.at(last).box;
         }
     return boxes;
+}
+
+QList<QRect> TextIndex::boxesOf(int pageId, const PageWords& words)
+{
+    return boxesOf(wordsOf(m_db, QStringLiteral("PageText"), pageId), words);
+}
+
+QList<QRect> TextIndex::boxesOf(Database& store, int pageId, const QString& file,
+                                const PageWords& words)
+{
+    if (words.isEmpty() || !isAttached(store))
+        return {};
+    const QString table = attachedName() + QStringLiteral(".PageText");
+    // A picture changed since it was read (turned and saved) would get boxes that miss.
+    const Recordset read = store.openRecordset(
+        QStringLiteral("SELECT FileSize, FileTime FROM %1 WHERE PageID = ?").arg(table), {pageId});
+    if (read.isEmpty() ||
+        Stamp{read.value(0, 0).toLongLong(), read.value(0, 1).toLongLong()} != Stamp::of(file))
+        return {};
+    return boxesOf(wordsOf(store, table, pageId), words);
+}
+
+QList<qint32> TextIndex::pagesWith(Database& store, qint32 documentId, const PageWords& words)
+{
+    QList<qint32> ids;
+    if (words.isEmpty() || !isAttached(store))
+        return ids;
+    store.forEachRow(
+        QStringLiteral("SELECT PageId FROM Page WHERE DocumentId = ? AND PageId IN (SELECT rowid "
+                       "FROM %1.PageTextWords WHERE PageTextWords MATCH ?) ORDER BY PageId")
+            .arg(attachedName()),
+        {documentId, matchExpression(words)},
+        [&](const Database::Row& row) { ids << qint32(row.integer(0)); });
+    return ids;
 }
 
 QString TextIndex::textOf(int pageId)

@@ -83,9 +83,18 @@ public:
     // The page's words as read, one space between them; "" for a page without an entry.
     QString textOf(int pageId);
 
+    // Asked of the index attached to the store's connection (nothing when it is not): the
+    // document's pages whose text holds every term, in ascending order, and where on a page
+    // the terms are, when its text was read from `file` as it is now.
+    static QList<qint32> pagesWith(Database& store, qint32 documentId, const PageWords& words);
+    static QList<QRect> boxesOf(Database& store, int pageId, const QString& file,
+                                const PageWords& words);
+
 private:
     void makeTables();
-    QList<Word> wordsOf(int pageId);
+    // The page's words with their boxes from the text table `table` of `db`.
+    static QList<Word> wordsOf(Database& db, const QString& table, int pageId);
+    static QList<QRect> boxesOf(const QList<Word>& read, const PageWords& words);
 
     QString m_path;
     Database m_db;

@@ -75,6 +75,37 @@ void PageCanvas::setZoomPercentAt(double percent, const QPoint& viewportPoint)
     viewport()->update();
 }
 
+void PageCanvas::setMarks(const QList<QRect>& boxes, int current)
+{
+    m_marks = boxes;
+    m_currentMark = current >= 0 && current < boxes.size() ? current : -1;
+    if (m_currentMark >= 0) {
+        // Scrolled only as far as needed, with the box's own size again around it as margin.
+        const QRect box = viewRectOf(m_marks.at(m_currentMark));
+        const QRect view = viewport()->rect();
+        const int mx = qMin(box.width(), view.width() / 4);
+        const int my = qMin(box.height() * 2, view.height() / 4);
+        const QRect wanted = box.adjusted(-mx, -my, mx, my);
+        if (!view.contains(wanted)) {
+            if (wanted.left() < view.left() || wanted.right() > view.right())
+                horizontalScrollBar()->setValue(horizontalScrollBar()->value() + box.center().x() -
+                                                view.center().x());
+            if (wanted.top() < view.top() || wanted.bottom() > view.bottom())
+                verticalScrollBar()->setValue(verticalScrollBar()->value() + box.center().y() -
+                                              view.center().y());
+        }
+    }
+    viewport()->update();
+}
+
+QRect PageCanvas::viewRectOf(const QRect& imageRect) const
+{
+    const double f = m_zoom / 100.0;
+    const QPointF at = origin();
+    return QRectF(QPointF(imageRect.topLeft()) * f + at, QSizeF(imageRect.size()) * f)
+        .toAlignedRect();
+}
+
 void PageCanvas::resetOffsets()
 {
     horizontalScrollBar()->setValue(0);
@@ -127,6 +158,19 @@ void PageCanvas::paintEvent(QPaintEvent* event)
             const QRectF source(QPointF(target.topLeft() - at) * f, QSizeF(target.size()) * f);
             painter.setRenderHint(QPainter::SmoothPixmapTransform, m_zoom != 100);
             painter.drawImage(QRectF(target), m_image, source);
+        }
+    }
+    if (!m_marks.isEmpty()) {
+        painter.setRenderHint(QPainter::Antialiasing, false);
+        for (int i = 0; i < m_marks.size(); ++i) {
+            const QRect box = viewRectOf(m_marks.at(i)).adjusted(-2, -2, 2, 2);
+            if (!box.intersects(dirty))
+                continue;
+            const bool current = i == m_currentMark;
+            painter.setPen(
+                QPen(current ? QColor(214, 92, 0) : QColor(230, 170, 0), current ? 3 : 1));
+            painter.setBrush(current ? QColor(255, 150, 0, 90) : QColor(255, 220, 0, 80));
+            painter.drawRect(box);
         }
     }
     if (m_bandActive && m_bandStart != m_bandEnd) {

@@ -38,6 +38,13 @@ public:
     void clearBand();
     // The image pixel under a point of the view, kept within the image.
     QPoint imagePointAt(const QPoint& viewportPoint) const;
+    // Places on the page to mark (in image pixels), as a highlighter would; `current` is drawn
+    // stronger and scrolled into view. None clears them.
+    void setMarks(const QList<QRect>& boxes, int current);
+    const QList<QRect>& marks() const { return m_marks; }
+    int currentMark() const { return m_currentMark; }
+    // Where a place of the page lies in the view.
+    QRect viewRectOf(const QRect& imageRect) const;
     // The bytes of the reduced copy kept for drawing.
     qint64 cacheBytes() const { return m_scaled.sizeInBytes(); }
 
@@ -72,6 +79,8 @@ private:
     bool m_panning = false;
     QPoint m_panFrom;
     int m_wheelAngle = 0;
+    QList<QRect> m_marks;
+    int m_currentMark = -1;
 };
 
 } // namespace qmr

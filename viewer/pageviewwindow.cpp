@@ -54,6 +54,9 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     m_ui->cmdPrev->setEnabled(false);
     m_ui->cmdNext->setEnabled(false);
     m_ui->cmdPrint->setEnabled(false);
+    m_ui->lblMatch->hide();
+    m_ui->cmdPrevMatch->hide();
+    m_ui->cmdNextMatch->hide();
     // The status line is there from the start, so that its first message moves nothing.
     statusBar();
 
@@ -62,6 +65,8 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     };
     on(m_ui->cmdPrev, &PageViewWindow::cmdPrev);
     on(m_ui->cmdNext, &PageViewWindow::cmdNext);
+    on(m_ui->cmdPrevMatch, &PageViewWindow::cmdPrevMatch);
+    on(m_ui->cmdNextMatch, &PageViewWindow::cmdNextMatch);
     on(m_ui->cmdEmail, &PageViewWindow::cmdEmail);
     on(m_ui->cmdSaveAs, &PageViewWindow::cmdSaveAs);
     on(m_ui->cmdCancel, &PageViewWindow::cmdCancel);
@@ -219,6 +224,11 @@ void PageViewWindow::loadImage()
         m_ui->LEAD1->setZoomPercent(100);
         applyZoomDefault();
         m_ui->LEAD1->setEnabled(true);
+        if (m_mode == ViewerMode::Edit)
+            m_marks.load(m_context.session.db(), m_context.session.pages(), m_location.documentId,
+                         m_location.pageId, m_currentFile, m_pendingMark);
+        m_pendingMark = 0;
+        showMarks();
         // A new page keeps the storage directory offered for its name.
         if (row && (m_mode == ViewerMode::Edit || !row->filename.isEmpty()))
             m_ui->txtFilename->setText(row->filename);
@@ -240,6 +250,64 @@ void PageViewWindow::updateTitle()
     const QString caption =
         tr("Page # %1 (ID = %2)").arg(m_location.pageNumber).arg(m_location.pageId);
     setWindowTitle(m_page.edited() ? QLatin1Char('*') + caption : caption);
+}
+
+void PageViewWindow::setMatchWords(const PageWords& words)
+{
+    m_marks.setWords(words);
+    if (m_location.pageId >= 0 && m_mode == ViewerMode::Edit)
+        guarded(m_context.prompter, [&] {
+            m_marks.load(m_context.session.db(), m_context.session.pages(), m_location.documentId,
+                         m_location.pageId, m_currentFile);
+        });
+    showMarks();
+}
+
+void PageViewWindow::showMarks()
+{
+    // Boxes belong to the picture as it was read: a turned or cut picture shows none.
+    const bool asRead = !m_page.edited();
+    m_ui->LEAD1->setMarks(asRead ? m_marks.boxes() : QList<QRect>(), m_marks.current());
+    const bool active = m_marks.active();
+    m_ui->lblMatch->setVisible(active);
+    m_ui->cmdPrevMatch->setVisible(active);
+    m_ui->cmdNextMatch->setVisible(active);
+    if (!active)
+        return;
+    m_ui->cmdPrevMatch->setEnabled(asRead && m_marks.previous().has_value());
+    m_ui->cmdNextMatch->setEnabled(asRead && m_marks.next().has_value());
+    const qsizetype count = m_marks.boxes().size();
+    m_ui->lblMatch->setText(
+        count == 0 ? tr("No match on this page")
+                   : tr("Match %1 of %2 on this page").arg(m_marks.current() + 1).arg(count));
+}
+
+void PageViewWindow::goToMatch(const std::optional<MatchMarks::Step>& step)
+{
+    if (!step)
+        return;
+    if (step->pageId == m_location.pageId) {
+        m_marks.setCurrent(step->box);
+        showMarks();
+        return;
+    }
+    if (!mayLeaveEdits())
+        return;
+    m_pendingMark = step->box;
+    m_key = NodeKey::of(Level::Page, step->pageId);
+    loadImage();
+}
+
+void PageViewWindow::cmdPrevMatch()
+{
+    if (m_ui->cmdPrevMatch->isEnabled())
+        goToMatch(m_marks.previous());
+}
+
+void PageViewWindow::cmdNextMatch()
+{
+    if (m_ui->cmdNextMatch->isEnabled())
+        goToMatch(m_marks.next());
 }
 
 void PageViewWindow::cmdPrev()
@@ -309,6 +377,7 @@ void PageViewWindow::applyZoomDefault()
 void PageViewWindow::imageEdited()
 {
     m_ui->LEAD1->setImage(m_page.image());
+    showMarks();
     m_ui->mnuEditUndo->setEnabled(m_page.canUndo());
     m_ui->mnuEditRedo->setEnabled(m_page.canRedo());
     updateTitle();

@@ -5,6 +5,7 @@
 #include <memory>
 
 #include "store/commandcontext.h"
+#include "viewer/matchmarks.h"
 #include "viewer/pageimage.h"
 #include "viewer/pageresolver.h"
 #include "viewer/pagesaver.h"
@@ -51,6 +52,11 @@ public:
     // without a question, and the window closes.
     void discardNewPage();
 
+    // The words on the pages that found the page's document: their places are boxed, and the
+    // match buttons go from one to the next, on through the document.
+    void setMatchWords(const PageWords& words);
+    const MatchMarks& matchMarks() const { return m_marks; }
+
     // View Settings changed the default zoom: it applies at once.
     void applyZoomDefault();
     // What cmdPrint does; the button stands disabled until it is given.
@@ -74,6 +80,8 @@ public:
     // The commands of the buttons and the Edit menu.
     void cmdPrev();
     void cmdNext();
+    void cmdPrevMatch();
+    void cmdNextMatch();
     void cmdZoomIn();
     void cmdZoomOut();
     void cmdZoomFitWidth();
@@ -104,6 +112,9 @@ private:
     void rotate(ImageEdit turn);
     // "Page # N (ID = I)", marked with a star while the page has edits not saved.
     void updateTitle();
+    // The marks of the page in view, the match buttons and their line.
+    void showMarks();
+    void goToMatch(const std::optional<MatchMarks::Step>& step);
     void showImage(const QImage& image);
     // A new page not saved yet: leaving asks, and a Yes removes its rows and files.
     bool mayClose();
@@ -120,6 +131,8 @@ private:
     NodeKey m_key;
     PageLocation m_location;
     QString m_currentFile;
+    MatchMarks m_marks;
+    int m_pendingMark = 0; // the box to mark on the page loaded next (-1: its last)
     std::function<void(qint32)> m_printHandler;
     bool m_closeWhenLoaded = false;
     bool m_imageChanged = false;

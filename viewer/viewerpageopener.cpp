@@ -41,6 +41,16 @@ PageViewWindow* ViewerPageOpener::viewer() const
 
 void ViewerPageOpener::openPage(qint32 pageId)
 {
+    open(pageId, PageWords());
+}
+
+void ViewerPageOpener::openFoundPage(qint32 pageId, const PageWords& words)
+{
+    open(pageId, words);
+}
+
+void ViewerPageOpener::open(qint32 pageId, const PageWords& words)
+{
     guarded(m_context.prompter, [&] {
         const std::optional<PageRow> page = m_context.session.pages().page(pageId);
         if (!page)
@@ -60,6 +70,7 @@ void ViewerPageOpener::openPage(qint32 pageId)
                 m_viewer->setPrintHandler(m_printHandler);
         }
         m_viewer->setWindowFlag(Qt::Window);
+        m_viewer->setMatchWords(words);
         m_viewer->openPage(pageId);
     });
 }

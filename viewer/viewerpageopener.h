@@ -23,6 +23,7 @@ public:
     ViewerPageOpener(CommandContext&& context) = delete;
 
     void openPage(qint32 pageId) override;
+    void openFoundPage(qint32 pageId, const PageWords& words) override;
     // What the viewers' Print button does, from the next viewer opened on.
     void setPrintHandler(std::function<void(qint32 pageId)> handler)
     {
@@ -36,6 +37,8 @@ public:
     static void openShortcut(const CommandContext& context, const PageRow& page);
 
 private:
+    void open(qint32 pageId, const PageWords& words);
+
     const CommandContext& m_context;
     QPointer<PageViewWindow> m_viewer;
     std::function<void(qint32)> m_printHandler;

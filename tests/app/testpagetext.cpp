@@ -1,0 +1,168 @@
+#include <QCoreApplication>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QPushButton>
+#include <QTest>
+
+#include "core/settings.h"
+#include "store/pagepaths.h"
+#include "tests/app/apprun.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
+#include "tests/support/testrunner.h"
+#include "tests/text/printedpage.h"
+#include "text/textreading.h"
+#include "text/textworker.h"
+#include "viewer/matchmarks.h"
+#include "viewer/pagecanvas.h"
+#include "viewer/pageviewwindow.h"
+
+using namespace qmr;
+
+// The worker that reads the pages is this executable in the program's worker mode.
+QMR_TEST_PROGRAM_MODE(TextWorker, TextWorker::kOption, &TextWorker::run)
+
+namespace {
+
+constexpr int kReadMs = 180000;
+
+} // namespace
+
+// Words printed on filed pages, read by the assembled program, found through Find, marked in
+// the page pane and boxed in the viewer, whose match buttons go through the document.
+class TestPageText : public QObject
+{
+    Q_OBJECT
+private slots:
+    void foundMarkedAndBoxed()
+    {
+        test::AppRun run;
+        QList<qint32> pages;
+        QStringList path; // the keys from the cabinet down to the document
+        qint32 doc = -1;
+        {
+            test::FixtureStore store(run.home.home());
+            const qint32 cabinet = store.cabinet("Home");
+            const qint32 drawer = store.drawer(cabinet, "Bills");
+            const qint32 folder = store.folder(drawer, "Gas");
+            doc = store.document(folder, "Winter");
+            path = QStringList{NodeKey::of(Level::Cabinet, cabinet).text(),
+                               NodeKey::of(Level::Drawer, drawer).text(),
+                               NodeKey::of(Level::Folder, folder).text(),
+                               NodeKey::of(Level::Document, doc).text()};
+            const QList<QStringList> printed = {{"Garden tools receipt"},
+                                                {"Northwind heating invoice", "Pay Northwind soon"},
+                                                {"Water meter reading"},
+                                                {"Northwind final notice"}};
+            for (const QStringList& lines : printed) {
+                pages << store.pageRow(doc, int(pages.size()) + 1);
+                const QString file = PagePaths(run.home.home()).computedPagePath(pages.last());
+                QVERIFY(QDir().mkpath(QFileInfo(file).path()));
+                QVERIFY(test::printedPage(lines).save(file, "JPG"));
+            }
+        }
+        run.home.settings().set(keys::OcrLanguages, "eng");
+        run.startup = std::make_unique<Startup>(
+            run.home.home(), run.home.settings(), run.prompter, run.choosers,
+            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
+        QVERIFY(run.startup->start());
+        TextReading* reading = run.startup->textReading();
+        QVERIFY(reading);
+        QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == pages; }, kReadMs));
+
+        test::whenModal(this, [](QWidget* find) {
+            find->findChild<QLineEdit*>("txtPageWords")->setText("northwind");
+            find->findChild<QPushButton*>("cmdFind")->click();
+        });
+        run.window()->menus().run("mnuFileFind");
+        const QString found = NodeKey::found(Level::Document, doc).text();
+        QTRY_VERIFY(run.tree()->node(found));
+        QVERIFY(run.tree()->selectNode(found));
+        QTest::keyClick(run.tree(), Qt::Key_Return);
+
+        // The pane marks the pages that hold the word, and only those.
+        QTRY_COMPARE(run.pages()->count(), 4);
+        QList<qint32> marked;
+        for (int row = 0; row < run.pages()->count(); ++row)
+            if (run.pages()->matchedAt(row))
+                marked << run.pages()->pageIdAt(row);
+        QCOMPARE(marked, (QList<qint32>{pages.at(1), pages.at(3)}));
+
+        // Opened as a person opens it: the word is boxed where it is printed, twice.
+        QVERIFY(run.pages()->selectPage(pages.at(1)));
+        QTest::keyClick(run.pageView(), Qt::Key_Return);
+        PageViewWindow* viewer = nullptr;
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                viewer = run.window()->findChild<PageViewWindow*>();
+                return viewer && viewer->location().pageId == pages.at(1) &&
+                       viewer->canvas()->hasImage();
+            },
+            60000));
+        const QList<QRect> boxes = viewer->canvas()->marks();
+        QCOMPARE(boxes.size(), 2);
+        // "Northwind" begins the first line at (150, 150) and ends the second's words.
+        QVERIFY2(qAbs(boxes.at(0).left() - 150) < 15 && qAbs(boxes.at(0).bottom() - 150) < 20,
+                 qPrintable(QString("first box %1,%2 %3x%4")
+                                .arg(boxes.at(0).x())
+                                .arg(boxes.at(0).y())
+                                .arg(boxes.at(0).width())
+                                .arg(boxes.at(0).height())));
+        QVERIFY(boxes.at(0).width() > 150 && boxes.at(0).width() < 300);
+        QVERIFY(boxes.at(1).top() > boxes.at(0).bottom());
+        QCOMPARE(viewer->canvas()->currentMark(), 0);
+        auto* label = viewer->findChild<QLabel*>("lblMatch");
+        auto* next = viewer->findChild<QPushButton*>("cmdNextMatch");
+        auto* prev = viewer->findChild<QPushButton*>("cmdPrevMatch");
+        QVERIFY(label->isVisible() && next->isEnabled() && !prev->isEnabled());
+        QCOMPARE(label->text(), QString("Match 1 of 2 on this page"));
+
+        // F3 goes to the next place, then on to the next page that holds the word; back
+        // from there ends on the last place of the page before.
+        viewer->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(viewer));
+        // A button's key clicks it as a mouse would, a moment later.
+        QTest::keyClick(viewer, Qt::Key_F3);
+        QTRY_COMPARE(viewer->canvas()->currentMark(), 1);
+        QTest::keyClick(viewer, Qt::Key_F3);
+        QTRY_COMPARE(viewer->location().pageId, pages.at(3));
+        QCOMPARE(viewer->canvas()->marks().size(), 1);
+        QCOMPARE(viewer->canvas()->currentMark(), 0);
+        QVERIFY(!next->isEnabled() && prev->isEnabled());
+        QTest::keyClick(viewer, Qt::Key_F3, Qt::ShiftModifier);
+        QTRY_COMPARE(viewer->location().pageId, pages.at(1));
+        QCOMPARE(viewer->canvas()->currentMark(), 1);
+
+        // A turned picture no longer fits its boxes; turned back, it does again.
+        viewer->cmdRotateClockwise();
+        QVERIFY(viewer->canvas()->marks().isEmpty());
+        QVERIFY(!next->isEnabled());
+        viewer->mnuEditUndo();
+        QCOMPARE(viewer->canvas()->marks().size(), 2);
+
+        // A page of the same document opened from the filing tree shows no marks.
+        const QPointer<PageViewWindow> closed = viewer;
+        viewer->close();
+        QTRY_VERIFY(!closed);
+        run.click(path);
+        QCOMPARE(run.tree()->selectedKey(), path.last());
+        QVERIFY(!run.window()->pageList()->isFound());
+        QTRY_COMPARE(run.pages()->count(), 4);
+        QVERIFY(!run.pages()->matchedAt(1));
+        QVERIFY(run.pages()->selectPage(pages.at(1)));
+        QTest::keyClick(run.pageView(), Qt::Key_Return);
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                viewer = run.window()->findChild<PageViewWindow*>();
+                return viewer && viewer->isVisible() && viewer->canvas()->hasImage();
+            },
+            60000));
+        QVERIFY(viewer->canvas()->marks().isEmpty());
+        QVERIFY(!viewer->findChild<QPushButton*>("cmdNextMatch")->isVisible());
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+    }
+};
+
+QMR_TEST(TestPageText)
+#include "testpagetext.moc"
