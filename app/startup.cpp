@@ -26,6 +26,7 @@
 #include "store/storeerror.h"
 #include "templates/drawertemplates.h"
 #include "text/readingline.h"
+#include "text/textcommands.h"
 #include "text/textreading.h"
 #include "text/textrecognizer.h"
 #include "viewer/editrescue.h"
@@ -139,6 +140,8 @@ void Startup::startTextReading()
         return;
     }
     new ReadingLine(*m_reading->reader(), *m_window->statusBar());
+    QObject::connect(&m_window->textCommands(), &TextCommands::languagesChosen, m_reading.get(),
+                     &TextReading::setLanguages);
     m_notifiers->add(*m_reading);
 }
 

@@ -34,6 +34,7 @@ const std::initializer_list<MenuDef>& menuTable()
           {"mnuPrintSettings", QT_TRANSLATE_NOOP("qmr::NavMenus", "P&rint Settings...")},
           {"mnuEmailSettings", QT_TRANSLATE_NOOP("qmr::NavMenus", "&Email Settings...")},
           {"mnuViewSettings", QT_TRANSLATE_NOOP("qmr::NavMenus", "&View Settings...")},
+          {"mnuTextSettings", QT_TRANSLATE_NOOP("qmr::NavMenus", "Page &Text Settings...")},
           {"mnuFileDash1", nullptr},
           {"mnuFileExit", QT_TRANSLATE_NOOP("qmr::NavMenus", "E&xit")}}},
         {"mnuPopupRoot",

@@ -40,6 +40,7 @@
 #include "scan/scancommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "text/textcommands.h"
 #include "viewer/editrescue.h"
 #include "viewer/viewercommands.h"
 
@@ -132,6 +133,8 @@ void NavWindow::buildMenus()
     m_navigator->setPageOpener(&m_viewerCommands->pageOpener());
     m_viewerCommands->addTo(commands);
     MailCommands(m_navigator->context()).addTo(commands);
+    m_textCommands = std::make_unique<TextCommands>(m_navigator->context());
+    m_textCommands->addTo(commands);
     commands.insert(QStringLiteral("mnuFileExit"), [this] { mnuFileExit(); });
     commands.insert(QStringLiteral("mnuPopupRootRefresh"),
                     [this] { m_navigator->refreshNavTree(); });

@@ -28,6 +28,7 @@ class Navigator;
 class PagePane;
 class PrintCommands;
 class ScanCommands;
+class TextCommands;
 class ViewerCommands;
 
 // frmNavTree: lays out the filing tree, the container list and the page list, and wires the
@@ -57,6 +58,7 @@ public:
     PrintCommands& printCommands() { return *m_printCommands; }
     HelpCommands& helpCommands() { return *m_helpCommands; }
     ClipboardCommands& clipboardCommands() { return *m_clipboardCommands; }
+    TextCommands& textCommands() { return *m_textCommands; }
     NavDragDrop& dragDrop() { return *m_dragDrop; }
     NavTree* tree() const { return m_tree; }
     ContainerList* list() const { return m_list; }
@@ -111,6 +113,7 @@ private:
     std::unique_ptr<ClipboardCommands> m_clipboardCommands;
     std::unique_ptr<NavDragDrop> m_dragDrop;
     std::unique_ptr<ScanCommands> m_scanCommands;
+    std::unique_ptr<TextCommands> m_textCommands;
     bool m_firstShow = false;
     bool m_finished = false;
 };

@@ -6,9 +6,9 @@
 #include <QTreeView>
 
 #include "core/nodekey.h"
-#include "navigator/emptyhint.h"
 #include "filing/pageentry.h"
 #include "filing/thumbnailmaker.h"
+#include "navigator/emptyhint.h"
 
 namespace qmr {
 

@@ -39,6 +39,7 @@ void ReadingLine::showProgress(int done, int total)
     if (total <= 0)
         return;
     m_label->setText(tr("Reading text: %1 of %2 pages").arg(done).arg(total));
+    m_pause->show(); // gone while a failure was said
     m_bar.show();
 }
 

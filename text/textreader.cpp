@@ -47,6 +47,26 @@ void TextReader::enqueue(const QList<Page>& pages)
     startNext();
 }
 
+void TextReader::setWorker(QStringList worker)
+{
+    m_worker = std::move(worker);
+    if (m_failed) {
+        m_failed = false;
+        if (m_process) {
+            m_process->disconnect(this);
+            m_process->kill();
+            m_process->deleteLater();
+            m_process = nullptr;
+        }
+        m_ready = false;
+        m_closing = false;
+    } else if (m_process && !m_closing) {
+        m_closing = true;
+        m_process->closeWriteChannel();
+    }
+    startNext();
+}
+
 void TextReader::setPaused(bool paused)
 {
     m_paused = paused;

@@ -33,6 +33,9 @@ public:
 
     // Adds pages to the end of the queue (a page already waiting is not added twice).
     void enqueue(const QList<Page>& pages);
+    // Another worker (its languages changed): the one running ends after the page it reads,
+    // and the next page starts the new one. A reading stopped by a failure tries again.
+    void setWorker(QStringList worker);
     // Paused, the page being read is finished and no other is started.
     void setPaused(bool paused);
     bool isPaused() const { return m_paused; }

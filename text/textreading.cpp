@@ -65,4 +65,11 @@ void TextReading::pageAdded(qint32)
     m_later.start();
 }
 
+void TextReading::setLanguages(const QString& languages)
+{
+    m_languages = languages;
+    if (m_reader)
+        m_reader->setWorker(m_worker + QStringList{m_languages});
+}
+
 } // namespace qmr

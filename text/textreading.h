@@ -34,6 +34,10 @@ public:
     Attempt<> start();
     // Looks over the pages again.
     void refresh();
+    // The pages are read in these languages from the next page on; pages read before keep
+    // their text.
+    void setLanguages(const QString& languages);
+    const QString& languages() const { return m_languages; }
     void pageAdded(qint32 pageId) override;
 
     TextIndex& index() { return m_index; }

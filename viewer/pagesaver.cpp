@@ -9,13 +9,13 @@
 #include "core/navigatorcallbacks.h"
 #include "core/progress.h"
 #include "core/prompter.h"
+#include "filing/imagefile.h"
+#include "filing/thumbnailmaker.h"
 #include "store/itemrules.h"
 #include "store/pageplace.h"
 #include "store/session.h"
 #include "store/storecolumns.h"
 #include "store/storeerror.h"
-#include "filing/imagefile.h"
-#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 

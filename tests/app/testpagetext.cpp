@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QLabel>
 #include <QLineEdit>
+#include <QListWidget>
 #include <QPointer>
 #include <QPushButton>
 #include <QTest>
@@ -160,6 +161,51 @@ private slots:
             60000));
         QVERIFY(viewer->canvas()->marks().isEmpty());
         QVERIFY(!viewer->findChild<QPushButton*>("cmdNextMatch")->isVisible());
+        QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
+    }
+
+    // Languages whose pack is missing: the foot of the window says so, the settings dialog
+    // says it again, and choosing a pack that is there has the pages read.
+    void aMissingPackAndAnotherChoice()
+    {
+        test::AppRun run;
+        qint32 page = -1;
+        {
+            test::FixtureStore store(run.home.home());
+            page = store.pageRow(
+                store.document(store.folder(store.drawer(store.cabinet("Home"), "Car"), "Tax"),
+                               "Notice"),
+                1);
+            const QString file = PagePaths(run.home.home()).computedPagePath(page);
+            QVERIFY(QDir().mkpath(QFileInfo(file).path()));
+            QVERIFY(test::printedPage({"Vehicle excise notice"}).save(file, "JPG"));
+        }
+        run.home.settings().set(keys::OcrLanguages, "xqz");
+        run.startup = std::make_unique<Startup>(
+            run.home.home(), run.home.settings(), run.prompter, run.choosers,
+            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
+        QVERIFY(run.startup->start());
+        auto* line = run.window()->findChild<QLabel*>("lblReadingText");
+        QVERIFY(line);
+        QTRY_VERIFY_WITH_TIMEOUT(line->text().contains("xqz"), kReadMs);
+
+        QString said;
+        test::whenModal(this, [&](QWidget* dialog) {
+            said = dialog->findChild<QLabel*>("lblMissing")->text();
+            auto* list = dialog->findChild<QListWidget*>("lstLanguages");
+            const QList<QListWidgetItem*> english =
+                list->findItems("English (eng)", Qt::MatchExactly);
+            if (english.size() == 1)
+                english.first()->setCheckState(Qt::Checked);
+            dialog->findChild<QPushButton*>("cmdOK")->click();
+        });
+        run.window()->menus().run("mnuTextSettings");
+        QVERIFY2(said.startsWith("The language pack for xqz is not installed"), qPrintable(said));
+        QCOMPARE(run.home.settings().get(keys::OcrLanguages), QString("eng"));
+        TextReading* reading = run.startup->textReading();
+        QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == QList<qint32>{page}; },
+                                kReadMs));
+        QCOMPARE(reading->index().pagesWith(PageWords::parse("excise")), QList<int>{page});
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 };

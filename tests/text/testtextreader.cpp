@@ -130,8 +130,9 @@ private slots:
             qPrintable(failed.first().first().toString()));
     }
 
-    // A missing language pack is said once, and nothing is marked: the pages wait for it.
-    void aMissingPackIsSaidOnce()
+    // A missing language pack is said once, and nothing is marked: the pages wait, and are
+    // read once languages that are there are chosen.
+    void aMissingPackIsSaidOnceAndAnotherChoiceReads()
     {
         QTemporaryDir home;
         TextIndex index(home.path());
@@ -145,6 +146,13 @@ private slots:
                          "read until it is."));
         QVERIFY(!reader.isIdle());
         QCOMPARE(index.pages(), QList<int>{});
+
+        QSignalSpy idle(&reader, &TextReader::idle);
+        reader.setWorker(workerCommand("eng"));
+        QVERIFY(idle.wait(kPatienceMs));
+        QCOMPARE(failed.size(), 1);
+        QCOMPARE(pagesWith(index, "northwind"), QList<int>{1});
+        QCOMPARE(pagesWith(index, "meter"), QList<int>{2});
     }
 };
 
