@@ -2,6 +2,7 @@
 
 #include <QCommandLineParser>
 #include <QCoreApplication>
+#include <QFile>
 #include <QFileInfo>
 #include <QTextStream>
 #include <cstdio>
@@ -12,13 +13,15 @@
 #include "core/quitsignals.h"
 #include "core/settings.h"
 #include "exchange/exchangebatch.h"
+#include "filing/thumbnailmaker.h"
 #include "store/schema.h"
 #include "store/session.h"
 #include "store/storecheck.h"
 #include "store/storeerror.h"
+#include "store/textindex.h"
+#include "text/textindexcheck.h"
 #include "text/textrecognizer.h"
 #include "text/textworker.h"
-#include "filing/thumbnailmaker.h"
 
 namespace qmr {
 
@@ -270,11 +273,28 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         check.setThumbnailMaker([&home](const QString& page, const QString& thumb) {
             return ThumbnailMaker::makeThumbnail(page, thumb, home.path());
         });
-        const StoreCheck::Summary summary =
-            check.run(request.repair, [&out](const QString& problem, bool repaired) {
-                out << problem << (repaired ? tr(" (repaired)") : QString()) << '\n';
-                out.flush();
-            });
+        const auto report = [&out](const QString& problem, bool repaired) {
+            out << problem << (repaired ? tr(" (repaired)") : QString()) << '\n';
+            out.flush();
+        };
+        StoreCheck::Summary summary = check.run(request.repair, report);
+        // The index of the pages' text, when there is one: a check makes none.
+        if (TextIndex index(home.path()); QFile::exists(index.path())) {
+            try {
+                index.open();
+                const TextIndexCheck::Result text = TextIndexCheck::run(
+                    session.db(), session.paths(), index, request.repair, report);
+                summary.problems += text.problems;
+                summary.repaired += text.repaired;
+                if (text.waiting == 1)
+                    out << tr("1 page waits for its text to be read.") << '\n';
+                else if (text.waiting > 1)
+                    out << tr("%1 pages wait for their text to be read.").arg(text.waiting) << '\n';
+            } catch (const StoreError& e) {
+                report(tr("The page text index cannot be checked: %1").arg(e.message()), false);
+                ++summary.problems;
+            }
+        }
         out << summary.text() << '\n';
         return summary.clean() ? 0 : 1;
     }

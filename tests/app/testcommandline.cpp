@@ -178,6 +178,35 @@ private slots:
         r = runProgram({"--home", h, "--read-text"}, config.path());
         QCOMPARE(r.status, 0);
         QCOMPARE(r.out, QString("The text of every page is read.\n"));
+
+        // The check finds the entries that disagree with the store: a page gone behind the
+        // program's back, a file changed since it was read; a new page only waits.
+        const PagePaths paths(home.home());
+        {
+            test::FixtureStore store(home.home());
+            store.db().execute("DELETE FROM Page WHERE PageId = 3");
+            QVERIFY(test::printedPage({"Water meter replaced"}).save(paths.pagePath(2, ""), "JPG"));
+            const qint32 document =
+                store.db().scalar("SELECT DocumentId FROM Page WHERE PageId = 1").toInt();
+            store.page(document, 3);
+        }
+        // (The store's own lines about the sizes and the page's leftover files come first.)
+        const QStringList textLines = {
+            "Page text of page 3: the page is gone",
+            "Page 2: its text was read from an earlier version of its file",
+            "1 page waits for its text to be read."};
+        r = runProgram({"--home", h, "--check"}, config.path());
+        QCOMPARE(r.status, 1);
+        for (const QString& line : textLines)
+            QVERIFY2(r.out.contains(line + "\n"), qPrintable(r.out));
+        r = runProgram({"--home", h, "--check", "--repair"}, config.path());
+        QCOMPARE(r.status, 0);
+        QVERIFY2(r.out.contains(textLines.at(0) + " (repaired)\n") &&
+                     r.out.contains(textLines.at(1) + " (repaired)\n"),
+                 qPrintable(r.out));
+        r = runProgram({"--home", h, "--check"}, config.path());
+        QCOMPARE(r.status, 0);
+        QCOMPARE(r.out, QString("2 pages wait for their text to be read.\nNo problems found.\n"));
     }
 
     // Each way a batch run ends has its status: 0 done, 1 failed, 2 not understood.
