@@ -40,6 +40,7 @@
 #include "scan/scancommands.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "text/searchablepdfcommand.h"
 #include "viewer/editrescue.h"
 #include "viewer/viewercommands.h"
 
@@ -143,6 +144,7 @@ void NavWindow::buildMenus()
     m_printCommands->addTo(commands);
     m_viewerCommands->pageOpener().setPrintHandler(
         [this](qint32 pageId) { m_printCommands->printPage(pageId); });
+    SearchablePdfCommand::addTo(m_navigator->context(), commands);
     m_helpCommands = std::make_unique<HelpCommands>(m_navigator->context());
     m_helpCommands->addTo(commands);
     m_deleteCommand = std::make_unique<DeleteCommand>(m_navigator->context());

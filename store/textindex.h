@@ -82,10 +82,11 @@ public:
     QList<QRect> boxesOf(int pageId, const PageWords& words);
     // The page's words as read, one space between them; "" for a page without an entry.
     QString textOf(int pageId);
+    // The page's words with their boxes, in reading order; none for a page without an entry.
+    QList<Word> wordsOf(int pageId);
 
 private:
     void makeTables();
-    QList<Word> wordsOf(int pageId);
 
     QString m_path;
     Database m_db;
