@@ -100,6 +100,8 @@ inline constexpr SettingKey SendmailPath{"SendmailPath", "/usr/sbin/sendmail"};
 inline constexpr SettingKey LastOutputPath{"LastOutputPath", ""};
 inline constexpr SettingKey LastImportPath{"LastImportPath", ""};
 inline constexpr SettingKey PathSelect{"PathSelect", ""};
+// The directory a document was last saved to as a searchable PDF.
+inline constexpr SettingKey SearchablePdfPath{"SearchablePdfPath", ""};
 
 } // namespace keys
 

@@ -5,8 +5,8 @@
 #include <QImageReader>
 
 #include "core/imageloader.h"
+#include "core/imageresolution.h"
 #include "core/progress.h"
-#include "print/imageresolution.h"
 #include "print/printtarget.h"
 #include "store/pagepaths.h"
 

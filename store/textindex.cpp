@@ -301,6 +301,11 @@ QList<QRect> TextIndex::boxesOf(const QList<Word>& read, const PageWords& words)
     return boxes;
 }
 
+QList<TextIndex::Word> TextIndex::wordsOf(int pageId)
+{
+    return wordsOf(m_db, QStringLiteral("PageText"), pageId);
+}
+
 QList<QRect> TextIndex::boxesOf(int pageId, const PageWords& words)
 {
     return boxesOf(wordsOf(m_db, QStringLiteral("PageText"), pageId), words);

@@ -82,6 +82,8 @@ public:
     QList<QRect> boxesOf(int pageId, const PageWords& words);
     // The page's words as read, one space between them; "" for a page without an entry.
     QString textOf(int pageId);
+    // The page's words with their boxes, in reading order; none for a page without an entry.
+    QList<Word> wordsOf(int pageId);
 
     // Asked of the index attached to the store's connection (nothing when it is not): the
     // document's pages whose text holds every term, in ascending order, and where on a page

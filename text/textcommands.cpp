@@ -3,6 +3,7 @@
 #include "core/settingkeys.h"
 #include "core/settings.h"
 #include "store/session.h"
+#include "text/searchablepdfcommand.h"
 #include "text/textrecognizer.h"
 #include "text/textsettingsdialog.h"
 
@@ -11,6 +12,7 @@ namespace qmr {
 void TextCommands::addTo(CommandTable& commands)
 {
     commands.insert(QStringLiteral("mnuTextSettings"), [this] { textSettings(); });
+    SearchablePdfCommand::addTo(m_context, commands);
 }
 
 void TextCommands::textSettings()

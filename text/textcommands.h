@@ -7,7 +7,8 @@
 
 namespace qmr {
 
-// The page text entries of the main window's menus: File > Page Text Settings.
+// The page text entries of the main window's menus: File > Page Text Settings and the
+// document's Save as Searchable PDF.
 class TextCommands : public QObject
 {
     Q_OBJECT

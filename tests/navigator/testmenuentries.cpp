@@ -1,11 +1,13 @@
 #include <QLabel>
 #include <QLineEdit>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include "core/pageopener.h"
 #include "core/textfile.h"
 #include "navharness.h"
 #include "print/printcommands.h"
+#include "store/pagestore.h"
 #include "tests/support/modalwatch.h"
 #include "tests/support/testrunner.h"
 #include "viewer/pagecanvas.h"
@@ -68,6 +70,30 @@ private slots:
         QTRY_VERIFY(!shown.isEmpty());
         QTEST(shown, "shown");
         QMR_VERIFY_PROMPTS(h);
+    }
+
+    // The document the tree points at is saved as a PDF of its pictures; the sample's pages
+    // are not read, which the command says.
+    void searchablePdfOfTheDocumentPointedAt()
+    {
+        SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
+        QTemporaryDir out;
+        const QString pdf = out.filePath("statement.pdf");
+        h.choosers.queueSaveFile(pdf);
+        int pictures = 0;
+        for (const PageRow& page : PageStore(h.db()).pages(1))
+            pictures += !page.shortcut;
+        QVERIFY(pictures > 1);
+        h.prompter.expect(QString("%1 pages have not been read yet; the PDF holds their pictures "
+                                  "without text.")
+                              .arg(pictures));
+        h.trigger("mnuPopupDocumentSearchablePdf");
+        QMR_VERIFY_PROMPTS(h);
+        QCOMPARE(QFileInfo(h.choosers.saveStarts().value(0)).fileName(),
+                 QString("March statement.pdf"));
+        QFile written(pdf);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QVERIFY(written.read(5) == "%PDF-");
     }
 
     void pagesOpenInTheViewer()

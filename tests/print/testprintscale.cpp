@@ -2,8 +2,8 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "core/imageresolution.h"
 #include "core/settings.h"
-#include "print/imageresolution.h"
 #include "print/printscale.h"
 #include "printharness.h"
 #include "tests/support/testhome.h"

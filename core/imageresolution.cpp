@@ -1,4 +1,4 @@
-#include "print/imageresolution.h"
+#include "core/imageresolution.h"
 
 #include <QFile>
 #include <QImage>

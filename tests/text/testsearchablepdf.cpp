@@ -1,0 +1,367 @@
+#include <QBuffer>
+#include <QDir>
+#include <QFile>
+#include <QFileInfo>
+#include <QProcess>
+#include <QRegularExpression>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include "store/pagepaths.h"
+#include "store/pagestore.h"
+#include "store/textindex.h"
+#include "tests/support/commandharness.h"
+#include "tests/support/datarow.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/testrunner.h"
+#include "tests/text/printedpage.h"
+#include "text/searchablepdfcommand.h"
+
+using namespace qmr;
+using namespace qmr::test;
+
+namespace {
+
+// A picture of `size` at `dpi` (0: the file states none) with the lines printed on it in
+// 12 points, and the boxes of its words where they were printed.
+struct Picture
+{
+    QSize size;
+    int dpi = 0;
+    QStringList lines;
+
+    QPoint origin() const { return QPoint(150, 150); }
+    QImage image() const
+    {
+        QImage page(size, QImage::Format_RGB32);
+        page.fill(Qt::white);
+        const int perMetre = qRound((dpi ? dpi : 300) / 0.0254);
+        page.setDotsPerMeterX(perMetre);
+        page.setDotsPerMeterY(perMetre);
+        QPainter painter(&page);
+        painter.setFont(printFont());
+        painter.setPen(Qt::black);
+        QPoint at = origin();
+        for (const QString& line : lines) {
+            painter.drawText(at, line);
+            at.ry() += 100;
+        }
+        return page;
+    }
+    QList<TextIndex::Word> words() const
+    {
+        const QFontMetrics metrics(printFont());
+        QList<TextIndex::Word> words;
+        QPoint at = origin();
+        for (const QString& line : lines) {
+            int x = at.x();
+            for (const QString& word : line.split(' ')) {
+                const int width = metrics.horizontalAdvance(word);
+                words << TextIndex::Word{word, QRect(x, at.y() - metrics.ascent(), width,
+                                                     metrics.ascent() + metrics.descent())};
+                x += metrics.horizontalAdvance(word + ' ');
+            }
+            at.ry() += 100;
+        }
+        return words;
+    }
+    // As a JPEG file; one without a resolution says so in its header (JFIF units 0).
+    bool save(const QString& path) const
+    {
+        QByteArray bytes;
+        {
+            QBuffer buffer(&bytes);
+            if (!buffer.open(QIODevice::WriteOnly) || !image().save(&buffer, "JPG", 90))
+                return false;
+        }
+        if (!dpi) {
+            if (bytes.mid(6, 5) != QByteArray("JFIF", 5))
+                return false;
+            bytes[13] = 0;
+        }
+        QFile file(path);
+        return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
+    }
+    // The page's size in points at its resolution.
+    QSizeF points() const
+    {
+        const double d = dpi ? dpi : 300;
+        return QSizeF(size.width() * 72.0 / d, size.height() * 72.0 / d);
+    }
+};
+
+// The document's pictures by page number; a shortcut stands at number 2.
+const QList<Picture>& pictures()
+{
+    static const QList<Picture> list = {
+        {QSize(2550, 3300), 300, {"Northwind heating invoice", "Account number 4471"}},
+        {QSize(2550, 3300), 150, {"Water meter reading"}},
+        {QSize(1275, 1650), 0, {"Garden tools receipt"}},
+    };
+    return list;
+}
+
+// Stops at the first page, as a user's Cancel would.
+class CancellingProgress : public SilentProgress
+{
+public:
+    void step(const QString&) override { m_cancelled = true; }
+    void showCancel() override { cancelShown = true; }
+    bool stopped() const override { return m_cancelled || SilentProgress::stopped(); }
+    void start(const QString& title, int minimum, int maximum) override
+    {
+        m_cancelled = false;
+        SilentProgress::start(title, minimum, maximum);
+    }
+    bool cancelShown = false;
+
+private:
+    bool m_cancelled = false;
+};
+
+// What a PDF tool prints; nothing when it failed.
+std::optional<QString> run(const QString& program, const QStringList& arguments)
+{
+    QProcess process;
+    process.start(program, arguments);
+    if (!process.waitForFinished(60000) || process.exitStatus() != QProcess::NormalExit ||
+        process.exitCode() != 0)
+        return std::nullopt;
+    return QString::fromUtf8(process.readAllStandardOutput());
+}
+
+QString pageText(const QString& pdf, int page)
+{
+    const QString n = QString::number(page);
+    return run("pdftotext", {"-f", n, "-l", n, pdf, "-"}).value_or("<failed>").simplified();
+}
+
+QList<QSizeF> pageSizes(const QString& pdf)
+{
+    QList<QSizeF> sizes;
+    const QString info = run("pdfinfo", {"-f", "1", "-l", "99", pdf}).value_or(QString());
+    static const QRegularExpression line(R"(Page\s+\d+ size:\s+([\d.]+) x ([\d.]+) pts)");
+    for (auto m = line.globalMatch(info); m.hasNext();) {
+        const auto match = m.next();
+        sizes << QSizeF(match.captured(1).toDouble(), match.captured(2).toDouble());
+    }
+    return sizes;
+}
+
+// Pixels that are dark on the rendered page where the picture is white all around: what would
+// be drawn over the picture.
+int drawnOver(const QImage& rendered, const QImage& picture)
+{
+    const QImage shown = rendered.convertToFormat(QImage::Format_Grayscale8);
+    const QImage paper = picture.convertToFormat(QImage::Format_Grayscale8);
+    int over = 0;
+    for (int y = 1; y + 1 < qMin(shown.height(), paper.height()); ++y)
+        for (int x = 1; x + 1 < qMin(shown.width(), paper.width()); ++x) {
+            if (qGray(shown.pixel(x, y)) >= 128)
+                continue;
+            int darkest = 255;
+            for (int dy = -1; dy <= 1; ++dy)
+                for (int dx = -1; dx <= 1; ++dx)
+                    darkest = qMin(darkest, qGray(paper.pixel(x + dx, y + dy)));
+            over += darkest > 200;
+        }
+    return over;
+}
+
+int darkPixels(const QImage& image)
+{
+    const QImage grey = image.convertToFormat(QImage::Format_Grayscale8);
+    int dark = 0;
+    for (int y = 0; y < grey.height(); ++y)
+        for (int x = 0; x < grey.width(); ++x)
+            dark += qGray(grey.pixel(x, y)) < 128;
+    return dark;
+}
+
+// A home with the document "March statement": the pictures above at page numbers 1, 3 and 4,
+// a shortcut at number 2, and the document "Links" of a shortcut alone.
+struct PdfHome : CommandHarness<>
+{
+    qint32 document = -1;
+    qint32 links = -1;
+    QList<qint32> pageIds; // of the pictures
+
+    bool fill()
+    {
+        {
+            FixtureStore store(home.home());
+            const qint32 folder = store.folder(store.drawer(store.cabinet("Home"), "Bills"), "Gas");
+            document = store.document(folder, "March statement");
+            links = store.document(folder, "Links");
+            const PagePaths paths(home.home());
+            const int numbers[] = {1, 3, 4};
+            for (int i = 0; i < pictures().size(); ++i) {
+                pageIds << store.page(document, numbers[i]);
+                if (!pictures().at(i).save(paths.pagePath(pageIds.last(), "")))
+                    return false;
+            }
+            NewPage shortcut;
+            shortcut.pageNumber = 2;
+            shortcut.shortcut = true;
+            shortcut.filename = home.file("reply.txt");
+            PageStore pages(store.db());
+            pages.insertPage(document, shortcut);
+            shortcut.pageNumber = 1;
+            pages.insertPage(links, shortcut);
+        }
+        openSession();
+        return true;
+    }
+    QString pagePath(int picture) const
+    {
+        return PagePaths(home.home()).pagePath(pageIds.at(picture), "");
+    }
+    // Puts the words of the pictures whose text is "read", as the reader would; "stale" puts
+    // them for the file as it was before it changed.
+    void index(const QStringList& states)
+    {
+        TextIndex text(home.path());
+        text.open();
+        for (int i = 0; i < states.size(); ++i) {
+            TextIndex::Stamp stamp = TextIndex::Stamp::of(pagePath(i));
+            if (states.at(i) == "stale")
+                stamp.modified -= 60000;
+            if (states.at(i) != "none")
+                text.put(pageIds.at(i), stamp, pictures().at(i).words());
+        }
+    }
+};
+
+} // namespace
+
+// A document saved as a PDF shows its pictures at their paper's size, with the words read on
+// them findable and invisible.
+class TestSearchablePdf : public QObject
+{
+    Q_OBJECT
+private slots:
+    void picturesWithTheirWords_data()
+    {
+        // Per picture: "read", "none" (not read yet) or "stale" (read from an older file).
+        columns<QStringList, QString>({"states", "message"});
+        row("all read", QStringList{"read", "read", "read"}, QString());
+        row("one not read", QStringList{"read", "none", "read"},
+            QString("1 page has not been read yet; the PDF holds its picture without text."));
+        row("one not read, one changed since", QStringList{"read", "stale", "none"},
+            QString("2 pages have not been read yet; the PDF holds their pictures without "
+                    "text."));
+    }
+    void picturesWithTheirWords()
+    {
+        QFETCH(QStringList, states);
+        QFETCH(QString, message);
+        PdfHome h;
+        QVERIFY(h.fill());
+        h.index(states);
+        QTemporaryDir out;
+        const QString pdf = out.filePath("statement.pdf");
+        h.choosers.queueSaveFile(pdf);
+        if (!message.isEmpty())
+            h.prompter.expect(message);
+        SearchablePdfCommand::saveDocument(h.context(), h.document);
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(QFileInfo(h.choosers.saveStarts().value(0)).fileName(),
+                 QString("March statement.pdf"));
+        QVERIFY(QFileInfo::exists(pdf));
+
+        // The shortcut is left out; the pictures come in page order, each the size of its paper.
+        const QList<QSizeF> sizes = pageSizes(pdf);
+        QCOMPARE(sizes.size(), pictures().size());
+        for (int i = 0; i < pictures().size(); ++i) {
+            const QSizeF expected = pictures().at(i).points();
+            QVERIFY2(qAbs(sizes.at(i).width() - expected.width()) <= 0.5 &&
+                         qAbs(sizes.at(i).height() - expected.height()) <= 0.5,
+                     qPrintable(QString("page %1: %2 x %3 pt, not %4 x %5")
+                                    .arg(i + 1)
+                                    .arg(sizes.at(i).width())
+                                    .arg(sizes.at(i).height())
+                                    .arg(expected.width())
+                                    .arg(expected.height())));
+            const QString words = states.at(i) == "read" ? pictures().at(i).lines.join(' ') : "";
+            QCOMPARE(pageText(pdf, i + 1), words);
+        }
+
+        // The words are laid over the first picture, yet only the picture shows.
+        const QString shot = out.filePath("shot");
+        QVERIFY(run("pdftoppm",
+                    {"-r", "300", "-gray", "-f", "1", "-l", "1", "-singlefile", pdf, shot}));
+        const QImage rendered(shot + ".pgm");
+        const QImage picture = pictures().at(0).image();
+        QVERIFY(!rendered.isNull());
+        QVERIFY(qAbs(rendered.width() - picture.width()) <= 1);
+        QVERIFY(darkPixels(rendered) > darkPixels(picture) / 2);
+        QCOMPARE(drawnOver(rendered, picture), 0);
+
+        // The chooser opens where the last PDF went.
+        h.choosers.queueSaveFile(std::nullopt);
+        SearchablePdfCommand::saveDocument(h.context(), h.document);
+        QCOMPARE(h.choosers.saveStarts().value(1), out.filePath("March statement.pdf"));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+    }
+
+    void noFileWhenItCannotBeWhole_data()
+    {
+        // `target`: where the file is asked for, under the output directory; `message`: how
+        // the one message begins ("<pdf>": the file, "<picture>": the picture), "" for none.
+        columns<QString, QString, bool, QString>({"target", "document", "cancel", "message"});
+        row("cancelled", QString("statement.pdf"), QString("March statement"), true, QString());
+        row("directory missing", QString("missing/statement.pdf"), QString("March statement"),
+            false, QString("The PDF '<pdf>' could not be written: "));
+        row("a file in the directory's place", QString("plain.txt/statement.pdf"),
+            QString("March statement"), false, QString("The PDF '<pdf>' could not be written: "));
+        row("picture gone", QString("statement.pdf"), QString("gone"), false,
+            QString("The picture of page 3 ('<picture>') could not be read: "));
+        row("shortcuts only", QString("statement.pdf"), QString("Links"), false,
+            QString("The document 'Links' has no scanned pages to save as a PDF."));
+    }
+    void noFileWhenItCannotBeWhole()
+    {
+        QFETCH(QString, target);
+        QFETCH(QString, document);
+        QFETCH(bool, cancel);
+        QFETCH(QString, message);
+        PdfHome h;
+        QVERIFY(h.fill());
+        h.index({"read", "read", "read"});
+        QTemporaryDir out;
+        QFile plain(out.filePath("plain.txt"));
+        QVERIFY(plain.open(QIODevice::WriteOnly) && plain.write("in the way") > 0);
+        plain.close();
+        const QString pdf = out.filePath(target);
+        h.choosers.queueSaveFile(pdf);
+        if (document == "gone")
+            QVERIFY(QFile::remove(h.pagePath(1)));
+        CancellingProgress progress;
+        SilentProgress silent;
+        Progress& used = cancel ? static_cast<Progress&>(progress) : silent;
+        SearchablePdfCommand::saveDocument(h.context(&used),
+                                           document == "Links" ? h.links : h.document);
+        const QStringList seen = h.prompter.seen();
+        if (message.isEmpty()) {
+            QCOMPARE(seen, QStringList());
+        } else {
+            QCOMPARE(seen.size(), 1);
+            const QString begins =
+                QString(message).replace("<pdf>", pdf).replace("<picture>", h.pagePath(1));
+            QVERIFY2(seen.first().startsWith(begins), qPrintable(seen.first()));
+        }
+        if (cancel)
+            QVERIFY(progress.cancelShown);
+        // Nothing is left behind, not even a part of the file.
+        QVERIFY(!QFileInfo::exists(pdf));
+        const QDir directory(QFileInfo(pdf).absolutePath());
+        QCOMPARE(directory.exists() ? directory.entryList(QDir::Files).filter("statement")
+                                    : QStringList(),
+                 QStringList());
+        // The shortcut document asks for no file at all.
+        QCOMPARE(h.choosers.saveStarts().size(), document == "Links" ? 0 : 1);
+    }
+};
+
+QMR_TEST(TestSearchablePdf)
+#include "testsearchablepdf.moc"
