@@ -16,6 +16,7 @@
 #include "resources/buttonicons.h"
 #include "store/commandguard.h"
 #include "store/session.h"
+#include "text/searchablepdfcommand.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/windowplacement.h"
 #include "viewer/zoomrules.h"
@@ -80,6 +81,11 @@ PageViewWindow::PageViewWindow(const CommandContext& context, QWidget* parent)
     on(m_ui->cmdAutoTrim, &PageViewWindow::cmdAutoTrim);
     on(m_ui->cmdInfo, &PageViewWindow::cmdInfo);
     connect(m_ui->cmdSave, &QPushButton::clicked, this, [this] { save(); });
+    connect(m_ui->cmdSearchablePdf, &QPushButton::clicked, this, [this] {
+        // The saved pages are written: a new page counts once it is saved.
+        if (m_mode == ViewerMode::Edit && m_location.documentId >= 0)
+            SearchablePdfCommand::saveDocument(m_context, m_location.documentId);
+    });
     connect(m_ui->txtFilename, &QLineEdit::returnPressed, this, [this] { save(); });
     connect(m_ui->cmdPrint, &QPushButton::clicked, this, [this] {
         if (m_printHandler)
@@ -179,6 +185,7 @@ bool PageViewWindow::preResolveDbId()
         return false;
     m_ui->cmdPrev->setEnabled(m_location.prevPageId >= 0);
     m_ui->cmdNext->setEnabled(m_location.nextPageId >= 0);
+    m_ui->cmdSearchablePdf->setEnabled(m_mode == ViewerMode::Edit);
     if (m_mode == ViewerMode::Add && m_ui->txtFilename->text().isEmpty()) {
         QString path = m_location.storagePath;
         if (!path.endsWith(QLatin1Char('/')))

@@ -3,7 +3,9 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
+#include <QProcess>
 #include <QPushButton>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include "core/settings.h"
@@ -134,6 +136,18 @@ private slots:
         QTest::keyClick(viewer, Qt::Key_F3, Qt::ShiftModifier);
         QTRY_COMPARE(viewer->location().pageId, pages.at(1));
         QCOMPARE(viewer->canvas()->currentMark(), 1);
+
+        // The viewer's Searchable PDF writes the whole document with its words under the
+        // pictures: each PDF page gives back its page's text.
+        QTemporaryDir out;
+        const QString pdf = out.filePath("Winter.pdf");
+        run.choosers.queueSaveFile(pdf);
+        viewer->findChild<QPushButton*>("cmdSearchablePdf")->click();
+        QProcess text;
+        text.start("pdftotext", {"-f", "2", "-l", "2", pdf, "-"});
+        QVERIFY(text.waitForFinished(60000));
+        QCOMPARE(QString::fromUtf8(text.readAllStandardOutput()).simplified(),
+                 QString("Northwind heating invoice Pay Northwind soon"));
 
         // A turned picture no longer fits its boxes; turned back, it does again.
         viewer->cmdRotateClockwise();
