@@ -67,6 +67,11 @@ QImage ThumbnailCache::readTile(const QString& thumbPath)
     return tile;
 }
 
+const QString& ThumbnailCache::keyOf(const Request& request)
+{
+    return request.pdf ? request.pagePath : request.thumbPath;
+}
+
 QHash<qint32, QImage> ThumbnailCache::request(const QVector<Request>& block)
 {
     cancel();
@@ -74,22 +79,29 @@ QHash<qint32, QImage> ThumbnailCache::request(const QVector<Request>& block)
     QElapsedTimer clock;
     clock.start();
     for (const Request& r : block) {
-        if (r.thumbPath.isEmpty())
+        const QString& key = keyOf(r);
+        if (key.isEmpty())
             continue;
-        if (m_elsewhere.contains(r.thumbPath)) {
+        if (m_elsewhere.contains(key)) {
             want(r);
             continue;
         }
-        const QFileInfo info(r.thumbPath);
+        if (r.pdf) {
+            if (const Cached* cached = m_memory.object(key))
+                atHand.insert(r.pageId, cached->tile);
+            want(r);
+            continue;
+        }
+        const QFileInfo info(key);
         if (info.exists()) {
-            const Cached* cached = m_memory.object(r.thumbPath);
+            const Cached* cached = m_memory.object(key);
             if (cached && cached->modified == info.lastModified() && cached->size == info.size()) {
                 atHand.insert(r.pageId, cached->tile);
                 continue;
             }
             // Small files on a local disk read faster than a trip through the pool; a slow
             // disk soon uses up the budget and the rest go to the pool.
-            if (clock.elapsed() < m_readBudget && !m_inFlight.contains(r.thumbPath)) {
+            if (clock.elapsed() < m_readBudget && !m_inFlight.contains(key)) {
                 const QImage tile = readTile(r.thumbPath);
                 if (!tile.isNull()) {
                     remember(r.thumbPath, tile);
@@ -122,17 +134,18 @@ int ThumbnailCache::outstanding() const
 
 void ThumbnailCache::want(const Request& request)
 {
-    QVector<Request>& waiting = m_wanted[request.thumbPath];
+    const QString& key = keyOf(request);
+    QVector<Request>& waiting = m_wanted[key];
     waiting << request;
     if (waiting.size() > 1)
         return;
     {
         QMutexLocker lock(&m_shared->mutex);
-        m_shared->wanted.insert(request.thumbPath);
+        m_shared->wanted.insert(key);
     }
     // Work already under way for the file delivers to whoever wants it when it ends; two
     // writers of one file would spoil it.
-    if (!m_inFlight.contains(request.thumbPath) && !m_elsewhere.contains(request.thumbPath))
+    if (!m_inFlight.contains(key) && !m_elsewhere.contains(key))
         startJob(request);
 }
 
@@ -157,14 +170,32 @@ void ThumbnailCache::arrived(const QString& thumbPath, const QImage& tile)
 
 void ThumbnailCache::startJob(const Request& request)
 {
-    m_inFlight.insert(request.thumbPath);
+    const QString& key = keyOf(request);
+    m_inFlight.insert(key);
     const std::shared_ptr<Shared> shared = m_shared;
     const QString home = m_home;
-    m_pool.start(QRunnable::create([this, shared, home, request] {
+    std::optional<Cached> known;
+    if (const Cached* cached = request.pdf ? m_memory.object(key) : nullptr)
+        known = *cached;
+    m_pool.start(QRunnable::create([this, shared, home, request, key, known] {
         WorkerPriority::lowerCurrentThread();
-        const QString& path = request.thumbPath;
+        const QString& path = key;
         QImage tile;
         const bool skipped = !shared->isWanted(path);
+        if (!skipped && request.pdf) {
+            const QFileInfo info(path);
+            Cached drawn{QImage(), info.lastModified(), info.size()};
+            if (known && known->modified == drawn.modified && known->size == drawn.size) {
+                drawn.tile = known->tile;
+            } else if (info.exists()) {
+                if (const QImage page = ThumbnailMaker::reducedPdfPage(path); !page.isNull())
+                    drawn.tile = ThumbnailMaker::tile(page);
+            }
+            QMetaObject::invokeMethod(
+                this, [this, path, drawn] { finished(path, drawn.tile, false, drawn); },
+                Qt::QueuedConnection);
+            return;
+        }
         if (!skipped) {
             tile = readTile(path);
             if (tile.isNull() &&
@@ -178,7 +209,8 @@ void ThumbnailCache::startJob(const Request& request)
     }));
 }
 
-void ThumbnailCache::finished(const QString& thumbPath, const QImage& tile, bool skipped)
+void ThumbnailCache::finished(const QString& thumbPath, const QImage& tile, bool skipped,
+                              const std::optional<Cached>& drawn)
 {
     m_inFlight.remove(thumbPath);
     const auto waiting = m_wanted.constFind(thumbPath);
@@ -188,7 +220,11 @@ void ThumbnailCache::finished(const QString& thumbPath, const QImage& tile, bool
             startJob(waiting->first());
         return;
     }
-    if (!tile.isNull())
+    if (drawn && tile.isNull())
+        m_memory.remove(thumbPath); // the PDF can no longer be drawn
+    else if (drawn)
+        m_memory.insert(thumbPath, new Cached(*drawn));
+    else if (!tile.isNull())
         remember(thumbPath, tile);
     if (waiting == m_wanted.constEnd())
         return;

@@ -9,6 +9,7 @@
 #include <QThreadPool>
 #include <QVector>
 #include <memory>
+#include <optional>
 
 namespace qmr {
 
@@ -25,6 +26,11 @@ public:
         qint32 pageId = -1;
         QString pagePath;
         QString thumbPath;
+        // pagePath is a PDF kept as a shortcut: its tile is the first page, drawn again when
+        // the file changes and kept in memory only (thumbPath is not used). The file may lie
+        // on a slow or absent disk, so only the pool looks at it: a tile in memory is at hand
+        // at once and the pool delivers it again, or the new one, or none.
+        bool pdf = false;
     };
 
     // `home` is the directory whose dots do not count when thumbnail directories are made.
@@ -73,15 +79,19 @@ private:
     // What the pool's threads may read: the thumbnails still wanted.
     struct Shared;
 
+    // What a tile is known by: its thumbnail file, or the PDF a shortcut's tile is drawn from.
+    static const QString& keyOf(const Request& request);
     void want(const Request& request);
     void startJob(const Request& request);
-    void finished(const QString& thumbPath, const QImage& tile, bool skipped);
+    // `drawn`: the tile of a PDF with the time and size of the file it was drawn from.
+    void finished(const QString& thumbPath, const QImage& tile, bool skipped,
+                  const std::optional<Cached>& drawn = std::nullopt);
     void remember(const QString& thumbPath, const QImage& tile);
 
     QString m_home;
     QThreadPool m_pool;
     std::shared_ptr<Shared> m_shared;
-    // thumbnail path -> the requests waiting for it
+    // thumbnail path (PDF path) -> the requests waiting for it
     QHash<QString, QVector<Request>> m_wanted;
     QSet<QString> m_inFlight;
     QSet<QString> m_elsewhere;

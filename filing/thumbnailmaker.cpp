@@ -5,6 +5,7 @@
 #include <QImageReader>
 #include <QImageWriter>
 #include <QPainter>
+#include <QPdfDocument>
 #include <QtMath>
 
 #include "core/imageloader.h"
@@ -38,6 +39,26 @@ QImage ThumbnailMaker::reducedImage(const QString& pagePath)
     }
     QImageReader reader(pagePath);
     return reduce(reader);
+}
+
+QImage ThumbnailMaker::reducedPdfPage(const QString& pdfPath)
+{
+    QPdfDocument document;
+    if (document.load(pdfPath) != QPdfDocument::Error::None ||
+        document.status() != QPdfDocument::Status::Ready || document.pageCount() < 1)
+        return QImage();
+    const QSizeF points = document.pagePointSize(0);
+    if (points.isEmpty())
+        return QImage();
+    const QImage page = document.render(0, reducedSize(points.toSize().expandedTo(QSize(1, 1))));
+    if (page.isNull())
+        return QImage();
+    // The page is drawn without a background: where it is transparent, it is paper.
+    QImage paper(page.size(), QImage::Format_RGB32);
+    paper.fill(Qt::white);
+    QPainter painter(&paper);
+    painter.drawImage(0, 0, page);
+    return paper;
 }
 
 QImage ThumbnailMaker::reducedImageFromData(const QByteArray& page)

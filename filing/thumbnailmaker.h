@@ -29,6 +29,9 @@ public:
     static QImage reducedImage(const QString& pagePath);
     static QImage reducedImageFromData(const QByteArray& page);
     static QSize reducedSize(const QSize& size);
+    // The first page of a PDF drawn to fit 100 pixels, on white. Null for a file that needs
+    // a password, cannot be read as a PDF or has no pages.
+    static QImage reducedPdfPage(const QString& pdfPath);
     // The white tile with `reduced` in its top left corner.
     static QImage tile(const QImage& reduced);
 

@@ -291,9 +291,12 @@ void PagePane::showPageBlock()
     QHash<qint32, QImage> atHand;
     if (thumbnails) {
         QVector<ThumbnailCache::Request> requests;
-        for (const PageEntry* e : shown)
+        for (const PageEntry* e : shown) {
             if (!e->shortcut)
                 requests << ThumbnailCache::Request{e->pageId, e->pagePath, e->thumbPath};
+            else if (ShortcutIcons::isPdf(e->pagePath))
+                requests << ThumbnailCache::Request{e->pageId, e->pagePath, QString(), true};
+        }
         atHand = m_thumbnails->request(requests);
     }
     const QIcon blank = framedTile(QImage());
@@ -304,10 +307,10 @@ void PagePane::showPageBlock()
             continue;
         }
         QIcon icon = blank;
-        if (e->shortcut)
-            icon = framedTile(m_shortcutIcons.tile(e->filename));
-        else if (const auto tile = atHand.constFind(e->pageId); tile != atHand.constEnd())
+        if (const auto tile = atHand.constFind(e->pageId); tile != atHand.constEnd())
             icon = framedTile(*tile);
+        else if (e->shortcut)
+            icon = framedTile(m_shortcutIcons.tile(e->filename));
         m_list->addPage(*e, e->thumbnailText(), icon);
     }
     if (!thumbnails)
@@ -328,9 +331,14 @@ void PagePane::tileReady(qint32 pageId, const QImage& tile)
         return;
     }
     // A page whose file is gone (a copy that a crash cut short) says so; one whose picture
-    // cannot be made keeps its blank tile.
+    // cannot be made keeps its blank tile. A PDF shortcut whose page cannot be drawn (any
+    // more) has its type's icon.
     const auto entry = std::find_if(m_entries.cbegin(), m_entries.cend(),
                                     [pageId](const PageEntry& e) { return e.pageId == pageId; });
+    if (entry != m_entries.cend() && entry->shortcut) {
+        m_list->setTile(pageId, framedTile(m_shortcutIcons.tile(entry->filename)));
+        return;
+    }
     if (entry == m_entries.cend() || QFileInfo::exists(entry->pagePath))
         return;
     m_list->setTile(pageId, missingTile());

@@ -37,6 +37,11 @@ QIcon ShortcutIcons::iconFor(const QString& path) const
     return m_fallback;
 }
 
+bool ShortcutIcons::isPdf(const QString& path)
+{
+    return typeOf(path).inherits(QStringLiteral("application/pdf"));
+}
+
 QImage ShortcutIcons::tile(const QString& path)
 {
     const QString type = typeOf(path).name();

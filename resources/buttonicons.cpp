@@ -43,6 +43,9 @@ constexpr ButtonIcon kButtonIcons[] = {
     {"cmdCrop", "transform-crop", "crop"},
     {"cmdAutoTrim", "transform-crop-and-resize", "trim"},
     {"cmdInfo", "document-properties", "info"},
+    {"cmdSearchablePdf", "application-pdf", "pdf"},
+    {"cmdPrevMatch", "go-up", "matchprevious"},
+    {"cmdNextMatch", "go-down", "matchnext"},
 };
 
 } // namespace

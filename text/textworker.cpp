@@ -11,6 +11,7 @@
 #include <sys/resource.h>
 
 #include "core/imageloader.h"
+#include "text/pdftext.h"
 #include "text/textrecognizer.h"
 
 namespace qmr {
@@ -96,8 +97,15 @@ int TextWorker::run(int argc, char** argv)
         const int pageId = request.left(tab).toInt(&ok);
         if (tab < 0 || !ok)
             continue;
+        const QString path = QString::fromUtf8(request.mid(tab + 1));
+        // A PDF (a shortcut's file) carries its words: they are taken as they are, and one
+        // without them, or that needs a password, has none.
+        if (PdfText::isPdf(path)) {
+            say(answer(pageId, PdfText::words(path)));
+            continue;
+        }
         // A file that is gone or is no picture has no words; the reader records that.
-        QImageReader reader(QString::fromUtf8(request.mid(tab + 1)));
+        QImageReader reader(path);
         const LoadedImage loaded = ImageLoader::read(reader);
         say(answer(pageId, loaded.image.isNull() ? QList<TextIndex::Word>{}
                                                  : recognizer.read(loaded.image)));

@@ -13,7 +13,8 @@ namespace qmr {
 // It reads a request a line on its standard input, "<page id><tab><file>", and answers each
 // on its standard output with one line of JSON: {"page": id, "words": [[text, x, y, w, h] ...]}.
 // Its first line says it is ready, or why it cannot read: {"ready": true} or
-// {"failure": "..."}. A recogniser that crashes takes only this process down.
+// {"failure": "..."}. A recogniser that crashes takes only this process down, and so does a
+// PDF that brings down the library reading its words.
 class TextWorker
 {
 public:

@@ -9,6 +9,7 @@ packages=(
   qt6-image-formats-plugins            # more image formats for loose files
   qt6-l10n-tools qt6-tools-dev         # lupdate and its CMake package: the translation template
   libqt6svg6                           # draws the program's SVG icons at any size
+  qt6-pdf-dev                          # PDF shortcuts: their first page as a tile, their text
   libsqlite3-dev                       # the store
   libcurl4-openssl-dev                 # mail to an SMTP server
   qtkeychain-qt6-dev                   # the SMTP password in the desktop's keyring

@@ -284,9 +284,9 @@ void PageViewWindow::showMarks()
     m_ui->cmdPrevMatch->setEnabled(asRead && m_marks.previous().has_value());
     m_ui->cmdNextMatch->setEnabled(asRead && m_marks.next().has_value());
     const qsizetype count = m_marks.boxes().size();
-    m_ui->lblMatch->setText(
-        count == 0 ? tr("No match on this page")
-                   : tr("Match %1 of %2 on this page").arg(m_marks.current() + 1).arg(count));
+    m_ui->lblMatch->setText(count == 0
+                                ? tr("No match here")
+                                : tr("Match %1 of %2").arg(m_marks.current() + 1).arg(count));
 }
 
 void PageViewWindow::goToMatch(const std::optional<MatchMarks::Step>& step)

@@ -696,9 +696,9 @@ private slots:
         run.pages()->selectPage(1);
         for (const char* command :
              {"mnuPopupPageProperties", "mnuPopupPageRenumber", "mnuFileFind", "mnuScanSettings",
-              "mnuPrintSettings", "mnuEmailSettings", "mnuViewSettings", "mnuToolsImportFiles",
-              "mnuToolsExportCabinet", "mnuToolsDrawerTemplates", "mnuToolsCreateSampleCabinet",
-              "mnuHelpAbout"})
+              "mnuPrintSettings", "mnuEmailSettings", "mnuViewSettings", "mnuTextSettings",
+              "mnuToolsImportFiles", "mnuToolsExportCabinet", "mnuToolsDrawerTemplates",
+              "mnuToolsCreateSampleCabinet", "mnuHelpAbout"})
             dialog(command);
         dialog("mnuPopupPagePrint", Keys);
         dialog("mnuHelpHelpTopics", Names);
@@ -709,14 +709,14 @@ private slots:
         QTRY_VERIFY(viewer = w->findChild<QWidget*>("frmPageView"));
         QVERIFY(QTest::qWaitForWindowExposed(viewer));
         faults << windowFaults(viewer, "page viewer");
-        QCOMPARE(
-            captionsOf(viewer, faults),
-            QStringList({"cmdAutoTrim Auto &Trim", "cmdCancel Cancel", "cmdCrop &Crop",
-                         "cmdEmail E&mail", "cmdInfo &Info", "cmdNext &Next", "cmdPrev &Previous",
-                         "cmdPrint Print", "cmdRotateClockwise &Rotate",
-                         "cmdRotateCounterClockwise Rotate &Left", "cmdSave &Save",
-                         "cmdSaveAs Save &As...", "cmdZoomFitHeight Fit Height",
-                         "cmdZoomFitWidth Fit Width", "cmdZoomIn Zoom In", "cmdZoomOut Zoom Out"}));
+        QCOMPARE(captionsOf(viewer, faults),
+                 QStringList({"cmdAutoTrim Auto &Trim", "cmdCancel Cancel", "cmdCrop &Crop",
+                              "cmdEmail E&mail", "cmdInfo &Info", "cmdNext &Next",
+                              "cmdPrev &Previous", "cmdPrint Print", "cmdRotateClockwise &Rotate",
+                              "cmdRotateCounterClockwise Rotate &Left", "cmdSave &Save",
+                              "cmdSaveAs Save &As...", "cmdSearchablePdf Searchable P&DF...",
+                              "cmdZoomFitHeight Fit Height", "cmdZoomFitWidth Fit Width",
+                              "cmdZoomIn Zoom In", "cmdZoomOut Zoom Out"}));
         for (const char* button : {"cmdInfo", "cmdEmail"})
             faults << modalFaults(
                 button, [&] { viewer->findChild<QPushButton*>(button)->click(); }, Keys);

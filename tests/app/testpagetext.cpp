@@ -119,7 +119,7 @@ private slots:
         auto* next = viewer->findChild<QPushButton*>("cmdNextMatch");
         auto* prev = viewer->findChild<QPushButton*>("cmdPrevMatch");
         QVERIFY(label->isVisible() && next->isEnabled() && !prev->isEnabled());
-        QCOMPARE(label->text(), QString("Match 1 of 2 on this page"));
+        QCOMPARE(label->text(), QString("Match 1 of 2"));
 
         // F3 goes to the next place, then on to the next page that holds the word; back
         // from there ends on the last place of the page before.

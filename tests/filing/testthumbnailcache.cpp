@@ -7,9 +7,12 @@
 #include <QTest>
 
 #include "filing/thumbnailcache.h"
+#include "tests/support/datarow.h"
+#include "tests/support/testpdfs.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using namespace qmr::test;
 
 namespace {
 
@@ -248,6 +251,76 @@ private slots:
         b.cache.arrived(page.thumbPath, handed);
         QTest::qWait(20);
         QCOMPARE(b.ready.size(), 1);
+    }
+
+    // A PDF kept as a shortcut shows its first page, drawn off the GUI thread and kept in
+    // memory only; one that cannot be drawn delivers no tile, and the pane keeps its icon.
+    void pdfShortcutsShowTheirFirstPage_data()
+    {
+        columns<QString>({"kind"});
+        row("printed", QString("printed"));
+        for (const QString& kind : TestPdfs::refusedKinds())
+            row(qPrintable(kind), kind);
+    }
+    void pdfShortcutsShowTheirFirstPage()
+    {
+        QFETCH(QString, kind);
+        CacheBench b;
+        const QString pdf = b.dir.filePath("letter.pdf");
+        const bool printed = kind == "printed";
+        QVERIFY(printed ? TestPdfs::printed(pdf, {{"Northwind", "heating"}, {"Second page"}})
+                        : TestPdfs::refused(kind, pdf));
+        const ThumbnailCache::Request request{1, pdf, QString(), true};
+        QVERIFY(b.cache.request({request}).isEmpty());
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 1);
+        QCOMPARE(b.done.size(), 1);
+        const QImage tile = b.tiles().value(1);
+        QVERIFY(!QFileInfo::exists(b.dir.filePath("Thumbs")));
+        QCOMPARE(!tile.isNull(), printed);
+        if (!printed)
+            return;
+        // An A4 page is narrower than it is tall: white paper with grey to black print at the
+        // left, the tile's right edge left white.
+        QCOMPARE(tile.size(), QSize(100, 100));
+        int dark = 0;
+        for (int y = 0; y < 100; ++y)
+            for (int x = 0; x < 100; ++x)
+                dark += !isWhite(tile.pixel(x, y));
+        QVERIFY2(dark > 10, qPrintable(QString::number(dark)));
+        QVERIFY(dark < 2000);
+        for (int y = 0; y < 100; ++y)
+            QVERIFY(isWhite(tile.pixel(95, y)));
+        // Asked again it is at hand, and the pool, having looked at the file, delivers it
+        // again; once the file has changed, it is drawn anew, and once it cannot be drawn, no
+        // tile comes and none is kept.
+        const auto change = [&](bool toGarbage, int seconds) {
+            if (!(toGarbage ? TestPdfs::garbage(pdf)
+                            : TestPdfs::printed(pdf, {{"Another", "letter", "much", "longer"}})))
+                return false;
+            QFile file(pdf);
+            return file.open(QIODevice::ReadWrite) &&
+                   file.setFileTime(QFileInfo(pdf).lastModified().addSecs(seconds),
+                                    QFileDevice::FileModificationTime);
+        };
+        QCOMPARE(b.cache.request({request}).value(1), tile);
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 2);
+        QCOMPARE(b.tiles().value(1), tile);
+        QVERIFY(change(false, 5));
+        QCOMPARE(b.cache.request({request}).value(1), tile);
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 3);
+        const QImage redrawn = b.tiles().value(1);
+        QVERIFY(!redrawn.isNull());
+        QVERIFY(redrawn != tile);
+        QVERIFY(change(true, 10));
+        QCOMPARE(b.cache.request({request}).value(1), redrawn);
+        QVERIFY(b.waitForBlock());
+        QCOMPARE(b.ready.size(), 4);
+        QVERIFY(b.tiles().value(1).isNull());
+        QVERIFY(b.cache.request({request}).isEmpty());
+        QVERIFY(b.waitForBlock());
     }
 
     void shortcutsAskForNothing()

@@ -16,8 +16,10 @@
 #include "navharness.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
+#include "navigator/shortcuticons.h"
 #include "resources/navicons.h"
 #include "store/pagepaths.h"
+#include "tests/support/testpdfs.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -256,6 +258,59 @@ private slots:
                 drawn = !isWhite(icon.pixel(x, y));
         QVERIFY(drawn);
         QVERIFY(isWhite(icon.pixel(10, 10)));
+    }
+
+    // A PDF shortcut's tile is its first page once that is drawn; a PDF that cannot be drawn
+    // keeps its type's icon, without a message.
+    void pdfShortcutTiles_data()
+    {
+        columns<QString>({"kind"});
+        row("printed", QString("printed"));
+        for (const QString& kind : TestPdfs::refusedKinds())
+            row(qPrintable(kind), kind);
+    }
+    void pdfShortcutTiles()
+    {
+        QFETCH(QString, kind);
+        NavHarness h;
+        FixtureStore store(h.home.home());
+        store.fillSample();
+        const qint32 doc = store.document(1, "Letters");
+        QVERIFY(QDir().mkpath(h.home.file("elsewhere")));
+        const QString target = h.home.file("elsewhere/letter.pdf");
+        const bool printed = kind == "printed";
+        QVERIFY(printed ? TestPdfs::printed(target, {{"Northwind", "heating"}, {"Second"}})
+                        : TestPdfs::refused(kind, target));
+        const qint32 id = store.pageRow(doc, 1);
+        store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
+                           {target, id});
+        h.load();
+        h.clickPath({"CAB1", "DRW1", "FLD1", QString("DOC%1").arg(doc)});
+        QVERIFY(QTest::qWaitFor(
+            [&] { return h.window->pageList()->thumbnails().outstanding() == 0; }, 10000));
+        QCOMPARE(h.pageTexts(), QStringList({"letter.pdf"}));
+        const PageListView* list = h.window->pageList()->list();
+        const QImage tile = iconImage(list, 0);
+        // Outside the middle, where an icon stands, a drawn page has its print; an icon
+        // leaves the tile white there.
+        int darkOutside = 0;
+        int white = 0;
+        for (int y = 2; y < 98; ++y)
+            for (int x = 2; x < 98; ++x) {
+                white += isWhite(tile.pixel(x, y));
+                const bool middle = x >= 30 && x < 70 && y >= 30 && y < 70;
+                darkOutside += !middle && !isWhite(tile.pixel(x, y));
+            }
+        QVERIFY(white > 96 * 96 / 2);
+        QCOMPARE(darkOutside > 0, printed);
+        // Within its frame, the tile is the type's icon or anything but.
+        NavIcons icons;
+        const QImage generic = ShortcutIcons(icons.icon("page"))
+                                   .tile(target)
+                                   .convertToFormat(QImage::Format_RGB32)
+                                   .copy(1, 1, 98, 98);
+        QCOMPARE(tile.copy(1, 1, 98, 98) == generic, !printed);
+        QMR_VERIFY_PROMPTS(h);
     }
 
     void thePaneOnItsOwn_data()
