@@ -281,7 +281,11 @@ int CommandLine::runBatch(const CommandLineRequest& request)
         // The index of the pages' text, when there is one: a check makes none.
         if (TextIndex index(home.path()); QFile::exists(index.path())) {
             try {
-                index.open();
+                // Only a repair sets a damaged index aside (to be made anew from the pages).
+                if (request.repair)
+                    index.open();
+                else
+                    index.openAsItIs();
                 const TextIndexCheck::Result text = TextIndexCheck::run(
                     session.db(), session.paths(), index, request.repair, report);
                 summary.problems += text.problems;

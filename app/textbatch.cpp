@@ -21,7 +21,7 @@ int TextBatch::find(const QString& words)
     }
     try {
         TextIndex index(m_session.paths().home().path());
-        index.open();
+        index.openAsItIs();
         // No cabinet has been opened in a run without a window: locked ones stay out.
         const CabinetLock locks(m_session.db());
         const QList<TextFind::Document> found =
@@ -60,9 +60,19 @@ int TextBatch::readText(const QString& languages, const QStringList& worker)
         status = 1;
         loop.quit();
     });
+    // Done when the look finds nothing to read, or when what it found is read.
+    QObject::connect(&reading, &TextReading::lookedOver, &loop, [&](bool looked) {
+        if (!looked) {
+            m_err << "quillmere: " << tr("The pages could not be looked over; see the log.")
+                  << '\n';
+            status = 1;
+            loop.quit();
+        } else if (reader.isIdle()) {
+            loop.quit();
+        }
+    });
     reading.refresh();
-    if (!reader.isIdle())
-        loop.exec();
+    loop.exec();
     if (status == 0)
         m_out << tr("The text of every page is read.") << '\n';
     return status;

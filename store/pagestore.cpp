@@ -267,6 +267,18 @@ QVector<std::pair<qint32, QString>> PageStore::pageFiles() const
     return files;
 }
 
+QVector<std::pair<qint32, QString>> PageStore::pageFiles(qint32 afterId, int count) const
+{
+    QVector<std::pair<qint32, QString>> files;
+    m_db.forEachRow(
+        QStringLiteral(
+            "SELECT PageId, Filename FROM Page WHERE PageId > ? ORDER BY PageId LIMIT ?"),
+        {afterId, count}, [&](const Database::Row& row) {
+            files.push_back({qint32(row.integer(0)), row.text(1)});
+        });
+    return files;
+}
+
 void PageStore::setFile(qint32 pageId, const QString& filename, qint64 fileSize)
 {
     StoreColumns::check(QStringLiteral("Page"), QStringLiteral("Filename"), filename);

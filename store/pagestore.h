@@ -105,6 +105,9 @@ public:
     // Every page's id and stored Filename ("" for its computed path), oldest page first:
     // what the text reader goes through.
     QVector<std::pair<qint32, QString>> pageFiles() const;
+    // The same, a block at a time: at most `count` pages after `afterId`, so that a long look
+    // holds the store for a moment a block.
+    QVector<std::pair<qint32, QString>> pageFiles(qint32 afterId, int count) const;
     // Writes where the page's image lies ("" for its computed path) and its size.
     void setFile(qint32 pageId, const QString& filename, qint64 fileSize);
 

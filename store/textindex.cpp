@@ -136,6 +136,12 @@ void TextIndex::open()
     makeTables();
 }
 
+void TextIndex::openAsItIs()
+{
+    m_db.open(m_path);
+    makeTables();
+}
+
 void TextIndex::makeTables()
 {
     // Pages of text are a few kilobytes a row: on small database pages each row would leave
@@ -222,15 +228,10 @@ void TextIndex::drop(int pageId)
 
 std::optional<TextIndex::Entry> TextIndex::entry(int pageId)
 {
-    const Recordset rows = m_db.openRecordset(
-        QStringLiteral(
-            "SELECT FileSize, FileTime, State, WorkerEnds FROM PageText WHERE PageID = ?"),
-        {pageId});
-    if (rows.isEmpty())
-        return std::nullopt;
-    return Entry{{rows.value(0, 0).toLongLong(), rows.value(0, 1).toLongLong()},
-                 State(rows.value(0, 2).toInt()),
-                 rows.value(0, 3).toInt()};
+    const QHash<int, Entry> found = entries(m_db, pageId - 1, 1);
+    if (const auto at = found.constFind(pageId); at != found.constEnd())
+        return *at;
+    return std::nullopt;
 }
 
 QList<int> TextIndex::pages()
@@ -243,15 +244,20 @@ QList<int> TextIndex::pages()
 
 QHash<int, TextIndex::Entry> TextIndex::entries()
 {
-    QHash<int, Entry> all;
-    m_db.forEachRow(
-        QStringLiteral("SELECT PageID, FileSize, FileTime, State, WorkerEnds FROM PageText"), {},
-        [&](const Database::Row& row) {
-            all.insert(int(row.integer(0)), Entry{{row.integer(1), row.integer(2)},
-                                                  State(row.integer(3)),
-                                                  int(row.integer(4))});
-        });
-    return all;
+    return entries(m_db, -1, -1);
+}
+
+QHash<int, TextIndex::Entry> TextIndex::entries(Database& db, int afterId, int count)
+{
+    QHash<int, Entry> found;
+    db.forEachRow(QStringLiteral("SELECT PageID, FileSize, FileTime, State, WorkerEnds FROM "
+                                 "PageText WHERE PageID > ? ORDER BY PageID LIMIT ?"),
+                  {afterId, count}, [&](const Database::Row& row) {
+                      found.insert(int(row.integer(0)), Entry{{row.integer(1), row.integer(2)},
+                                                              State(row.integer(3)),
+                                                              int(row.integer(4))});
+                  });
+    return found;
 }
 
 QList<int> TextIndex::pagesWith(const PageWords& words)

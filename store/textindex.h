@@ -54,6 +54,9 @@ public:
     // aside beside it (its name + ".damaged") and made anew, with a line in the log: what it
     // held is made from the pages again.
     void open();
+    // Opens the file as it is, for a command beside the running reader (a search, a PDF, a
+    // check): nothing is set aside, and a file that cannot be read fails with a StoreError.
+    void openAsItIs();
     const QString& path() const { return m_path; }
     // Makes the index readable on the store's own connection (after open()), so that a search
     // of the documents can ask it within its one statement.
@@ -76,6 +79,9 @@ public:
     QList<int> pages();
     // Every entry, by page, in one reading.
     QHash<int, Entry> entries();
+    // The entries of the index file `db` after page `afterId`, at most `count`: a look apart
+    // from the reader's connection, a block at a time, so that the reader never waits long.
+    static QHash<int, Entry> entries(Database& db, int afterId, int count);
     // The pages whose text holds every term, in ascending order.
     QList<int> pagesWith(const PageWords& words);
     // Where on the page the terms are: the boxes of the words that match, in reading order.

@@ -111,7 +111,7 @@ void SearchablePdfCommand::saveDocument(const CommandContext& context, qint32 do
             path += QStringLiteral(".pdf");
 
         TextIndex index(session.home().path());
-        index.open();
+        index.openAsItIs();
         int unread = 0;
         for (int i = 0; i < pages.size(); ++i) {
             if (auto words = wordsOf(index, pageIds.at(i), pages.at(i).path))

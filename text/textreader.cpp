@@ -34,12 +34,10 @@ void TextReader::enqueue(const QList<Page>& pages)
 {
     const int before = m_total;
     for (const Page& page : pages) {
-        bool waiting = m_current && m_current->page.id == page.id;
-        for (const Page& queued : m_queue)
-            waiting = waiting || queued.id == page.id;
-        if (waiting)
+        if ((m_current && m_current->page.id == page.id) || m_waiting.contains(page.id))
             continue;
         m_queue.push_back(page);
+        m_waiting.insert(page.id);
         ++m_total;
     }
     if (m_total != before)
@@ -77,6 +75,7 @@ void TextReader::startNext()
 {
     if (m_paused || m_failed || m_current)
         return;
+    skipPagesRead();
     if (m_queue.empty()) {
         // The worker ends at the end of its input, and its memory goes with it.
         if (m_process && !m_closing) {
@@ -96,6 +95,7 @@ void TextReader::startNext()
     if (!m_ready || m_closing)
         return;
     m_current = Current{m_queue.front(), TextIndex::Stamp::of(m_queue.front().path)};
+    m_waiting.remove(m_queue.front().id);
     m_queue.pop_front();
     m_process->write(TextWorker::request(m_current->page.id, m_current->page.path));
     emit pageStarted(m_current->page.id, m_process->processId());
@@ -192,6 +192,7 @@ void TextReader::workerEnded()
             emit pageUnreadable(page.page.id);
         } else {
             m_queue.push_front(page.page);
+            m_waiting.insert(page.page.id);
         }
     }
     startNext();
@@ -214,6 +215,28 @@ bool TextReader::keep(const std::function<void()>& write)
         }
         emit failed(tr("The text on the pages cannot be kept: %1").arg(error.message()));
         return false;
+    }
+}
+
+void TextReader::skipPagesRead()
+{
+    // A look over the pages sees the index a moment before it queues them: a page read in that
+    // moment is counted, not read again.
+    while (!m_queue.empty()) {
+        const Page& next = m_queue.front();
+        std::optional<TextIndex::Entry> entry;
+        try {
+            entry = m_index.entry(next.id);
+        } catch (const StoreError&) {
+            return; // reading it will say what is wrong with the index
+        }
+        if (!entry || entry->state != TextIndex::State::Read ||
+            entry->stamp != TextIndex::Stamp::of(next.path))
+            return;
+        m_waiting.remove(next.id);
+        m_queue.pop_front();
+        ++m_done;
+        emit progress(m_done, m_total);
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QList>
 #include <QObject>
 #include <QProcess>
+#include <QSet>
 #include <QString>
 #include <QStringList>
 #include <deque>
@@ -60,6 +61,7 @@ private:
     void readAnswers();
     void workerEnded();
     void finishCurrent();
+    void skipPagesRead();
     // Runs a change of the index; when the index refuses it, reading stops with a message
     // and false comes back.
     bool keep(const std::function<void()>& write);
@@ -72,6 +74,7 @@ private:
     bool m_failed = false;
     bool m_closing = false; // its input closed, the worker is ending
     std::deque<Page> m_queue;
+    QSet<int> m_waiting; // the pages in the queue, by id
     struct Current
     {
         Page page;

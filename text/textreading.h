@@ -1,14 +1,18 @@
 #pragma once
 
 #include <QObject>
+#include <QThread>
 #include <QStringList>
 #include <QTimer>
+#include <atomic>
 #include <memory>
+#include <optional>
 
 #include "core/attempt.h"
 #include "core/pagenotifier.h"
 #include "store/textindex.h"
 #include "text/textreader.h"
+#include "text/unreadpages.h"
 
 namespace qmr {
 
@@ -32,8 +36,17 @@ public:
     // Opens the index and queues the pages whose text is not read; entries of pages that
     // are gone are dropped. The failure says why no text can be read.
     Attempt<> start();
-    // Looks over the pages again.
+    // Looks over the pages again, in a thread of its own: a hundred thousand pages' files
+    // take longer to look at than the window may stand still. A look asked for while one
+    // runs follows it.
     void refresh();
+    // What a look over the pages finds: the store's pages and the index's entries, each read
+    // a block at a time on connections of its own (so that the reader and the window never
+    // wait long for the files), and each page's file looked at. The failure says why not.
+    // `stop`, when set, ends it early (the run is ending): what it found then is of no use.
+    static Attempt<UnreadPages::Sweep> lookOver(const QString& storePath, const QString& indexPath,
+                                                const PagePaths& paths,
+                                                const std::atomic_bool* stop = nullptr);
     // The pages are read in these languages from the next page on; pages read before keep
     // their text.
     void setLanguages(const QString& languages);
@@ -43,7 +56,14 @@ public:
     TextIndex& index() { return m_index; }
     TextReader* reader() { return m_reader.get(); }
 
+signals:
+    // A look over the pages is done: what wants reading is queued. False when the store or the
+    // index could not be read (the log says why).
+    void lookedOver(bool looked);
+
 private:
+    void takeLook();
+
     Database& m_db;
     const PagePaths& m_paths;
     QString m_languages;
@@ -51,6 +71,10 @@ private:
     TextIndex m_index;
     std::unique_ptr<TextReader> m_reader;
     QTimer m_later;
+    QThread* m_look = nullptr;
+    std::optional<Attempt<UnreadPages::Sweep>> m_found; // written by the look's thread
+    bool m_again = false;
+    std::atomic_bool m_stop = false;
 };
 
 } // namespace qmr

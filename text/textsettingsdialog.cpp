@@ -24,7 +24,8 @@ TextSettingsDialog::TextSettingsDialog(const QString& chosen, const QStringList&
 
     m_list->setObjectName(QStringLiteral("lstLanguages"));
     m_list->setAccessibleName(tr("Languages"));
-    const QStringList wanted = chosen.split(QLatin1Char('+'), Qt::SkipEmptyParts);
+    m_before = chosen.split(QLatin1Char('+'), Qt::SkipEmptyParts);
+    const QStringList& wanted = m_before;
     for (const QString& pack : installed) {
         auto* item = new QListWidgetItem(displayName(pack), m_list);
         item->setData(Qt::UserRole, pack);
@@ -80,7 +81,14 @@ QString TextSettingsDialog::languages() const
     for (int row = 0; row < m_list->count(); ++row)
         if (m_list->item(row)->checkState() == Qt::Checked)
             checked << m_list->item(row)->data(Qt::UserRole).toString();
-    return checked.join(QLatin1Char('+'));
+    QStringList ordered;
+    for (const QString& pack : m_before)
+        if (checked.contains(pack))
+            ordered << pack;
+    for (const QString& pack : checked)
+        if (!ordered.contains(pack))
+            ordered << pack;
+    return ordered.join(QLatin1Char('+'));
 }
 
 QString TextSettingsDialog::displayName(const QString& pack)

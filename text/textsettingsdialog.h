@@ -20,7 +20,8 @@ public:
     TextSettingsDialog(const QString& chosen, const QStringList& installed,
                        QWidget* parent = nullptr);
 
-    // The languages checked, "+" between them, in the list's order.
+    // The languages checked, "+" between them: those chosen before in their order (the first
+    // leads the recogniser), then the others in the list's order.
     QString languages() const;
     // A language's name for people: "German (deu)"; the pack's name alone when unknown.
     static QString displayName(const QString& pack);
@@ -28,6 +29,7 @@ public:
 private:
     void updateButtons();
 
+    QStringList m_before;
     QListWidget* m_list;
     QLabel* m_missing;
     QPushButton* m_ok;

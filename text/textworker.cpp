@@ -32,7 +32,8 @@ void say(const QByteArray& line)
 
 QByteArray TextWorker::request(int pageId, const QString& path)
 {
-    return QByteArray::number(pageId) + '\t' + path.toUtf8() + '\n';
+    // Percent-encoded: a file name may hold a tab or a line break, which would end the request.
+    return QByteArray::number(pageId) + '\t' + path.toUtf8().toPercentEncoding("/") + '\n';
 }
 
 QByteArray TextWorker::answer(int pageId, const QList<TextIndex::Word>& words)
@@ -97,7 +98,8 @@ int TextWorker::run(int argc, char** argv)
         const int pageId = request.left(tab).toInt(&ok);
         if (tab < 0 || !ok)
             continue;
-        const QString path = QString::fromUtf8(request.mid(tab + 1));
+        const QString path =
+            QString::fromUtf8(QByteArray::fromPercentEncoding(request.mid(tab + 1)));
         // A PDF (a shortcut's file) carries its words: they are taken as they are, and one
         // without them, or that needs a password, has none.
         if (PdfText::isPdf(path)) {

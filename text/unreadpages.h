@@ -2,6 +2,7 @@
 
 #include <QHash>
 #include <QList>
+#include <functional>
 
 #include "store/textindex.h"
 #include "text/textreader.h"
@@ -19,9 +20,11 @@ public:
         QList<TextReader::Page> toRead; // in the order given: oldest first
         QList<int> gone;                // ascending
     };
-    // `pages`: every page with the path of its file, oldest first.
+    // `pages`: every page with the path of its file, oldest first. `stopped` ends the look
+    // early, with what it has.
     static Sweep of(const QList<TextReader::Page>& pages,
-                    const QHash<int, TextIndex::Entry>& entries);
+                    const QHash<int, TextIndex::Entry>& entries,
+                    const std::function<bool()>& stopped = {});
 };
 
 } // namespace qmr

@@ -123,13 +123,14 @@ PageCanvas* PageViewWindow::canvas() const
 
 // ---- opening and loading ------------------------------------------------------------------
 
-void PageViewWindow::openPage(qint32 pageId)
+void PageViewWindow::openPage(qint32 pageId, const PageWords& words)
 {
     if (!mayLeaveEdits()) {
         raise();
         activateWindow();
         return;
     }
+    m_marks.setWords(words);
     m_mode = ViewerMode::Edit;
     m_key = NodeKey::of(Level::Page, pageId);
     showAndLoad();
@@ -257,17 +258,6 @@ void PageViewWindow::updateTitle()
     const QString caption =
         tr("Page # %1 (ID = %2)").arg(m_location.pageNumber).arg(m_location.pageId);
     setWindowTitle(m_page.edited() ? QLatin1Char('*') + caption : caption);
-}
-
-void PageViewWindow::setMatchWords(const PageWords& words)
-{
-    m_marks.setWords(words);
-    if (m_location.pageId >= 0 && m_mode == ViewerMode::Edit)
-        guarded(m_context.prompter, [&] {
-            m_marks.load(m_context.session.db(), m_context.session.pages(), m_location.documentId,
-                         m_location.pageId, m_currentFile);
-        });
-    showMarks();
 }
 
 void PageViewWindow::showMarks()

@@ -28,8 +28,10 @@ public:
     explicit PageViewWindow(const CommandContext& context, QWidget* parent = nullptr);
     ~PageViewWindow() override;
 
-    // Mode "Edit" on a page: shows the window, then loads the image.
-    void openPage(qint32 pageId);
+    // Mode "Edit" on a page: shows the window, then loads the image. `words`: the words on
+    // the pages that found its document, boxed where they stand, with the match buttons going
+    // from one to the next through the document.
+    void openPage(qint32 pageId, const PageWords& words = {});
     // Mode "Add" for a folder, document or page key: makes the rows now (a document for a
     // folder, the page, the folder's notice). False after the message "Error!" for another
     // key; the window is then of no use.
@@ -52,9 +54,6 @@ public:
     // without a question, and the window closes.
     void discardNewPage();
 
-    // The words on the pages that found the page's document: their places are boxed, and the
-    // match buttons go from one to the next, on through the document.
-    void setMatchWords(const PageWords& words);
     const MatchMarks& matchMarks() const { return m_marks; }
 
     // View Settings changed the default zoom: it applies at once.

@@ -70,8 +70,7 @@ void ViewerPageOpener::open(qint32 pageId, const PageWords& words)
                 m_viewer->setPrintHandler(m_printHandler);
         }
         m_viewer->setWindowFlag(Qt::Window);
-        m_viewer->setMatchWords(words);
-        m_viewer->openPage(pageId);
+        m_viewer->openPage(pageId, words);
     });
 }
 

@@ -53,6 +53,10 @@ private slots:
             m_pages << TextReader::Page{i + 1, path};
         }
         m_pages << TextReader::Page{4, m_home.filePath("gone.png")};
+        // A name with a tab and a line break, which the worker's requests must carry whole.
+        const QString odd = m_home.filePath("harbour\ttoll\nticket.png");
+        QVERIFY(printedPage({"Harbour toll ticket"}).save(odd, "PNG"));
+        m_pages << TextReader::Page{5, odd};
     }
 
     // Every page is read by the worker and kept with the stamp of its file; a file that is
@@ -68,7 +72,8 @@ private slots:
         reader.enqueue(m_pages);
         reader.enqueue(m_pages.mid(0, 1)); // already waiting
         QVERIFY(idle.wait(kPatienceMs));
-        QCOMPARE(progress.last(), (QVariantList{4, 4}));
+        QCOMPARE(progress.last(), (QVariantList{5, 5}));
+        QCOMPARE(pagesWith(index, "harbour"), QList<int>{5});
         QCOMPARE(pagesWith(index, "northwind invoice"), QList<int>{1});
         QCOMPARE(pagesWith(index, "\"meter reading\""), QList<int>{2});
         QCOMPARE(pagesWith(index, "receipt"), QList<int>{3});

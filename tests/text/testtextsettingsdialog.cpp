@@ -70,6 +70,11 @@ private slots:
         list->item(0)->setCheckState(Qt::Checked);
         QCOMPARE(dialog.languages(), QString("deu+fra"));
         QVERIFY(ok->isEnabled());
+        // The languages chosen before keep their order: the first leads the recogniser.
+        TextSettingsDialog again("fra+deu", {"deu", "eng", "fra"});
+        QCOMPARE(again.languages(), QString("fra+deu"));
+        again.findChild<QListWidget*>("lstLanguages")->item(1)->setCheckState(Qt::Checked);
+        QCOMPARE(again.languages(), QString("fra+deu+eng"));
     }
 
     void namesPacksForPeople_data()
