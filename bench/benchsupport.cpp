@@ -64,4 +64,79 @@ QMap<QString, ThreadTime> threadTimes()
     return threads;
 }
 
+// Common words of English, for pages a recogniser reads with its language model.
+const char* const kCommon =
+    "the of and to in is that for it as was with be by on not he this are or his from at which "
+    "but have an they you were her she there been one all we their has would when if more no "
+    "out so said what up its about than into them can only other time new some could these two "
+    "may first then do any like my now over such our man me even most made after also did many "
+    "before must through back years where much your way well down should because each just "
+    "those people how too little state good very make world still own see men work long get "
+    "here between both life being under never day same another know while last might us great "
+    "old year off come since against go came right used take three invoice account payment "
+    "amount total balance due date number customer service water heating insurance policy "
+    "contract bank statement receipt order delivery address telephone reference period annual "
+    "monthly tax return office school doctor garden repair";
+
+QStringList commonWords()
+{
+    return QString::fromLatin1(kCommon).split(QLatin1Char(' '), Qt::SkipEmptyParts);
+}
+
+// A made-up word of 3 to 10 letters.
+static QString madeUpWord(QRandomGenerator& random)
+{
+    static const char* const syllables[] = {"ka", "ro", "mi", "ten", "sal", "ver", "do", "lin",
+                                            "ar", "gu", "pe", "tor", "ni",  "bes", "ul", "fa"};
+    QString word;
+    const int parts = 1 + int(random.bounded(4));
+    for (int i = 0; i < parts; ++i)
+        word += QLatin1String(syllables[random.bounded(16)]);
+    return word;
+}
+
+namespace {
+
+int zipfIndex(QRandomGenerator& random, int size)
+{
+    // Inverse of the cumulative share of 1/k: exp(u * ln(size)) - 1.
+    const double u = random.generateDouble();
+    return std::min(size - 1, int(std::exp(u * std::log(double(size))) - 1.0));
+}
+
+} // namespace
+
+QStringList textVocabulary(QRandomGenerator& random)
+{
+    QStringList vocabulary = commonWords();
+    while (vocabulary.size() < 30000)
+        vocabulary << madeUpWord(random);
+    return vocabulary;
+}
+
+QStringList pageText(QRandomGenerator& random, const QStringList& vocabulary)
+{
+    QStringList words;
+    const int count = 180 + int(random.bounded(141));
+    for (int w = 0; w < count; ++w)
+        words << vocabulary.at(zipfIndex(random, int(vocabulary.size())));
+    return words;
+}
+
+QList<QRect> layOut(const QStringList& words)
+{
+    QList<QRect> boxes;
+    int x = 150, y = 150;
+    for (const QString& word : words) {
+        const int width = 25 * int(word.size());
+        boxes << QRect(x, y, width, 42);
+        x += width + 20;
+        if (x > 2200) {
+            x = 150;
+            y += 70;
+        }
+    }
+    return boxes;
+}
+
 } // namespace qmr::bench

@@ -3,7 +3,11 @@
 #include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QImage>
+#include <QList>
 #include <QMap>
+#include <QRandomGenerator>
+#include <QRect>
+#include <QStringList>
 #include <QString>
 #include <QTimer>
 #include <QVector>
@@ -16,6 +20,15 @@ namespace qmr::bench {
 QImage scan(const QSize& size, int seed);
 
 double median(QVector<double> values);
+
+// Page text as people write it: common words of English (which a recogniser reads with its
+// language model), and a vocabulary of 30,000 words with those first and made-up ones after.
+QStringList commonWords();
+QStringList textVocabulary(QRandomGenerator& random);
+// A page's words: 180 to 320 drawn with the frequencies of real text (Zipf).
+QStringList pageText(QRandomGenerator& random, const QStringList& vocabulary);
+// Where the words stand on a 300 dpi page, line after line.
+QList<QRect> layOut(const QStringList& words);
 
 // How long some work took, and the longest time the event loop went without answering.
 struct Watch

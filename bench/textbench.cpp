@@ -1,6 +1,6 @@
 // Times the text on the pages.
 //
-//   build/bench/bench_text [--pages N] [--recognition K] [--keep DIR]
+//   build/bench/bench_text [--pages N] [--recognition K] [--look N] [--keep DIR]
 //
 // The index: N pages (default 100,000) of generated text, 180 to 320 words a page drawn from
 // a vocabulary of 30,000 words with the frequencies of real text (Zipf), each word with its
@@ -12,77 +12,47 @@
 // 1.5 degree skew, read by the program's own worker process and by the `tesseract` command
 // (same language, page segmentation and one thread), A B A B; printed: pages a second of each,
 // their ratio, and the share of the known words that the worker read right.
+//
+// The look: a store of N pages (default 100,000) with their files and their text read, looked
+// over for pages to read, as the window does after pages come in; printed: how long, and the
+// longest time the window's thread went without answering meanwhile.
 
 #include <QCommandLineParser>
-#include <QGuiApplication>
 #include <QDir>
 #include <QElapsedTimer>
 #include <QEventLoop>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QPainter>
 #include <QProcess>
 #include <QRandomGenerator>
 #include <QTemporaryDir>
+#include <QTimer>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
 
 #include "benchsupport.h"
+#include "core/apphome.h"
 #include "core/pagewords.h"
+#include "store/database.h"
+#include "store/pagepaths.h"
+#include "store/schema.h"
 #include "store/textindex.h"
 #include "text/textreader.h"
+#include "text/textreading.h"
 #include "text/textworker.h"
 
 using namespace qmr;
 
 namespace {
 
-// Common words of English, for pages a recogniser reads with its language model.
-const char* const kCommon =
-    "the of and to in is that for it as was with be by on not he this are or his from at which "
-    "but have an they you were her she there been one all we their has would when if more no "
-    "out so said what up its about than into them can only other time new some could these two "
-    "may first then do any like my now over such our man me even most made after also did many "
-    "before must through back years where much your way well down should because each just "
-    "those people how too little state good very make world still own see men work long get "
-    "here between both life being under never day same another know while last might us great "
-    "old year off come since against go came right used take three invoice account payment "
-    "amount total balance due date number customer service water heating insurance policy "
-    "contract bank statement receipt order delivery address telephone reference period annual "
-    "monthly tax return office school doctor garden repair";
-
-QStringList commonWords()
-{
-    return QString::fromLatin1(kCommon).split(QLatin1Char(' '), Qt::SkipEmptyParts);
-}
-
-// A made-up word of 3 to 10 letters.
-QString madeUpWord(QRandomGenerator& random)
-{
-    static const char* const syllables[] = {"ka", "ro", "mi", "ten", "sal", "ver", "do", "lin",
-                                            "ar", "gu", "pe", "tor", "ni",  "bes", "ul", "fa"};
-    QString word;
-    const int parts = 1 + int(random.bounded(4));
-    for (int i = 0; i < parts; ++i)
-        word += QLatin1String(syllables[random.bounded(16)]);
-    return word;
-}
-
-int zipfIndex(QRandomGenerator& random, int size)
-{
-    // Inverse of the cumulative share of 1/k: exp(u * ln(size)) - 1.
-    const double u = random.generateDouble();
-    return std::min(size - 1, int(std::exp(u * std::log(double(size))) - 1.0));
-}
-
 void benchIndex(int pageCount, const QString& keep)
 {
     QTemporaryDir temporary;
     const QString home = keep.isEmpty() ? temporary.path() : keep;
     QRandomGenerator random(17);
-    QStringList vocabulary = commonWords();
-    while (vocabulary.size() < 30000)
-        vocabulary << madeUpWord(random);
+    const QStringList vocabulary = bench::textVocabulary(random);
     const QString rare = QStringLiteral("zephyrquill");
     QSet<int> rarePages;
     while (rarePages.size() < 150)
@@ -97,21 +67,14 @@ void benchIndex(int pageCount, const QString& keep)
     for (int first = 1; first <= pageCount; first += kBatch) {
         index.together([&] {
             for (int id = first; id < first + kBatch && id <= pageCount; ++id) {
+                QStringList texts = bench::pageText(random, vocabulary);
+                if (rarePages.contains(id))
+                    texts[texts.size() / 2] = rare;
+                const QList<QRect> boxes = bench::layOut(texts);
                 QList<TextIndex::Word> words;
-                const int count = 180 + int(random.bounded(141));
-                int x = 150, y = 150;
-                for (int w = 0; w < count; ++w) {
-                    QString text = vocabulary.at(zipfIndex(random, int(vocabulary.size())));
-                    if (w == count / 2 && rarePages.contains(id))
-                        text = rare;
-                    const int width = 25 * int(text.size());
-                    words << TextIndex::Word{text, QRect(x, y, width, 42)};
-                    rawBytes += text.toUtf8().size() + 1;
-                    x += width + 20;
-                    if (x > 2200) {
-                        x = 150;
-                        y += 70;
-                    }
+                for (qsizetype w = 0; w < texts.size(); ++w) {
+                    words << TextIndex::Word{texts.at(w), boxes.at(w)};
+                    rawBytes += texts.at(w).toUtf8().size() + 1;
                 }
                 index.put(id, TextIndex::Stamp{100000 + id, 1700000000000 + id}, words);
             }
@@ -141,6 +104,19 @@ void benchIndex(int pageCount, const QString& keep)
     time("two common words", QStringLiteral("invoice payment"));
     time("phrase", QStringLiteral("\"the invoice\""));
     time("beginning", QStringLiteral("zephyr*"));
+}
+
+// A line of /proc/PROCESS/status ("VmRSS:", "VmHWM:") in megabytes; 0 when gone.
+double residentMb(const QString& process, const char* field)
+{
+    QFile status(QStringLiteral("/proc/%1/status").arg(process));
+    if (!status.open(QIODevice::ReadOnly))
+        return 0;
+    for (const QByteArray& line : status.readAll().split('\n'))
+        if (line.startsWith(field))
+            return line.mid(int(std::strlen(field))).trimmed().split(' ').first().toDouble() /
+                   1024.0;
+    return 0;
 }
 
 // A page of the two columns of text in `columns`, with grain and a skew.
@@ -197,7 +173,7 @@ void benchRecognition(int pageCount)
 {
     QTemporaryDir dir;
     QRandomGenerator random(5);
-    const QStringList common = commonWords();
+    const QStringList common = bench::commonWords();
     QList<TextReader::Page> pages;
     QList<QStringList> known;
     QStringList list;
@@ -231,13 +207,27 @@ void benchRecognition(int pageCount)
         index.open();
         TextReader reader(index, {QCoreApplication::applicationFilePath(),
                                   QString::fromLatin1(TextWorker::kOption), "eng"});
-        QEventLoop loop;
-        QObject::connect(&reader, &TextReader::idle, &loop, &QEventLoop::quit);
+        // The worker's memory at its highest, and this program's, looked at as it reads.
+        qint64 worker = 0;
+        double workerPeakMb = 0, ownPeakMb = 0;
+        const double ownBeforeMb = residentMb(QStringLiteral("self"), "VmRSS:");
+        QObject::connect(&reader, &TextReader::pageStarted,
+                         [&](int, qint64 processId) { worker = processId; });
+        QTimer sampler;
+        QObject::connect(&sampler, &QTimer::timeout, [&] {
+            if (worker > 0)
+                workerPeakMb = qMax(workerPeakMb, residentMb(QString::number(worker), "VmHWM:"));
+            ownPeakMb = qMax(ownPeakMb, residentMb(QStringLiteral("self"), "VmRSS:"));
+        });
+        sampler.start(20);
         QElapsedTimer clock;
         clock.start();
-        reader.enqueue(pages);
-        loop.exec();
+        const bench::Watch watched =
+            bench::watch([&] { reader.enqueue(pages); }, [&] { return reader.isIdle(); });
         workerMs[round] = clock.elapsed();
+        std::printf("reading round %d: the window's longest wait %.1f ms; worker memory at "
+                    "most %.0f MB; this program %.0f MB more\n",
+                    round + 1, watched.longestStallMs, workerPeakMb, ownPeakMb - ownBeforeMb);
         if (round == 0)
             for (int p = 0; p < pageCount; ++p) {
                 const QStringList read = folded(index.textOf(p + 1).split(QLatin1Char(' ')));
@@ -266,6 +256,67 @@ void benchRecognition(int pageCount)
                 100.0 * double(right) / double(total));
 }
 
+// The look over the pages that finds what wants reading, on a store of N pages whose files
+// are there and whose text is read: how long it takes, and the longest time the window's
+// thread went without answering meanwhile (the look runs in a thread of its own); beside it,
+// the same look on the window's own thread, as it would stand still for it.
+void benchLook(int pageCount)
+{
+    QTemporaryDir dir;
+    const AppHome home(dir.path());
+    const PagePaths paths(home);
+    Database db;
+    StoreSchema::openDatabase(db, home);
+    {
+        Database::Transaction fill(db);
+        db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Home', '')");
+        db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (?, 'Bills')", {db.lastInsertId()});
+        db.execute("INSERT INTO Folder (DrawerId, Name) VALUES (?, 'Gas')", {db.lastInsertId()});
+        db.execute("INSERT INTO Document (FolderId, Name) VALUES (?, 'Winter')",
+                   {db.lastInsertId()});
+        const qint32 document = db.lastInsertId();
+        for (int p = 1; p <= pageCount; ++p)
+            db.execute("INSERT INTO Page (DocumentId, Name, PageNumber, Filetype) VALUES (?, '', "
+                       "?, 'JPG')",
+                       {document, p});
+        fill.commit();
+    }
+    TextIndex index(dir.path());
+    index.open();
+    constexpr int kBatch = 5000;
+    for (int first = 1; first <= pageCount; first += kBatch)
+        index.together([&] {
+            for (int id = first; id < first + kBatch && id <= pageCount; ++id) {
+                const QString path = paths.pagePath(id, QString());
+                QDir().mkpath(QFileInfo(path).path());
+                QFile file(path);
+                file.open(QIODevice::WriteOnly);
+                file.close();
+                index.put(id, TextIndex::Stamp::of(path), {{"page", QRect(1, 1, 9, 9)}});
+            }
+        });
+
+    QElapsedTimer clock;
+    clock.start();
+    const Attempt<UnreadPages::Sweep> alone = TextReading::lookOver(db.path(), index.path(), paths);
+    const double aloneMs = clock.nsecsElapsed() / 1e6;
+
+    TextReading reading(
+        db, paths, "eng",
+        {QCoreApplication::applicationFilePath(), QString::fromLatin1(TextWorker::kOption)});
+    if (!reading.start()) {
+        std::printf("look: the reading does not start\n");
+        return;
+    }
+    bool done = false;
+    QObject::connect(&reading, &TextReading::lookedOver, [&](bool) { done = true; });
+    const bench::Watch look = bench::watch([&] { reading.refresh(); }, [&] { return done; });
+    std::printf("look over %d pages: %.1f ms, the window's longest wait %.1f ms; on the "
+                "window's thread it would stand still %.1f ms (%lld to read)\n",
+                pageCount, look.elapsedMs, look.longestStallMs, aloneMs,
+                alone ? (long long)alone.value().toRead.size() : -1LL);
+}
+
 } // namespace
 
 int main(int argc, char** argv)
@@ -278,6 +329,8 @@ int main(int argc, char** argv)
     const QCommandLineOption pages("pages", "pages in the index", "N", "100000");
     const QCommandLineOption recognition("recognition", "pages to recognise", "K", "4");
     const QCommandLineOption keep("keep", "leave the index in DIR", "DIR");
+    const QCommandLineOption look("look", "pages of a store looked over", "N", "100000");
+    parser.addOption(look);
     parser.addOption(keep);
     parser.addOption(pages);
     parser.addOption(recognition);
@@ -286,5 +339,7 @@ int main(int argc, char** argv)
         benchIndex(parser.value(pages).toInt(), parser.value(keep));
     if (parser.value(recognition).toInt() > 0)
         benchRecognition(parser.value(recognition).toInt());
+    if (parser.value(look).toInt() > 0)
+        benchLook(parser.value(look).toInt());
     return 0;
 }
