@@ -12,6 +12,9 @@ class PageNotifier
 public:
     virtual ~PageNotifier() = default;
     virtual void pageAdded(qint32 pageId) = 0;
+    // A page's picture was written (a scan saved, an edit saved): what is made from the picture
+    // follows. No notice goes for it.
+    virtual void pictureSaved(qint32 pageId) { Q_UNUSED(pageId) }
 };
 
 } // namespace qmr

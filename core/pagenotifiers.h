@@ -17,6 +17,11 @@ public:
         for (PageNotifier* notifier : std::as_const(m_notifiers))
             notifier->pageAdded(pageId);
     }
+    void pictureSaved(qint32 pageId) override
+    {
+        for (PageNotifier* notifier : std::as_const(m_notifiers))
+            notifier->pictureSaved(pageId);
+    }
 
 private:
     QList<PageNotifier*> m_notifiers;

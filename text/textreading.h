@@ -52,6 +52,9 @@ public:
     void setLanguages(const QString& languages);
     const QString& languages() const { return m_languages; }
     void pageAdded(qint32 pageId) override;
+    // A scanned page is saved after its row is made, an edited one when the person says so:
+    // either way its file is new, and the pages are looked over again.
+    void pictureSaved(qint32 pageId) override { pageAdded(pageId); }
 
     TextIndex& index() { return m_index; }
     TextReader* reader() { return m_reader.get(); }

@@ -516,6 +516,8 @@ PageSaver::Result PageViewWindow::save()
         if (m_resolver.newDocument())
             m_key = NodeKey::of(Level::Document, m_location.documentId);
         emit pageSaved(m_location.pageId);
+        if (m_context.pageNotifier)
+            m_context.pageNotifier->pictureSaved(m_location.pageId);
     }
     // The save's question, progress and messages were windows of their own, and the page
     // pane was refreshed behind: the person stays on the page, so the viewer is in front.

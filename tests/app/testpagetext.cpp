@@ -156,6 +156,18 @@ private slots:
         viewer->mnuEditUndo();
         QCOMPARE(viewer->canvas()->marks().size(), 2);
 
+        // A picture saved from the viewer (as a scan's page is saved after its row is made)
+        // is read again: a look over the pages follows the save.
+        viewer->cmdRotateClockwise();
+        QCOMPARE(viewer->save(), PageSaver::Result::Saved);
+        const QString saved = PagePaths(run.home.home()).computedPagePath(pages.at(1));
+        QVERIFY(QTest::qWaitFor(
+            [&] {
+                const std::optional<TextIndex::Entry> entry = reading->index().entry(pages.at(1));
+                return entry && entry->stamp == TextIndex::Stamp::of(saved);
+            },
+            kReadMs));
+
         // A page of the same document opened from the filing tree shows no marks.
         const QPointer<PageViewWindow> closed = viewer;
         viewer->close();
