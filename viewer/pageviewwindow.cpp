@@ -8,6 +8,7 @@
 #include <QStatusBar>
 #include <QTimer>
 
+#include "core/pagenotifier.h"
 #include "core/prompter.h"
 #include "core/viewsettings.h"
 #include "dialogs/pagepropertiesdialog.h"

@@ -159,8 +159,11 @@ private slots:
         // A picture saved from the viewer (as a scan's page is saved after its row is made)
         // is read again: a look over the pages follows the save.
         viewer->cmdRotateClockwise();
+        run.prompter.expect("No filename entered.  Do you want to auto-assign a filename?",
+                            Prompter::Answer::Yes); // the page has no name of its own yet
         QCOMPARE(viewer->save(), PageSaver::Result::Saved);
-        const QString saved = PagePaths(run.home.home()).computedPagePath(pages.at(1));
+        const QString saved = viewer->currentFile();
+        QVERIFY(QFileInfo::exists(saved));
         QVERIFY(QTest::qWaitFor(
             [&] {
                 const std::optional<TextIndex::Entry> entry = reading->index().entry(pages.at(1));
