@@ -1,10 +1,10 @@
-#include "benchsupport.h"
-
 #include <QDir>
 #include <QFile>
 #include <QPainter>
 #include <QRandomGenerator>
 #include <algorithm>
+
+#include "benchsupport.h"
 
 namespace qmr::bench {
 
@@ -114,29 +114,26 @@ QStringList textVocabulary(QRandomGenerator& random)
     return vocabulary;
 }
 
-QStringList pageText(QRandomGenerator& random, const QStringList& vocabulary)
+QList<TextIndex::Word> pageWords(QRandomGenerator& random, const QStringList& vocabulary,
+                                 const QString& rare)
 {
-    QStringList words;
     const int count = 180 + int(random.bounded(141));
-    for (int w = 0; w < count; ++w)
-        words << vocabulary.at(zipfIndex(random, int(vocabulary.size())));
-    return words;
-}
-
-QList<QRect> layOut(const QStringList& words)
-{
-    QList<QRect> boxes;
+    QList<TextIndex::Word> words;
     int x = 150, y = 150;
-    for (const QString& word : words) {
-        const int width = 25 * int(word.size());
-        boxes << QRect(x, y, width, 42);
+    for (int w = 0; w < count; ++w) {
+        // Drawn even where the rare word stands, so that the pages after it stay the same.
+        QString text = vocabulary.at(zipfIndex(random, int(vocabulary.size())));
+        if (!rare.isEmpty() && w == count / 2)
+            text = rare;
+        const int width = 25 * int(text.size());
+        words << TextIndex::Word{text, QRect(x, y, width, 42)};
         x += width + 20;
         if (x > 2200) {
             x = 150;
             y += 70;
         }
     }
-    return boxes;
+    return words;
 }
 
 } // namespace qmr::bench

@@ -7,11 +7,13 @@
 #include <QMap>
 #include <QRandomGenerator>
 #include <QRect>
-#include <QStringList>
 #include <QString>
+#include <QStringList>
 #include <QTimer>
 #include <QVector>
 #include <sys/resource.h>
+
+#include "store/textindex.h"
 
 namespace qmr::bench {
 
@@ -25,10 +27,10 @@ double median(QVector<double> values);
 // language model), and a vocabulary of 30,000 words with those first and made-up ones after.
 QStringList commonWords();
 QStringList textVocabulary(QRandomGenerator& random);
-// A page's words: 180 to 320 drawn with the frequencies of real text (Zipf).
-QStringList pageText(QRandomGenerator& random, const QStringList& vocabulary);
-// Where the words stand on a 300 dpi page, line after line.
-QList<QRect> layOut(const QStringList& words);
+// A page's words as the index keeps them: 180 to 320 drawn with the frequencies of real text
+// (Zipf), standing line after line on a 300 dpi page; `rare`, when given, in the middle.
+QList<TextIndex::Word> pageWords(QRandomGenerator& random, const QStringList& vocabulary,
+                                 const QString& rare = {});
 
 // How long some work took, and the longest time the event loop went without answering.
 struct Watch

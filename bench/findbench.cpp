@@ -193,14 +193,9 @@ void fillPageText(Session& session, const QString& rare, int documents)
     for (int first = 1; first <= pageCount; first += kBatch)
         index.together([&] {
             for (int id = first; id < first + kBatch && id <= pageCount; ++id) {
-                QStringList texts = bench::pageText(random, vocabulary);
-                if (marked.contains(id))
-                    texts[texts.size() / 2] = rare;
-                const QList<QRect> boxes = bench::layOut(texts);
-                QList<TextIndex::Word> words;
-                for (qsizetype w = 0; w < texts.size(); ++w)
-                    words << TextIndex::Word{texts.at(w), boxes.at(w)};
-                index.put(id, TextIndex::Stamp{1, 1}, words);
+                index.put(
+                    id, TextIndex::Stamp{1, 1},
+                    bench::pageWords(random, vocabulary, marked.contains(id) ? rare : QString()));
             }
         });
     index.attachTo(session.db());

@@ -67,15 +67,10 @@ void benchIndex(int pageCount, const QString& keep)
     for (int first = 1; first <= pageCount; first += kBatch) {
         index.together([&] {
             for (int id = first; id < first + kBatch && id <= pageCount; ++id) {
-                QStringList texts = bench::pageText(random, vocabulary);
-                if (rarePages.contains(id))
-                    texts[texts.size() / 2] = rare;
-                const QList<QRect> boxes = bench::layOut(texts);
-                QList<TextIndex::Word> words;
-                for (qsizetype w = 0; w < texts.size(); ++w) {
-                    words << TextIndex::Word{texts.at(w), boxes.at(w)};
-                    rawBytes += texts.at(w).toUtf8().size() + 1;
-                }
+                const QList<TextIndex::Word> words =
+                    bench::pageWords(random, vocabulary, rarePages.contains(id) ? rare : QString());
+                for (const TextIndex::Word& word : words)
+                    rawBytes += word.text.toUtf8().size() + 1;
                 index.put(id, TextIndex::Stamp{100000 + id, 1700000000000 + id}, words);
             }
         });
