@@ -35,9 +35,8 @@ QString CabinetExporter::withinHomeMessage(const QString& home)
 }
 
 CabinetExporter::CabinetExporter(Session& session, ExchangeFileSystem& fs,
-                                 ExchangeQuestions& questions)
-    : m_session(session), m_fs(fs), m_questions(questions), m_writer(fs),
-      m_now([] { return QDateTime::currentDateTime(); })
+                                 ExchangeQuestions& questions, std::function<QDateTime()> now)
+    : m_session(session), m_fs(fs), m_questions(questions), m_writer(fs), m_now(std::move(now))
 {
 }
 

@@ -27,15 +27,16 @@ class CabinetExporter
     Q_DECLARE_TR_FUNCTIONS(qmr::CabinetExporter)
 
 public:
-    CabinetExporter(Session& session, ExchangeFileSystem& fs, ExchangeQuestions& questions);
+    // `now` is the clock of the marker file.
+    CabinetExporter(
+        Session& session, ExchangeFileSystem& fs, ExchangeQuestions& questions,
+        std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); });
 
     // Shows an action and a path in the status line, giving a waiting Cancel its turn.
     void setStatusLine(std::function<void(const QString&, const QString&)> show)
     {
         m_showStatus = std::move(show);
     }
-    // The clock of the marker file (tests fix it).
-    void setClock(std::function<QDateTime()> now) { m_now = std::move(now); }
 
     ExportReport exportCabinet(qint32 cabinetId, const QString& path, Progress& progress);
 

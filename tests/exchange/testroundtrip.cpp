@@ -67,7 +67,8 @@ QStringList lines(const QString& path)
     return result;
 }
 
-// The real file system and the fixture's questions, for an export and an import.
+// The real file system and the fixture's questions, for an export and an import; the marker's
+// clock stands still.
 struct Exchange
 {
     DiskFileSystem fs;
@@ -75,7 +76,9 @@ struct Exchange
     CabinetExporter exporter;
     CabinetImporter importer;
     explicit Exchange(ExchangeFixture& f)
-        : questions(f.prompter), exporter(*f.session, fs, questions),
+        : questions(f.prompter),
+          exporter(*f.session, fs, questions,
+                   [] { return QDateTime(QDate(2026, 5, 1), QTime(8, 15, 0)); }),
           importer(*f.session, fs, questions, &f.nav)
     {
     }
@@ -92,7 +95,6 @@ private slots:
         ExchangeFixture f;
         const Cabinet c = buildCabinet(f);
         Exchange ex(f);
-        ex.exporter.setClock([] { return QDateTime(QDate(2026, 5, 1), QTime(8, 15, 0)); });
         const ExportReport report =
             ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
