@@ -15,6 +15,9 @@ public:
     // A page's picture was written (a scan saved, an edit saved): what is made from the picture
     // follows. No notice goes for it.
     virtual void pictureSaved(qint32 pageId) { Q_UNUSED(pageId) }
+    // Many pages came in at once with their pictures (a cabinet brought in): what is made from
+    // the pictures looks over the pages. No notice goes for them.
+    virtual void picturesArrived() {}
 };
 
 } // namespace qmr

@@ -22,6 +22,11 @@ public:
         for (PageNotifier* notifier : std::as_const(m_notifiers))
             notifier->pictureSaved(pageId);
     }
+    void picturesArrived() override
+    {
+        for (PageNotifier* notifier : std::as_const(m_notifiers))
+            notifier->picturesArrived();
+    }
 
 private:
     QList<PageNotifier*> m_notifiers;

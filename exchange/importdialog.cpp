@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "core/choosers.h"
+#include "core/pagenotifier.h"
 #include "core/prompter.h"
 #include "core/settings.h"
 #include "exchange/cabinetchoice.h"
@@ -154,6 +155,8 @@ void ImportDialog::importCabinet(qint32 cabinetId, const QString& path, int disk
     const ImportReport report = importer.importCabinet(cabinetId, path, diskCount, *m_progress);
     m_importing = false;
     showProgressLayout(false);
+    if (report.filesImported + report.shortcutsCreated > 0 && m_context.pageNotifier)
+        m_context.pageNotifier->picturesArrived();
     // The store refused something: say what, then what came in before it.
     if (!report.error.isEmpty())
         m_context.prompter.tell(report.error);

@@ -55,6 +55,7 @@ public:
     // A scanned page is saved after its row is made, an edited one when the person says so:
     // either way its file is new, and the pages are looked over again.
     void pictureSaved(qint32 pageId) override { pageAdded(pageId); }
+    void picturesArrived() override { pageAdded(-1); }
 
     TextIndex& index() { return m_index; }
     TextReader* reader() { return m_reader.get(); }

@@ -3,6 +3,7 @@
 #include <QPushButton>
 #include <QTest>
 
+#include "core/pagenotifier.h"
 #include "exchange/importdialog.h"
 #include "exchangefixture.h"
 #include "tests/support/testrunner.h"
@@ -24,6 +25,15 @@ QString writeExchange(ExchangeFixture& f, const QString& name, int pages, bool m
         ExchangeFixture::writeImage(root + QString("/Bank/Checking/March/Page %1.jpg").arg(p));
     return root;
 }
+
+// What the window's notifiers hear: pictures that came in are read for their text; an import
+// sends no folder notice.
+struct Arrivals : PageNotifier
+{
+    int added = 0, arrived = 0;
+    void pageAdded(qint32) override { ++added; }
+    void picturesArrived() override { ++arrived; }
+};
 
 void importFrom(ImportDialog& dialog, const QString& path, const QString& disks = "1")
 {
@@ -89,9 +99,14 @@ private slots:
         };
         for (int i = 0; i < texts.size(); ++i)
             f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
-        ImportDialog dialog(f.context());
+        Arrivals arrivals;
+        f.context();
+        f.contexts.back().pageNotifier = &arrivals;
+        ImportDialog dialog(f.contexts.back());
         importFrom(dialog, place(path), disks);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(arrivals.arrived, imported ? 1 : 0);
+        QCOMPARE(arrivals.added, 0);
         QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), disksAfter);
         QCOMPARE(f.count("Page"), imported ? 2 : 0);
         QCOMPARE(dialog.result() == QDialog::Accepted, imported);
