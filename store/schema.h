@@ -26,11 +26,13 @@ public:
     // Indexes that no version's tables call for and that only make searching quicker; made
     // when missing on a store of the current version.
     static void ensureSearchIndexes(Database& db);
-    static void setDatabaseVersion(Database& db, int version);
     // No row, or a Null value, is version 0.
     static int readVersion(Database& db);
 
     static QString storePath(const AppHome& home);
+
+private:
+    static void setDatabaseVersion(Database& db, int version);
 };
 
 } // namespace qmr

@@ -329,9 +329,10 @@ private slots:
         test::TestHome home;
         makeStoreAt(home.home(), 0);
         {
+            // As a newer program, or a damaged file, leaves it.
             Database db;
             db.open(StoreSchema::storePath(home.home()));
-            StoreSchema::setDatabaseVersion(db, version);
+            db.execute("INSERT INTO Version (Version) VALUES (?)", {version});
         }
         for (int start = 0; start < 2; ++start) { // a second start finds it as the first left it
             Database db;
