@@ -102,16 +102,7 @@ struct ParsedMessage : MessagePart
     // Quoted-printable text back to its bytes.
     static QByteArray unquote(const QByteArray& qp)
     {
-        QByteArray out;
-        for (qsizetype i = 0; i < qp.size(); ++i) {
-            if (qp.at(i) != '=' || i + 2 >= qp.size())
-                out += qp.at(i);
-            else if (qp.mid(i + 1, 2) != "\r\n")
-                out += char(qp.mid(i + 1, 2).toInt(nullptr, 16));
-            if (qp.at(i) == '=' && i + 2 < qp.size())
-                i += 2;
-        }
-        return out;
+        return QByteArray::fromPercentEncoding(QByteArray(qp).replace("=\r\n", ""), '=');
     }
 };
 

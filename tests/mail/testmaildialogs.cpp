@@ -57,68 +57,40 @@ class TestMailDialogs : public QObject
 {
     Q_OBJECT
 private slots:
-    void sendDialogAttachments_data()
+    // A message goes out with the pages chosen. Nothing goes out without a mail system. An
+    // address that holds a line break would let its rest become a command of the server or a
+    // header of its own; it is refused before anything goes out, by either route.
+    void send_data()
     {
-        test::columns<bool, int, QByteArray>({"onlyThisPage", "parts", "room"});
-        test::row("all pages of the document", false, 4, QByteArray("   \r\n"));
-        test::row("only this page", true, 2, QByteArray(" \r\n"));
-    }
-    void sendDialogAttachments()
-    {
-        QFETCH(bool, onlyThisPage);
-        QFETCH(int, parts);
-        QFETCH(QByteArray, room);
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        test::SmtpSink sink;
-        test::smtpTo(sink.port()).write(home.settings());
-        Pages pages;
-        SendEmailDialog dialog(home.settings(), prompter, pages.page, pages.document);
-        dialog.show();
-        QVERIFY(control<QRadioButton>(&dialog, "optSend0")->isChecked());
-        if (onlyThisPage)
-            control<QRadioButton>(&dialog, "optSend1")->setChecked(true);
-        QCOMPARE(dialog.attachments(), onlyThisPage ? pages.page : pages.document);
-        control<QLineEdit>(&dialog, "txtSendTo")->setText("you@example.org");
-        control<QLineEdit>(&dialog, "txtSubject")->setText("Pages");
-        control<QPlainTextEdit>(&dialog, "txtBody")->setPlainText("Here.");
-        prompter.expect("Message sent.");
-        dialog.send();
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QVERIFY(dialog.isVisible());
-        QCOMPARE(sink.messages.size(), 1);
-        const test::ParsedMessage m(sink.messages[0]);
-        QCOMPARE(m.parts.size(), parts);
-        QVERIFY(test::ParsedMessage::unquote(m.parts[0].body).startsWith(room + "Here."));
-        QCOMPARE(m.parts.last().headers.value("content-type"),
-                 QByteArray("image/jpeg; name=\"3.jpg\""));
-    }
-
-    // Nothing goes out without a mail system. An address that holds a line break would let its
-    // rest become a command of the server or a header of its own; it is refused before anything
-    // goes out, by either route.
-    void sendIsRefused_data()
-    {
-        test::columns<QString, QString, QString, QString>({"route", "sendTo", "from", "message"});
+        test::columns<QString, QString, QString, bool, QString, int>(
+            {"route", "sendTo", "from", "onlyThisPage", "message", "parts"});
         const QString inSendTo = "The address in 'Send to' holds a line break or another "
                                  "control character.";
         const QString inSender = "The address in 'Your email address' of File/Email Settings "
                                  "holds a line break or another control character.";
-        const QString me = "me@example.org", you = "you@example.org";
-        test::row("no mail system", "none", QString("new@example.org"), me, kNoSystem);
-        test::row("SMTP, Send to", "smtp", you + ">\r\nRCPT TO:<evil@example.org", me, inSendTo);
-        test::row("SMTP, sender", "smtp", you, me + ">\r\nRCPT TO:<evil@example.org", inSender);
+        const QString me = "me@example.org", you = "you@example.org", sent = "Message sent.";
+        test::row("all pages of the document", "smtp", you, me, false, sent, 4);
+        test::row("only this page", "smtp", you, me, true, sent, 2);
+        test::row("no mail system", "none", QString("new@example.org"), me, false, kNoSystem, 0);
+        test::row("SMTP, Send to", "smtp", you + ">\r\nRCPT TO:<evil@example.org", me, false,
+                  inSendTo, 0);
+        test::row("SMTP, sender", "smtp", you, me + ">\r\nRCPT TO:<evil@example.org", false,
+                  inSender, 0);
         test::row("SMTP, another control character", "smtp", you + "\x01evil@example.org", me,
-                  inSendTo);
-        test::row("sendmail, Send to", "sendmail", you + "\r\nBcc: evil@example.org", me, inSendTo);
-        test::row("sendmail, sender", "sendmail", you, me + "\nBcc: evil@example.org", inSender);
+                  false, inSendTo, 0);
+        test::row("sendmail, Send to", "sendmail", you + "\r\nBcc: evil@example.org", me, false,
+                  inSendTo, 0);
+        test::row("sendmail, sender", "sendmail", you, me + "\nBcc: evil@example.org", false,
+                  inSender, 0);
     }
-    void sendIsRefused()
+    void send()
     {
         QFETCH(QString, route);
         QFETCH(QString, sendTo);
         QFETCH(QString, from);
+        QFETCH(bool, onlyThisPage);
         QFETCH(QString, message);
+        QFETCH(int, parts);
         test::TestHome home;
         test::ScriptedPrompter prompter;
         test::SmtpSink sink;
@@ -128,23 +100,41 @@ private slots:
                              : test::sendmailAt(sendmail.program, from))
                 .write(home.settings());
         home.settings().set(keys::LastSendTo, "earlier@example.org");
-        SendEmailDialog dialog(home.settings(), prompter, "", "");
+        Pages pages;
+        SendEmailDialog dialog(home.settings(), prompter, pages.page, pages.document);
         dialog.show();
+        QVERIFY(control<QRadioButton>(&dialog, "optSend0")->isChecked());
+        if (onlyThisPage)
+            control<QRadioButton>(&dialog, "optSend1")->setChecked(true);
+        QCOMPARE(dialog.attachments(), onlyThisPage ? pages.page : pages.document);
         auto* txtSendTo = control<QLineEdit>(&dialog, "txtSendTo");
         QCOMPARE(txtSendTo->text(), QString("earlier@example.org"));
         txtSendTo->setText(sendTo);
+        control<QLineEdit>(&dialog, "txtSubject")->setText("Pages");
+        control<QPlainTextEdit>(&dialog, "txtBody")->setPlainText("Here.");
         prompter.expect(message);
         dialog.send();
-        QVERIFY2(sink.recipients.isEmpty(), qPrintable(sink.recipients.join(" | ")));
-        QVERIFY(sink.messages.isEmpty());
-        QVERIFY2(sendmail.message().isEmpty(), sendmail.message().constData());
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         QVERIFY(dialog.isVisible());
+        QVERIFY2(sendmail.message().isEmpty(), sendmail.message().constData());
         if (route == "none") // the address is kept before the check
             QCOMPARE(home.settings().get(keys::LastSendTo), sendTo);
+        QCOMPARE(sink.messages.size(), parts ? 1 : 0);
+        if (!parts) {
+            QVERIFY2(sink.recipients.isEmpty(), qPrintable(sink.recipients.join(" | ")));
+            return;
+        }
+        const test::ParsedMessage m(sink.messages[0]);
+        QCOMPARE(m.parts.size(), parts);
+        // A blank for each attachment and a line break stand before the text.
+        QVERIFY(test::ParsedMessage::unquote(m.parts[0].body)
+                    .startsWith(QByteArray(parts - 1, ' ') + "\r\nHere."));
+        QCOMPARE(m.parts.last().headers.value("content-type"),
+                 QByteArray("image/jpeg; name=\"3.jpg\""));
     }
 
-    void emailPagesOfADocument()
+    // Email of a document's pages, and File/Email Settings, from the program's commands.
+    void mailCommands()
     {
         test::CommandHarness<> h;
         qint32 doc = -1, first = -1, second = -1;
@@ -173,6 +163,20 @@ private slots:
         // In page order, each ended by the mark.
         QCOMPARE(seen, h.session->paths().computedPagePath(first) + "|" +
                            h.session->paths().computedPagePath(second) + "|#/p/x.jpg");
+
+        CommandTable commands;
+        MailCommands(h.context()).addTo(commands);
+        QVERIFY(commands.contains("mnuEmailSettings"));
+        bool shown = false;
+        // The dialog asks the keyring before it is shown, letting events run meanwhile.
+        test::whenModal(this, [&](QWidget* modal) {
+            if (auto* d = qobject_cast<EmailSettingsDialog*>(modal)) {
+                shown = true;
+                d->reject();
+            }
+        });
+        commands["mnuEmailSettings"]();
+        QVERIFY(shown);
     }
 
     void settingsDialogLoadsAndSaves_data()
@@ -261,26 +265,6 @@ private slots:
         QVERIFY(test::ParsedMessage::unquote(m.body).startsWith(
             "This is a test message from Quillmere"));
         QCOMPARE(home.settings().get(keys::EmailSystem), QString());
-    }
-
-    void menuEntry()
-    {
-        test::CommandHarness<> h;
-        test::FixtureStore(h.home.home()).close();
-        h.openSession();
-        CommandTable commands;
-        MailCommands(h.context()).addTo(commands);
-        QVERIFY(commands.contains("mnuEmailSettings"));
-        bool shown = false;
-        // The dialog asks the keyring before it is shown, letting events run meanwhile.
-        test::whenModal(this, [&](QWidget* modal) {
-            if (auto* d = qobject_cast<EmailSettingsDialog*>(modal)) {
-                shown = true;
-                d->reject();
-            }
-        });
-        commands["mnuEmailSettings"]();
-        QVERIFY(shown);
     }
 };
 

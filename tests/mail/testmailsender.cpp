@@ -37,27 +37,6 @@ struct Files
     }
 };
 
-// The parts of a sent message that the sender wrote: body and attachments by file name.
-void checkMessage(const QByteArray& text, const Files& files)
-{
-    const test::ParsedMessage m(text);
-    QCOMPARE(m.headers.value("from"), QByteArray("me@example.org"));
-    QCOMPARE(m.headers.value("to"), QByteArray("you@example.org"));
-    QCOMPARE(m.headers.value("subject"), QByteArray("Two pages"));
-    QVERIFY(!m.headers.value("date").isEmpty());
-    QVERIFY(m.headers.value("message-id").endsWith("@example.org>"));
-    QCOMPARE(m.parts.size(), 3);
-    QByteArray body = m.parts[0].body;
-    body.chop(2);
-    // Two attachments: two blanks and a line break stand before the text.
-    QCOMPARE(test::ParsedMessage::unquote(body), QByteArray("  \r\nSee the pages.\r\n.\r\n..Bye"));
-    QCOMPARE(QByteArray::fromBase64(m.parts[1].body), Files::bytes(files.page));
-    QCOMPARE(m.parts[1].headers.value("content-type"), QByteArray("image/jpeg; name=\"1.jpg\""));
-    QCOMPARE(QByteArray::fromBase64(m.parts[2].body), Files::bytes(files.letter));
-    QCOMPARE(m.parts[2].headers.value("content-type"),
-             QByteArray("application/pdf; name=\"letter.pdf\""));
-}
-
 } // namespace
 
 class TestMailSender : public QObject
@@ -90,7 +69,22 @@ private slots:
         QCOMPARE(sink.mailFrom, smtp ? QString("me@example.org") : QString());
         QCOMPARE(sink.recipients, smtp ? QStringList{"you@example.org"} : QStringList());
         QCOMPARE(sendmail.arguments(), (smtp ? QStringList() : QStringList{"-t", "-i"}));
-        checkMessage(smtp ? sink.messages[0] : sendmail.message(), files);
+        const test::ParsedMessage m(smtp ? sink.messages[0] : sendmail.message());
+        QCOMPARE(m.headers.value("from"), QByteArray("me@example.org"));
+        QCOMPARE(m.headers.value("to"), QByteArray("you@example.org"));
+        QCOMPARE(m.headers.value("subject"), QByteArray("Two pages"));
+        QVERIFY(!m.headers.value("date").isEmpty());
+        QVERIFY(m.headers.value("message-id").endsWith("@example.org>"));
+        QCOMPARE(m.parts.size(), 3);
+        // Two attachments: two blanks and a line break stand before the text.
+        QCOMPARE(test::ParsedMessage::unquote(m.parts[0].body.chopped(2)),
+                 QByteArray("  \r\nSee the pages.\r\n.\r\n..Bye"));
+        QCOMPARE(QByteArray::fromBase64(m.parts[1].body), Files::bytes(files.page));
+        QCOMPARE(m.parts[1].headers.value("content-type"),
+                 QByteArray("image/jpeg; name=\"1.jpg\""));
+        QCOMPARE(QByteArray::fromBase64(m.parts[2].body), Files::bytes(files.letter));
+        QCOMPARE(m.parts[2].headers.value("content-type"),
+                 QByteArray("application/pdf; name=\"letter.pdf\""));
     }
 
     void failures_data()

@@ -4,6 +4,7 @@
 #include <QTest>
 #include <QTimeZone>
 
+#include "mail/attachmentlist.h"
 #include "mail/mimemessage.h"
 #include "mailharness.h"
 #include "tests/support/testrunner.h"
@@ -189,6 +190,31 @@ private slots:
         QVERIFY(failure);
         QCOMPARE(failure->number, number);
         QCOMPARE(failure->text, text);
+    }
+
+    // The room made in the body for the attachments is checked where messages are really sent
+    // (TestMailDialogs::send, TestMailSender::send, TestPageNotice).
+    void attachmentList_data()
+    {
+        test::columns<QString, int, QStringList>({"attachments", "count", "paths"});
+        const QStringList one = {"/p/1.jpg"};
+        test::row("none", "", 0, QStringList());
+        test::row("one without a mark", "/p/1.jpg", 1, one);
+        test::row("one with its mark", "/p/1.jpg|", 1, one);
+        test::row("three pages", "/p/1.jpg|/p/2.jpg|/p/3.jpg|", 3,
+                  QStringList{"/p/1.jpg", "/p/2.jpg", "/p/3.jpg"});
+        // Marks count even where no path stands between them; the empty pieces are skipped.
+        test::row("empty pieces", "|/p/1.jpg||", 3, one);
+        // A text after the last mark is not a path of the list.
+        test::row("tail without a mark", "/p/1.jpg|/p/2.jpg", 1, one);
+    }
+    void attachmentList()
+    {
+        QFETCH(QString, attachments);
+        QFETCH(int, count);
+        QFETCH(QStringList, paths);
+        QCOMPARE(AttachmentList::count(attachments), count);
+        QCOMPARE(AttachmentList::paths(attachments), paths);
     }
 };
 

@@ -53,61 +53,53 @@ class TestScanCommands : public QObject
 {
     Q_OBJECT
 private slots:
-    // The buttons write the kind first, then want a folder or a document in the tree.
-    void buttons_data()
+    // The buttons write the kind first, then want a folder or a document in the tree. Scan New
+    // Page of a document, from the tree or from the list, keeps the kind as it is.
+    void commands_data()
     {
-        columns<Level, QString, bool, QString, QString, int>(
-            {"level", "button", "scannerSet", "message", "kind", "pages"});
+        // command: a button, or "tree" / "list" for Scan New Page from there.
+        columns<Level, QString, bool, QString, QString, QString, int>(
+            {"level", "command", "scannerSet", "message", "before", "kind", "pages"});
         const char* target = "Please click on a folder or document to scan to.";
-        row("cabinet", Level::Cabinet, "cmdScanDoc", true, target, "document", 5);
-        row("drawer, picture", Level::Drawer, "cmdScanPic", true, target, "picture", 5);
+        row("cabinet", Level::Cabinet, "cmdScanDoc", true, target, "camera", "document", 5);
+        row("drawer, picture", Level::Drawer, "cmdScanPic", true, target, "camera", "picture", 5);
         row("folder, no scanner", Level::Folder, "cmdScanDoc", false,
-            "A scanner could not be detected.", "document", 5);
-        row("document, picture", Level::Document, "cmdScanPic", true, "", "picture", 6);
+            "A scanner could not be detected.", "camera", "document", 5);
+        row("document, picture", Level::Document, "cmdScanPic", true, "", "camera", "picture", 6);
+        row("new page, tree", Level::Document, "tree", true, "", "picture", "picture", 6);
+        row("new page, list", Level::Folder, "list", true, "", "picture", "picture", 6);
     }
-    void buttons()
+    void commands()
     {
         QFETCH(Level, level);
-        QFETCH(QString, button);
+        QFETCH(QString, command);
         QFETCH(bool, scannerSet);
         QFETCH(QString, message);
+        QFETCH(QString, before);
         QFETCH(QString, kind);
         QFETCH(int, pages);
-        WindowStore w(scannerSet, QStringLiteral("camera"));
+        WindowStore w(scannerSet, before);
         w.clickDownTo(level);
         if (!message.isEmpty())
             w.h.prompter.expect(message);
-        auto* b = w.h.window->findChild<QPushButton*>(button);
-        QVERIFY(b && b->isEnabled());
-        QTest::mouseClick(b, Qt::LeftButton);
+        if (command.startsWith(QLatin1String("cmd"))) {
+            auto* b = w.h.window->findChild<QPushButton*>(command);
+            QVERIFY(b && b->isEnabled());
+            QTest::mouseClick(b, Qt::LeftButton);
+        } else {
+            const bool fromList = command == QLatin1String("list");
+            if (fromList) {
+                QCOMPARE(w.h.listTexts().size(), 1);
+                w.h.window->list()->setCurrentRow(0);
+            }
+            w.h.setSource(fromList ? ContextSource::List : ContextSource::Tree);
+            w.h.window->menus().run(QStringLiteral("mnuPopupDocumentScanPage"));
+        }
         QVERIFY2(w.h.prompter.verify(), qPrintable(w.h.prompter.report()));
         QCOMPARE(w.h.home.settings().get(keys::ImageType), kind);
-        QCOMPARE(w.pagesOfFive().size(), pages);
-    }
-
-    // Scan New Page of a document, from the tree or from the list, keeps the kind as it is.
-    void scanNewPage_data()
-    {
-        columns<bool>({"fromList"});
-        row("tree", false);
-        row("list", true);
-    }
-    void scanNewPage()
-    {
-        QFETCH(bool, fromList);
-        WindowStore w(true, QStringLiteral("picture"));
-        w.clickDownTo(fromList ? Level::Folder : Level::Document);
-        if (fromList) {
-            QCOMPARE(w.h.listTexts().size(), 1);
-            w.h.window->list()->setCurrentRow(0);
-        }
-        w.h.setSource(fromList ? ContextSource::List : ContextSource::Tree);
-        w.h.window->menus().run(QStringLiteral("mnuPopupDocumentScanPage"));
-        QVERIFY2(w.h.prompter.verify(), qPrintable(w.h.prompter.report()));
-        QCOMPARE(w.h.home.settings().get(keys::ImageType), QStringLiteral("picture"));
         const QVector<PageRow> rows = w.pagesOfFive();
-        QCOMPARE(rows.size(), 6);
-        QCOMPARE(rows.last().pageNumber, 6);
+        QCOMPARE(rows.size(), pages);
+        QCOMPARE(rows.last().pageNumber, pages);
         QVERIFY(QFile::exists(w.h.session->paths().pagePath(rows.last().id, rows.last().filename)));
     }
 };

@@ -23,6 +23,14 @@ bool acceptDetails(QDialog* dialog)
     return qobject_cast<ItemDialog*>(dialog) && DialogAnswerer::press(dialog, "cmdOK");
 }
 
+// A dialog before the scan, gone through or cancelled.
+void goOnOrCancel(const char* goOn)
+{
+    columns<bool>({"goOn"});
+    row(goOn, true);
+    row("cancelled", false);
+}
+
 } // namespace
 
 #define SCAN(h, node) QVERIFY2((h).scan(node), qPrintable((h).prompter.report()))
@@ -31,8 +39,9 @@ class TestScanFlow : public QObject
 {
     Q_OBJECT
 private slots:
-    // A scan into a folder makes "New document" with pages from 1; into a document the pages
-    // follow its highest number. Every sheet is a real JPEG of the size the device gives.
+    // A scan into a folder makes "New document" with pages from 1, each scan one of its own;
+    // into a document the pages follow its highest number. Every sheet is a real JPEG of the
+    // size the device gives.
     void scanIntoStore_data()
     {
         // scanType "" leaves the default colour.
@@ -105,6 +114,17 @@ private slots:
             QVERIFY(QFile::exists(h.session->paths().thumbPath(row.id, row.filename)));
         }
         QCOMPARE(h.settings().get(keys::ImageType), kind);
+        if (!intoFolder)
+            return;
+        h.flow.reset();
+        h.flow = std::make_unique<ScanFlow>(h.context(), *h.source);
+        SCAN(h, h.target(true));
+        const QVector<qint32> documents = h.documentsOf(h.letters);
+        QCOMPARE(documents.size(), 2);
+        for (qint32 id : documents)
+            QCOMPARE(h.pages(id).value(0).pageNumber, 1);
+        QCOMPARE(h.pages(documents.value(0)).size() + h.pages(documents.value(1)).size(),
+                 2 * pages);
     }
 
     // "IMAGEEDIT": one page stays in the viewer with its image for editing; the row is there,
@@ -167,67 +187,13 @@ private slots:
         QCOMPARE(h.brokenPage(h.five), QString());
     }
 
-    // With "afterscan", each scan into a folder makes a document of its own.
-    void eachFolderScanMakesItsDocument()
+    // What stops a scan before anything is made, and a feeder run stopped in the middle by
+    // Cancel or by a device that fails: its own status text names the trouble, the pages
+    // saved before stay whole, and the page being read leaves no row behind.
+    void stops_data()
     {
-        ScanHarness h;
-        h.settings().set(keys::DocDpi, QStringLiteral("50"));
-        DialogAnswerer answerer(acceptDetails);
-        for (int i = 0; i < 2; ++i) {
-            h.flow.reset();
-            h.flow = std::make_unique<ScanFlow>(h.context(), *h.source);
-            SCAN(h, h.target(true));
-            QCOMPARE(h.flow->pagesSaved(), 1);
-        }
-        const QVector<qint32> documents = h.documentsOf(h.letters);
-        QCOMPARE(documents.size(), 2);
-        for (qint32 id : documents) {
-            QCOMPARE(h.pages(id).size(), 1);
-            QCOMPARE(h.pages(id).first().pageNumber, 1);
-        }
-    }
-
-    // Cancel in the middle of a feeder run stops the device; the pages saved stay whole and
-    // no row is left without its file.
-    void cancelKeepsSavedPages_data()
-    {
-        columns<bool, int>({"intoFolder", "cancelAfter"});
-        row("into a document, after three", false, 3);
-        row("into a folder, after one", true, 1);
-    }
-    void cancelKeepsSavedPages()
-    {
-        QFETCH(bool, intoFolder);
-        QFETCH(int, cancelAfter);
-        // A sheet takes a while to come, so that Cancel lands while one is read.
-        ScanHarness h({kPicture, "read-delay true", "read-delay-duration 20000"});
-        h.settings().setFlag(keys::ScanFeeder, true);
-        h.settings().set(keys::DocDpi, QStringLiteral("75"));
-        QObject guard;
-        // Cancel is pressed while the sheet after them is being read.
-        QObject::connect(h.flow.get(), &ScanFlow::sheetProgress, &guard, [&](int sheet, int pc) {
-            if (sheet == cancelAfter + 1 && pc >= 10)
-                h.progress.pressCancel();
-        });
-        DialogAnswerer answerer(acceptDetails);
-        SCAN(h, h.target(intoFolder));
-        QCOMPARE(h.flow->pagesSaved(), cancelAfter);
-        QVERIFY(!h.flow->viewer());
-        const qint32 document = intoFolder ? h.documentsOf(h.letters).value(0) : h.five;
-        const QVector<PageRow> rows = h.pages(document);
-        const int before = intoFolder ? 0 : 5;
-        QCOMPARE(rows.size(), before + cancelAfter);
-        for (int i = before; i < rows.size(); ++i)
-            QCOMPARE(rows.at(i).pageNumber, i + 1);
-        QCOMPARE(h.brokenPage(document, before), QString());
-    }
-
-    // What stops a scan before anything is made, and a device that fails in the middle of a
-    // feeder run: its own status text names the trouble, the pages before stay whole, and
-    // the page being read leaves no row behind.
-    void messages_data()
-    {
-        // status: the device fails with it ("" for no failure) after failAfter pages saved.
+        // status: the device fails with it ("" for no failure, "cancel" for Cancel pressed)
+        // after failAfter pages saved; message: "" for none.
         columns<QString, QString, QString, bool, QString, int, QString>(
             {"kind", "scanner", "camera", "intoFolder", "status", "failAfter", "message"});
         const char* noScanner = "A scanner could not be detected.";
@@ -244,8 +210,10 @@ private slots:
             "kept.");
         row("no paper at all", "document", "test:0", "", false, "SANE_STATUS_NO_DOCS", 0,
             "The scanner 'test:0' stopped: Document feeder out of documents.");
+        row("cancelled after three", "document", "test:0", "", false, "cancel", 3, "");
+        row("cancelled in a folder after one", "document", "test:0", "", true, "cancel", 1, "");
     }
-    void messages()
+    void stops()
     {
         QFETCH(QString, kind);
         QFETCH(QString, scanner);
@@ -254,47 +222,60 @@ private slots:
         QFETCH(QString, status);
         QFETCH(int, failAfter);
         QFETCH(QString, message);
-        ScanHarness h(status.isEmpty() ? QStringList() : QStringList{kPicture});
+        const bool cancel = status == QLatin1String("cancel");
+        // A sheet takes a while to come, so that Cancel lands while one is read.
+        ScanHarness h(status.isEmpty() ? QStringList()
+                      : cancel
+                          ? QStringList{kPicture, "read-delay true", "read-delay-duration 20000"}
+                          : QStringList{kPicture});
         h.settings().set(keys::ImageType, kind);
         h.settings().set(keys::ScanSource, scanner);
         h.settings().set(keys::CameraSource, camera);
         if (!status.isEmpty()) {
             h.settings().setFlag(keys::ScanFeeder, true);
-            h.settings().set(keys::DocDpi, QStringLiteral("50"));
+            h.settings().set(keys::DocDpi, QStringLiteral("75"));
         }
         QObject guard;
-        // The device is told to fail before it reads the next sheet.
+        // The device is told to fail before it reads the next sheet; Cancel is pressed while
+        // it is read.
         const auto fail = [&] { h.source->setOption(QStringLiteral("read-return-value"), status); };
         QObject::connect(h.source.get(), &ScanSource::opened, &guard, [&] {
-            if (!status.isEmpty() && failAfter == 0)
+            if (!status.isEmpty() && !cancel && failAfter == 0)
                 fail();
         });
         QObject::connect(h.flow.get(), &ScanFlow::pageSaved, &guard, [&] {
-            if (h.flow->pagesSaved() + 1 == failAfter)
+            if (!cancel && h.flow->pagesSaved() + 1 == failAfter)
                 fail();
         });
-        h.prompter.expect(message);
+        QObject::connect(h.flow.get(), &ScanFlow::sheetProgress, &guard, [&](int sheet, int pc) {
+            if (cancel && sheet == failAfter + 1 && pc >= 10)
+                h.progress.pressCancel();
+        });
+        if (!message.isEmpty())
+            h.prompter.expect(message);
         DialogAnswerer answerer(acceptDetails);
         SCAN(h, h.target(intoFolder));
-        QVERIFY(answerer.seen.isEmpty());
         QCOMPARE(h.flow->pagesSaved(), failAfter);
         QVERIFY(!h.flow->viewer());
-        QCOMPARE(h.pages(h.five).size(), 5 + failAfter);
-        QCOMPARE(h.brokenPage(h.five), QString());
-        QVERIFY(h.documentsOf(h.letters).isEmpty());
+        const QVector<qint32> made = h.documentsOf(h.letters);
+        QCOMPARE(made.size(), intoFolder && failAfter ? 1 : 0);
+        QCOMPARE(answerer.seen, made.isEmpty() ? QStringList() : QStringList{"qmr::ItemDialog"});
+        const qint32 document = made.value(0, h.five);
+        const int before = made.isEmpty() ? 5 : 0;
+        const QVector<PageRow> rows = h.pages(document);
+        QCOMPARE(rows.size(), before + failAfter);
+        for (int i = before; i < rows.size(); ++i)
+            QCOMPARE(rows.at(i).pageNumber, i + 1);
+        QCOMPARE(h.brokenPage(document), QString());
+        QCOMPARE(h.pages(h.five).size(), 5 + (made.isEmpty() ? failAfter : 0));
     }
 
     // "beforescan": the details of the new document are asked before the device reads; the
     // document is in the tree at once; Cancel there reads nothing.
-    void detailsBeforeTheScan_data()
-    {
-        columns<bool>({"confirm"});
-        row("named Invoice", true);
-        row("cancelled", false);
-    }
+    void detailsBeforeTheScan_data() { goOnOrCancel("named Invoice"); }
     void detailsBeforeTheScan()
     {
-        QFETCH(bool, confirm);
+        QFETCH(bool, goOn);
         ScanHarness h;
         h.settings().setMode(keys::GetDocInfo, DocInfoTime::BeforeScan);
         h.settings().set(keys::DocDpi, QStringLiteral("50"));
@@ -305,7 +286,7 @@ private slots:
                 return false;
             readBeforeDialog = progress.count();
             dialog->findChild<QLineEdit*>(QStringLiteral("txtName"))->setText("Invoice");
-            return DialogAnswerer::press(dialog, confirm ? "cmdOK" : "cmdCancel");
+            return DialogAnswerer::press(dialog, goOn ? "cmdOK" : "cmdCancel");
         });
         SCAN(h, h.target(true));
         QCOMPARE(answerer.seen, QStringList{"qmr::ItemDialog"});
@@ -314,25 +295,20 @@ private slots:
         QCOMPARE(documents.size(), 1);
         const qint32 id = documents.first();
         QCOMPARE(h.session->items().item(Level::Document, id).name,
-                 confirm ? QStringLiteral("Invoice") : QStringLiteral("New document"));
+                 goOn ? QStringLiteral("Invoice") : QStringLiteral("New document"));
         QCOMPARE(h.nav.calls.value(0),
                  QStringLiteral("DOC%1 New document<%2").arg(id).arg(h.letters));
-        QCOMPARE(h.pages(id).size(), confirm ? 1 : 0);
-        QCOMPARE(h.flow->pagesSaved(), confirm ? 1 : 0);
+        QCOMPARE(h.pages(id).size(), goOn ? 1 : 0);
+        QCOMPARE(h.flow->pagesSaved(), goOn ? 1 : 0);
         QVERIFY(!h.flow->viewer());
     }
 
     // "TWAINShowUI": the device's own options come up before the scan; what is changed there
     // is what the device reads with; Cancel there reads nothing and leaves no row.
-    void deviceOptionsBeforeTheScan_data()
-    {
-        columns<bool>({"scan"});
-        row("mode changed to grey, then Scan", true);
-        row("cancelled", false);
-    }
+    void deviceOptionsBeforeTheScan_data() { goOnOrCancel("mode changed to grey, then Scan"); }
     void deviceOptionsBeforeTheScan()
     {
-        QFETCH(bool, scan);
+        QFETCH(bool, goOn);
         ScanHarness h;
         h.settings().setFlag(keys::ScanShowUi, true);
         QStringList modes;
@@ -348,7 +324,7 @@ private slots:
             for (int i = 0; i < mode->count(); ++i)
                 modes << mode->itemText(i);
             modes << mode->currentText();
-            if (!scan)
+            if (!goOn)
                 return DialogAnswerer::press(dialog, "cmdCancel");
             QSignalSpy updated(options, &ScanOptionsDialog::optionsUpdated);
             emit mode->activated(mode->findText(QStringLiteral("Gray")));
@@ -362,11 +338,11 @@ private slots:
         QCOMPARE(device, QStringLiteral("Options of test:0"));
         // The list of the device, set to colour by the settings, then grey by the person.
         QCOMPARE(modes, QStringList({"Gray", "Color", "Color"}) +
-                            (scan ? QStringList{"Gray"} : QStringList()));
-        QCOMPARE(h.flow->pagesSaved(), scan ? 1 : 0);
+                            (goOn ? QStringList{"Gray"} : QStringList()));
+        QCOMPARE(h.flow->pagesSaved(), goOn ? 1 : 0);
         const QVector<PageRow> rows = h.pages(h.five);
-        QCOMPARE(rows.size(), scan ? 6 : 5);
-        if (scan) {
+        QCOMPARE(rows.size(), goOn ? 6 : 5);
+        if (goOn) {
             const QImage image = h.pageImage(rows.last());
             QVERIFY(!image.isNull() && image.allGray());
         }
@@ -375,31 +351,25 @@ private slots:
 
     // Before the first scan the settings dialog comes up; Cancel starts nothing, OK goes on
     // with what it chose (the first device found, for someone who never chose).
-    void settingsBeforeTheFirstScan_data()
-    {
-        columns<bool>({"confirm"});
-        row("cancelled", false);
-        row("confirmed", true);
-    }
+    void settingsBeforeTheFirstScan_data() { goOnOrCancel("confirmed"); }
     void settingsBeforeTheFirstScan()
     {
-        QFETCH(bool, confirm);
+        QFETCH(bool, goOn);
         ScanHarness h({kPicture}, false);
         DialogAnswerer answerer([&](QDialog* dialog) {
             auto* settings = qobject_cast<ScanSettingsDialog*>(dialog);
             // The answer waits until the devices are listed.
             if (!settings || settings->isLooking())
                 return false;
-            return DialogAnswerer::press(dialog, confirm ? "cmdOK" : "cmdCancel");
+            return DialogAnswerer::press(dialog, goOn ? "cmdOK" : "cmdCancel");
         });
         SCAN(h, h.target(false));
         QCOMPARE(answerer.seen, QStringList{"qmr::ScanSettingsDialog"});
         QCOMPARE(h.settings().get(keys::SetupScanSettings),
-                 confirm ? QStringLiteral("True") : QString());
-        QCOMPARE(h.settings().get(keys::ScanSource),
-                 confirm ? QStringLiteral("test:0") : QString());
-        QCOMPARE(h.pages(h.five).size(), confirm ? 6 : 5);
-        QCOMPARE(h.flow->pagesSaved(), confirm ? 1 : 0);
+                 goOn ? QStringLiteral("True") : QString());
+        QCOMPARE(h.settings().get(keys::ScanSource), goOn ? QStringLiteral("test:0") : QString());
+        QCOMPARE(h.pages(h.five).size(), goOn ? 6 : 5);
+        QCOMPARE(h.flow->pagesSaved(), goOn ? 1 : 0);
         QVERIFY(!h.flow->viewer());
     }
 };

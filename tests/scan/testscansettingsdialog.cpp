@@ -19,13 +19,30 @@ using namespace qmr::test;
 
 namespace {
 
-template <typename T> T* control(QDialog& dialog, const char* name)
+// The dialog on the test backend in a home of its own, `scanner` chosen before.
+struct Opened
 {
-    T* widget = dialog.findChild<T*>(QLatin1String(name));
-    if (!widget)
-        qFatal("no control %s", name);
-    return widget;
-}
+    SaneTestBackend backend;
+    TestHome home;
+    SaneSource source;
+    std::unique_ptr<ScanSettingsDialog> dialog;
+    std::unique_ptr<QSignalSpy> listed;
+
+    explicit Opened(const QString& scanner = QString())
+    {
+        if (!scanner.isEmpty())
+            home.settings().set(keys::ScanSource, scanner);
+        dialog = std::make_unique<ScanSettingsDialog>(home.settings(), source);
+        listed = std::make_unique<QSignalSpy>(dialog.get(), &ScanSettingsDialog::devicesListed);
+    }
+    template <typename T> T* control(const char* name)
+    {
+        T* widget = dialog->findChild<T*>(QLatin1String(name));
+        if (!widget)
+            qFatal("no control %s", name);
+        return widget;
+    }
+};
 
 QStringList itemTexts(const QComboBox* box)
 {
@@ -53,21 +70,17 @@ private slots:
     // answer, with vendor and model beside each device name; Refresh looks again.
     void devicesComeLater()
     {
-        SaneTestBackend backend;
-        TestHome home;
-        SaneSource source;
-        ScanSettingsDialog dialog(home.settings(), source);
-        QSignalSpy listed(&dialog, &ScanSettingsDialog::devicesListed);
-        auto* scanner = control<QComboBox>(dialog, "cboScanner");
-        auto* camera = control<QComboBox>(dialog, "cboCamera");
-        auto* looking = control<QLabel>(dialog, "lblLooking");
-        auto* refresh = control<QPushButton>(dialog, "cmdRefresh");
-        QVERIFY(dialog.isLooking());
+        Opened o;
+        auto* scanner = o.control<QComboBox>("cboScanner");
+        auto* camera = o.control<QComboBox>("cboCamera");
+        auto* looking = o.control<QLabel>("lblLooking");
+        auto* refresh = o.control<QPushButton>("cmdRefresh");
+        QVERIFY(o.dialog->isLooking());
         QCOMPARE(looking->text(), QStringLiteral("Looking for scanners…"));
         QVERIFY(!refresh->isEnabled());
         QCOMPARE(itemTexts(scanner), QStringList{"(none)"});
 
-        QVERIFY(waitFor(listed));
+        QVERIFY(waitFor(*o.listed));
         const QStringList devices{"(none)", "Noname frontend-tester (test:0)",
                                   "Noname frontend-tester (test:1)"};
         QCOMPARE(itemTexts(scanner), devices);
@@ -80,13 +93,13 @@ private slots:
 
         camera->setCurrentIndex(2);
         refresh->click();
-        QVERIFY(dialog.isLooking());
+        QVERIFY(o.dialog->isLooking());
         QCOMPARE(looking->text(), QStringLiteral("Looking for scanners…"));
-        QVERIFY(waitFor(listed, 2));
+        QVERIFY(waitFor(*o.listed, 2));
         // A choice made before the refresh survives it.
         QCOMPARE(camera->currentData().toString(), QStringLiteral("test:1"));
         QCOMPARE(itemTexts(scanner), devices);
-        QVERIFY(!dialog.isLooking());
+        QVERIFY(!o.dialog->isLooking());
     }
 
     // OK writes every setting the dialog shows, not only the first five; Cancel writes none.
@@ -106,34 +119,30 @@ private slots:
         QFETCH(bool, change);
         QFETCH(bool, confirm);
         QFETCH(QStringList, expected);
-        SaneTestBackend backend;
-        TestHome home;
-        SaneSource source;
-        ScanSettingsDialog dialog(home.settings(), source);
-        QSignalSpy listed(&dialog, &ScanSettingsDialog::devicesListed);
-        QVERIFY(waitFor(listed));
+        Opened o;
+        QVERIFY(waitFor(*o.listed));
         if (change) {
-            control<QComboBox>(dialog, "cboScanner")->setCurrentIndex(2);
-            control<QComboBox>(dialog, "cboCamera")->setCurrentIndex(1);
-            control<QComboBox>(dialog, "cboAfterScan")->setCurrentIndex(1);
-            control<QComboBox>(dialog, "cboGetDocInfo")->setCurrentIndex(1);
-            control<QCheckBox>(dialog, "chkADF")->setChecked(true);
-            auto* duplex = control<QCheckBox>(dialog, "chkDuplex");
+            o.control<QComboBox>("cboScanner")->setCurrentIndex(2);
+            o.control<QComboBox>("cboCamera")->setCurrentIndex(1);
+            o.control<QComboBox>("cboAfterScan")->setCurrentIndex(1);
+            o.control<QComboBox>("cboGetDocInfo")->setCurrentIndex(1);
+            o.control<QCheckBox>("chkADF")->setChecked(true);
+            auto* duplex = o.control<QCheckBox>("chkDuplex");
             QVERIFY(duplex->isEnabled()); // it goes with the feeder
             duplex->setChecked(false);
-            control<QCheckBox>(dialog, "chkShowUI")->setChecked(true);
-            control<QComboBox>(dialog, "cboDocScanType")->setCurrentIndex(1);
-            control<QComboBox>(dialog, "cboPicScanType")->setCurrentIndex(0);
-            control<QSpinBox>(dialog, "spnDocDPI")->setValue(200);
-            control<QSpinBox>(dialog, "spnPicDPI")->setValue(600);
-            control<QSpinBox>(dialog, "spnDocQuality")->setValue(20);
-            control<QSpinBox>(dialog, "spnPicQuality")->setValue(40);
+            o.control<QCheckBox>("chkShowUI")->setChecked(true);
+            o.control<QComboBox>("cboDocScanType")->setCurrentIndex(1);
+            o.control<QComboBox>("cboPicScanType")->setCurrentIndex(0);
+            o.control<QSpinBox>("spnDocDPI")->setValue(200);
+            o.control<QSpinBox>("spnPicDPI")->setValue(600);
+            o.control<QSpinBox>("spnDocQuality")->setValue(20);
+            o.control<QSpinBox>("spnPicQuality")->setValue(40);
         } else {
-            QVERIFY(!control<QCheckBox>(dialog, "chkDuplex")->isEnabled());
+            QVERIFY(!o.control<QCheckBox>("chkDuplex")->isEnabled());
         }
-        control<QPushButton>(dialog, confirm ? "cmdOK" : "cmdCancel")->click();
-        QCOMPARE(dialog.result(), confirm ? int(QDialog::Accepted) : int(QDialog::Rejected));
-        Settings& s = home.reopenSettings();
+        o.control<QPushButton>(confirm ? "cmdOK" : "cmdCancel")->click();
+        QCOMPARE(o.dialog->result(), confirm ? int(QDialog::Accepted) : int(QDialog::Rejected));
+        Settings& s = o.home.reopenSettings();
         QStringList stored;
         for (const char* key : kKeys)
             stored << s.getSetting(QLatin1String(key));
@@ -143,18 +152,13 @@ private slots:
     // A device chosen before that is off or unplugged now stays chosen, marked as not found.
     void missingDeviceStaysChosen()
     {
-        SaneTestBackend backend;
-        TestHome home;
-        home.settings().set(keys::ScanSource, QStringLiteral("usb:elsewhere"));
-        SaneSource source;
-        ScanSettingsDialog dialog(home.settings(), source);
-        auto* scanner = control<QComboBox>(dialog, "cboScanner");
+        Opened o(QStringLiteral("usb:elsewhere"));
+        auto* scanner = o.control<QComboBox>("cboScanner");
         QCOMPARE(scanner->currentText(), QStringLiteral("usb:elsewhere"));
-        QSignalSpy listed(&dialog, &ScanSettingsDialog::devicesListed);
-        QVERIFY(waitFor(listed));
+        QVERIFY(waitFor(*o.listed));
         QCOMPARE(scanner->currentText(), QStringLiteral("usb:elsewhere (not found)"));
-        control<QPushButton>(dialog, "cmdOK")->click();
-        QCOMPARE(home.settings().get(keys::ScanSource), QStringLiteral("usb:elsewhere"));
+        o.control<QPushButton>("cmdOK")->click();
+        QCOMPARE(o.home.settings().get(keys::ScanSource), QStringLiteral("usb:elsewhere"));
     }
 };
 
