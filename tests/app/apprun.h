@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QApplication>
+#include <QProcess>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTreeWidgetItem>
 #include <memory>
@@ -11,12 +13,34 @@
 #include "navigator/navwindow.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
+#include "tests/support/datarow.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
+#include "tests/support/testrunner.h"
 #include "tests/support/treepoint.h"
 
 namespace qmr::test {
+
+// Starts the program itself with a settings directory of its own and no home from outside:
+// offscreen, or with no display at all as a batch run on a server has.
+inline bool startProgram(QProcess& process, const QString& configDir, const QStringList& arguments,
+                         bool offscreen = true)
+{
+    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
+    env.remove("QUILLMERE_HOME");
+    if (offscreen)
+        env.insert("QT_QPA_PLATFORM", "offscreen");
+    else
+        for (const char* name : {"DISPLAY", "WAYLAND_DISPLAY", "QT_QPA_PLATFORM"})
+            env.remove(name);
+    env.insert("XDG_CONFIG_HOME", configDir);
+    process.setProcessEnvironment(env);
+    process.start(QStringLiteral(QMR_APP_PATH), arguments);
+    return process.waitForStarted();
+}
 
 // A run of the program on a temporary home, started as main() starts it.
 struct AppRun

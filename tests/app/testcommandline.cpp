@@ -1,50 +1,42 @@
-#include <QProcess>
-#include <QTemporaryDir>
-#include <QTest>
-
 #include "app/commandline.h"
 #include "core/homelock.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/testhome.h"
-#include "tests/support/testrunner.h"
-#include "tests/text/printedpage.h"
 #include "store/pagepaths.h"
+#include "tests/app/apprun.h"
+#include "tests/text/printedpage.h"
 
 using namespace qmr;
 using Action = CommandLineRequest::Action;
 
 namespace {
 
-struct Result
+// Batch runs of the program itself on one home, with no display.
+struct Batch
 {
+    explicit Batch(const QString& h) : home(h) {}
+    QString home;
+    QTemporaryDir config;
     int status = -1;
-    QString out;
-    QString err;
-};
+    QString out, err;
 
-// Runs the program itself, with no display and a settings directory of its own.
-Result runProgram(const QStringList& arguments, const QString& configDir)
-{
-    QProcess process;
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.remove("DISPLAY");
-    env.remove("WAYLAND_DISPLAY");
-    env.remove("QT_QPA_PLATFORM");
-    env.remove("QUILLMERE_HOME");
-    env.insert("XDG_CONFIG_HOME", configDir);
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(QMR_APP_PATH), arguments);
-    Result r;
-    if (!process.waitForFinished(60000)) {
-        process.kill();
-        process.waitForFinished();
-        return r;
+    // Runs the program (on the home unless told otherwise); whether it exited with `expected`.
+    bool run(const QStringList& arguments, int expected, bool onHome = true)
+    {
+        QProcess process;
+        test::startProgram(process, config.path(),
+                           (onHome ? QStringList{"--home", home} : QStringList()) + arguments,
+                           false);
+        if (!process.waitForFinished(60000)) {
+            process.kill();
+            process.waitForFinished();
+        }
+        status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
+        out = QString::fromUtf8(process.readAllStandardOutput());
+        err = QString::fromUtf8(process.readAllStandardError());
+        if (status != expected)
+            qWarning("status %d, not %d: %s", status, expected, qPrintable(out + err));
+        return status == expected;
     }
-    r.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -2;
-    r.out = QString::fromUtf8(process.readAllStandardOutput());
-    r.err = QString::fromUtf8(process.readAllStandardError());
-    return r;
-}
+};
 
 } // namespace
 
@@ -64,15 +56,12 @@ private slots:
             QTest::newRow(name) << arguments << int(action) << values.split('|') << message;
         };
         row("nothing", {}, Action::Window, "||");
-        row("home", {"--home", "/h"}, Action::Window, "/h||");
         row("home=", {"--home=/h"}, Action::Window, "/h||");
         row("the toolkit's own", {"-platform", "offscreen", "-reverse"}, Action::Window, "||");
         row("help", {"--help"}, Action::Help, "||", "quillmere [--home DIR] --export CABINET DIR");
         row("-h", {"-h"}, Action::Help, "||", "--import DIR");
-        row("export", {"--export", "Home Papers", "/out"}, Action::Export, "|Home Papers|/out");
         row("export, home last", {"--export", "C", "/out", "--home", "/h"}, Action::Export,
             "/h|C|/out");
-        row("import", {"--import", "/ex/C", "Target"}, Action::Import, "|Target|/ex/C");
         row("export needs two", {"--export", "C"}, Action::Error, "||",
             "--export needs a cabinet and a directory");
         row("import needs two", {"--import", "/ex"}, Action::Error, "||",
@@ -80,8 +69,6 @@ private slots:
         row("three values", {"--export", "C", "/a", "/b"}, Action::Error, "||", "--export needs");
         row("both", {"--export", "C", "/a", "--import", "/b"}, Action::Error, "||",
             "cannot be given together");
-        row("find", {"--find", "gas bill"}, Action::Find, "||");
-        row("read text", {"--home", "/h", "--read-text"}, Action::ReadText, "/h||");
         row("find with check", {"--find", "x", "--check"}, Action::Error, "||",
             "--find and --read-text go alone");
         row("find and read", {"--read-text", "--find", "x"}, Action::Error, "||", "go alone");
@@ -106,7 +93,7 @@ private slots:
     void checkAndRepair()
     {
         test::TestHome home;
-        QTemporaryDir config;
+        Batch b{home.path()};
         qint32 page = -1;
         {
             test::FixtureStore store(home.home());
@@ -117,26 +104,20 @@ private slots:
         const QString orphan = home.file("Pages/0000000/777.jpg");
         QVERIFY(home.writeFile("Pages/0000000/777.jpg", "left by a killed run"));
         QVERIFY(home.writeFile("Pages/0000000/778.jpg.5eed1e55.qmrpart", "half"));
-        const QString h = home.path();
-        Result r = runProgram({"--home", h, "--check"}, config.path());
-        QCOMPARE(r.status, 1);
-        QVERIFY2(r.out.contains(QString("Page %1: its file is").arg(page)), qPrintable(r.out));
-        QVERIFY2(r.out.contains(orphan + " belongs to no page"), qPrintable(r.out));
-        QVERIFY2(r.out.contains("778.jpg.5eed1e55.qmrpart is left"), qPrintable(r.out));
-        QVERIFY2(r.out.endsWith("3 problems found.\n"), qPrintable(r.out));
+        QVERIFY(b.run({"--check"}, 1));
+        QVERIFY2(b.out.contains(QString("Page %1: its file is").arg(page)), qPrintable(b.out));
+        QVERIFY2(b.out.contains(orphan + " belongs to no page"), qPrintable(b.out));
+        QVERIFY2(b.out.contains("778.jpg.5eed1e55.qmrpart is left"), qPrintable(b.out));
+        QVERIFY2(b.out.endsWith("3 problems found.\n"), qPrintable(b.out));
         QVERIFY(QFile::exists(orphan));
 
-        r = runProgram({"--home", h, "--check", "--repair"}, config.path());
-        QCOMPARE(r.status, 0);
-        QVERIFY2(r.out.endsWith("3 problems found, 3 repaired.\n"), qPrintable(r.out));
+        QVERIFY(b.run({"--check", "--repair"}, 0));
+        QVERIFY2(b.out.endsWith("3 problems found, 3 repaired.\n"), qPrintable(b.out));
         QVERIFY(!QFile::exists(orphan));
-        r = runProgram({"--home", h, "--check"}, config.path());
-        QCOMPARE(r.status, 0);
-        QCOMPARE(r.out, QString("No problems found.\n"));
+        QVERIFY(b.run({"--check"}, 0));
+        QCOMPARE(b.out, QString("No problems found.\n"));
         QVERIFY(QFile::exists(home.file("Pages/0000000/%1.jpg").arg(page)));
-
-        r = runProgram({"--home", h, "--repair"}, config.path());
-        QCOMPARE(r.status, 2);
+        QVERIFY(b.run({"--repair"}, 2));
     }
 
     // Pages filed by a script are read by --read-text (the program's own worker reads them),
@@ -144,10 +125,10 @@ private slots:
     void readTextThenFind()
     {
         test::TestHome home;
-        QTemporaryDir config;
+        Batch b{home.path()};
+        const PagePaths paths(home.home());
         {
             test::FixtureStore store(home.home());
-            const PagePaths paths(home.home());
             const auto file = [&](qint32 cabinet, const QString& document,
                                   const QStringList& pages) {
                 const qint32 id =
@@ -159,109 +140,94 @@ private slots:
             file(store.cabinet("Home"), "Winter", {"Northwind heating invoice", "Water meter"});
             file(store.cabinet("Private", "secret"), "Loan", {"Northwind bank"});
         }
-        const QString h = home.path();
-        Result r = runProgram({"--home", h, "--read-text"}, config.path());
-        QCOMPARE(r.status, 0);
-        QVERIFY2(r.out.contains("Reading text: 3 of 3 pages\n"), qPrintable(r.out + r.err));
-        QVERIFY2(r.out.endsWith("The text of every page is read.\n"), qPrintable(r.out));
+        QVERIFY(b.run({"--read-text"}, 0));
+        QVERIFY2(b.out.contains("Reading text: 3 of 3 pages\n"), qPrintable(b.out + b.err));
+        QVERIFY2(b.out.endsWith("The text of every page is read.\n"), qPrintable(b.out));
 
-        r = runProgram({"--home", h, "--find", "northwind"}, config.path());
-        QCOMPARE(r.status, 0);
-        QCOMPARE(r.out, QString("Home/Bills/Gas/Winter\t1\n"));
-        r = runProgram({"--home", h, "--find", "\"water meter\" north*"}, config.path());
-        QCOMPARE(r.out, QString());
-        QCOMPARE(r.status, 1);
-        r = runProgram({"--home", h, "--find", "METER"}, config.path());
-        QCOMPARE(r.out, QString("Home/Bills/Gas/Winter\t2\n"));
+        QVERIFY(b.run({"--find", "northwind"}, 0));
+        QCOMPARE(b.out, QString("Home/Bills/Gas/Winter\t1\n"));
+        QVERIFY(b.run({"--find", "\"water meter\" north*"}, 1));
+        QCOMPARE(b.out, QString());
+        QVERIFY(b.run({"--find", "METER"}, 0));
+        QCOMPARE(b.out, QString("Home/Bills/Gas/Winter\t2\n"));
 
         // Nothing new to read: done at once.
-        r = runProgram({"--home", h, "--read-text"}, config.path());
-        QCOMPARE(r.status, 0);
-        QCOMPARE(r.out, QString("The text of every page is read.\n"));
+        QVERIFY(b.run({"--read-text"}, 0));
+        QCOMPARE(b.out, QString("The text of every page is read.\n"));
 
         // The check finds the entries that disagree with the store: a page gone behind the
         // program's back, a file changed since it was read; a new page only waits.
-        const PagePaths paths(home.home());
         {
             test::FixtureStore store(home.home());
             store.db().execute("DELETE FROM Page WHERE PageId = 3");
             QVERIFY(test::printedPage({"Water meter replaced"}).save(paths.pagePath(2, ""), "JPG"));
-            const qint32 document =
-                store.db().scalar("SELECT DocumentId FROM Page WHERE PageId = 1").toInt();
-            store.page(document, 3);
+            store.page(store.db().scalar("SELECT DocumentId FROM Page WHERE PageId = 1").toInt(),
+                       3);
         }
         // (The store's own lines about the sizes and the page's leftover files come first.)
         const QStringList textLines = {
             "Page text of page 3: the page is gone",
             "Page 2: its text was read from an earlier version of its file",
             "1 page waits for its text to be read."};
-        r = runProgram({"--home", h, "--check"}, config.path());
-        QCOMPARE(r.status, 1);
+        QVERIFY(b.run({"--check"}, 1));
         for (const QString& line : textLines)
-            QVERIFY2(r.out.contains(line + "\n"), qPrintable(r.out));
-        r = runProgram({"--home", h, "--check", "--repair"}, config.path());
-        QCOMPARE(r.status, 0);
-        QVERIFY2(r.out.contains(textLines.at(0) + " (repaired)\n") &&
-                     r.out.contains(textLines.at(1) + " (repaired)\n"),
-                 qPrintable(r.out));
-        r = runProgram({"--home", h, "--check"}, config.path());
-        QCOMPARE(r.status, 0);
-        QCOMPARE(r.out, QString("2 pages wait for their text to be read.\nNo problems found.\n"));
+            QVERIFY2(b.out.contains(line + "\n"), qPrintable(b.out));
+        QVERIFY(b.run({"--check", "--repair"}, 0));
+        QVERIFY2(b.out.contains(textLines.at(0) + " (repaired)\n") &&
+                     b.out.contains(textLines.at(1) + " (repaired)\n"),
+                 qPrintable(b.out));
+        QVERIFY(b.run({"--check"}, 0));
+        QCOMPARE(b.out, QString("2 pages wait for their text to be read.\nNo problems found.\n"));
     }
 
     // Each way a batch run ends has its status: 0 done, 1 failed, 2 not understood.
     void exitStatuses()
     {
         test::TestHome home;
-        QTemporaryDir config, out;
+        QTemporaryDir out;
+        Batch b{home.path()};
         {
             test::FixtureStore store(home.home());
             store.fillSample();
             store.cabinet("Target");
         }
         const QString h = home.path();
-        Result r;
-        const auto run = [&](const QStringList& arguments, int status) {
-            r = runProgram(arguments, config.path());
-            if (r.status != status)
-                qWarning("status %d, not %d: %s", r.status, status, qPrintable(r.err));
-            return r.status == status;
-        };
-        QVERIFY(run({"--help"}, 0) && r.out.startsWith("Usage: quillmere"));
-        QVERIFY(run({"--version"}, 0) && r.out.startsWith("Quillmere "));
-        QVERIFY(run({"--bogus"}, 2) && r.err.contains("Unknown option 'bogus'.") &&
-                r.out.isEmpty());
+        QVERIFY(b.run({"--help"}, 0, false) && b.out.startsWith("Usage: quillmere"));
+        QVERIFY(b.run({"--version"}, 0, false) && b.out.startsWith("Quillmere "));
+        QVERIFY(b.run({"--bogus"}, 2, false) && b.err.contains("Unknown option 'bogus'.") &&
+                b.out.isEmpty());
 
-        QVERIFY(run({"--home", out.filePath("nohome"), "--export", "Home Papers", out.path()}, 1));
-        QVERIFY2(r.err.contains("There is no store in"), qPrintable(r.err));
+        QVERIFY(b.run({"--home", out.filePath("nohome"), "--export", "Home Papers", out.path()}, 1,
+                      false));
+        QVERIFY2(b.err.contains("There is no store in"), qPrintable(b.err));
         QVERIFY(!QFile::exists(out.filePath("nohome/qmr.mdb")));
-        QVERIFY(run({"--home", h, "--export", "Home Papers", h + "/backup"}, 1));
-        QVERIFY(r.err.contains("You cannot export a cabinet to a path within"));
-        QVERIFY(run({"--home", h, "--export", "Home Papers", out.filePath("x")}, 0));
-        QCOMPARE(r.out, "Export complete. 3 pages copied.\n");
+        QVERIFY(b.run({"--export", "Home Papers", h + "/backup"}, 1));
+        QVERIFY(b.err.contains("You cannot export a cabinet to a path within"));
+        QVERIFY(b.run({"--export", "Home Papers", out.filePath("x")}, 0));
+        QCOMPARE(b.out, "Export complete. 3 pages copied.\n");
         QVERIFY(QFile::exists(out.filePath("x/Home Papers/QMR.txt")));
 
-        QVERIFY(run({"--home", h, "--import", out.filePath("x/Home Papers"), "Target"}, 0));
-        QCOMPARE(r.out, "3 files imported.\r\n0 shortcuts created.\n");
+        QVERIFY(b.run({"--import", out.filePath("x/Home Papers"), "Target"}, 0));
+        QCOMPARE(b.out, "3 files imported.\r\n0 shortcuts created.\n");
         // Thumbnails are made without a window too.
         for (const int page : {4, 5, 6})
             QVERIFY2(QFile::exists(QString("%1/Thumbs/0000000/%2.jpg").arg(h).arg(page)),
                      qPrintable(QString::number(page)));
-        QVERIFY(run({"--home", h, "--import", out.filePath("x"), "Target"}, 1));
-        QVERIFY(r.err.contains("Missing QMR.TXT."));
-        QVERIFY(run({"--home", h, "--import", out.filePath("x/Home Papers"), "Private"}, 1));
-        QVERIFY(r.err.contains("has a password"));
+        QVERIFY(b.run({"--import", out.filePath("x"), "Target"}, 1));
+        QVERIFY(b.err.contains("Missing QMR.TXT."));
+        QVERIFY(b.run({"--import", out.filePath("x/Home Papers"), "Private"}, 1));
+        QVERIFY(b.err.contains("has a password"));
 
         // A home that a running program holds is left alone, and the batch says why.
-        const QStringList exportY{"--home", h, "--export", "Home Papers", out.filePath("y")};
+        const QStringList exportY{"--export", "Home Papers", out.filePath("y")};
         {
             HomeLock held(home.home());
             QVERIFY(held.acquire());
-            QVERIFY(run(exportY, 1));
-            QVERIFY2(r.err.contains(h), qPrintable(r.err));
+            QVERIFY(b.run(exportY, 1));
+            QVERIFY2(b.err.contains(h), qPrintable(b.err));
             QVERIFY(!QFile::exists(out.filePath("y")));
         }
-        QVERIFY(run(exportY, 0));
+        QVERIFY(b.run(exportY, 0));
     }
 };
 

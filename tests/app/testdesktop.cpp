@@ -1,12 +1,9 @@
-#include <QApplication>
 #include <QDir>
 #include <QFileDialog>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScopeGuard>
-#include <QTemporaryDir>
-#include <QTest>
 #include <cmath>
 #include <map>
 
@@ -15,10 +12,7 @@
 #include "dialogs/dialogchoosers.h"
 #include "help/helpwindow.h"
 #include "tests/app/apprun.h"
-#include "tests/support/datarow.h"
-#include "tests/support/modalwatch.h"
 #include "tests/support/shots.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 

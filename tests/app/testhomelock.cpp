@@ -3,12 +3,8 @@
 #include <QDeadlineTimer>
 #include <QDirIterator>
 #include <QScopeGuard>
-#include <QFile>
 #include <QFileInfo>
-#include <QProcess>
 #include <QSysInfo>
-#include <QTemporaryDir>
-#include <QTest>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
@@ -21,12 +17,8 @@
 #include <unistd.h>
 
 #include "core/homelock.h"
-#include "core/settings.h"
 #include "store/schema.h"
 #include "tests/app/apprun.h"
-#include "tests/support/datarow.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 
@@ -36,9 +28,7 @@ QString refusal(const test::TestHome& home, qint64 pid, const QString& host)
 {
     return QStringLiteral("The home %1 is in use by Quillmere, process %2 on %3. Only one "
                           "Quillmere can work on a home at a time.")
-        .arg(home.home().path())
-        .arg(pid)
-        .arg(host);
+        .arg(home.home().path(), QString::number(pid), host);
 }
 
 // Makes a file look last written `ageSeconds` ago.
@@ -88,53 +78,44 @@ QString systemText(int error)
 
 // Root passes every permission check; without CAP_DAC_OVERRIDE in its effective set it meets
 // them as the owner of a file does. Capabilities are per thread: this one's are put back.
-class WithoutPermissionOverride
+struct WithoutPermissionOverride
 {
-public:
     WithoutPermissionOverride()
     {
-        m_header.version = _LINUX_CAPABILITY_VERSION_3;
-        m_header.pid = 0;
-        if (::syscall(SYS_capget, &m_header, m_saved) != 0)
+        if (::syscall(SYS_capget, &header, saved) != 0)
             return;
-        __user_cap_data_struct less[2] = {m_saved[0], m_saved[1]};
+        __user_cap_data_struct less[2] = {saved[0], saved[1]};
         less[CAP_TO_INDEX(CAP_DAC_OVERRIDE)].effective &= ~CAP_TO_MASK(CAP_DAC_OVERRIDE);
-        m_dropped = ::syscall(SYS_capset, &m_header, less) == 0;
+        dropped = ::syscall(SYS_capset, &header, less) == 0;
     }
     ~WithoutPermissionOverride()
     {
-        if (m_dropped)
-            ::syscall(SYS_capset, &m_header, m_saved);
+        if (dropped)
+            ::syscall(SYS_capset, &header, saved);
     }
-
-private:
-    __user_cap_header_struct m_header{};
-    __user_cap_data_struct m_saved[2]{};
-    bool m_dropped = false;
+    __user_cap_header_struct header{_LINUX_CAPABILITY_VERSION_3, 0};
+    __user_cap_data_struct saved[2]{};
+    bool dropped = false;
 };
 
 // No file of this process can grow past 0 bytes while it lives; a write fails with EFBIG
 // instead of raising SIGXFSZ.
-class NoFileGrows
+struct NoFileGrows
 {
-public:
     NoFileGrows()
     {
-        m_previousHandler = std::signal(SIGXFSZ, SIG_IGN);
-        ::getrlimit(RLIMIT_FSIZE, &m_previous);
-        rlimit none = m_previous;
+        ::getrlimit(RLIMIT_FSIZE, &previous);
+        rlimit none = previous;
         none.rlim_cur = 0;
         ::setrlimit(RLIMIT_FSIZE, &none);
     }
     ~NoFileGrows()
     {
-        ::setrlimit(RLIMIT_FSIZE, &m_previous);
-        std::signal(SIGXFSZ, m_previousHandler);
+        ::setrlimit(RLIMIT_FSIZE, &previous);
+        std::signal(SIGXFSZ, previousHandler);
     }
-
-private:
-    rlimit m_previous{};
-    void (*m_previousHandler)(int) = nullptr;
+    void (*previousHandler)(int) = std::signal(SIGXFSZ, SIG_IGN);
+    rlimit previous{};
 };
 
 bool canMakeFileIn(const QString& dir)
@@ -143,18 +124,6 @@ bool canMakeFileIn(const QString& dir)
     const bool made = probe.open(QIODevice::WriteOnly);
     probe.remove();
     return made;
-}
-
-// Starts the program itself, offscreen, with a settings directory of its own.
-bool startProgram(QProcess& process, const QString& configDir, const QStringList& arguments)
-{
-    QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
-    env.insert("QT_QPA_PLATFORM", "offscreen");
-    env.insert("XDG_CONFIG_HOME", configDir);
-    env.remove("QUILLMERE_HOME");
-    process.setProcessEnvironment(env);
-    process.start(QStringLiteral(QMR_APP_PATH), arguments);
-    return process.waitForStarted();
 }
 
 // A pipe whose writer stalls at its first write: it is full before the writer starts, and
@@ -286,11 +255,11 @@ private slots:
     // run takes over.
     void otherProgramHoldsTheHomeUntilItEnds_data()
     {
-        QTest::addColumn<int>("signalNumber");
-        QTest::newRow("SIGTERM (a logout)") << SIGTERM;
-        QTest::newRow("SIGINT (Ctrl+C)") << SIGINT;
-        QTest::newRow("SIGHUP (its terminal closed)") << SIGHUP;
-        QTest::newRow("SIGKILL") << SIGKILL;
+        test::columns<int>({"signalNumber"});
+        test::row("SIGTERM (a logout)", SIGTERM);
+        test::row("SIGINT (Ctrl+C)", SIGINT);
+        test::row("SIGHUP (its terminal closed)", SIGHUP);
+        test::row("SIGKILL", SIGKILL);
     }
     void otherProgramHoldsTheHomeUntilItEnds()
     {
@@ -299,7 +268,7 @@ private slots:
         QTemporaryDir config;
         QProcess other;
         other.setProcessChannelMode(QProcess::ForwardedErrorChannel);
-        QVERIFY(startProgram(other, config.path(), {"--home", run.home.path()}));
+        QVERIFY(test::startProgram(other, config.path(), {"--home", run.home.path()}));
         // It holds the home once its store is open (it listens for signals before it takes it).
         const QString lock = run.home.file(HomeLock::fileName());
         QTRY_VERIFY_WITH_TIMEOUT(QFile::exists(StoreSchema::storePath(run.home.home())) &&
@@ -330,17 +299,17 @@ private slots:
 
     void homeThatCannotBeWritten_data()
     {
-        QTest::addColumn<QString>("kind");
-        QTest::newRow("below a file") << "below a file";
-        QTest::newRow("a file in its place") << "file";
-        QTest::newRow("no permission to write") << "read-only";
-        QTest::newRow("no file may grow (as on a full disk)") << "no growth";
+        test::columns<QString>({"kind"});
+        test::row("below a file", QString("below a file"));
+        test::row("a file in its place", QString("file"));
+        test::row("no permission to write", QString("read-only"));
+        test::row("no file may grow (as on a full disk)", QString("no growth"));
     }
     void homeThatCannotBeWritten()
     {
         QFETCH(QString, kind);
         QTemporaryDir dir;
-        test::TestHome settingsOnly;
+        test::AppRun other; // its settings, messages and choosers; the home is this one
         QString home = dir.filePath("home");
         QString expected;
         if (kind == "below a file" || kind == "file") {
@@ -373,20 +342,18 @@ private slots:
             if (canMakeFileIn(home))
                 QSKIP("This test runs with the right to write where permissions forbid it.");
         }
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        prompter.expect(expected);
+        other.prompter.expect(expected);
         bool started = true;
         {
             if (kind == "no growth")
                 noGrowth.emplace();
-            Startup run{AppHome(home), settingsOnly.settings(), prompter, choosers};
+            Startup run{AppHome(home), other.home.settings(), other.prompter, other.choosers};
             started = run.start(false);
             noGrowth.reset();
         }
         asOwner.reset();
         QVERIFY(!started);
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY2(other.prompter.verify(), qPrintable(other.prompter.report()));
         QVERIFY(!QFile::exists(home + "/" + HomeLock::fileName()));
         QVERIFY(!QFile::exists(home + "/qmr.mdb"));
     }
@@ -413,8 +380,9 @@ private slots:
         const int pagesBefore = pageCount(home.home());
         if (command == "import") {
             QProcess exporting;
-            QVERIFY(startProgram(exporting, config.path(),
-                                 {"--home", home.path(), "--export", "Home Papers", exchange}));
+            QVERIFY(
+                test::startProgram(exporting, config.path(),
+                                   {"--home", home.path(), "--export", "Home Papers", exchange}));
             QVERIFY(exporting.waitForFinished(60000));
             QCOMPARE(exporting.exitCode(), 0);
         }
@@ -424,7 +392,7 @@ private slots:
         QVERIFY(progress.isFull());
         QProcess program;
         program.setStandardErrorFile(progress.path());
-        QVERIFY(startProgram(
+        QVERIFY(test::startProgram(
             program, config.path(),
             command == "export"
                 ? QStringList{"--home", home.path(), "--export", "Home Papers", out.filePath("y")}

@@ -1,11 +1,9 @@
 #include <QAbstractButton>
 #include <QAbstractSpinBox>
 #include <QAccessible>
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QDateEdit>
-#include <QDir>
 #include <QDragEnterEvent>
 #include <QFile>
 #include <QGroupBox>
@@ -22,8 +20,6 @@
 #include <QSignalSpy>
 #include <QTabBar>
 #include <QTabWidget>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QTextEdit>
 #include <QTimer>
 #include <QToolButton>
@@ -40,15 +36,10 @@
 #include "filing/clipboardfiles.h"
 #include "navigator/containerlist.h"
 #include "navigator/navdragdrop.h"
-#include "navigator/navigator.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
 #include "store/session.h"
 #include "tests/app/apprun.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/datarow.h"
-#include "tests/support/modalwatch.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 
@@ -114,16 +105,21 @@ qint32 sampleWithLongReport(const AppHome& home, int pages, bool pictures)
     return report;
 }
 
+// Whether any pixel of a picture is one that `drawn` picks out.
+bool anyPixel(const QImage& image, const std::function<bool(QRgb)>& drawn)
+{
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (drawn(image.pixel(x, y)))
+                return true;
+    return false;
+}
+
 // Whether anything but the background is drawn on a view's viewport.
 bool drawsOn(QAbstractItemView* view)
 {
     const QImage image = view->viewport()->grab().toImage();
-    const QRgb background = image.pixel(1, 1);
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixel(x, y) != background)
-                return true;
-    return false;
+    return anyPixel(image, [&](QRgb c) { return c != image.pixel(1, 1); });
 }
 
 // ---- access keys and focus ---------------------------------------------------------------
@@ -180,10 +176,7 @@ QStringList keyClashes(QWidget* window, const QString& where)
         const int shown = tabs->currentIndex();
         for (int i = 0; tabs->isVisible() && i < tabs->count(); ++i) {
             tabs->setCurrentIndex(i);
-            for (const QString& c :
-                 clashesOf(windowKeys(window), where + " on " + tabs->tabText(i)))
-                if (!clashes.contains(c))
-                    clashes << c;
+            clashes << clashesOf(windowKeys(window), where + " on " + tabs->tabText(i));
         }
         tabs->setCurrentIndex(shown);
     }
@@ -195,18 +188,16 @@ QStringList keyClashes(QWidget* window, const QString& where)
             clashes << clashesOf(owners, where + " menu " + menu->objectName());
         }
     }
+    clashes.removeDuplicates();
     return clashes;
 }
 
 // Whether a control is one to type into or choose from.
 bool isField(const QWidget* w)
 {
-    if (auto* line = qobject_cast<const QLineEdit*>(w))
-        return !line->isReadOnly();
-    if (auto* text = qobject_cast<const QPlainTextEdit*>(w))
-        return !text->isReadOnly();
-    if (auto* text = qobject_cast<const QTextEdit*>(w))
-        return !text->isReadOnly();
+    if (qobject_cast<const QLineEdit*>(w) || qobject_cast<const QPlainTextEdit*>(w) ||
+        qobject_cast<const QTextEdit*>(w))
+        return !w->property("readOnly").toBool();
     return qobject_cast<const QAbstractSpinBox*>(w) || qobject_cast<const QComboBox*>(w) ||
            qobject_cast<const QAbstractItemView*>(w);
 }
@@ -347,12 +338,7 @@ QStringList captionsOf(QWidget* window, QStringList& faults)
             continue;
         }
         // Whatever the theme, the icon draws something: a name whose picture is missing does not.
-        const QImage image = b->icon().pixmap(16, 16).toImage();
-        bool drawn = false;
-        for (int y = 0; y < image.height() && !drawn; ++y)
-            for (int x = 0; x < image.width() && !drawn; ++x)
-                drawn = qAlpha(image.pixel(x, y)) > 0;
-        if (!drawn)
+        if (!anyPixel(b->icon().pixmap(16, 16).toImage(), [](QRgb c) { return qAlpha(c) > 0; }))
             faults << what + " has no icon";
         const int caption = b->fontMetrics().horizontalAdvance(QString(b->text()).remove('&'));
         if (b->width() < caption + b->iconSize().width() + 8)
@@ -505,10 +491,8 @@ private slots:
             for (int row = 0; row < model->rowCount(); ++row)
                 needed = qMax(needed, details->sizeHintForIndex(model->index(row, column)).width());
             QVERIFY2(details->columnWidth(column) >= needed,
-                     qPrintable(QString("column %1: %2 wide, %3 needed")
-                                    .arg(column)
-                                    .arg(details->columnWidth(column))
-                                    .arg(needed)));
+                     qPrintable(QString::asprintf("column %d: %d wide, %d needed", column,
+                                                  details->columnWidth(column), needed)));
         }
     }
 
@@ -742,27 +726,9 @@ private slots:
         QVERIFY2(faults.isEmpty(), qPrintable(faults.join('\n')));
     }
 
-    // Month, day and year are typed into Find's date boxes, entered by Tab as a person does.
-    void findDatesTakeTypedMonths()
-    {
-        test::AppRun run;
-        test::FixtureStore(run.home.home()).fillSample();
-        QVERIFY(run.start());
-        QDate typed;
-        test::whenModal(this, [&](QWidget* find) {
-            find->findChild<QTabWidget*>("tabFind")->setCurrentIndex(2);
-            auto* from = find->findChild<QDateEdit*>("dtScanFrom");
-            from->setFocus(Qt::TabFocusReason);
-            if (QTest::qWaitFor([&] { return from->hasFocus(); }, 2000))
-                QTest::keyClicks(from, "03152021");
-            typed = from->date();
-            qobject_cast<QDialog*>(find)->reject();
-        });
-        QTest::keyClick(run.window(), Qt::Key_F, Qt::ControlModifier);
-        QCOMPARE(typed, QDate(2021, 3, 15));
-    }
-
-    void droppingADrawerOnItsOwnCabinetChangesNothing()
+    // Restored at a drawer: dropping the drawer on its own cabinet changes nothing; month,
+    // day and year are typed into Find's date boxes, entered by Tab as a person does.
+    void drawerDroppedOnItsCabinetAndFindDatesTyped()
     {
         test::AppRun run;
         test::FixtureStore(run.home.home()).fillSample();
@@ -785,13 +751,26 @@ private slots:
         QSignalSpy done(&drags, &NavDragDrop::dropDone);
         QVERIFY(dropOn(run.tree()->viewport(), run.nodePoint("CAB1"), data.get()));
         QTRY_COMPARE(done.size(), 1);
-
         // The same node, open as it was with its folders, and the list as it was.
         QCOMPARE(run.tree()->node("DRW1"), drawer);
         QVERIFY(drawer->isExpanded());
         QCOMPARE(drawer->childCount(), 2);
         QCOMPARE(listed(), before);
         QCOMPARE(run.session().items().parentOf(Level::Drawer, 1), 1);
+
+        QDate typed;
+        test::whenModal(this, [&](QWidget* find) {
+            find->findChild<QTabWidget*>("tabFind")->setCurrentIndex(2);
+            auto* from = find->findChild<QDateEdit*>("dtScanFrom");
+            from->setFocus(Qt::TabFocusReason);
+            if (QTest::qWaitFor([&] { return from->hasFocus(); }, 2000))
+                QTest::keyClicks(from, "03152021");
+            typed = from->date();
+            qobject_cast<QDialog*>(find)->reject();
+        });
+        QTest::keyClick(run.window(), Qt::Key_F, Qt::ControlModifier);
+        QCOMPARE(typed, QDate(2021, 3, 15));
+
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 };

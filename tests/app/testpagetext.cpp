@@ -3,17 +3,10 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPointer>
-#include <QProcess>
 #include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
 
-#include "core/settings.h"
 #include "store/pagepaths.h"
 #include "tests/app/apprun.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/modalwatch.h"
-#include "tests/support/testrunner.h"
 #include "tests/text/printedpage.h"
 #include "text/textreading.h"
 #include "text/textworker.h"
@@ -30,6 +23,41 @@ namespace {
 
 constexpr int kReadMs = 180000;
 
+// The assembled program with its text reading worker, on a home with one document whose pages
+// are printed with the given lines, a page each.
+struct ReadingRun : test::AppRun
+{
+    qint32 doc = -1;
+    QList<qint32> filed;
+    QStringList path; // the keys from the cabinet down to the document
+
+    bool start(const QString& languages, const QList<QStringList>& printed)
+    {
+        {
+            test::FixtureStore store(home.home());
+            const qint32 cabinet = store.cabinet("Home"), drawer = store.drawer(cabinet, "Bills"),
+                         folder = store.folder(drawer, "Gas");
+            doc = store.document(folder, "Winter");
+            path = QStringList{NodeKey::of(Level::Cabinet, cabinet).text(),
+                               NodeKey::of(Level::Drawer, drawer).text(),
+                               NodeKey::of(Level::Folder, folder).text(),
+                               NodeKey::of(Level::Document, doc).text()};
+            for (const QStringList& lines : printed) {
+                filed << store.pageRow(doc, int(filed.size()) + 1);
+                const QString file = PagePaths(home.home()).computedPagePath(filed.last());
+                if (!QDir().mkpath(QFileInfo(file).path()) ||
+                    !test::printedPage(lines).save(file, "JPG"))
+                    return false;
+            }
+        }
+        home.settings().set(keys::OcrLanguages, languages);
+        startup = std::make_unique<Startup>(
+            home.home(), home.settings(), prompter, choosers,
+            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
+        return startup->start();
+    }
+};
+
 } // namespace
 
 // Words printed on filed pages, read by the assembled program, found through Find, marked in
@@ -40,46 +68,21 @@ class TestPageText : public QObject
 private slots:
     void foundMarkedAndBoxed()
     {
-        test::AppRun run;
-        QList<qint32> pages;
-        QStringList path; // the keys from the cabinet down to the document
-        qint32 doc = -1;
-        {
-            test::FixtureStore store(run.home.home());
-            const qint32 cabinet = store.cabinet("Home");
-            const qint32 drawer = store.drawer(cabinet, "Bills");
-            const qint32 folder = store.folder(drawer, "Gas");
-            doc = store.document(folder, "Winter");
-            path = QStringList{NodeKey::of(Level::Cabinet, cabinet).text(),
-                               NodeKey::of(Level::Drawer, drawer).text(),
-                               NodeKey::of(Level::Folder, folder).text(),
-                               NodeKey::of(Level::Document, doc).text()};
-            const QList<QStringList> printed = {{"Garden tools receipt"},
-                                                {"Northwind heating invoice", "Pay Northwind soon"},
-                                                {"Water meter reading"},
-                                                {"Northwind final notice"}};
-            for (const QStringList& lines : printed) {
-                pages << store.pageRow(doc, int(pages.size()) + 1);
-                const QString file = PagePaths(run.home.home()).computedPagePath(pages.last());
-                QVERIFY(QDir().mkpath(QFileInfo(file).path()));
-                QVERIFY(test::printedPage(lines).save(file, "JPG"));
-            }
-        }
-        run.home.settings().set(keys::OcrLanguages, "eng");
-        run.startup = std::make_unique<Startup>(
-            run.home.home(), run.home.settings(), run.prompter, run.choosers,
-            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
-        QVERIFY(run.startup->start());
+        ReadingRun run;
+        QVERIFY(run.start("eng", {{"Garden tools receipt"},
+                                  {"Northwind heating invoice", "Pay Northwind soon"},
+                                  {"Water meter reading"},
+                                  {"Northwind final notice"}}));
         TextReading* reading = run.startup->textReading();
         QVERIFY(reading);
-        QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == pages; }, kReadMs));
+        QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == run.filed; }, kReadMs));
 
         test::whenModal(this, [](QWidget* find) {
             find->findChild<QLineEdit*>("txtPageWords")->setText("northwind");
             find->findChild<QPushButton*>("cmdFind")->click();
         });
         run.window()->menus().run("mnuFileFind");
-        const QString found = NodeKey::found(Level::Document, doc).text();
+        const QString found = NodeKey::found(Level::Document, run.doc).text();
         QTRY_VERIFY(run.tree()->node(found));
         QVERIFY(run.tree()->selectNode(found));
         QTest::keyClick(run.tree(), Qt::Key_Return);
@@ -90,28 +93,26 @@ private slots:
         for (int row = 0; row < run.pages()->count(); ++row)
             if (run.pages()->matchedAt(row))
                 marked << run.pages()->pageIdAt(row);
-        QCOMPARE(marked, (QList<qint32>{pages.at(1), pages.at(3)}));
+        QCOMPARE(marked, (QList<qint32>{run.filed.at(1), run.filed.at(3)}));
 
         // Opened as a person opens it: the word is boxed where it is printed, twice.
-        QVERIFY(run.pages()->selectPage(pages.at(1)));
+        QVERIFY(run.pages()->selectPage(run.filed.at(1)));
         QTest::keyClick(run.pageView(), Qt::Key_Return);
         PageViewWindow* viewer = nullptr;
         QVERIFY(QTest::qWaitFor(
             [&] {
                 viewer = run.window()->findChild<PageViewWindow*>();
-                return viewer && viewer->location().pageId == pages.at(1) &&
+                return viewer && viewer->location().pageId == run.filed.at(1) &&
                        viewer->canvas()->hasImage();
             },
             60000));
         const QList<QRect> boxes = viewer->canvas()->marks();
         QCOMPARE(boxes.size(), 2);
         // "Northwind" begins the first line at (150, 150) and ends the second's words.
-        QVERIFY2(qAbs(boxes.at(0).left() - 150) < 15 && qAbs(boxes.at(0).bottom() - 150) < 20,
-                 qPrintable(QString("first box %1,%2 %3x%4")
-                                .arg(boxes.at(0).x())
-                                .arg(boxes.at(0).y())
-                                .arg(boxes.at(0).width())
-                                .arg(boxes.at(0).height())));
+        QVERIFY2(
+            qAbs(boxes.at(0).left() - 150) < 15 && qAbs(boxes.at(0).bottom() - 150) < 20,
+            qPrintable(QString::asprintf("first box %d,%d %dx%d", boxes.at(0).x(), boxes.at(0).y(),
+                                         boxes.at(0).width(), boxes.at(0).height())));
         QVERIFY(boxes.at(0).width() > 150 && boxes.at(0).width() < 300);
         QVERIFY(boxes.at(1).top() > boxes.at(0).bottom());
         QCOMPARE(viewer->canvas()->currentMark(), 0);
@@ -129,12 +130,12 @@ private slots:
         QTest::keyClick(viewer, Qt::Key_F3);
         QTRY_COMPARE(viewer->canvas()->currentMark(), 1);
         QTest::keyClick(viewer, Qt::Key_F3);
-        QTRY_COMPARE(viewer->location().pageId, pages.at(3));
+        QTRY_COMPARE(viewer->location().pageId, run.filed.at(3));
         QCOMPARE(viewer->canvas()->marks().size(), 1);
         QCOMPARE(viewer->canvas()->currentMark(), 0);
         QVERIFY(!next->isEnabled() && prev->isEnabled());
         QTest::keyClick(viewer, Qt::Key_F3, Qt::ShiftModifier);
-        QTRY_COMPARE(viewer->location().pageId, pages.at(1));
+        QTRY_COMPARE(viewer->location().pageId, run.filed.at(1));
         QCOMPARE(viewer->canvas()->currentMark(), 1);
 
         // The viewer's Searchable PDF writes the whole document with its words under the
@@ -166,7 +167,8 @@ private slots:
         QVERIFY(QFileInfo::exists(saved));
         QVERIFY(QTest::qWaitFor(
             [&] {
-                const std::optional<TextIndex::Entry> entry = reading->index().entry(pages.at(1));
+                const std::optional<TextIndex::Entry> entry =
+                    reading->index().entry(run.filed.at(1));
                 return entry && entry->stamp == TextIndex::Stamp::of(saved);
             },
             kReadMs));
@@ -175,12 +177,12 @@ private slots:
         const QPointer<PageViewWindow> closed = viewer;
         viewer->close();
         QTRY_VERIFY(!closed);
-        run.click(path);
-        QCOMPARE(run.tree()->selectedKey(), path.last());
+        run.click(run.path);
+        QCOMPARE(run.tree()->selectedKey(), run.path.last());
         QVERIFY(!run.window()->pageList()->isFound());
         QTRY_COMPARE(run.pages()->count(), 4);
         QVERIFY(!run.pages()->matchedAt(1));
-        QVERIFY(run.pages()->selectPage(pages.at(1)));
+        QVERIFY(run.pages()->selectPage(run.filed.at(1)));
         QTest::keyClick(run.pageView(), Qt::Key_Return);
         QVERIFY(QTest::qWaitFor(
             [&] {
@@ -197,23 +199,8 @@ private slots:
     // says it again, and choosing a pack that is there has the pages read.
     void aMissingPackAndAnotherChoice()
     {
-        test::AppRun run;
-        qint32 page = -1;
-        {
-            test::FixtureStore store(run.home.home());
-            page = store.pageRow(
-                store.document(store.folder(store.drawer(store.cabinet("Home"), "Car"), "Tax"),
-                               "Notice"),
-                1);
-            const QString file = PagePaths(run.home.home()).computedPagePath(page);
-            QVERIFY(QDir().mkpath(QFileInfo(file).path()));
-            QVERIFY(test::printedPage({"Vehicle excise notice"}).save(file, "JPG"));
-        }
-        run.home.settings().set(keys::OcrLanguages, "xqz");
-        run.startup = std::make_unique<Startup>(
-            run.home.home(), run.home.settings(), run.prompter, run.choosers,
-            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
-        QVERIFY(run.startup->start());
+        ReadingRun run;
+        QVERIFY(run.start("xqz", {{"Vehicle excise notice"}}));
         auto* line = run.window()->findChild<QLabel*>("lblReadingText");
         QVERIFY(line);
         QTRY_VERIFY_WITH_TIMEOUT(line->text().contains("xqz"), kReadMs);
@@ -232,9 +219,9 @@ private slots:
         QVERIFY2(said.startsWith("The language pack for xqz is not installed"), qPrintable(said));
         QCOMPARE(run.home.settings().get(keys::OcrLanguages), QString("eng"));
         TextReading* reading = run.startup->textReading();
-        QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == QList<qint32>{page}; },
-                                kReadMs));
-        QCOMPARE(reading->index().pagesWith(PageWords::parse("excise")), QList<int>{page});
+        QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == run.filed; }, kReadMs));
+        QCOMPARE(reading->index().pagesWith(PageWords::parse("excise")),
+                 QList<int>{run.filed.first()});
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 };

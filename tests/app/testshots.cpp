@@ -1,25 +1,15 @@
-#include <QApplication>
 #include <QFileInfo>
 #include <QPointer>
 #include <QScopeGuard>
-#include <QTest>
 #include <QTimer>
 #include <QToolButton>
 
-#include "app/startup.h"
 #include "core/settingkeys.h"
 #include "filing/thumbnailcache.h"
-#include "navigator/navwindow.h"
-#include "navigator/pagelistview.h"
-#include "navigator/pagepane.h"
 #include "store/database.h"
 #include "store/pagepaths.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
+#include "tests/app/apprun.h"
 #include "tests/support/shots.h"
-#include "tests/support/testhome.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 
@@ -54,9 +44,9 @@ private slots:
     // with QT_SCALE_FACTOR=2 draws the same at twice the size (the files end in "@2x").
     void assembledWindowInEachPalette_data()
     {
-        QTest::addColumn<bool>("dark");
-        QTest::newRow("light") << false;
-        QTest::newRow("dark") << true;
+        test::columns<bool>({"dark"});
+        test::row("light", false);
+        test::row("dark", true);
     }
     void assembledWindowInEachPalette()
     {
@@ -67,11 +57,12 @@ private slots:
             QApplication::setPalette(test::darkPalette());
         const QString tone = QLatin1String(dark ? "-dark" : "-light");
 
-        test::TestHome home;
+        test::AppRun run;
+        const AppHome& home = run.home.home();
         qint32 doc = 0;
         qint32 first = 0;
         {
-            test::FixtureStore store(home.home());
+            test::FixtureStore store(home);
             store.fillSample();
             doc = store.document(1, QStringLiteral("Scanned letters"), QDate(2026, 5, 2));
             const QColor heads[] = {QColor(0x15, 0x65, 0xc0), QColor(0xc6, 0x28, 0x28),
@@ -81,17 +72,13 @@ private slots:
                 const qint32 id = store.pageRow(doc, n);
                 first = first ? first : id;
                 const QSize size = n % 7 == 3 ? QSize(330, 255) : QSize(255, 330);
-                test::scannedPage(home.home(), id, n, size, heads[n % 4]);
-                store.db().execute(
-                    "UPDATE Page SET FileSize = ? WHERE PageId = ?",
-                    {QFileInfo(PagePaths(home.home()).computedPagePath(id)).size(), id});
+                test::scannedPage(home, id, n, size, heads[n % 4]);
+                store.db().execute("UPDATE Page SET FileSize = ? WHERE PageId = ?",
+                                   {QFileInfo(PagePaths(home).computedPagePath(id)).size(), id});
             }
             tx.commit();
         }
-        home.settings().set(keys::LastNavTreeNodeKey, QString("DOC%1").arg(doc));
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        Startup run(home.home(), home.settings(), prompter, choosers);
+        run.home.settings().set(keys::LastNavTreeNodeKey, QString("DOC%1").arg(doc));
         QVERIFY(run.start(false));
         NavWindow* w = run.window();
         w->setGeometry(0, 0, 1000, 680);

@@ -5,7 +5,6 @@
 #include <QHeaderView>
 #include <QLabel>
 #include <QPushButton>
-#include <QTest>
 #include <QTimer>
 #include <csignal>
 
@@ -20,8 +19,6 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/app/apprun.h"
-#include "tests/support/datarow.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 
@@ -52,11 +49,8 @@ private slots:
         const int names = tree->header()->sectionSize(0);
         const int third = w->width() / 3;
         const auto sizes = [&] {
-            return QString("names %1 wide, the tree %2, its view %3, a third %4")
-                .arg(names)
-                .arg(tree->width())
-                .arg(tree->viewport()->width())
-                .arg(third)
+            return QString::asprintf("names %d wide, the tree %d, its view %d, a third %d", names,
+                                     tree->width(), tree->viewport()->width(), third)
                 .toLocal8Bit();
         };
         QVERIFY2(tree->viewport()->width() >= names || tree->width() >= third - 1,

@@ -1,5 +1,4 @@
 #include <QAction>
-#include <QApplication>
 #include <QDir>
 #include <QEventLoop>
 #include <QFileInfo>
@@ -11,15 +10,11 @@
 #include <QRadioButton>
 #include <QScreen>
 #include <QStatusBar>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QTimer>
 #include <csignal>
 #include <functional>
-#include <memory>
 
 #include "app/exitonsignal.h"
-#include "core/settings.h"
 #include "core/pageopener.h"
 #include "dialogs/boxprompter.h"
 #include "navigator/navigator.h"
@@ -28,10 +23,6 @@
 #include "tests/mail/mailharness.h"
 #include "tests/print/printharness.h"
 #include "tests/support/bigpictures.h"
-#include "tests/support/datarow.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/modalwatch.h"
-#include "tests/support/testrunner.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/pageviewwindow.h"
 
@@ -45,41 +36,38 @@ constexpr int kLoadMs = 60000;
 
 using FileWriter = std::function<bool(const QString& path)>;
 
-// The program as main assembles it, on a home with one document whose page files the test
-// puts in place.
+// The program as main assembles it, on a home with one page whose file the test puts in place.
 struct ViewerRun : test::AppRun
 {
-    QVector<qint32> pages;
+    qint32 page = -1;
 
-    bool start(const QVector<FileWriter>& files, Prompter* boxes = nullptr)
+    bool start(const FileWriter& write, Prompter* boxes = nullptr)
     {
         {
             test::FixtureStore store(home.home());
-            const qint32 doc = store.document(
-                store.folder(store.drawer(store.cabinet("Scans"), "Office"), "Post"), "Letter");
-            for (const FileWriter& write : files) {
-                pages << store.pageRow(doc, int(pages.size()) + 1);
-                if (!write(path(pages.last())))
-                    return false;
-            }
+            page = store.pageRow(
+                store.document(store.folder(store.drawer(store.cabinet("Scans"), "Office"), "Post"),
+                               "Letter"),
+                1);
+            if (!write(path()))
+                return false;
         }
         startup = boxes ? std::make_unique<Startup>(home.home(), home.settings(), *boxes, choosers)
                         : make();
         return startup->start();
     }
-    QString path(qint32 pageId) const { return PagePaths(home.home()).computedPagePath(pageId); }
+    QString path() const { return PagePaths(home.home()).computedPagePath(page); }
 
-    // The viewer on a page, opened as the page pane opens it, once it has loaded the page
+    // The viewer on the page, opened as the page pane opens it, once it has loaded the page
     // (its caption comes with the load).
-    PageViewWindow* open(qint32 pageId)
+    PageViewWindow* open()
     {
-        window()->navigator().context().pageOpener->openPage(pageId);
+        window()->navigator().context().pageOpener->openPage(page);
         auto* viewer = window()->findChild<PageViewWindow*>();
-        const QString caption =
-            QString("Page # %1 (ID = %2)").arg(pages.indexOf(pageId) + 1).arg(pageId);
-        const bool loaded =
-            QTest::qWaitFor([&] { return viewer && viewer->windowTitle() == caption; }, kLoadMs);
-        return loaded ? viewer : nullptr;
+        const QString caption = QString("Page # 1 (ID = %1)").arg(page);
+        return QTest::qWaitFor([&] { return viewer && viewer->windowTitle() == caption; }, kLoadMs)
+                   ? viewer
+                   : nullptr;
     }
 
     // The viewer's Print to a PDF file: the file's path.
@@ -182,13 +170,12 @@ private slots:
             return refused ? BigPictures::writeFile(path, picture)
                            : BigPictures::copyScan(scan, path);
         }}));
-        const qint32 page = r.pages.first();
-        const QString path = r.path(page);
+        const QString path = r.path();
         const QString tooLarge = "The picture '" + path + "' is too large to open: " + reason + ".";
 
         if (refused)
             r.prompter.expect(tooLarge);
-        PageViewWindow* viewer = r.open(page);
+        PageViewWindow* viewer = r.open();
         QVERIFY(viewer);
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
         QCOMPARE(viewer->canvas()->hasImage(), !refused);
@@ -224,7 +211,7 @@ private slots:
         QCOMPARE(message.parts.size(), 2);
         const test::ParsedMessage::Part& attached = message.parts.at(1);
         QVERIFY(attached.headers.value("content-disposition")
-                    .contains(QByteArray::number(page) + ".jpg"));
+                    .contains(QByteArray::number(r.page) + ".jpg"));
         QFile file(path);
         QVERIFY(file.open(QIODevice::ReadOnly));
         QCOMPARE(QByteArray::fromBase64(attached.body), file.readAll());
@@ -235,12 +222,11 @@ private slots:
     // whether to save them.
     void editsAreKeptUntilTheyAreSavedOrDropped_data()
     {
-        QTest::addColumn<int>("answer"); // to "Save the changes to page 1?"
-        QTest::addColumn<bool>("staysOpen");
-        QTest::addColumn<bool>("fileTurned");
-        QTest::newRow("save") << int(Prompter::Answer::Yes) << false << true;
-        QTest::newRow("discard") << int(Prompter::Answer::No) << false << false;
-        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << true << false;
+        // answer: to "Save the changes to page 1?"
+        test::columns<int, bool, bool>({"answer", "staysOpen", "fileTurned"});
+        test::row("save", int(Prompter::Answer::Yes), false, true);
+        test::row("discard", int(Prompter::Answer::No), false, false);
+        test::row("cancel", int(Prompter::Answer::Cancel), true, false);
     }
     void editsAreKeptUntilTheyAreSavedOrDropped()
     {
@@ -249,10 +235,9 @@ private slots:
         QFETCH(bool, fileTurned);
         ViewerRun r;
         QVERIFY(r.start({writeCornered}));
-        const qint32 page = r.pages.first();
-        QPointer<PageViewWindow> viewer = r.open(page);
+        QPointer<PageViewWindow> viewer = r.open();
         QVERIFY(viewer);
-        const QString caption = QString("Page # 1 (ID = %1)").arg(page);
+        const QString caption = QString("Page # 1 (ID = %1)").arg(r.page);
         QCOMPARE(viewer->windowTitle(), caption);
         QVERIFY(QTest::qWaitForWindowActive(viewer));
 
@@ -282,7 +267,7 @@ private slots:
         viewer->close();
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
         QCOMPARE(viewer && viewer->isVisible(), staysOpen);
-        QCOMPARE(QImage(r.path(page)).size(), fileTurned ? QSize(200, 300) : QSize(300, 200));
+        QCOMPARE(QImage(r.path()).size(), fileTurned ? QSize(200, 300) : QSize(300, 200));
         if (staysOpen) {
             QCOMPARE(viewer->windowTitle(), "*" + caption);
             // Save says so in the status line, and the page has nothing left to ask about.
@@ -297,30 +282,6 @@ private slots:
         }
     }
 
-    // Ending the program closes the viewer as its own Close does: edits not saved are asked
-    // about, and Cancel keeps the program running.
-    void endingTheRunAsksForTheViewersEdits()
-    {
-        ViewerRun r;
-        QVERIFY(r.start({writeCornered}));
-        QPointer<PageViewWindow> viewer = r.open(r.pages.first());
-        QVERIFY(viewer);
-        QVERIFY(click(viewer, "cmdRotateClockwise"));
-        r.prompter.expect("Exit the Quillmere?", Prompter::Answer::Yes);
-        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
-        r.window()->mnuFileExit();
-        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
-        r.window()->close();
-        QVERIFY(r.window()->isVisible());
-        QVERIFY(viewer && viewer->isVisible() && viewer->edited());
-        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
-        r.window()->close();
-        QVERIFY(!r.window()->isVisible());
-        QVERIFY(!viewer || !viewer->isVisible());
-        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
-        QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
-    }
-
     // A run that is made to end (a logout, SIGTERM) cannot ask about the viewer's edits: the
     // changed picture goes into the home's folder "Recovered", the page stays as it was, and
     // the next start says where the picture is, once.
@@ -330,7 +291,7 @@ private slots:
         ExitOnSignal exitOnSignal;
         QVERIFY(r.start({writeCornered}));
         exitOnSignal.attach(r.window());
-        QPointer<PageViewWindow> viewer = r.open(r.pages.first());
+        QPointer<PageViewWindow> viewer = r.open();
         QVERIFY(viewer);
         QVERIFY(click(viewer, "cmdRotateClockwise"));
         // Stands for the program's main loop, which the signal's exit waits for.
@@ -340,11 +301,11 @@ private slots:
         QTimer::singleShot(0, [] { std::raise(SIGTERM); });
         QCOMPARE(mainLoop.exec(), 0);
         QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
-        QCOMPARE(QImage(r.path(r.pages.first())).size(), QSize(300, 200));
+        QCOMPARE(QImage(r.path()).size(), QSize(300, 200));
         const QDir recovered(r.home.file("Recovered"));
         const QStringList kept = recovered.entryList(QDir::Files);
         QCOMPARE(kept.size(), 1);
-        QVERIFY2(kept.first().startsWith(QString("Page %1, ").arg(r.pages.first())),
+        QVERIFY2(kept.first().startsWith(QString("Page %1, ").arg(r.page)),
                  qPrintable(kept.first()));
         const QImage picture(recovered.filePath(kept.first()));
         QCOMPARE(picture.size(), QSize(200, 300));
@@ -363,13 +324,14 @@ private slots:
         }
     }
 
-    // The viewer opens wholly on the screen and comes back where it was left.
-    void viewerKeepsItsPlaceOnTheScreen()
+    // The viewer opens wholly on the screen and comes back where it was left. Ending the
+    // program closes it as its own Close does: edits not saved are asked about, and Cancel
+    // keeps the program running.
+    void viewerKeepsItsPlaceAndIsAskedAtTheEnd()
     {
         ViewerRun r;
         QVERIFY(r.start({writeCornered}));
-        const qint32 page = r.pages.first();
-        QPointer<PageViewWindow> viewer = r.open(page);
+        QPointer<PageViewWindow> viewer = r.open();
         QVERIFY(viewer);
         const QRect screen = viewer->screen()->availableGeometry();
         QVERIFY(screen.contains(viewer->frameGeometry()));
@@ -378,17 +340,31 @@ private slots:
         viewer->setGeometry(left);
         viewer->close();
         QTRY_VERIFY(!viewer);
-        viewer = r.open(page);
+        viewer = r.open();
         QVERIFY(viewer);
         QCOMPARE(viewer->geometry(), left);
         viewer->close();
         QTRY_VERIFY(!viewer);
-
         // A place from a larger screen than this one.
         r.home.settings().savePlacement("frmPageView", Placement{5000, 9000, 2400, 3200, 0});
-        viewer = r.open(page);
+        viewer = r.open();
         QVERIFY(viewer);
         QVERIFY(screen.contains(viewer->frameGeometry()));
+
+        QVERIFY(click(viewer, "cmdRotateClockwise"));
+        r.prompter.expect("Exit the Quillmere?", Prompter::Answer::Yes);
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
+        r.window()->mnuFileExit();
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::Cancel);
+        r.window()->close();
+        QVERIFY(r.window()->isVisible());
+        QVERIFY(viewer && viewer->isVisible() && viewer->edited());
+        r.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
+        r.window()->close();
+        QVERIFY(!r.window()->isVisible());
+        QVERIFY(!viewer || !viewer->isVisible());
+        QVERIFY2(r.prompter.verify(), qPrintable(r.prompter.report()));
+        QCOMPARE(QImage(r.path()).size(), QSize(300, 200));
     }
 
     void saveLeavesTheViewerInFront()
@@ -399,7 +375,7 @@ private slots:
             {[](const QString& path) { return BigPictures::copyScan(QSize(850, 1100), path); }},
             &boxes));
         boxes.setParent(r.window());
-        PageViewWindow* viewer = r.open(r.pages.first());
+        PageViewWindow* viewer = r.open();
         QVERIFY(viewer);
         QVERIFY(viewer->canvas()->hasImage());
         QTRY_COMPARE(QApplication::activeWindow(), viewer);
@@ -416,7 +392,7 @@ private slots:
         });
         viewer->findChild<QPushButton*>("cmdSave")->click();
         QCOMPARE(asked, "No filename entered.  Do you want to auto-assign a filename?");
-        QVERIFY(QFile::exists(r.path(r.pages.first())));
+        QVERIFY(QFile::exists(r.path()));
         QTRY_COMPARE(QApplication::activeWindow(), viewer);
         QVERIFY(viewer->isActiveWindow());
         // The question stood over the viewer, not over the main window it would have raised.

@@ -101,9 +101,15 @@ void prepareHome(const AppHome& home)
     }
 }
 
-struct CommandStore::Parts
+namespace {
+
+struct Commands final : CommandStore
 {
-    Parts(const AppHome& h, quint32 s) : home(h), seed(s) {}
+    Commands(const AppHome& h, quint32 s) : home(h), seed(s)
+    {
+        StoreSchema::openDatabase(db(), home);
+        templates.loadDrawerTemplates();
+    }
 
     AppHome home;
     quint32 seed;
@@ -118,25 +124,25 @@ struct CommandStore::Parts
     // Commands hold their context by reference: each one handed out is kept here.
     std::deque<CommandContext> contexts;
 
-    Database& db() { return session.db(); }
+    Database& db() override { return session.db(); }
     const CommandContext& context()
     {
         return contexts.emplace_back(
             CommandContext{session, state, prompter, choosers, progress, view});
     }
 
-    // A random existing item of the level (by id order), or -1 when there is none.
+    // A random row's first value from `select` (rows in its order), or -1 when it has none.
+    qint32 pickFrom(const QString& select, QRandomGenerator& rng)
+    {
+        const int count = db().scalar("SELECT COUNT(*) FROM (" + select + ")").toInt();
+        return count < 1
+                   ? -1
+                   : db().scalar(select + " LIMIT 1 OFFSET ?", {int(rng.bounded(count))}).toInt();
+    }
     qint32 pick(Level level, QRandomGenerator& rng)
     {
         const ItemTable& t = ItemTable::of(level);
-        const int count = ItemStore(db()).count(level);
-        if (count < 1)
-            return -1;
-        return db()
-            .scalar(QStringLiteral("SELECT %1 FROM %2 ORDER BY %1 LIMIT 1 OFFSET ?")
-                        .arg(t.id(), t.name()),
-                    {int(rng.bounded(count))})
-            .toInt();
+        return pickFrom(QStringLiteral("SELECT %1 FROM %2 ORDER BY %1").arg(t.id(), t.name()), rng);
     }
 
     static QString accepted(const ItemDialog& dialog, const char* otherwise)
@@ -148,34 +154,35 @@ struct CommandStore::Parts
     {
         ItemDialog dialog(level, context());
         dialog.setAdd(parentId);
+        const auto set = [&](const char* name, const QString& value) {
+            control(dialog, name)->setText(value);
+        };
         if (level == Level::Drawer)
             dialog.populateTemplates(
                 templates.names(), [this](const QString& name, qint32 drawerId, ItemStore& items) {
                     return templates.applyDrawerTemplate(name, drawerId, items);
                 });
-        control(dialog, "txtName")
-            ->setText(QStringLiteral("%1 %2 %3")
-                          .arg(ItemTable::of(level).name())
-                          .arg(step)
-                          .arg(text(rng, int(rng.bounded(0, 20)))));
+        set("txtName", QStringLiteral("%1 %2 %3")
+                           .arg(ItemTable::of(level).name())
+                           .arg(step)
+                           .arg(text(rng, int(rng.bounded(0, 20)))));
         control<QPlainTextEdit>(dialog, "txtDescription")
             ->setPlainText(text(rng, rng.bounded(0, 200)));
         if (level == Level::Cabinet) {
-            control(dialog, "txtPassword")->setText(text(rng, rng.bounded(0, 3) * 5));
+            set("txtPassword", text(rng, rng.bounded(0, 3) * 5));
             if (rng.bounded(2) == 1) {
                 control<QRadioButton>(dialog, "optStorage1")->click();
-                control(dialog, "txtSaveTo")->setText(QStringLiteral("/srv/scans/%1").arg(step));
+                set("txtSaveTo", QStringLiteral("/srv/scans/%1").arg(step));
             }
         } else if (level == Level::Drawer) {
             if (QComboBox* box = control<QComboBox>(dialog, "cboTemplate"))
                 box->setCurrentIndex(int(rng.bounded(box->count())));
         } else if (level == Level::Folder) {
-            control(dialog, "txtEmail")->setText(QStringLiteral("f%1@example.org").arg(step));
+            set("txtEmail", QStringLiteral("f%1@example.org").arg(step));
         } else {
-            control(dialog, "txtDateOnDocument")
-                ->setText(QDate(2000, 1, 1).addDays(rng.bounded(9000)).toString("M/d/yyyy"));
-            control(dialog, "txtAmount")
-                ->setText(QString::number(rng.bounded(1000000) / 100.0, 'f', 2));
+            set("txtDateOnDocument",
+                QDate(2000, 1, 1).addDays(rng.bounded(9000)).toString("M/d/yyyy"));
+            set("txtAmount", QString::number(rng.bounded(1000000) / 100.0, 'f', 2));
         }
         dialog.cmdOK();
         return accepted(dialog, "the new item was not taken");
@@ -212,17 +219,11 @@ struct CommandStore::Parts
 
     void repaginate(QRandomGenerator& rng)
     {
-        const int documents =
-            db().scalar(QStringLiteral("SELECT COUNT(DISTINCT DocumentId) FROM Page")).toInt();
-        if (documents < 1)
-            return;
-        const qint32 id =
-            db().scalar(QStringLiteral("SELECT DocumentId FROM Page GROUP BY DocumentId ORDER BY "
-                                       "DocumentId LIMIT 1 OFFSET ?"),
-                        {int(rng.bounded(documents))})
-                .toInt();
-        PageStore(db()).repaginateDocument(id, ItemStore(db()).item(Level::Document, id).name,
-                                           progress);
+        if (const qint32 id = pickFrom(
+                "SELECT DocumentId FROM Page GROUP BY DocumentId ORDER BY DocumentId", rng);
+            id >= 0)
+            PageStore(db()).repaginateDocument(id, ItemStore(db()).item(Level::Document, id).name,
+                                               progress);
     }
 
     void sampleCabinet(QRandomGenerator& rng)
@@ -320,7 +321,7 @@ struct CommandStore::Parts
             prompter.tell(report.error + report.problems.join(QLatin1Char(' ')));
     }
 
-    QString run(int step)
+    QString run(int step) override
     {
         QRandomGenerator rng(seed * 2654435761u + quint32(step));
         prompter.reset();
@@ -366,23 +367,11 @@ struct CommandStore::Parts
     }
 };
 
-CommandStore::CommandStore(const AppHome& home, quint32 seed)
-    : m(std::make_unique<Parts>(home, seed))
-{
-    StoreSchema::openDatabase(m->db(), home);
-    m->templates.loadDrawerTemplates();
-}
+} // namespace
 
-CommandStore::~CommandStore() = default;
-
-QString CommandStore::run(int step)
+std::unique_ptr<CommandStore> CommandStore::open(const AppHome& home, quint32 seed)
 {
-    return m->run(step);
-}
-
-Database& CommandStore::db()
-{
-    return m->db();
+    return std::make_unique<Commands>(home, seed);
 }
 
 } // namespace qmr::crash

@@ -21,15 +21,11 @@ void prepareHome(const AppHome& home);
 class CommandStore
 {
 public:
-    CommandStore(const AppHome& home, quint32 seed);
-    ~CommandStore();
+    static std::unique_ptr<CommandStore> open(const AppHome& home, quint32 seed);
+    virtual ~CommandStore() = default;
     // Runs command `step`; "" when it went as a person would expect, else what went wrong.
-    QString run(int step);
-    Database& db();
-
-private:
-    struct Parts;
-    std::unique_ptr<Parts> m;
+    virtual QString run(int step) = 0;
+    virtual Database& db() = 0;
 };
 
 } // namespace qmr::crash

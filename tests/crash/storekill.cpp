@@ -49,10 +49,10 @@ int runChild(const QString& homePath, int firstStep, quint32 seed)
     }
     say("opening");
     try {
-        CommandStore store(home, seed);
+        const std::unique_ptr<CommandStore> store = CommandStore::open(home, seed);
         say("ready");
         for (int step = firstStep;; ++step) {
-            if (const QString problem = store.run(step); !problem.isEmpty()) {
+            if (const QString problem = store->run(step); !problem.isEmpty()) {
                 std::fprintf(stderr, "step %d: %s\n", step, qPrintable(problem));
                 return 4;
             }
@@ -146,36 +146,32 @@ QString pageFiles(Database& db, const AppHome& home, const AppHome& reference)
 }
 
 // The same commands, never killed: the fingerprint after any number of them.
-class Reference
+struct Reference
 {
-public:
-    Reference(const QString& path, quint32 seed) : m_home(path), m_seed(seed) {}
+    Reference(const QString& path, quint32 s) : home(path), seed(s) {}
 
     QByteArray after(int steps)
     {
-        if (m_known.contains(steps))
-            return m_known.value(steps);
-        if (!m_store || steps < m_step) {
-            m_store.reset();
-            QDir(m_home.path()).removeRecursively();
-            prepareHome(m_home);
-            m_store = std::make_unique<CommandStore>(m_home, m_seed);
-            m_step = 0;
+        if (known.contains(steps))
+            return known.value(steps);
+        if (!store || steps < step) {
+            store.reset();
+            QDir(home.path()).removeRecursively();
+            prepareHome(home);
+            store = CommandStore::open(home, seed);
+            step = 0;
         }
-        for (; m_step < steps; ++m_step)
-            if (const QString problem = m_store->run(m_step); !problem.isEmpty())
-                throw StoreError(QStringLiteral("reference step %1: %2").arg(m_step).arg(problem));
-        return m_known[steps] = fingerprint(m_store->db());
+        for (; step < steps; ++step)
+            if (const QString problem = store->run(step); !problem.isEmpty())
+                throw StoreError(QStringLiteral("reference step %1: %2").arg(step).arg(problem));
+        return known[steps] = fingerprint(store->db());
     }
-    // The home as it stands after the last after().
-    const AppHome& home() const { return m_home; }
 
-private:
-    AppHome m_home;
-    quint32 m_seed;
-    std::unique_ptr<CommandStore> m_store;
-    int m_step = 0;
-    QMap<int, QByteArray> m_known;
+    AppHome home; // as it stands after the last after()
+    quint32 seed;
+    std::unique_ptr<CommandStore> store;
+    int step = 0;
+    QMap<int, QByteArray> known;
 };
 
 struct RunResult
@@ -200,15 +196,18 @@ public:
     // on a new home, where the kill falls while the store is being made.
     RunResult run(int index, bool fresh, int delayMs)
     {
-        const QString freshPath = m_work + QStringLiteral("/fresh%1").arg(index);
-        const RunResult result = killAndCheck(fresh ? AppHome(freshPath) : m_long, fresh, delayMs);
+        const AppHome home =
+            fresh ? AppHome(m_work + QStringLiteral("/fresh%1").arg(index)) : m_long;
+        RunResult result;
+        result.message = killAndCheck(home, fresh, delayMs, result);
         if (fresh && result.message.isEmpty())
-            QDir(freshPath).removeRecursively();
+            QDir(home.path()).removeRecursively();
         return result;
     }
 
 private:
-    RunResult killAndCheck(const AppHome& home, bool fresh, int delayMs)
+    // What is wrong with the home after the kill; "" when nothing is.
+    QString killAndCheck(const AppHome& home, bool fresh, int delayMs, RunResult& result)
     {
         if (fresh)
             prepareHome(home);
@@ -216,9 +215,8 @@ private:
         QProcess child;
         child.start(m_self, {QStringLiteral("--child"), home.path(), QString::number(first),
                              QString::number(m_seed)});
-        RunResult result;
         if (!child.waitForStarted(30000))
-            return fail(result, QStringLiteral("the child did not start: ") + child.errorString());
+            return QStringLiteral("the child did not start: ") + child.errorString();
         // The moment counts from the child's word that it is about to open the store.
         QByteArray out;
         QElapsedTimer clock;
@@ -236,9 +234,8 @@ private:
         child.waitForFinished(30000);
         out += child.readAllStandardOutput();
         if (!ranToTheKill)
-            return fail(result, QStringLiteral("the child ended by itself (%1): %2")
-                                    .arg(child.exitCode())
-                                    .arg(QString::fromLocal8Bit(child.readAllStandardError())));
+            return QString::asprintf("the child ended by itself (%d): ", child.exitCode()) +
+                   QString::fromLocal8Bit(child.readAllStandardError());
         int reported = first;
         for (const QByteArray& line : out.split('\n'))
             if (line.startsWith("done "))
@@ -250,36 +247,27 @@ private:
         // journal of an unfinished command rolled back.
         HomeLock lock(home);
         if (!lock.acquire())
-            return fail(result, "the killed run's lock was not taken over: " + lock.refusal());
+            return "the killed run's lock was not taken over: " + lock.refusal();
         Database db;
         StoreSchema::openDatabase(db, home);
         if (const QString unsound = soundness(db); !unsound.isEmpty())
-            return fail(result, unsound);
-        const QByteArray found = fingerprint(db);
+            return unsound;
         // The kill may fall between a command's commit and its report.
+        const QByteArray found = fingerprint(db);
         Reference& reference = fresh ? m_freshReference : m_longReference;
         if (found == reference.after(reported))
             result.committed = reported;
         else if (found == reference.after(reported + 1))
             result.committed = reported + 1;
         else
-            return fail(result, QStringLiteral("the store is not what %1 finished commands left "
-                                               "(nor %2): a command was half written or lost")
-                                    .arg(reported)
-                                    .arg(reported + 1));
+            return QString::asprintf("the store is not what %d finished commands left (nor %d): a "
+                                     "command was half written or lost",
+                                     reported, reported + 1);
         // Page files are never rewritten, so the reference at or past this step has them.
         reference.after(result.committed);
-        if (const QString wrong = pageFiles(db, home, reference.home()); !wrong.isEmpty())
-            return fail(result, wrong);
         if (!fresh)
             m_longSteps = result.committed;
-        return result;
-    }
-
-    static RunResult fail(RunResult result, const QString& message)
-    {
-        result.message = message;
-        return result;
+        return pageFiles(db, home, reference.home);
     }
 
     QString m_self;
@@ -316,24 +304,20 @@ int runParent(const QString& self, int runs, quint32 seed)
         }
         midCommand += r.midCommand ? 1 : 0;
         midCreation += r.midCreation ? 1 : 0;
-        const QString head = QStringLiteral("run %1: killed %2 ms after opening%3")
-                                 .arg(i, 3)
-                                 .arg(delay, 3)
-                                 .arg(fresh ? " a new home" : "");
+        std::printf("run %3d: killed %3d ms after opening%s", i, delay, fresh ? " a new home" : "");
         if (r.message.isEmpty()) {
             ++passed;
-            const char* left = r.midCreation  ? " (a half-made store)"
-                               : r.midCommand ? " (inside a transaction)"
-                                              : "";
-            say(qPrintable(head + QStringLiteral("%1, %2 commands in the store")
-                                      .arg(QLatin1String(left))
-                                      .arg(r.committed)));
-            if (!fresh)
-                lastCommitted = r.committed;
+            lastCommitted = fresh ? lastCommitted : r.committed;
+            std::printf("%s, %d commands in the store\n",
+                        r.midCreation  ? " (a half-made store)"
+                        : r.midCommand ? " (inside a transaction)"
+                                       : "",
+                        r.committed);
         } else {
             ++failed;
-            say(qPrintable(head + QStringLiteral(": FAILED: ") + r.message));
+            std::printf(": FAILED: %s\n", qPrintable(r.message));
         }
+        std::fflush(stdout);
     }
     std::printf("%d kills fell inside a transaction, %d while the store was being made; %d "
                 "commands stood on the long-lived home at the end; %.1f s in all.\n",
