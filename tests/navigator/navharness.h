@@ -1,12 +1,22 @@
 #pragma once
 
+#include <QFileInfo>
+#include <QLabel>
+#include <QLineEdit>
 #include <QListWidget>
 #include <QMenu>
+#include <QPushButton>
+#include <QSignalSpy>
+#include <QTemporaryDir>
 #include <QTest>
 #include <array>
 #include <functional>
 #include <memory>
+#include <tuple>
+#include <utility>
 
+#include "core/textfile.h"
+#include "filing/thumbnailcache.h"
 #include "navigator/containerlist.h"
 #include "navigator/itemcommands.h"
 #include "navigator/navigator.h"
@@ -14,14 +24,30 @@
 #include "navigator/navwindow.h"
 #include "navigator/pagelistview.h"
 #include "navigator/pagepane.h"
+#include "store/itemstore.h"
+#include "store/pagepaths.h"
+#include "store/pagestore.h"
 #include "templates/drawertemplates.h"
 #include "tests/support/commandharness.h"
-#include "tests/support/fixturestore.h"
-#include "tests/support/recordingprogress.h"
 #include "tests/support/datarow.h"
+#include "tests/support/fixturestore.h"
+#include "tests/support/modalwatch.h"
+#include "tests/support/recordingprogress.h"
+#include "tests/support/testrunner.h"
 #include "tests/support/treepoint.h"
 
 namespace qmr::test {
+
+// The current data row's values of the named columns, in the order named:
+// const auto [a, b] = fetch<int, QString>({"a", "b"});
+template <class... T> std::tuple<T...> fetch(const std::array<const char*, sizeof...(T)>& names)
+{
+    return [&]<std::size_t... I>(std::index_sequence<I...>)
+    {
+        return std::tuple<T...>{*static_cast<T*>(QTest::qData(names[I], qMetaTypeId<T>()))...};
+    }
+    (std::index_sequence_for<T...>{});
+}
 
 // The texts of an item's children, in the order shown.
 inline QStringList itemTexts(const QTreeWidgetItem* item)
@@ -30,6 +56,22 @@ inline QStringList itemTexts(const QTreeWidgetItem* item)
     for (int i = 0; item && i < item->childCount(); ++i)
         texts << item->child(i)->text(0);
     return texts;
+}
+
+// Runs `act`, which may open a pop-up menu, and `look` on the menu once it is up, which is then
+// closed; returns once the look is taken, menu or not.
+inline void withPopup(const std::function<void()>& act, const std::function<void(QMenu*)>& look)
+{
+    bool looked = false;
+    QTimer::singleShot(50, [&] {
+        looked = true;
+        if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
+            look(menu);
+            menu->close();
+        }
+    });
+    act();
+    (void)QTest::qWaitFor([&looked] { return looked; });
 }
 
 // A main window on a temporary home, with scripted prompter and choosers.
@@ -102,6 +144,16 @@ struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
         if (speak)
             setSource(ContextSource::List);
     }
+    // Selects "list:" and an item's text in the list, else a node of the tree; returns the control.
+    QAbstractItemView* select(const QString& target)
+    {
+        if (!target.startsWith("list:")) {
+            tree()->selectNode(target);
+            return tree();
+        }
+        selectInList(target.mid(5));
+        return window->list();
+    }
     // The found branch as a search would leave it for document 1.
     void addFoundBranch()
     {
@@ -154,6 +206,22 @@ struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
         return shown.join(',');
     }
 };
+
+// Makes a new page row of the document a shortcut to `target` (none when empty).
+inline qint32 shortcutPage(FixtureStore& store, qint32 doc, int number, const QString& target)
+{
+    const qint32 id = store.pageRow(doc, number);
+    store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
+                       {target.isEmpty() ? QVariant() : QVariant(target), id});
+    return id;
+}
+
+// Waits until the pane has made every thumbnail it asked for.
+inline bool thumbnailsDone(NavHarness& h)
+{
+    return QTest::qWaitFor([&] { return h.window->pageList()->thumbnails().outstanding() == 0; },
+                           10000);
+}
 
 // The window on the sample store, shown, after clicks on the given nodes.
 struct SampleWindow : NavHarness

@@ -1,21 +1,11 @@
-#include <QApplication>
 #include <QComboBox>
-#include <QLabel>
-#include <QLineEdit>
-#include <QListWidget>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-#include <functional>
 
-#include "core/textfile.h"
-#include "dialogs/itemdialog.h"
+#include "core/pageopener.h"
 #include "navharness.h"
-#include "store/itemstore.h"
-#include "templates/outlinefile.h"
+#include "print/printcommands.h"
 #include "templates/samplecabinets.h"
-#include "tests/support/modalwatch.h"
-#include "tests/support/testrunner.h"
+#include "viewer/pagecanvas.h"
+#include "viewer/pageviewwindow.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -40,7 +30,7 @@ class TestCommands : public QObject
 private slots:
     void newItemsFindTheirParent_data()
     {
-        // `select`: a list item that then spoke last, or "tree:" and a node the keyboard chose.
+        // `select`: "list:" and an item, the list then speaking last, or a node the keyboard chose.
         columns<QStringList, QString, QString, int, int, QString>(
             {"clicks", "select", "action", "level", "parent", "caption"});
         const QString drawer = "Add Drawer";
@@ -58,32 +48,26 @@ private slots:
             "mnuPopupFolderNewDocument", 3, 1, document);
         row("document beside clicked document", QStringList{"CAB1", "DRW2", "FLD3", "DOC3"}, "",
             "mnuPopupDocumentNewDocument", 3, 3, document);
-        row("drawer in the list's cabinet", QStringList{"ROOT"}, "Home Papers",
+        row("drawer in the list's cabinet", QStringList{"ROOT"}, "list:Home Papers",
             "mnuPopupCabinetNewDrawer", 1, 1, drawer);
-        row("folder beside the list's folder", QStringList{"CAB1", "DRW1"}, "Checking",
+        row("folder beside the list's folder", QStringList{"CAB1", "DRW1"}, "list:Checking",
             "mnuPopupFolderNewFolder", 2, 1, folder);
         row("cabinet", QStringList{"ROOT"}, "", "mnuPopupRootNewFileCabinet", 0, -1,
             "Add File Cabinet");
         row("Insert in the tree", QStringList{"CAB1", "DRW1"}, "", "Insert", 2, 1, folder);
         // The arrow keys move the selection without driving the window; Insert then adds a
         // drawer to the cabinet that is selected, not to the one clicked last.
-        row("Insert follows the keyboard", QStringList{"CAB1"}, "tree:CAB2", "Insert", 1, 2,
-            drawer);
+        row("Insert follows the keyboard", QStringList{"CAB1"}, "CAB2", "Insert", 1, 2, drawer);
     }
     void newItemsFindTheirParent()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, select);
-        QFETCH(QString, action);
-        QFETCH(int, level);
-        QFETCH(int, parent);
-        QFETCH(QString, caption);
+        const auto [clicks, select, action, level, parent, caption] =
+            fetch<QStringList, QString, QString, int, int, QString>(
+                {"clicks", "select", "action", "level", "parent", "caption"});
         SampleWindow h(clicks);
         h.session->locks().recordOpen(2);
-        if (select.startsWith("tree:"))
-            h.tree()->selectNode(select.mid(5));
-        else if (!select.isEmpty())
-            h.selectInList(select, true);
+        if (!select.isEmpty() && h.select(select) == h.window->list())
+            h.setSource(ContextSource::List);
         const int before = ItemStore(h.session->db()).count(Level(level));
         QString seen;
         whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Brand new", &seen); });
@@ -109,67 +93,63 @@ private slots:
         QMR_VERIFY_PROMPTS(h);
     }
 
-    void propertiesRenameEverywhere()
+    // Each properties dialog opens on the item its control points at.
+    void propertiesDialogs()
     {
         SampleWindow h({"CAB1"});
         QString seen;
-        whenModal(h.window.get(), [&](QWidget* d) { typeNameAndOk(d, "Bank & Loans", &seen); });
+        const auto answer = [&](const std::function<void(QWidget*)>& act) {
+            whenModal(h.window.get(), [&seen, act](QWidget* d) {
+                seen = d->windowTitle();
+                act(d);
+            });
+        };
+        const auto button = [](QWidget* d, const char* name) {
+            d->findChild<QPushButton*>(name)->click();
+        };
+        answer([](QWidget* d) { typeNameAndOk(d, "Bank & Loans", nullptr); });
         // The drawer comes from the list, as nothing in the record names a drawer.
         h.selectInList("Bank", true);
         h.trigger("mnuPopupDrawerProperties");
         QCOMPARE(seen, QStringLiteral("Drawer Properties (1)"));
         QCOMPARE(h.tree()->node("DRW1")->text(0), QStringLiteral("Bank & Loans"));
         QVERIFY(h.listTexts().contains("Bank & Loans"));
-    }
 
-    void lockedCabinetPropertiesAskFirst()
-    {
-        SampleWindow h({"ROOT"});
+        // A locked cabinet asks its password first; cancelled, no dialog.
+        h.click("ROOT");
         h.selectInList("Private", true);
         h.choosers.queuePassword(std::nullopt);
-        h.trigger("mnuPopupCabinetProperties"); // cancelled: no dialog
-        QString seen;
+        h.trigger("mnuPopupCabinetProperties");
         h.choosers.queuePassword(QStringLiteral("secret"));
-        whenModal(h.window.get(), [&](QWidget* d) {
-            seen = d->windowTitle();
-            d->findChild<QPushButton*>("cmdCancel")->click();
-        });
+        answer([&](QWidget* d) { button(d, "cmdCancel"); });
         h.trigger("mnuPopupCabinetProperties");
         QCOMPARE(seen, QStringLiteral("File Cabinet Properties (2)"));
         QCOMPARE(h.choosers.passwordAsks(), 2);
         // Opened from the list, the cabinet's node is filled as a click fills it.
         QCOMPARE(h.childTexts("CAB2"), QStringList{"Health"});
         QCOMPARE(h.childTexts("DRW3"), QStringList{"Doctor"});
-    }
 
-    void documentDoubleClickOpensProperties()
-    {
-        SampleWindow h({"CAB1", "DRW1"});
-        QString seen;
-        whenModal(h.window.get(), [&](QWidget* d) {
-            seen = d->windowTitle();
+        // A double click on a document; its cleared date leaves the bare name.
+        h.clickPath({"CAB1", "DRW1"});
+        answer([&](QWidget* d) {
             d->findChild<QLineEdit*>("txtDateOnDocument")->clear();
-            d->findChild<QPushButton*>("cmdOK")->click();
+            button(d, "cmdOK");
         });
-        QTreeWidgetItem* doc = h.tree()->node("DOC1");
-        emit h.tree()->itemDoubleClicked(doc, 0);
+        emit h.tree()->itemDoubleClicked(h.tree()->node("DOC1"), 0);
         QCOMPARE(seen, QStringLiteral("Document Properties (1)"));
         QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement"));
-    }
 
-    void pagePropertiesOfTheSelection()
-    {
-        SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
+        // The page properties tell of every page selected.
+        h.clickPath({"FLD1", "DOC1"});
         PageListView* pages = h.window->pageList()->list();
         QCOMPARE(pages->count(), 2);
         pages->selectAllPages();
-        QString data;
-        whenModal(h.window.get(), [&](QWidget* d) {
-            data = d->findChild<QLabel*>("lblPageIdData")->text();
-            d->findChild<QPushButton*>("cmdOK")->click();
+        answer([&](QWidget* d) {
+            seen = d->findChild<QLabel*>("lblPageIdData")->text();
+            button(d, "cmdOK");
         });
         h.trigger("mnuPopupPageProperties");
-        QCOMPARE(data, QStringLiteral("2 pages"));
+        QCOMPARE(seen, QStringLiteral("2 pages"));
     }
 
     void renumbering_data()
@@ -181,8 +161,7 @@ private slots:
     }
     void renumbering()
     {
-        QFETCH(int, answer);
-        QFETCH(QString, numbers);
+        const auto [answer, numbers] = fetch<int, QString>({"answer", "numbers"});
         SampleWindow h;
         h.session->db().execute("UPDATE Page SET PageNumber = 5 WHERE DocumentId = 1");
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
@@ -205,9 +184,7 @@ private slots:
     }
     void renumberOnePage()
     {
-        QFETCH(QString, typed);
-        QFETCH(bool, ok);
-        QFETCH(int, stored);
+        const auto [typed, ok, stored] = fetch<QString, bool, int>({"typed", "ok", "stored"});
         SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
         PageListView* pages = h.window->pageList()->list();
         pages->selectPage(pages->pageIdAt(1));
@@ -279,6 +256,92 @@ private slots:
         QCOMPARE(h.tree()->node(drawer)->text(0), QStringLiteral("My car"));
         QCOMPARE(h.childTexts(drawer), QStringList{"Repairs"});
         QCOMPARE(h.childTexts(h.childKeys(drawer).first()), QStringList{"Invoice"});
+    }
+
+    // The entries of the other features reach the main window: each brings its own window, on
+    // the item it was given.
+    void entryOpensItsWindow_data()
+    {
+        // What the window shows: its name ("#title": its caption instead) and the texts of the
+        // named labels and boxes, joined by '|'.
+        columns<QString, QStringList, QString>({"entry", "fields", "shown"});
+        row("view settings", "mnuViewSettings", QStringList{}, "frmViewSettings");
+        row("email settings", "mnuEmailSettings", QStringList{}, "frmEmailSettings");
+        row("print settings", "mnuPrintSettings", QStringList{"txtHeightPct"},
+            "frmPrintSettings|100");
+        row("print a document", "mnuPopupDocumentPrint", QStringList{"lblItem", "txtFrom", "txtTo"},
+            "frmPrintDocument|Document: March statement|1|2");
+        row("print a page", "mnuPopupPagePrint", QStringList{"lblItem"},
+            "frmPrint|Page 2 of March statement");
+        row("help topics", "mnuHelpHelpTopics", QStringList{}, "frmHelp");
+        row("about", "mnuHelpAbout", QStringList{"#title", "lblPgCnt"},
+            "About Quillmere|Pages stored: 3");
+    }
+    void entryOpensItsWindow()
+    {
+        const auto [entry, fields] = fetch<QString, QStringList>({"entry", "fields"});
+        SampleWindow h;
+        QVERIFY(TextFile::writeLines(h.home.file("qmrhelp.txt"), {"[toc]", "1=Only topic"}));
+        h.window->printCommands().setPrinters({});
+        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
+        if (entry.contains("Page")) {
+            QVERIFY(h.window->pageList()->selectPage(2));
+            h.setSource(ContextSource::PageList);
+        }
+        QString shown;
+        // The email settings ask the keyring before they are shown, letting events run.
+        whenModal(this, [&](QWidget* w) {
+            const bool title = fields.value(0) == "#title";
+            QStringList texts{title ? w->windowTitle() : w->objectName()};
+            for (const QString& name : fields.mid(title ? 1 : 0))
+                if (auto* label = w->findChild<QLabel*>(name))
+                    texts << label->text();
+                else if (auto* box = w->findChild<QLineEdit*>(name))
+                    texts << box->text();
+                else
+                    texts << "<missing " + name + ">";
+            shown = texts.join('|');
+            w->close();
+        });
+        h.trigger(entry);
+        QTRY_VERIFY(!shown.isEmpty());
+        QTEST(shown, "shown");
+        QMR_VERIFY_PROMPTS(h);
+    }
+
+    // The document the tree points at is saved as a PDF of its pictures; the sample's pages
+    // are not read, which the command says. A page opens in the viewer.
+    void searchablePdfAndTheViewer()
+    {
+        SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
+        QTemporaryDir out;
+        const QString pdf = out.filePath("statement.pdf");
+        h.choosers.queueSaveFile(pdf);
+        int pictures = 0;
+        for (const PageRow& page : PageStore(h.db()).pages(1))
+            pictures += !page.shortcut;
+        QVERIFY(pictures > 1);
+        h.prompter.expect(QString("%1 pages have not been read yet; the PDF holds their pictures "
+                                  "without text.")
+                              .arg(pictures));
+        h.trigger("mnuPopupDocumentSearchablePdf");
+        QMR_VERIFY_PROMPTS(h);
+        QCOMPARE(QFileInfo(h.choosers.saveStarts().value(0)).fileName(),
+                 QString("March statement.pdf"));
+        QFile written(pdf);
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QVERIFY(written.read(5) == "%PDF-");
+
+        PageOpener* opener = h.navigator().context().pageOpener;
+        QVERIFY(opener);
+        opener->openPage(1);
+        PageViewWindow* viewer = nullptr;
+        QTRY_VERIFY((viewer = h.window->findChild<PageViewWindow*>()) != nullptr);
+        QTRY_COMPARE(viewer->windowTitle(), QString("Page # 1 (ID = 1)"));
+        QVERIFY(viewer->isWindow());
+        QVERIFY(viewer->canvas()->hasImage());
+        viewer->close();
+        QMR_VERIFY_PROMPTS(h);
     }
 };
 

@@ -1,12 +1,5 @@
-#include <QFile>
-#include <QTemporaryDir>
-#include <QTest>
-
-#include "navharness.h"
 #include "filing/deletecommand.h"
-#include "store/itemstore.h"
-#include "store/pagepaths.h"
-#include "tests/support/testrunner.h"
+#include "navharness.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -24,6 +17,12 @@ QString counts(NavHarness& h)
 int pageRows(NavHarness& h)
 {
     return h.pageView()->model()->rowCount();
+}
+
+// Makes the pane's row current.
+void currentPage(NavHarness& h, int row)
+{
+    h.pageView()->setCurrentIndex(h.pageView()->model()->index(row, 0));
 }
 
 } // namespace
@@ -52,13 +51,9 @@ private slots:
     }
     void everyLevelFromTheTree()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, action);
-        QFETCH(QString, question);
-        QFETCH(QString, gone);
-        QFETCH(QString, counts);
-        QFETCH(QString, selected);
-        QFETCH(QStringList, starts);
+        const auto [clicks, action, question, gone, counts, selected, starts] =
+            fetch<QStringList, QString, QString, QString, QString, QString, QStringList>(
+                {"clicks", "action", "question", "gone", "counts", "selected", "starts"});
         SampleWindow h;
         h.addFoundBranch();
         h.clickPath(clicks);
@@ -83,7 +78,7 @@ private slots:
         QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(h.tree()));
     }
 
-    void fromTheList()
+    void fromTheListALockedCabinetAfterItsPassword()
     {
         SampleWindow h({"CAB1", "DRW1"});
         h.selectInList("Savings", true);
@@ -93,7 +88,26 @@ private slots:
         QCOMPARE(h.listTexts(), QStringList{"Checking"});
         QVERIFY(!h.tree()->node("FLD2"));
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1")); // the tree stays
-        QCOMPARE(ItemStore(h.session->db()).count(Level::Folder), 3);
+        QCOMPARE(counts(h), QStringLiteral("2/3/3/3/3"));
+
+        h.click("ROOT");
+        h.selectInList("Private", true);
+        h.choosers.queuePassword(std::nullopt); // cancelled: no question
+        h.trigger("mnuPopupCabinetDelete");
+        QMR_VERIFY_PROMPTS(h);
+        h.choosers.queuePassword(QStringLiteral("wrong"));
+        h.prompter.expect("Access Denied");
+        h.trigger("mnuPopupCabinetDelete");
+        QMR_VERIFY_PROMPTS(h);
+        QCOMPARE(counts(h), QStringLiteral("2/3/3/3/3"));
+        h.choosers.queuePassword(QStringLiteral("secret"));
+        h.prompter.expect("Delete 'Private'?", Prompter::Answer::Yes);
+        h.selectInList("Private", true);
+        h.trigger("mnuPopupCabinetDelete");
+        QMR_VERIFY_PROMPTS(h);
+        QCOMPARE(counts(h), QStringLiteral("1/2/2/3/3"));
+        QCOMPARE(h.listTexts(), QStringList{"Home Papers"});
+        QVERIFY(!h.tree()->node("CAB2"));
     }
 
     void noCancelAndClosingChangeNothing_data()
@@ -104,14 +118,14 @@ private slots:
     }
     void noCancelAndClosingChangeNothing()
     {
-        QFETCH(int, answer);
+        const auto [answer] = fetch<int>({"answer"});
         SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
         h.setSource(ContextSource::Tree);
         for (const char* action : {"mnuPopupDocumentDelete", "mnuPopupPageDelete"}) {
             h.prompter.reset();
             h.prompter.expect(action[8] == 'D' ? "Delete 'March statement'?" : "Delete 'Page 1'?",
                               Prompter::Answer(answer));
-            h.pageView()->setCurrentIndex(h.pageView()->model()->index(0, 0));
+            currentPage(h, 0);
             h.trigger(action);
             QMR_VERIFY_PROMPTS(h);
         }
@@ -120,28 +134,6 @@ private slots:
         QCOMPARE(pageRows(h), 2);
         QVERIFY(QFile::exists(h.session->paths().computedPagePath(1)));
         QVERIFY(h.progress.log.isEmpty());
-    }
-
-    void lockedCabinetAsksItsPasswordFirst()
-    {
-        SampleWindow h({"ROOT"});
-        h.selectInList("Private", true);
-        h.choosers.queuePassword(std::nullopt); // cancelled: no question
-        h.trigger("mnuPopupCabinetDelete");
-        QMR_VERIFY_PROMPTS(h);
-        h.choosers.queuePassword(QStringLiteral("wrong"));
-        h.prompter.expect("Access Denied");
-        h.trigger("mnuPopupCabinetDelete");
-        QMR_VERIFY_PROMPTS(h);
-        QCOMPARE(counts(h), QStringLiteral("2/3/4/3/3"));
-        h.choosers.queuePassword(QStringLiteral("secret"));
-        h.prompter.expect("Delete 'Private'?", Prompter::Answer::Yes);
-        h.selectInList("Private", true);
-        h.trigger("mnuPopupCabinetDelete");
-        QMR_VERIFY_PROMPTS(h);
-        QCOMPARE(counts(h), QStringLiteral("1/2/3/3/3"));
-        QCOMPARE(h.listTexts(), QStringList{"Home Papers"});
-        QVERIFY(!h.tree()->node("CAB2"));
     }
 
     void pages_data()
@@ -157,22 +149,15 @@ private slots:
     }
     void pages()
     {
-        QFETCH(int, source);
-        QFETCH(bool, all);
-        QFETCH(QString, question);
-        QFETCH(int, left);
-        QFETCH(QString, start);
+        const auto [source, all, question, left, start] =
+            fetch<int, bool, QString, int, QString>({"source", "all", "question", "left", "start"});
         NavHarness h;
         h.loadWith([](FixtureStore& store) { store.page(1, 3); });
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
-        QAbstractItemView* pane = h.pageView();
         QCOMPARE(pageRows(h), 3);
-        if (all) {
-            pane->setCurrentIndex(pane->model()->index(0, 0));
-            pane->selectAll();
-        } else {
-            pane->setCurrentIndex(pane->model()->index(1, 0));
-        }
+        currentPage(h, all ? 0 : 1);
+        if (all)
+            h.pageView()->selectAll();
         h.setSource(ContextSource(source));
         h.prompter.expect(question, Prompter::Answer::Yes);
         h.trigger("mnuPopupPageDelete");
@@ -188,11 +173,9 @@ private slots:
         NavHarness h;
         QTemporaryDir outside;
         const QString file = outside.filePath("reply.pdf");
-        {
-            QFile f(file);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.write("%PDF");
-        }
+        QFile f(file);
+        QVERIFY(f.open(QIODevice::WriteOnly) && f.write("%PDF") == 4);
+        f.close();
         qint32 id = -1;
         h.loadWith([&](FixtureStore& store) {
             store.db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, "
@@ -201,8 +184,7 @@ private slots:
             id = store.db().lastInsertId();
         });
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC2"});
-        QAbstractItemView* pane = h.pageView();
-        pane->setCurrentIndex(pane->model()->index(0, 0));
+        currentPage(h, 0);
         h.setSource(ContextSource::PageList);
         QCOMPARE(h.navigator().selectedPageIds(), QVector<qint32>{id});
         h.prompter.expect("Delete shortcut to 'reply.pdf'?", Prompter::Answer::Yes);
@@ -222,15 +204,10 @@ private slots:
     }
     void pageNames()
     {
-        QFETCH(bool, shortcut);
-        QFETCH(int, number);
-        QFETCH(QString, filename);
-        QFETCH(QString, name);
         PageRow page;
-        page.shortcut = shortcut;
-        page.pageNumber = number;
-        page.filename = filename;
-        QCOMPARE(DeleteCommand::pageName(page), name);
+        std::tie(page.shortcut, page.pageNumber, page.filename) =
+            fetch<bool, int, QString>({"shortcut", "number", "filename"});
+        QTEST(DeleteCommand::pageName(page), "name");
     }
 };
 

@@ -1,18 +1,11 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
-#include <QFileInfo>
 #include <QImageReader>
 #include <QMimeData>
-#include <QSignalSpy>
-#include <QTemporaryDir>
-#include <QTest>
 #include <QUrl>
 
 #include "navharness.h"
 #include "navigator/navdragdrop.h"
-#include "store/itemstore.h"
-#include "store/pagestore.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -73,13 +66,21 @@ NavDragDrop& dragDrop(NavHarness& h)
     return h.window->dragDrop();
 }
 
+// Drops `data` on a point of a control, which must take it, and waits for the drop's work.
+void dropAndWait(NavHarness& h, QWidget* viewport, const QPoint& at, const QMimeData* data)
+{
+    QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+    QVERIFY(dragAndDrop(viewport, at, data).dropAccepted);
+    QTRY_COMPARE(done.size(), 1);
+}
+
 } // namespace
 
 class TestDragDrop : public QObject
 {
     Q_OBJECT
 private slots:
-    void filesDroppedOnATreeDocument()
+    void filesDropped()
     {
         SampleWindow h({"CAB1", "DRW1"});
         QTemporaryDir outside;
@@ -111,18 +112,11 @@ private slots:
         QCOMPARE(h.window->pageList()->documentId(), 2);
         QCOMPARE(h.pageTexts(), (QStringList{"drawing.tif", "Page 1"}));
         QMR_VERIFY_PROMPTS(h);
-    }
 
-    void filesDroppedOnAFolderMakeOneDocument()
-    {
-        SampleWindow h({"CAB1"});
-        QTemporaryDir outside;
-        std::unique_ptr<QMimeData> data(
-            filesData({writeImage(outside, "a.jpg"), writeImage(outside, "b.bmp", "BMP"),
-                       writeImage(outside, "c.jpeg", "JPG")}));
-        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
-        QVERIFY(dragAndDrop(h.tree()->viewport(), h.nodePoint("FLD2"), data.get()).dropAccepted);
-        QTRY_COMPARE(done.size(), 1);
+        // Files dropped on a folder make one document of them there.
+        data.reset(filesData({writeImage(outside, "a.jpg"), writeImage(outside, "b.bmp", "BMP"),
+                              writeImage(outside, "c.jpeg", "JPG")}));
+        dropAndWait(h, h.tree()->viewport(), h.nodePoint("FLD2"), data.get());
         const QVector<ItemRow> made = h.session->items().children(Level::Document, 2);
         QCOMPARE(made.size(), 1);
         const QString key = QStringLiteral("DOC%1").arg(made.first().id);
@@ -143,9 +137,8 @@ private slots:
     }
     void refusedFileDrops()
     {
-        QFETCH(QString, target);
-        QFETCH(int, actions);
-        QFETCH(bool, files);
+        const auto [target, actions, files] =
+            fetch<QString, int, bool>({"target", "actions", "files"});
         SampleWindow h({"CAB1", "DRW1"});
         QTemporaryDir outside;
         const QString file = writeImage(outside, "a.jpg");
@@ -176,7 +169,6 @@ private slots:
         QCOMPARE(data->data(NavDragDrop::mimeType()), QByteArray("T\nDRW1"));
         h.choosers.queuePassword(QStringLiteral("secret"));
         QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
-
         const DragOutcome o = dragAndDrop(h.tree()->viewport(), h.nodePoint("CAB2"), data.get());
 
         QVERIFY(o.overAccepted);
@@ -197,52 +189,23 @@ private slots:
         QCOMPARE(h.childTexts("CAB2"), (QStringList{"Bank", "Health"}));
     }
 
-    void overTheListTheSelectionFollowsValidTargets()
-    {
-        SampleWindow h({"CAB1", "DRW1", "DRW2"});
-        // The list shows Taxes' folders; a document of the tree is dragged over them.
-        h.tree()->setCurrentItem(h.tree()->node("DOC1"));
-        QVERIFY(dragDrop(h).beginDrag(DropSource::Tree));
-        std::unique_ptr<QMimeData> data(dragDrop(h).dragData());
-        ContainerList* list = h.window->list();
-        QListWidgetItem* item = list->itemOf(NodeKey::parse("FLD3"));
-        QVERIFY(item);
-        list->setCurrentItem(nullptr);
-        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
-        const QPoint at = list->visualItemRect(item).center();
-        QVERIFY(dragAndDrop(list->viewport(), at, data.get()).dropAccepted);
-        QCOMPARE(list->selectedKey().text(), QStringLiteral("FLD3"));
-        QTRY_COMPARE(done.size(), 1);
-        QCOMPARE(h.session->items().folderOfDocument(1), 3);
-        QCOMPARE(h.tree()->parentKey("DOC1"), QStringLiteral("FLD3"));
-        // The list is not redrawn by a move.
-        QCOMPARE(h.listTexts(), QStringList{"2025"});
-    }
-
-    void whatNeverDrags_data()
-    {
-        // A tree node, or PAG1 as a page of a found document on show.
-        columns<QString>({"key"});
-        for (const char* key : {"ROOT", "CAB1", "FDW1", "FDC1", "PAG1"})
-            row(key, QString(key));
-    }
     void whatNeverDrags()
     {
-        QFETCH(QString, key);
         SampleWindow h({"CAB1", "DRW1"});
         h.addFoundBranch();
-        const bool page = key == "PAG1";
-        if (page) {
-            h.navigator().showPagesInListView(1, true);
-            QVERIFY(h.window->pageList()->list()->selectPage(1));
-        } else {
+        for (const char* key : {"ROOT", "CAB1", "FDW1", "FDC1"}) {
             h.tree()->setCurrentItem(h.tree()->node(key));
+            QVERIFY2(!dragDrop(h).beginDrag(DropSource::Tree), key);
+            QVERIFY(!dragDrop(h).isDragging());
         }
-        QVERIFY(!dragDrop(h).beginDrag(page ? DropSource::PageList : DropSource::Tree));
+        // Nor a page of a found document on show.
+        h.navigator().showPagesInListView(1, true);
+        QVERIFY(h.window->pageList()->list()->selectPage(1));
+        QVERIFY(!dragDrop(h).beginDrag(DropSource::PageList));
         QVERIFY(!dragDrop(h).isDragging());
     }
 
-    void aPageDraggedOutOfThePageList()
+    void pagesAndDocumentsMoved()
     {
         SampleWindow h({"CAB1", "DRW2", "DRW1", "DOC1"});
         QCOMPARE(h.pageTexts(), (QStringList{"Page 1", "Page 2"}));
@@ -254,16 +217,32 @@ private slots:
         // Not onto the page list itself.
         QWidget* pageViewport = pages->currentView()->viewport();
         QVERIFY(!dragAndDrop(pageViewport, QPoint(10, 10), data.get(), false).overAccepted);
-        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
-
-        QVERIFY(dragAndDrop(h.tree()->viewport(), h.nodePoint("DOC3"), data.get()).dropAccepted);
-
-        QTRY_COMPARE(done.size(), 1);
+        dropAndWait(h, h.tree()->viewport(), h.nodePoint("DOC3"), data.get());
         QCOMPARE(h.session->pages().documentOf(2), 3);
         QCOMPARE(h.session->pages().page(2)->pageNumber, 2);
         QCOMPARE(h.pageTexts(), QStringList{"Page 1"});
         // The tree is back on the document on show.
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DOC1"));
+
+        // Over the list, the selection follows valid targets: the list shows Taxes' folders
+        // and a document of the tree is dragged over them.
+        h.click("DRW2");
+        h.tree()->setCurrentItem(h.tree()->node("DOC1"));
+        QVERIFY(dragDrop(h).beginDrag(DropSource::Tree));
+        data.reset(dragDrop(h).dragData());
+        ContainerList* list = h.window->list();
+        QListWidgetItem* item = list->itemOf(NodeKey::parse("FLD3"));
+        QVERIFY(item);
+        list->setCurrentItem(nullptr);
+        QSignalSpy done(&dragDrop(h), &NavDragDrop::dropDone);
+        QVERIFY(dragAndDrop(list->viewport(), list->visualItemRect(item).center(), data.get())
+                    .dropAccepted);
+        QCOMPARE(list->selectedKey().text(), QStringLiteral("FLD3"));
+        QTRY_COMPARE(done.size(), 1);
+        QCOMPARE(h.session->items().folderOfDocument(1), 3);
+        QCOMPARE(h.tree()->parentKey("DOC1"), QStringLiteral("FLD3"));
+        // The list is not redrawn by a move.
+        QCOMPARE(h.listTexts(), QStringList{"2025"});
     }
 };
 

@@ -1,14 +1,5 @@
-#include <QApplication>
-#include <QLineEdit>
-#include <QPushButton>
-#include <QTest>
-#include <QTimer>
-#include <functional>
-
 #include "find/finddialog.h"
 #include "navharness.h"
-#include "tests/support/modalwatch.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -74,7 +65,7 @@ private slots:
         QCOMPARE(h.branch("ROOTFOUND"), QString("ROOTFOUND(FCB1(FDW1(FFD1(FDC1,FDC2))))"));
     }
 
-    void nothingFoundAndEmptyFolders()
+    void nothingFoundLockedCabinetsAndClearing()
     {
         SampleWindow h;
         search(h, "statement");
@@ -90,17 +81,13 @@ private slots:
         QVERIFY(h.tree()->node("ROOTFOUND"));
         QCOMPARE(h.tree()->node("ROOTFOUND")->childCount(), 0);
         QCOMPARE(h.tree()->selectedKey(), QString("ROOTFOUND"));
-    }
 
-    void lockedCabinetSkipped()
-    {
-        SampleWindow h;
+        // A locked cabinet is skipped without asking; once opened, it is searched.
         h.session->db().execute("INSERT INTO Document (FolderId, Name) VALUES (4, 'Checkup')");
         h.prompter.expect("Nothing found.");
         search(h, "doctor health checkup");
         QMR_VERIFY_PROMPTS(h);
         QCOMPARE(h.choosers.passwordAsks(), 0);
-        // Once opened, the cabinet is searched.
         h.choosers.queuePassword(QStringLiteral("secret"));
         h.click("CAB2");
         QVERIFY(h.session->locks().isCabinetOpen(2));
@@ -109,40 +96,49 @@ private slots:
         QCOMPARE(h.branch("ROOTFOUND"), QString("ROOTFOUND(FCB2(FDW3(FFD4(FDC4))))"));
         QCOMPARE(h.tree()->node("FCB2")->text(0), QString("Private"));
         QCOMPARE(h.childTexts("FFD4"), QStringList{"Checkup"});
+
+        // Clear and a refresh take the branch away; the pages on show stay.
+        search(h, "statement");
+        h.click("FDC1");
+        QCOMPARE(pagesShown(h), 2);
+        h.trigger("mnuPopupFoundProperties"); // does nothing
+        QVERIFY(h.tree()->node("ROOTFOUND"));
+        h.trigger("mnuPopupFoundClear");
+        QVERIFY(!h.tree()->node("ROOTFOUND"));
+        QVERIFY(!h.tree()->node("FDC1"));
+        QCOMPARE(pagesShown(h), 2);
+        QMR_VERIFY_PROMPTS(h);
+        search(h, "statement");
+        QVERIFY(h.tree()->node("ROOTFOUND"));
+        h.navigator().refreshNavTree();
+        QVERIFY(!h.tree()->node("ROOTFOUND"));
+        QVERIFY(h.tree()->node("CAB1"));
     }
 
-    void findFromEveryEntry_data()
-    {
-        columns<QString>({"how"});
-        row("button", "cmdFind");
-        row("menu", "mnuFileFind");
-        row("F3", "F3");
-        row("Ctrl+F", "Ctrl+F");
-    }
+    // The button, the menu, F3 and Ctrl+F open the search; Cancel changes nothing in the tree.
     void findFromEveryEntry()
     {
-        QFETCH(QString, how);
-        SampleWindow h;
-        QApplication::setActiveWindow(h.window.get());
-        QVERIFY(QTest::qWaitForWindowActive(h.window.get()));
-        h.click("CAB1");
-        QString seen;
-        whenModal(h.window.get(), [&](QWidget* w) {
-            seen = w->objectName();
-            w->findChild<QPushButton*>("cmdCancel")->click();
-        });
-        if (how == "cmdFind") {
-            auto* button = h.window->findChild<QPushButton*>("cmdFind");
-            QVERIFY(button->isEnabled());
-            QTest::mouseClick(button, Qt::LeftButton);
-        } else if (how == "mnuFileFind") {
-            h.trigger(how);
-        } else {
-            QTest::keySequence(h.tree(), QKeySequence(how));
+        SampleWindow h({"CAB1"});
+        for (const QString how : {"cmdFind", "mnuFileFind", "F3", "Ctrl+F"}) {
+            QApplication::setActiveWindow(h.window.get());
+            QVERIFY(QTest::qWaitForWindowActive(h.window.get()));
+            QString seen;
+            whenModal(h.window.get(), [&](QWidget* w) {
+                seen = how + ": " + w->objectName();
+                w->findChild<QPushButton*>("cmdCancel")->click();
+            });
+            if (how == "cmdFind") {
+                auto* button = h.window->findChild<QPushButton*>("cmdFind");
+                QVERIFY(button->isEnabled());
+                QTest::mouseClick(button, Qt::LeftButton);
+            } else if (how == "mnuFileFind") {
+                h.trigger(how);
+            } else {
+                QTest::keySequence(h.tree(), QKeySequence(how));
+            }
+            QTRY_COMPARE_WITH_TIMEOUT(seen, how + ": frmFind", 3000);
+            QVERIFY2(!h.tree()->node("ROOTFOUND"), qPrintable(how));
         }
-        QTRY_COMPARE_WITH_TIMEOUT(seen, QString("frmFind"), 3000);
-        // Cancel changes nothing in the tree.
-        QVERIFY(!h.tree()->node("ROOTFOUND"));
     }
 
     void foundDocumentShowsTheSearchedPages()
@@ -172,9 +168,11 @@ private slots:
         QCOMPARE(pagesShown(h), 2);
     }
 
-    void foundNodesDoNothingOfTheirOwn()
+    // Found nodes do nothing of their own; updates reach the nodes and their found copies.
+    void foundNodes()
     {
         SampleWindow h({"CAB1", "DRW1", "FLD1"});
+        QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement (03/31/2026)"));
         const QStringList listBefore = h.listTexts();
         search(h, "checking");
         for (const char* key : {"ROOTFOUND", "FCB1", "FDW1", "FFD1", "FDC1"}) {
@@ -200,12 +198,7 @@ private slots:
         QVERIFY(!QApplication::activeModalWidget());
         QVERIFY(h.tree()->node("FDC1"));
         QMR_VERIFY_PROMPTS(h);
-    }
 
-    void updatesReachTheNodesAndTheirCopies()
-    {
-        SampleWindow h({"CAB1", "DRW1", "FLD1"});
-        QCOMPARE(h.tree()->node("DOC1")->text(0), QStringLiteral("March statement (03/31/2026)"));
         search(h, "checking return");
         // The node and its found copy show the same text.
         const auto shows = [&](const QString& key, const QString& text) {
@@ -234,27 +227,6 @@ private slots:
         n.itemRemoved(Level::Cabinet, 1);
         QCOMPARE(h.branch("ROOTFOUND"), QString("ROOTFOUND"));
         QMR_VERIFY_PROMPTS(h);
-    }
-
-    void clearAndRefreshTakeTheBranchAway()
-    {
-        SampleWindow h;
-        search(h, "statement");
-        h.click("FDC1");
-        QCOMPARE(pagesShown(h), 2);
-        h.trigger("mnuPopupFoundProperties"); // does nothing
-        QVERIFY(h.tree()->node("ROOTFOUND"));
-        h.trigger("mnuPopupFoundClear");
-        QVERIFY(!h.tree()->node("ROOTFOUND"));
-        QVERIFY(!h.tree()->node("FDC1"));
-        // The pages on show stay.
-        QCOMPARE(pagesShown(h), 2);
-        QMR_VERIFY_PROMPTS(h);
-        search(h, "statement");
-        QVERIFY(h.tree()->node("ROOTFOUND"));
-        h.navigator().refreshNavTree();
-        QVERIFY(!h.tree()->node("ROOTFOUND"));
-        QVERIFY(h.tree()->node("CAB1"));
     }
 };
 

@@ -1,15 +1,8 @@
-#include <QApplication>
-#include <QMenu>
 #include <QMenuBar>
-#include <QSignalSpy>
-#include <QTest>
-#include <QTimer>
 
 #include "filing/commandkeys.h"
 #include "navharness.h"
 #include "navigator/popupmenus.h"
-#include "tests/support/modalwatch.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -27,14 +20,11 @@ struct Shown
     QPoint at;
 };
 
-// Runs `act`, which may open a pop-up menu, and closes the menu once it is up.
+// What the pop-up that `act` may open showed.
 Shown popupOf(const std::function<void()>& act)
 {
     Shown shown;
-    QTimer::singleShot(50, [&shown] {
-        auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
-        if (!menu)
-            return;
+    withPopup(act, [&shown](QMenu* menu) {
         shown.menu = menu->objectName();
         shown.at = menu->pos();
         for (QAction* a : menu->actions()) {
@@ -45,10 +35,7 @@ Shown popupOf(const std::function<void()>& act)
             if (a->isEnabled())
                 shown.enabled << a->objectName();
         }
-        menu->close();
     });
-    act();
-    QTest::qWait(100);
     return shown;
 }
 
@@ -93,10 +80,8 @@ private slots:
     }
     void commandKeys()
     {
-        QFETCH(int, control);
-        QFETCH(QString, key);
-        QFETCH(QString, insert);
-        QFETCH(QString, remove);
+        const auto [control, key, insert, remove] =
+            fetch<int, QString, QString, QString>({"control", "key", "insert", "remove"});
         const auto named = [](const QString& e) { return e.isEmpty() ? e : "mnuPopup" + e; };
         QCOMPARE(CommandKeys::insertCommand(ContextSource(control), NodeKey::parse(key)),
                  named(insert));
@@ -122,11 +107,9 @@ private slots:
     }
     void targetRule()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, rightClick);
-        QFETCH(QString, listItem);
-        QFETCH(int, source);
-        QFETCH(int, level);
+        const auto [clicks, rightClick, listItem, source, level] =
+            fetch<QStringList, QString, QString, int, int>(
+                {"clicks", "rightClick", "listItem", "source", "level"});
         SampleWindow h(clicks);
         if (!rightClick.isEmpty()) {
             // A right click menus the selected node, which the click path left selected.
@@ -170,26 +153,16 @@ private slots:
     }
     void popups()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, target);
-        QFETCH(int, key);
-        QFETCH(int, modifiers);
-        QFETCH(QString, menu);
+        const auto [clicks, target, key, modifiers, menu] =
+            fetch<QStringList, QString, int, int, QString>(
+                {"clicks", "target", "key", "modifiers", "menu"});
         SampleWindow h;
         h.addFoundBranch();
         h.clickPath(clicks);
-        QWidget* control = h.tree();
-        ContextSource source = ContextSource::Tree;
-        if (target.startsWith("list:")) {
-            h.selectInList(target.mid(5));
-            control = h.window->list();
-            source = ContextSource::List;
-        } else if (target == "pages") {
-            control = h.pageView();
-            source = ContextSource::PageList;
-        } else {
-            h.tree()->selectNode(target);
-        }
+        QWidget* control = target == "pages" ? h.pageView() : h.select(target);
+        const ContextSource source = control == h.tree()           ? ContextSource::Tree
+                                     : control == h.window->list() ? ContextSource::List
+                                                                   : ContextSource::PageList;
         control->setFocus();
         QSignalSpy treeClicks(h.tree(), &NavTree::nodeClicked);
         const Shown shown = popupOf([&] {
@@ -242,10 +215,8 @@ private slots:
     }
     void pagePopup()
     {
-        QFETCH(QString, document);
-        QFETCH(int, row);
-        QFETCH(QStringList, visible);
-        QFETCH(QString, deleteText);
+        auto [document, row, visible, deleteText] =
+            fetch<QString, int, QStringList, QString>({"document", "row", "visible", "deleteText"});
         NavHarness h;
         h.loadWith([](FixtureStore& store) {
             store.db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, "
@@ -314,10 +285,8 @@ private slots:
     }
     void insertAndDeleteKeys()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, listItem);
-        QFETCH(int, key);
-        QFETCH(QString, shown);
+        const auto [clicks, listItem, key, shown] =
+            fetch<QStringList, QString, int, QString>({"clicks", "listItem", "key", "shown"});
         SampleWindow h(clicks);
         QWidget* control = h.tree();
         if (!listItem.isEmpty()) {

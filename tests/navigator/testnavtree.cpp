@@ -1,14 +1,9 @@
-#include <QFile>
 #include <QHeaderView>
 #include <QScrollBar>
-#include <QSignalSpy>
 #include <QSplitter>
 #include <QSplitterHandle>
-#include <QTest>
 
 #include "navharness.h"
-#include "store/itemstore.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -19,34 +14,33 @@ class TestNavTree : public QObject
 private slots:
     void keyedTree()
     {
-        NavTree tree;
-        QVERIFY(tree.addNode({}, "ROOT", "File Cabinets", {}));
-        QVERIFY(tree.addNode("ROOT", "CAB1", "beta", {}));
-        QVERIFY(tree.addNode("ROOT", "CAB12", "Alpha", {}));
-        QVERIFY(tree.addNode("ROOT", "CAB2", "gamma", {}));
-        // A second node with a key that is there, or under a missing parent, is refused.
-        QVERIFY(!tree.addNode("ROOT", "CAB1", "again", {}));
-        QVERIFY(!tree.addNode("CAB99", "DRW1", "orphan", {}));
-        QCOMPARE(tree.node("CAB1")->text(0), QStringLiteral("beta"));
-        QCOMPARE(tree.nodeCount(), 4);
-        // Children stay sorted by text without regard to case.
-        QCOMPARE(itemTexts(tree.node("ROOT")), (QStringList{"Alpha", "beta", "gamma"}));
-        tree.addNode("CAB1", "DRW5", "inner", {});
-        // Expanding from code is reported, with or without children.
-        QSignalSpy spy(&tree, &NavTree::expanding);
-        QVERIFY(tree.expandNode("CAB1"));
-        QVERIFY(tree.expandNode("CAB2"));
-        QVERIFY(!tree.expandNode("CAB3"));
-        QCOMPARE(spy.count(), 2);
-        QCOMPARE(spy.at(0).at(0).toString(), QStringLiteral("CAB1"));
-        QCOMPARE(spy.at(1).at(0).toString(), QStringLiteral("CAB2"));
-        tree.removeNode("CAB1");
-        QVERIFY(!tree.node("DRW5"));
-        QVERIFY(tree.addNode("ROOT", "CAB1", "back", {}));
-    }
-
-    void manyNodesAtOnce()
-    {
+        {
+            NavTree tree;
+            QVERIFY(tree.addNode({}, "ROOT", "File Cabinets", {}));
+            QVERIFY(tree.addNode("ROOT", "CAB1", "beta", {}));
+            QVERIFY(tree.addNode("ROOT", "CAB12", "Alpha", {}));
+            QVERIFY(tree.addNode("ROOT", "CAB2", "gamma", {}));
+            // A second node with a key that is there, or under a missing parent, is refused.
+            QVERIFY(!tree.addNode("ROOT", "CAB1", "again", {}));
+            QVERIFY(!tree.addNode("CAB99", "DRW1", "orphan", {}));
+            QCOMPARE(tree.node("CAB1")->text(0), QStringLiteral("beta"));
+            QCOMPARE(tree.nodeCount(), 4);
+            // Children stay sorted by text without regard to case.
+            QCOMPARE(itemTexts(tree.node("ROOT")), (QStringList{"Alpha", "beta", "gamma"}));
+            tree.addNode("CAB1", "DRW5", "inner", {});
+            // Expanding from code is reported, with or without children.
+            QSignalSpy spy(&tree, &NavTree::expanding);
+            QVERIFY(tree.expandNode("CAB1"));
+            QVERIFY(tree.expandNode("CAB2"));
+            QVERIFY(!tree.expandNode("CAB3"));
+            QCOMPARE(spy.count(), 2);
+            QCOMPARE(spy.at(0).at(0).toString(), QStringLiteral("CAB1"));
+            QCOMPARE(spy.at(1).at(0).toString(), QStringLiteral("CAB2"));
+            tree.removeNode("CAB1");
+            QVERIFY(!tree.node("DRW5"));
+            QVERIFY(tree.addNode("ROOT", "CAB1", "back", {}));
+        }
+        // Many nodes at once, on a tree of its own.
         NavTree tree;
         tree.addNode({}, "ROOT", "File Cabinets", {});
         tree.addNode("ROOT", "CAB1", "Home", {});
@@ -164,11 +158,9 @@ private slots:
     }
     void clicksFillTheNextLevelAndTheRecord()
     {
-        QFETCH(QStringList, path);
-        QFETCH(QString, menu);
-        QFETCH(int, level);
-        QFETCH(int, id);
-        QFETCH(QStringList, list);
+        const auto [path, menu, level, id, list] =
+            fetch<QStringList, QString, int, int, QStringList>(
+                {"path", "menu", "level", "id", "list"});
         SampleWindow h;
         // Before any click only drawers are loaded: no folders yet.
         QCOMPARE(h.childKeys("DRW1"), QStringList{});
@@ -213,24 +205,7 @@ private slots:
         QCOMPARE(h.tree()->selectedKey(), path.last());
     }
 
-    void levelsFillAsTheyOpen()
-    {
-        SampleWindow h({"CAB1"});
-        // A cabinet click brings its folders; documents wait for the drawer.
-        QCOMPARE(h.childTexts("DRW1"), (QStringList{"Checking", "Savings"}));
-        QCOMPARE(h.childKeys("FLD1"), QStringList{});
-        const int before = h.tree()->nodeCount();
-        h.clickPath({"ROOT", "CAB1"});
-        QCOMPARE(h.tree()->nodeCount(), before);
-        h.click("DRW1");
-        QCOMPARE(h.childTexts("FLD1"),
-                 (QStringList{"March statement (03/31/2026)", "O'Brien's letter"}));
-        // Expanding a drawer by hand loads the documents of its folders as well.
-        h.tree()->node("DRW2")->setExpanded(true);
-        QCOMPARE(h.childTexts("FLD3"), QStringList{"Return (04/15/2026)"});
-    }
-
-    void lockedCabinetAsksForItsPassword()
+    void lockedCabinetsLevelsAndStoreFailures()
     {
         SampleWindow h;
         QCOMPARE(h.childKeys("CAB2"), QStringList{}); // a bare node
@@ -262,6 +237,28 @@ private slots:
         QCOMPARE(h.navigator().target().targetId(Level::Cabinet), 2);
         QCOMPARE(h.choosers.passwordAsks(), 3);
         QMR_VERIFY_PROMPTS(h);
+
+        h.click("CAB1");
+        // A cabinet click brings its folders; documents wait for the drawer.
+        QCOMPARE(h.childTexts("DRW1"), (QStringList{"Checking", "Savings"}));
+        QCOMPARE(h.childKeys("FLD1"), QStringList{});
+        const int before = h.tree()->nodeCount();
+        h.clickPath({"ROOT", "CAB1"});
+        QCOMPARE(h.tree()->nodeCount(), before);
+        h.click("DRW1");
+        QCOMPARE(h.childTexts("FLD1"),
+                 (QStringList{"March statement (03/31/2026)", "O'Brien's letter"}));
+        // Expanding a drawer by hand loads the documents of its folders as well.
+        h.tree()->node("DRW2")->setExpanded(true);
+        QCOMPARE(h.childTexts("FLD3"), QStringList{"Return (04/15/2026)"});
+
+        // A failure of the store is a message, and the window goes on working.
+        h.session->db().execute("DROP TABLE Folder");
+        h.prompter.expect("The store could not carry out the command: no such table: Folder");
+        h.click("CAB1");
+        QMR_VERIFY_PROMPTS(h);
+        h.click("ROOT");
+        QCOMPARE(h.listTexts(), (QStringList{"Home Papers", "Private"}));
     }
 
     void restoreWalk_data()
@@ -284,11 +281,9 @@ private slots:
     }
     void restoreWalk()
     {
-        QFETCH(QString, saved);
-        QFETCH(QString, selected);
-        QFETCH(QString, menu);
-        QFETCH(int, level);
-        QFETCH(QStringList, list);
+        const auto [saved, selected, menu, level, list] =
+            fetch<QString, QString, QString, int, QStringList>(
+                {"saved", "selected", "menu", "level", "list"});
         NavHarness h;
         h.home.settings().saveSetting("LastNavTreeNodeKey", saved);
         h.loadSample();
@@ -381,11 +376,8 @@ private slots:
     }
     void windowKeys()
     {
-        QFETCH(int, key);
-        QFETCH(int, modifiers);
-        QFETCH(QString, text);
-        QFETCH(int, answer);
-        QFETCH(bool, exits);
+        const auto [key, modifiers, text, answer, exits] =
+            fetch<int, int, QString, int, bool>({"key", "modifiers", "text", "answer", "exits"});
         if (key == Qt::Key_F1 &&
             QFile::exists(QCoreApplication::applicationDirPath() + "/qmrhelp.txt"))
             QSKIP("A help file stands beside the test.");
@@ -417,14 +409,12 @@ private slots:
     }
     void listActivationMovesTheTreeOnly()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(bool, doubleClick);
-        QFETCH(QString, opened);
+        const auto [clicks, item, doubleClick, opened] =
+            fetch<QStringList, QString, bool, QString>({"clicks", "item", "doubleClick", "opened"});
         SampleWindow h(clicks.mid(0, clicks.size() - 1));
         h.tree()->selectNode(clicks.last());
         QTest::keyClick(h.tree(), Qt::Key_Return); // fills the record, which then stays
         QListWidget* list = h.window->list();
-        QFETCH(QString, item);
         h.selectInList(item);
         if (doubleClick)
             QTest::mouseDClick(list->viewport(), Qt::LeftButton, {},
@@ -438,18 +428,6 @@ private slots:
         QCOMPARE(h.state.selection().idOf(*was.level()), was.id());
         QCOMPARE(h.state.selection().idOf(*NodeKey::parse(opened).level()), -1);
         QTEST(h.visibleLevelMenu(), "menu");
-    }
-
-    void storeFailureIsAMessage()
-    {
-        SampleWindow h;
-        h.session->db().execute("DROP TABLE Folder");
-        h.prompter.expect("The store could not carry out the command: no such table: Folder");
-        h.click("CAB1");
-        QMR_VERIFY_PROMPTS(h);
-        // The window goes on working.
-        h.click("ROOT");
-        QCOMPARE(h.listTexts(), (QStringList{"Home Papers", "Private"}));
     }
 };
 

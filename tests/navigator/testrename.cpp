@@ -1,12 +1,5 @@
-#include <QApplication>
-#include <QLineEdit>
-#include <QSignalSpy>
-#include <QTest>
-
 #include "navharness.h"
 #include "navigator/renamecontroller.h"
-#include "store/itemstore.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -58,84 +51,65 @@ class TestRename : public QObject
 {
     Q_OBJECT
 private slots:
-    void inTheTree_data()
+    void renamed_data()
     {
-        // `messages` shown, then the name stored.
-        columns<QStringList, QString, QStringList, QString>(
-            {"clicks", "typed", "messages", "name"});
+        // `select`: "list:" and an item, else the node clicked last; `messages` shown, then the
+        // name stored for `key`.
+        columns<QStringList, QString, QString, QString, QStringList, QString>(
+            {"clicks", "select", "key", "typed", "messages", "name"});
         const QString bad = "The following characters are not allowed:\n\\ / : * ? \" < > | .";
         const QStringList cabinet{"CAB1"};
         const QStringList drawer{"CAB1", "DRW1"};
         const QStringList folder{"CAB1", "DRW1", "FLD1"};
         const QString taxes = "A drawer named 'Taxes' already exists.";
-        row("cabinet clash", cabinet, "private",
+        row("cabinet clash", cabinet, "", "CAB1", "private",
             QStringList{"A file cabinet named 'private' already exists."}, "Home Papers");
-        row("own name, other case", cabinet, "HOME PAPERS", QStringList{}, "HOME PAPERS");
-        row("drawer clash in its cabinet", drawer, "Taxes", QStringList{taxes}, "Bank");
-        row("drawer of another cabinet's name", drawer, "Health", QStringList{}, "Health");
-        row("folder clash in its drawer", folder, "savings",
+        row("own name, other case", cabinet, "", "CAB1", "HOME PAPERS", QStringList{},
+            "HOME PAPERS");
+        row("drawer clash in its cabinet", drawer, "", "DRW1", "Taxes", QStringList{taxes}, "Bank");
+        row("drawer of another cabinet's name", drawer, "", "DRW1", "Health", QStringList{},
+            "Health");
+        row("folder clash in its drawer", folder, "", "FLD1", "savings",
             QStringList{"A folder named 'savings' already exists."}, "Checking");
-        row("folder of another drawer's name", folder, "2025", QStringList{}, "2025");
-        row("slash stripped", drawer, "Bank/Loans", QStringList{bad}, "BankLoans");
-        row("stripped, then a clash", drawer, "Tax:es", QStringList{bad, taxes}, "Bank");
-        row("nothing but bad characters", drawer, "/:*", QStringList{bad}, "Bank");
-        row("empty", drawer, "", QStringList{}, "Bank");
-        row("too long", drawer, QString(81, 'b'),
+        row("folder of another drawer's name", folder, "", "FLD1", "2025", QStringList{}, "2025");
+        row("slash stripped", drawer, "", "DRW1", "Bank/Loans", QStringList{bad}, "BankLoans");
+        row("stripped, then a clash", drawer, "", "DRW1", "Tax:es", QStringList{bad, taxes},
+            "Bank");
+        row("nothing but bad characters", drawer, "", "DRW1", "/:*", QStringList{bad}, "Bank");
+        row("empty", drawer, "", "DRW1", "", QStringList{}, "Bank");
+        row("too long", drawer, "", "DRW1", QString(81, 'b'),
             QStringList{"The name is too long: a drawer's name can have at most 80 characters."},
             "Bank");
+        row("list drawer, fine", cabinet, "list:Bank", "DRW1", "Banking", QStringList{}, "Banking");
+        // The list refuses a name any other drawer or folder bears, in whatever parent.
+        row("list drawer of another cabinet's name", cabinet, "list:Bank", "DRW1", "health",
+            QStringList{"A drawer named 'health' already exists."}, "Bank");
+        row("list folder of another drawer's name", drawer, "list:Checking", "FLD1", "Doctor",
+            QStringList{"A folder named 'Doctor' already exists."}, "Checking");
+        row("list document, no test", folder, "list:O'Brien's letter", "DOC2", "March statement",
+            QStringList{}, "March statement");
     }
-    void inTheTree()
+    void renamed()
     {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, typed);
-        QFETCH(QStringList, messages);
-        QFETCH(QString, name);
+        const auto [clicks, select, key, typed, messages, name] =
+            fetch<QStringList, QString, QString, QString, QStringList, QString>(
+                {"clicks", "select", "key", "typed", "messages", "name"});
         SampleWindow h(clicks);
-        const NodeKey key = NodeKey::parse(clicks.last());
+        QAbstractItemView* view = select.isEmpty() ? h.tree() : h.select(select);
         for (const QString& m : messages)
             h.prompter.expect(m);
-        QVERIFY(renameWithKeys(h, h.tree(), typed));
-        QMR_VERIFY_PROMPTS(h);
-        QCOMPARE(stored(h, *key.level(), key.id()), name);
-        // The node shows what the store holds, renamed or not.
-        QCOMPARE(h.tree()->node(key.text())->text(0), name);
-        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(h.tree()));
-    }
-
-    void inTheList_data()
-    {
-        columns<QStringList, QString, QString, QString, QString, QString>(
-            {"clicks", "item", "key", "typed", "message", "name"});
-        row("drawer, fine", QStringList{"CAB1"}, "Bank", "DRW1", "Banking", "", "Banking");
-        // The list refuses a name any other drawer or folder bears, in whatever parent.
-        row("drawer of another cabinet's name", QStringList{"CAB1"}, "Bank", "DRW1", "health",
-            "A drawer named 'health' already exists.", "Bank");
-        row("folder of another drawer's name", QStringList{"CAB1", "DRW1"}, "Checking", "FLD1",
-            "Doctor", "A folder named 'Doctor' already exists.", "Checking");
-        row("document, no test", QStringList{"CAB1", "DRW1", "FLD1"}, "O'Brien's letter", "DOC2",
-            "March statement", "", "March statement");
-    }
-    void inTheList()
-    {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, item);
-        QFETCH(QString, key);
-        QFETCH(QString, typed);
-        QFETCH(QString, message);
-        QFETCH(QString, name);
-        SampleWindow h(clicks);
-        h.selectInList(item);
-        if (!message.isEmpty())
-            h.prompter.expect(message);
-        QVERIFY(renameWithKeys(h, h.window->list(), typed));
+        QVERIFY(renameWithKeys(h, view, typed));
         QMR_VERIFY_PROMPTS(h);
         const NodeKey k = NodeKey::parse(key);
         QCOMPARE(stored(h, *k.level(), k.id()), name);
-        QCOMPARE(h.listTexts().contains(name), true);
-        // The tree's node follows, where the tree has it.
-        if (QTreeWidgetItem* node = h.tree()->node(key))
+        // The control and the tree's node, where the tree has it, show what the store holds.
+        QTreeWidgetItem* node = h.tree()->node(key);
+        QVERIFY(node || view != h.tree());
+        if (node)
             QCOMPARE(node->text(0), name);
-        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(h.window->list()));
+        if (view != h.tree())
+            QVERIFY(h.listTexts().contains(name));
+        QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(view));
     }
 
     void documentWithItsDate()
@@ -176,11 +150,55 @@ private slots:
         QCOMPARE(h.tree()->selectedKey(), QStringLiteral("DRW1"));
     }
 
-    // Delete, Insert, Escape and Enter in the label editor act on the label only: they
-    // delete, add and exit nothing.
-    void keysInTheEditorStayThere()
+    void refused_data()
+    {
+        // A tree node to select, or "list:" and an item. The list's lock test reads the tree's
+        // node: the root has no number, and a drawer's number is taken for a cabinet's (drawer
+        // 2, cabinet 2 being locked).
+        columns<QStringList, QString>({"clicks", "select"});
+        row("root", QStringList{"ROOT"}, "ROOT");
+        row("found root", QStringList{"ROOT"}, "ROOTFOUND");
+        row("found copy", QStringList{"ROOT"}, "FCB1");
+        row("locked cabinet", QStringList{"ROOT"}, "CAB2");
+        row("list under the root", QStringList{"ROOT"}, "list:Home Papers");
+        row("list under drawer 2", QStringList{"CAB1", "DRW2"}, "list:2025");
+    }
+    void refused()
+    {
+        const auto [clicks, select] = fetch<QStringList, QString>({"clicks", "select"});
+        SampleWindow h;
+        h.addFoundBranch();
+        h.clickPath(clicks);
+        QAbstractItemView* view = h.select(select);
+        view->setFocus();
+        QTest::keyClick(view, Qt::Key_F2);
+        QVERIFY(!editorOf(view));
+        QVERIFY(!h.navigator().rename().isEditing());
+        QMR_VERIFY_PROMPTS(h);
+    }
+
+    // The rename command opens the label editor of the control that spoke last. Delete,
+    // Insert, Escape and Enter in the editor act on the label only: they delete, add and exit
+    // nothing.
+    void theLabelEditor()
     {
         SampleWindow h({"CAB1", "DRW1"});
+        h.selectInList("Savings");
+        // From the list, with nothing in the record: the list's label.
+        h.setSource(ContextSource::List);
+        h.window->menus().action("mnuPopupFolderRename")->trigger();
+        QVERIFY(editorOf(h.window->list()));
+        QTest::keyClick(editorOf(h.window->list()), Qt::Key_Escape);
+        settle(h);
+        // From the tree: the tree's label.
+        h.setSource(ContextSource::Tree);
+        h.window->menus().action("mnuPopupDrawerRename")->trigger();
+        QVERIFY(editorOf(h.tree()));
+        QCOMPARE(editorOf(h.tree())->text(), QStringLiteral("Bank"));
+        QTest::keyClick(editorOf(h.tree()), Qt::Key_Escape);
+        settle(h);
+        QVERIFY(!h.navigator().rename().isEditing());
+
         QSignalSpy exits(h.window.get(), &NavWindow::exitRequested);
         const auto edit = [&h] {
             h.tree()->setFocus();
@@ -215,60 +233,6 @@ private slots:
         settle(h);
         QMR_VERIFY_PROMPTS(h);
         QCOMPARE(stored(h, Level::Drawer, 1), QStringLiteral("ank"));
-    }
-
-    void refused_data()
-    {
-        // A tree node to select, or "list:" and an item. The list's lock test reads the tree's
-        // node: the root has no number, and a drawer's number is taken for a cabinet's (drawer
-        // 2, cabinet 2 being locked).
-        columns<QStringList, QString>({"clicks", "select"});
-        row("root", QStringList{"ROOT"}, "ROOT");
-        row("found root", QStringList{"ROOT"}, "ROOTFOUND");
-        row("found copy", QStringList{"ROOT"}, "FCB1");
-        row("locked cabinet", QStringList{"ROOT"}, "CAB2");
-        row("list under the root", QStringList{"ROOT"}, "list:Home Papers");
-        row("list under drawer 2", QStringList{"CAB1", "DRW2"}, "list:2025");
-    }
-    void refused()
-    {
-        QFETCH(QStringList, clicks);
-        QFETCH(QString, select);
-        SampleWindow h;
-        h.addFoundBranch();
-        h.clickPath(clicks);
-        QAbstractItemView* view = h.tree();
-        if (select.startsWith("list:")) {
-            h.selectInList(select.mid(5));
-            view = h.window->list();
-        } else {
-            h.tree()->selectNode(select);
-        }
-        view->setFocus();
-        QTest::keyClick(view, Qt::Key_F2);
-        QVERIFY(!editorOf(view));
-        QVERIFY(!h.navigator().rename().isEditing());
-        QMR_VERIFY_PROMPTS(h);
-    }
-
-    void renameCommandPicksTheControl()
-    {
-        SampleWindow h({"CAB1", "DRW1"});
-        h.selectInList("Savings");
-        // From the list, with nothing in the record: the list's label.
-        h.setSource(ContextSource::List);
-        h.window->menus().action("mnuPopupFolderRename")->trigger();
-        QVERIFY(editorOf(h.window->list()));
-        QTest::keyClick(editorOf(h.window->list()), Qt::Key_Escape);
-        settle(h);
-        // From the tree: the tree's label.
-        h.setSource(ContextSource::Tree);
-        h.window->menus().action("mnuPopupDrawerRename")->trigger();
-        QVERIFY(editorOf(h.tree()));
-        QCOMPARE(editorOf(h.tree())->text(), QStringLiteral("Bank"));
-        QTest::keyClick(editorOf(h.tree()), Qt::Key_Escape);
-        settle(h);
-        QVERIFY(!h.navigator().rename().isEditing());
     }
 };
 

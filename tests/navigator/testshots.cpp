@@ -1,31 +1,15 @@
-#include <QApplication>
-#include <QDir>
-#include <QFileInfo>
 #include <QIcon>
-#include <QImage>
-#include <QMenu>
-#include <QPainter>
 #include <QTabWidget>
-#include <QTest>
-#include <QTimer>
 #include <QToolButton>
-#include <functional>
 
-#include "core/textfile.h"
 #include "dialogs/itemdialog.h"
 #include "dialogs/pagepropertiesdialog.h"
 #include "dialogs/passworddialog.h"
-#include "filing/thumbnailcache.h"
 #include "navharness.h"
-#include "navigator/navigator.h"
-#include "navigator/pagepane.h"
-#include "store/pagepaths.h"
-#include "templates/outlinefile.h"
 #include "templates/samplecabinets.h"
 #include "templates/sampledialog.h"
 #include "templates/templateeditor.h"
 #include "tests/support/shots.h"
-#include "tests/support/testrunner.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -60,12 +44,13 @@ private slots:
             }
         });
         h.window->resize(1000, 640);
-        h.click("ROOT");
-        saveShot(h.window.get(), "navigator-root");
-        h.clickPath({"CAB1", "DRW1"});
-        saveShot(h.window.get(), "navigator-drawer");
-        h.clickPath({"FLD1", "DOC1"});
-        saveShot(h.window.get(), "navigator-document");
+        const auto at = [&h](const QStringList& clicks, const char* name) {
+            h.clickPath(clicks);
+            saveShot(h.window.get(), name);
+        };
+        at({"ROOT"}, "navigator-root");
+        at({"CAB1", "DRW1"}, "navigator-drawer");
+        at({"FLD1", "DOC1"}, "navigator-document");
         h.tree()->expandAll();
         saveShot(h.window.get(), "navigator-expanded");
         QMenu* bar = h.window->menus().menu("mnuPopupDocument");
@@ -98,27 +83,25 @@ private slots:
                 {QFileInfo(PagePaths(h.home.home()).computedPagePath(id)).size(), id});
         }
         QVERIFY(h.home.writeFile("invoice.pdf", "%PDF-1.4"));
-        const qint32 shortcut = store.pageRow(doc, 15);
-        store.db().execute("UPDATE Page SET ShortcutYN = 'Y', Filename = ? WHERE PageId = ?",
-                           {h.home.file("invoice.pdf"), shortcut});
+        shortcutPage(store, doc, 15, h.home.file("invoice.pdf"));
         h.home.settings().set(keys::DisplayCount, "16");
         h.load();
         h.window->resize(1000, 640);
-        h.clickPath({"CAB1", "DRW1", "FLD1"});
-        saveShot(h.window.get(), "navigator-container-list");
+        const auto at = [&h](const QStringList& clicks, const char* name) {
+            h.clickPath(clicks);
+            saveShot(h.window.get(), name);
+        };
+        at({"CAB1", "DRW1", "FLD1"}, "navigator-container-list");
         h.click(QString("DOC%1").arg(doc));
-        QVERIFY(QTest::qWaitFor(
-            [&] { return h.window->pageList()->thumbnails().outstanding() == 0; }, 10000));
-        QTest::qWait(50);
+        QVERIFY(thumbnailsDone(h));
+        QCoreApplication::processEvents();
         saveShot(h.window.get(), "pane-thumbnails");
         h.window->findChild<QToolButton*>("imgList")->click();
         saveShot(h.window.get(), "pane-list");
         h.window->findChild<QToolButton*>("imgThumbnail")->click();
         // Empty places say how they fill.
-        h.click("DOC2");
-        saveShot(h.window.get(), "pane-empty-document");
-        h.clickPath({"CAB1", "DRW1", "FLD2"});
-        saveShot(h.window.get(), "navigator-empty-folder");
+        at({"DOC2"}, "pane-empty-document");
+        at({"CAB1", "DRW1", "FLD2"}, "navigator-empty-folder");
     }
 
     void itemDialogs()
@@ -175,6 +158,8 @@ private slots:
         samples.ensureFile();
         SampleDialog sample(samples, h.prompter, h.choosers);
         shoot(sample, "dialog-sample-cabinet");
+        PasswordDialog password;
+        shoot(password, "dialog-password");
     }
 
     void popupMenus()
@@ -187,14 +172,7 @@ private slots:
         SampleWindow h;
         // Each menu is drawn once it is up, then closed.
         auto shoot = [](const QString& name, const std::function<void()>& open) {
-            QTimer::singleShot(100, [name] {
-                if (auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget())) {
-                    saveShot(menu, name);
-                    menu->close();
-                }
-            });
-            open();
-            QTest::qWait(200);
+            withPopup(open, [name](QMenu* menu) { saveShot(menu, name); });
         };
         h.clickPath({"CAB1", "DRW1"});
         h.window->list()->setCurrentRow(0);
@@ -216,12 +194,6 @@ private slots:
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QIcon::setThemeName(theme);
         QIcon::setThemeSearchPaths(paths);
-    }
-
-    void passwordDialog()
-    {
-        PasswordDialog dialog;
-        shoot(dialog, "dialog-password");
     }
 };
 
