@@ -63,7 +63,6 @@ public:
     }
     void step(const QString&) override
     {
-        ++steps;
         if (--m_left <= 0)
             m_stopped = true;
     }
@@ -77,7 +76,6 @@ public:
 
     QStringList titles;
     int maximum = 0;
-    int steps = 0;
     int ends = 0;
     bool cancelShown = false;
 

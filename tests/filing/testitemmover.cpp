@@ -1,12 +1,15 @@
 #include <QTest>
 
+#include "filing/cabinetopener.h"
+#include "filing/moverules.h"
 #include "movefixture.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::MoveBench;
+using namespace qmr::test;
 
 Q_DECLARE_METATYPE(qmr::DropSource)
 
@@ -20,6 +23,15 @@ QString parentKeyOf(Session& session, const NodeKey& key)
     return parent < 0 ? QString() : NodeKey::of(*parentLevel(level), parent).text();
 }
 
+qint32 cabinet(MoveBench& b, const QString& name, const QString& password = QString())
+{
+    return FixtureStore(b.home.home()).cabinet(name, password);
+}
+bool openCabinet(MoveBench& b, qint32 id)
+{
+    return CabinetOpener::openCabinet(*b.context, id);
+}
+
 QStringList split(const char* list)
 {
     return QString(list).split(',', Qt::SkipEmptyParts);
@@ -27,6 +39,7 @@ QStringList split(const char* list)
 
 } // namespace
 
+// Moves of items and pages, the rules they follow, and the passwords of cabinets.
 class TestItemMover : public QObject
 {
     Q_OBJECT
@@ -37,14 +50,12 @@ private slots:
     // (drawer 3, folder 4).
     void eachMove_data()
     {
-        QTest::addColumn<DropSource>("source");
-        QTest::addColumn<QStringList>("move"); // the item, the target, its parent after
-        QTest::addColumn<QStringList>("view");
-        QTest::addColumn<QStringList>("navigator");
+        // `move`: the item, the target, its parent after.
+        columns<DropSource, QStringList, QStringList, QStringList>(
+            {"source", "move", "view", "navigator"});
         const auto row = [](const char* name, DropSource source, const char* move, const char* view,
                             const char* navigator = "") {
-            QTest::newRow(name) << source << QString(move).split(' ') << split(view)
-                                << split(navigator);
+            test::row(name, source, QString(move).split(' '), split(view), split(navigator));
         };
         const auto tree = DropSource::Tree;
         const auto list = DropSource::PageList;
@@ -95,18 +106,17 @@ private slots:
 
     void movedPageGoesAfterTheHighestNumber_data()
     {
-        QTest::addColumn<QVariantList>("numbers"); // the target document's pages
-        QTest::addColumn<int>("expected");
-        QTest::newRow("empty document") << QVariantList() << 1;
-        QTest::newRow("numbers with a gap") << QVariantList{1, 7, 3} << 8;
-        QTest::newRow("only shortcuts numbered 0") << QVariantList{0, 0} << 1;
-        QTest::newRow("a page without a number") << QVariantList{QVariant(), 2} << 3;
+        columns<QVariantList, int>({"numbers", "expected"}); // the target document's pages
+        row("empty document", QVariantList(), 1);
+        row("numbers with a gap", QVariantList{1, 7, 3}, 8);
+        row("only shortcuts numbered 0", QVariantList{0, 0}, 1);
+        row("a page without a number", QVariantList{QVariant(), 2}, 3);
     }
     void movedPageGoesAfterTheHighestNumber()
     {
         QFETCH(QVariantList, numbers);
         MoveBench b;
-        test::FixtureStore fixture(b.home.home());
+        FixtureStore fixture(b.home.home());
         for (const QVariant& n : numbers)
             fixture.pageRow(2, n); // document 2 has no pages in the sample
         fixture.close();
@@ -118,11 +128,10 @@ private slots:
 
     void drawerMoveAsksThePasswordFirst_data()
     {
-        QTest::addColumn<QVariant>("typed"); // null: Cancel
-        QTest::addColumn<QStringList>("messages");
-        QTest::newRow("cancelled") << QVariant() << QStringList();
-        QTest::newRow("wrong") << QVariant("Secret") << QStringList{"Access Denied"};
-        QTest::newRow("right") << QVariant("secret") << QStringList();
+        columns<QVariant, QStringList>({"typed", "messages"}); // typed null: Cancel
+        row("cancelled", QVariant(), QStringList());
+        row("wrong", QVariant("Secret"), QStringList{"Access Denied"});
+        row("right", QVariant("secret"), QStringList());
     }
     void drawerMoveAsksThePasswordFirst()
     {
@@ -169,6 +178,86 @@ private slots:
         QVERIFY(!b.mover->movePage(99, 1, DropSource::PageList));
         QCOMPARE(b.moves.calls, told);
         QVERIFY(b.notices.pages.isEmpty());
+    }
+    // "KEY": can the item be dragged; "SOURCE>TARGET": can it be dropped there.
+    void rules_data()
+    {
+        columns<QString, bool>({"rule", "can"});
+        const auto rows = [](std::initializer_list<const char*> rules, bool can) {
+            for (const char* rule : rules)
+                row(*rule ? rule : "nothing", QString(rule), can);
+        };
+        rows({"DRW3", "FLD12", "DOC1", "PAG7"}, true);
+        // A cabinet never moves; found items, the roots, nothing and "drw" in lower case.
+        rows({"CAB1", "ROOT", "ROOTFOUND", "FCB1", "FDW2", "FFD3", "FDC4", "", "drw3"}, false);
+        // One level up, and a page also on a folder; "PAG" is a file from outside.
+        rows({"DRW3>CAB12", "FLD3>DRW1", "DOC3>FLD1", "PAG3>DOC1", "PAG3>FLD1", "PAG>DOC1",
+              "PAG>FLD1"},
+             true);
+        // Everything else is refused.
+        rows({"PAG>DRW1", "PAG>CAB1", "PAG>ROOT", "DRW3>DRW1", "DRW3>ROOT", "FLD3>CAB1",
+              "FLD3>FLD1", "DOC3>DRW1", "DOC3>DOC1", "PAG3>PAG1", "PAG3>DRW1", "CAB1>ROOT",
+              "DRW3>FCB1", "PAG3>FDC1", "FDW3>CAB1", "FDC3>FLD1", "DRW3>"},
+             false);
+    }
+    void rules()
+    {
+        QFETCH(QString, rule);
+        const QStringList st = rule.split('>');
+        QTEST(st.size() == 1 ? MoveRules::canDrag(rule) : MoveRules::canDrop(st.at(0), st.at(1)),
+              "can");
+    }
+
+    void cabinetPasswords_data()
+    {
+        // `password` empty: NULL in the store; `typed` invalid: cancelled.
+        columns<QString, QVariant, bool, bool>({"password", "typed", "opens", "denied"});
+        row("right", QString("Secret"), QVariant("Secret"), true, false);
+        row("wrong case", QString("Secret"), QVariant("secret"), false, true);
+        row("empty", QString("Secret"), QVariant(""), false, true);
+        row("cancel", QString("Secret"), QVariant(), false, false);
+        row("no password opens without asking", QString(), QVariant(), true, false);
+    }
+    void cabinetPasswords()
+    {
+        QFETCH(QString, password);
+        QFETCH(QVariant, typed);
+        QFETCH(bool, opens);
+        QFETCH(bool, denied);
+        MoveBench b;
+        const qint32 id = cabinet(b, "Locked", password);
+        if (password.isEmpty())
+            b.session->db().execute("UPDATE Cabinet SET Password = NULL WHERE CabinetId = ?", {id});
+        QCOMPARE(b.session->locks().isCabinetOpen(id), password.isEmpty());
+        b.choosers.queuePassword(typed.isValid() ? std::optional<QString>(typed.toString())
+                                                 : std::nullopt);
+        if (denied)
+            b.prompter.expect("Access Denied");
+        QCOMPARE(openCabinet(b, id), opens);
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
+        QCOMPARE(b.session->locks().isCabinetOpen(id), opens);
+        QCOMPARE(b.navigator.calls, opens ? QStringList{QString("OPEN%1").arg(id)} : QStringList{});
+        if (opens) {
+            // Once open, no second question and no second rebuild.
+            QVERIFY(openCabinet(b, id));
+            QCOMPARE(b.choosers.passwordAsks(), password.isEmpty() ? 0 : 1);
+            QCOMPARE(b.navigator.calls.size(), 1);
+        }
+    }
+
+    void fullListAsksAgain()
+    {
+        MoveBench b;
+        QVERIFY(b.session->locks().isCabinetOpen(4242)); // no row, no password
+        for (int i = 0; i < CabinetLock::kSlots; ++i)
+            QVERIFY(openCabinet(b, cabinet(b, QString("C%1").arg(i))));
+        const qint32 last = cabinet(b, "Last", "pw");
+        b.choosers.queuePassword(QStringLiteral("pw"));
+        QVERIFY(openCabinet(b, last));
+        QVERIFY(!b.session->locks().isCabinetOpen(last));
+        b.choosers.queuePassword(QStringLiteral("pw"));
+        QVERIFY(openCabinet(b, last));
+        QCOMPARE(b.choosers.passwordAsks(), 2);
     }
 };
 

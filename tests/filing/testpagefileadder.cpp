@@ -1,18 +1,27 @@
+#include <QClipboard>
 #include <QCryptographicHash>
 #include <QFileInfo>
+#include <QGuiApplication>
 #include <QImageReader>
+#include <QMimeData>
 #include <QSignalSpy>
 #include <QTest>
+#include <QUrl>
 
+#include "core/commandtarget.h"
+#include "filing/clipboardfiles.h"
+#include "filing/pageclipboard.h"
 #include "movefixture.h"
 #include "filing/filedrop.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
+#include "tests/support/datarow.h"
+#include "tests/support/settargetview.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::MoveBench;
+using namespace qmr::test;
 
 namespace {
 
@@ -35,53 +44,56 @@ qint32 blockNextPageFile(MoveBench& b)
     return QDir().mkpath(b.pagePath(id)) ? id : 0;
 }
 
+// The sample store with a clipboard on it, whose page list and tree a test sets.
+struct ClipBench : MoveBench
+{
+    explicit ClipBench(Progress* progress = nullptr)
+        : MoveBench(progress), target(state.selection(), stub)
+    {
+        context->target = &target;
+        clipboard = std::make_unique<PageClipboard>(*context);
+        QGuiApplication::clipboard()->clear();
+    }
+    SetTargetView stub;
+    CommandTarget target;
+    std::unique_ptr<PageClipboard> clipboard;
+    // Where pages stand: "document:number" each.
+    QStringList places(std::initializer_list<qint32> ids) const
+    {
+        QStringList out;
+        for (const qint32 id : ids)
+            out << QString("%1:%2").arg(page(id).documentId).arg(page(id).pageNumber);
+        return out;
+    }
+};
+
 } // namespace
 
-class TestPageFileAdder : public QObject
+// Files that become pages, from a drop or the clipboard, and pages that go to the clipboard.
+class TestPageFiles : public QObject
 {
     Q_OBJECT
 private slots:
-    void fileKinds_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("shortcut");
-        QTest::addColumn<QString>("type");
-        QTest::newRow("jpg") << "/scans/a.jpg" << false << "jpg";
-        QTest::newRow("JPEG in capitals") << "/scans/A.JPEG" << false << "jpg";
-        QTest::newRow("bmp") << "/scans/a.Bmp" << false << "bmp";
-        QTest::newRow("tif") << "/scans/a.tif" << true << "tif";
-        QTest::newRow("tiff keeps its last three") << "/scans/a.tiff" << true << "iff";
-        QTest::newRow("pdf") << "/docs/contract.pdf" << true << "pdf";
-        QTest::newRow("no extension") << "/docs/README" << true << "dme";
-        QTest::newRow("a jpg that lost its dot") << "/scans/scanjpg" << false << "jpg";
-    }
-    void fileKinds()
-    {
-        QFETCH(QString, name);
-        QFETCH(bool, shortcut);
-        QFETCH(QString, type);
-        QCOMPARE(PageFileAdder::isShortcutFile(name), shortcut);
-        QCOMPARE(PageFileAdder::fileType(name), type);
-        // Every name passes the loops' gate.
-        QVERIFY(PageFileAdder::isImportableFile(name));
-    }
-
+    // Every name passes the loops' gate; the type is the name's last three letters.
     void aFileBecomesAPage_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("format"); // "" for bytes that are no picture
-        QTest::addColumn<bool>("shortcut");
-        QTest::addColumn<QString>("type");
-        QTest::newRow("JPEG with an apostrophe")
-            << "Bob's scan.jpg" << QByteArray("JPG") << false << "jpg";
-        QTest::newRow("JPEG with quotes and percent")
-            << "the \"best\" 100% scan.jpeg" << QByteArray("JPG") << false << "jpg";
-        QTest::newRow("BMP, copied byte for byte")
-            << "plain.bmp" << QByteArray("BMP") << false << "bmp";
-        QTest::newRow("TIFF stays where it is as a shortcut")
-            << "drawing.tif" << QByteArray() << true << "tif";
-        QTest::newRow("shortcut with hostile name")
-            << "50% off; 'it''s' \"ok\".pdf" << QByteArray() << true << "pdf";
+        // `format`: "" for bytes that are no picture.
+        columns<QString, QByteArray, bool, QString>({"name", "format", "shortcut", "type"});
+        row("JPEG with an apostrophe", QString("Bob's scan.jpg"), QByteArray("JPG"), false,
+            QString("jpg"));
+        row("JPEG in capitals, with quotes and percent", QString("the \"best\" 100% scan.JPEG"),
+            QByteArray("JPG"), false, QString("jpg"));
+        row("a jpg that lost its dot", QString("scanjpg"), QByteArray("JPG"), false,
+            QString("jpg"));
+        row("BMP, copied byte for byte", QString("plain.Bmp"), QByteArray("BMP"), false,
+            QString("bmp"));
+        row("TIFF stays where it is as a shortcut", QString("drawing.tif"), QByteArray(), true,
+            QString("tif"));
+        row("tiff keeps its last three", QString("drawing.tiff"), QByteArray(), true,
+            QString("iff"));
+        row("no extension", QString("README"), QByteArray(), true, QString("dme"));
+        row("shortcut with hostile name", QString("50% off; 'it''s' \"ok\".pdf"), QByteArray(),
+            true, QString("pdf"));
     }
     void aFileBecomesAPage()
     {
@@ -89,6 +101,9 @@ private slots:
         QFETCH(QByteArray, format);
         QFETCH(bool, shortcut);
         QFETCH(QString, type);
+        QCOMPARE(PageFileAdder::isShortcutFile(name), shortcut);
+        QCOMPARE(PageFileAdder::fileType(name), type);
+        QVERIFY(PageFileAdder::isImportableFile(name));
         MoveBench b;
         const QString source = format.isEmpty()
                                    ? b.write(name, QByteArray("%PDF-1.4 not a picture\n"))
@@ -169,11 +184,11 @@ private slots:
 
     void aCopyThatFailsLeavesNoPage_data()
     {
-        QTest::addColumn<bool>("nextGroup");
-        QTest::newRow("alone") << false;
+        columns<bool>({"nextGroup"});
+        row("alone", false);
         // The failed copy reports while the next group of rows is open, and that group rolls
         // back: the failed row goes all the same, and is not brought back with the group.
-        QTest::newRow("while the next group rolls back") << true;
+        row("while the next group rolls back", true);
     }
     void aCopyThatFailsLeavesNoPage()
     {
@@ -214,9 +229,9 @@ private slots:
 
     void heldDeliveriesWaitForTheCommit_data()
     {
-        QTest::addColumn<bool>("committed");
-        QTest::newRow("committed") << true;
-        QTest::newRow("rolled back") << false;
+        columns<bool>({"committed"});
+        row("committed", true);
+        row("rolled back", false);
     }
     void heldDeliveriesWaitForTheCommit()
     {
@@ -267,34 +282,53 @@ private slots:
         }
     }
 
-    void aLargeDropCommitsInGroups()
+    void dropIntoADocument_data()
     {
-        MoveBench b;
-        QStringList files;
-        // Groups of 4 and 8, then 3 of a group of 16.
-        const int count = 3 * FileDrop::kFirstGroupRows + 3;
-        for (int i = 0; i < count; ++i)
-            files << b.image(QStringLiteral("scan %1.jpg").arg(i), QSize(60, 80));
-        // Nothing lost at the groups' edges.
+        // `cancelAfter`: the steps before Cancel is pressed, 0 for none.
+        columns<int, QSize, int, int>({"files", "size", "cancelAfter", "added"});
+        // Groups of 4 and 8, then 3 of a group of 16: nothing lost at the groups' edges.
+        const int large = 3 * FileDrop::kFirstGroupRows + 3;
+        row("a large drop commits in groups", large, QSize(60, 80), 0, large);
+        // What was added before the Cancel is whole: its files are in place.
+        row("cancel keeps what was added", 5, QSize(600, 800), 2, 2);
+    }
+    void dropIntoADocument()
+    {
+        QFETCH(int, files);
+        QFETCH(QSize, size);
+        QFETCH(int, cancelAfter);
+        QFETCH(int, added);
+        CancellingProgress progress(cancelAfter ? cancelAfter : 1 << 30);
+        MoveBench b(&progress);
+        QStringList paths;
+        for (int i = 0; i < files; ++i)
+            paths << b.image(QString("scan %1.jpg").arg(i), size);
         const int before = b.session->pages().count(3);
         QSignalSpy coming(b.files.get(), &PageFileAdder::thumbnailComing);
         QSignalSpy done(b.files.get(), &PageFileAdder::thumbnailDone);
 
-        FileDrop(*b.context, *b.files).dropFiles(files, NodeKey::parse("DOC3"), *b.mover);
+        FileDrop(*b.context, *b.files).dropFiles(paths, NodeKey::parse("DOC3"), *b.mover);
 
+        QCOMPARE(progress.titles, QStringList{"Pasting files"});
+        QCOMPARE(progress.maximum, files);
+        QVERIFY(progress.cancelShown);
+        QCOMPARE(progress.ends, 1);
         const QVector<PageRow> rows = b.session->pages().pages(3);
-        QCOMPARE(rows.size(), before + count);
-        for (int i = 0; i < count; ++i) {
+        QCOMPARE(rows.size(), before + added);
+        for (int i = 0; i < added; ++i) {
             QCOMPARE(rows.at(before + i).pageNumber, rows.at(before).pageNumber + i);
-            QCOMPARE(digest(b.pagePath(rows.at(before + i).id)), digest(files.at(i)));
+            QCOMPARE(digest(b.pagePath(rows.at(before + i).id)), digest(paths.at(i)));
         }
-        QCOMPARE(b.notices.pages.size(), count);
+        QCOMPARE(b.notices.pages.size(), added);
         // Each thumbnail announced before it is made and handed over when it is.
-        QCOMPARE(coming.size(), count);
-        QCOMPARE(done.size(), count);
-        for (const QList<QVariant>& signal : done)
-            QCOMPARE(signal.at(1).value<QImage>().size(), QSize(100, 100));
+        if (!cancelAfter) {
+            QCOMPARE(coming.size(), added);
+            QCOMPARE(done.size(), added);
+            for (const QList<QVariant>& signal : done)
+                QCOMPARE(signal.at(1).value<QImage>().size(), QSize(100, 100));
+        }
         QCOMPARE(b.session->db().transactionDepth(), 0);
+        QVERIFY(b.prompter.seen().isEmpty());
     }
 
     void threeFilesOnAFolderMakeOneDocument()
@@ -335,29 +369,127 @@ private slots:
         QVERIFY(b.moves.calls.isEmpty());
     }
 
-    void cancelKeepsWhatWasAdded()
+    void copiedFilesReadBack_data()
     {
-        test::CancellingProgress progress(2);
-        MoveBench b(&progress);
-        QStringList files;
-        for (int i = 0; i < 5; ++i)
-            files << b.image(QStringLiteral("scan %1.jpg").arg(i), QSize(600, 800));
-        const int before = b.session->pages().count(3);
+        columns<QStringList>({"files"});
+        row("one", QStringList{"/home/ann/Pages/0000000/7.jpg"});
+        row("hostile names", QStringList{"/tmp/Bob's scan.jpg", "/tmp/the \"best\" 100%.bmp",
+                                         "/tmp/semi;colon #hash?.tif", "/tmp/ümlaut ß.pdf"});
+    }
+    void copiedFilesReadBack()
+    {
+        QFETCH(QStringList, files);
+        std::unique_ptr<QMimeData> data(ClipboardFiles::mimeDataFor(files));
+        QVERIFY(data->hasFormat(QStringLiteral("text/uri-list")));
+        QCOMPARE(ClipboardFiles::filesOf(data.get()), files);
+        // A file manager's paste reads the second format: "copy", then one address a line.
+        const QList<QByteArray> lines =
+            data->data(QStringLiteral("x-special/gnome-copied-files")).split('\n');
+        QCOMPARE(lines.first(), QByteArray("copy"));
+        QCOMPARE(lines.size(), files.size() + 1);
+        for (int i = 0; i < files.size(); ++i)
+            QCOMPARE(QUrl::fromEncoded(lines.at(i + 1)).toLocalFile(), files.at(i));
+        // Data with only that format reads the same.
+        QMimeData copiedOnly;
+        copiedOnly.setData(QStringLiteral("x-special/gnome-copied-files"),
+                           data->data(QStringLiteral("x-special/gnome-copied-files")));
+        QCOMPARE(ClipboardFiles::filesOf(&copiedOnly), files);
+    }
 
-        FileDrop(*b.context, *b.files).dropFiles(files, NodeKey::parse("DOC3"), *b.mover);
+    void addressesThatAreNoLocalFilesAreLeftOut()
+    {
+        QMimeData data;
+        data.setUrls({QUrl(QStringLiteral("https://example.org/a.jpg")),
+                      QUrl::fromLocalFile(QStringLiteral("/tmp/b.jpg"))});
+        QCOMPARE(ClipboardFiles::filesOf(&data), QStringList{"/tmp/b.jpg"});
+        QMimeData text;
+        text.setText(QStringLiteral("/tmp/c.jpg"));
+        QVERIFY(ClipboardFiles::filesOf(&text).isEmpty());
+    }
 
-        QCOMPARE(progress.titles, QStringList{"Pasting files"});
-        QCOMPARE(progress.maximum, 5);
-        QVERIFY(progress.cancelShown);
-        QCOMPARE(progress.ends, 1);
+    void copyPutsThePageFilesOnTheClipboard()
+    {
+        ClipBench b;
+        const QString outside = b.write(QStringLiteral("O'Neil's 50%.pdf"), "pdf");
+        b.files->begin();
+        const qint32 shortcut = b.files->addPageFromFile(outside, 1);
+        b.stub.pages = {2, shortcut, 1};
+        b.clipboard->copySelectedPages();
+        const QMimeData* data = QGuiApplication::clipboard()->mimeData();
+        QVERIFY(data && data->hasFormat("text/uri-list"));
+        QVERIFY(data->hasFormat("x-special/gnome-copied-files"));
+        // In the list's order; a shortcut gives its own file.
+        QCOMPARE(ClipboardFiles::getClipboardFiles(),
+                 (QStringList{b.pagePath(2), outside, b.pagePath(1)}));
+        QVERIFY(b.clipboard->canPaste());
+    }
+
+    void cutThenCopyForgetsTheCut()
+    {
+        ClipBench b;
+        b.stub.pages = {1};
+        b.clipboard->cut();
+        QCOMPARE(b.state.clipPages().ids, QVector<qint32>{1});
+        b.stub.pages = {2};
+        b.clipboard->copySelectedPages();
+        QVERIFY(b.state.clipPages().isEmpty());
+        // The paste takes the copied file; what was cut stays where it is.
+        b.stub.tree = NodeKey::parse("DOC3");
+        b.clipboard->pasteIntoDocument();
+        QCOMPARE(b.places({1, 2}), (QStringList{"1:1", "1:2"}));
         const QVector<PageRow> rows = b.session->pages().pages(3);
-        QCOMPARE(rows.size(), before + 2);
-        // What was added is whole: both files are in place.
-        for (int i = 0; i < 2; ++i)
-            QCOMPARE(digest(b.pagePath(rows.at(before + i).id)), digest(files.at(i)));
+        QCOMPARE(rows.size(), 2);
+        QCOMPARE(rows.last().pageNumber, 2);
+        QVERIFY(QFile::exists(b.pagePath(rows.last().id)));
+    }
+
+    void cutWinsOverFilesOnTheClipboard()
+    {
+        ClipBench b;
+        ClipboardFiles::setClipboardFiles({b.image(QStringLiteral("outside.jpg"))});
+        b.stub.pages = {2, 1};
+        b.clipboard->cut();
+        // Cut pages stay in their document until the paste.
+        QCOMPARE(b.places({1, 2}), (QStringList{"1:1", "1:2"}));
+        b.stub.tree = NodeKey::parse("DOC3");
+        b.clipboard->pasteIntoDocument();
+        // Both moved, keeping their numbers: document 3 has two pages numbered 1 now.
+        QCOMPARE(b.places({1, 2, 3}), (QStringList{"3:1", "3:2", "3:1"}));
+        QCOMPARE(b.session->pages().count(3), 3);
+        QCOMPARE(b.notices.pages, (QVector<qint32>{2, 1}));
+        QCOMPARE(b.navigator.calls, QStringList{"SHOWDOC3"});
+        QVERIFY(b.state.clipPages().isEmpty());
+        // The next paste takes the files.
+        b.clipboard->pasteIntoDocument();
+        QCOMPARE(b.session->pages().count(3), 4);
+    }
+
+    void pasteWithNothingDoesNothing_data()
+    {
+        columns<QString, bool>({"tree", "cut"});
+        row("nothing on either clipboard", QString("DOC3"), false);
+        row("a folder selected", QString("FLD1"), true);
+        row("a found document selected", QString("FDC3"), true);
+    }
+    void pasteWithNothingDoesNothing()
+    {
+        QFETCH(QString, tree);
+        QFETCH(bool, cut);
+        CancellingProgress progress(1000);
+        ClipBench b(&progress);
+        if (cut) {
+            b.stub.pages = {1};
+            b.clipboard->cut();
+        }
+        QCOMPARE(b.clipboard->canPaste(), cut);
+        b.stub.tree = NodeKey::parse(tree);
+        b.clipboard->pasteIntoDocument();
+        QVERIFY(progress.titles.isEmpty());
+        QVERIFY(b.navigator.calls.isEmpty());
         QVERIFY(b.prompter.seen().isEmpty());
+        QCOMPARE(b.page(1).documentId, 1);
     }
 };
 
-QMR_TEST(TestPageFileAdder)
+QMR_TEST(TestPageFiles)
 #include "testpagefileadder.moc"

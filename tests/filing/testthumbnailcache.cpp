@@ -1,12 +1,21 @@
+#include <QBuffer>
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QImage>
+#include <QImageReader>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
 
+#include "filing/pageentry.h"
+#include "filing/pagepaging.h"
 #include "filing/thumbnailcache.h"
+#include "filing/thumbnailmaker.h"
+#include "store/pagepaths.h"
+#include "store/pagestore.h"
+#include "tests/support/bigpictures.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testpdfs.h"
 #include "tests/support/testrunner.h"
@@ -62,35 +71,50 @@ struct CacheBench
 
 } // namespace
 
-class TestThumbnailCache : public QObject
+// The page pane's parts: thumbnails made as tiles, their cache, the blocks of pages and the
+// texts of their entries.
+class TestPageTiles : public QObject
 {
     Q_OBJECT
 private slots:
+    // A block's missing thumbnails are made off the GUI thread; a page that cannot be made
+    // (gone, with a thumbnail that cannot be read, or no picture) leaves the rest of the block.
     void missingThumbnailsAreMadeOnFirstRequest()
     {
         CacheBench b;
         const auto landscape = b.page(1, QSize(400, 200));
-        const auto portrait = b.page(2, QSize(200, 400));
-        // Nothing is at hand: both come later, made off the GUI thread.
-        QVERIFY(b.cache.request({landscape, portrait}).isEmpty());
-        QCOMPARE(b.cache.outstanding(), 2);
+        const auto portrait = b.page(3, QSize(200, 400));
+        const auto garbage = b.page(4, QSize(10, 10));
+        QVERIFY(writeBytes(garbage.pagePath, "not a picture"));
+        const ThumbnailCache::Request gone{2, b.dir.filePath("Pages/2.jpg"),
+                                           b.dir.filePath("Thumbs/2.jpg")};
+        QDir().mkpath(b.dir.filePath("Thumbs"));
+        QVERIFY(writeBytes(gone.thumbPath, "half a file"));
+        // Nothing is at hand: all come later.
+        QVERIFY(b.cache.request({landscape, gone, portrait, garbage}).isEmpty());
+        QCOMPARE(b.cache.outstanding(), 4);
         QVERIFY(b.waitForBlock());
-        QCOMPARE(b.ready.size(), 2);
+        QCOMPARE(b.ready.size(), 4);
         QCOMPARE(b.done.size(), 1);
         const QHash<qint32, QImage> tiles = b.tiles();
-        for (const QImage& tile : tiles)
-            QCOMPARE(tile.size(), QSize(100, 100));
+        QCOMPARE(tiles.value(1).size(), QSize(100, 100));
+        QCOMPARE(tiles.value(3).size(), QSize(100, 100));
         // The page at the top left of a white tile: a wide page leaves the lower half white,
         // a tall one the right half.
         QVERIFY(!isWhite(tiles[1].pixel(2, 2)));
         QVERIFY(isWhite(tiles[1].pixel(50, 90)));
-        QVERIFY(!isWhite(tiles[2].pixel(2, 90)));
-        QVERIFY(isWhite(tiles[2].pixel(90, 50)));
+        QVERIFY(!isWhite(tiles[3].pixel(2, 90)));
+        QVERIFY(isWhite(tiles[3].pixel(90, 50)));
         // The thumbnails are on disk from now on, as 100 by 100 JPEG tiles.
         for (const auto& r : {landscape, portrait})
             QCOMPARE(QImage(r.thumbPath).size(), QSize(100, 100));
+        QVERIFY(tiles.contains(2) && tiles.value(2).isNull());
+        QVERIFY(tiles.contains(4) && tiles.value(4).isNull());
+        QVERIFY(!QFile::exists(gone.thumbPath));
+        QVERIFY(!QFile::exists(garbage.thumbPath));
     }
 
+    // A thumbnail on disk is served at once, and read again once it changes.
     void thumbnailsOnDiskComeAtOnce()
     {
         CacheBench b;
@@ -110,6 +134,17 @@ private slots:
         QVERIFY(qRed(tile.pixel(10, 50)) > 200 && qGreen(tile.pixel(10, 50)) < 60);
         QVERIFY(isWhite(tile.pixel(80, 50)));
         QCOMPARE(QFileInfo(page.thumbPath).lastModified(), written); // served, not made again
+        // The viewer saves the page again: a new thumbnail with a new time.
+        QImage green(100, 100, QImage::Format_RGB32);
+        green.fill(Qt::green);
+        QVERIFY(green.save(page.thumbPath, "JPG"));
+        QFile f(page.thumbPath);
+        QVERIFY(f.open(QIODevice::ReadWrite));
+        QVERIFY(f.setFileTime(QDateTime::currentDateTime().addSecs(60),
+                              QFileDevice::FileModificationTime));
+        f.close();
+        const QRgb now = b.cache.request({page}).value(1).pixel(50, 50);
+        QVERIFY(qGreen(now) > 200 && qRed(now) < 60);
     }
 
     void readsGoToThePoolWithoutABudget()
@@ -125,52 +160,6 @@ private slots:
         QCOMPARE(b.ready.size(), 2);
         // From memory, the second time, however small the budget.
         QCOMPARE(b.cache.request({page}).size(), 1);
-    }
-
-    void aChangedThumbnailIsReadAgain()
-    {
-        CacheBench b;
-        const auto page = b.page(1, QSize(300, 300));
-        QVERIFY(b.cache.request({page}).isEmpty());
-        QVERIFY(b.waitForBlock());
-        QVERIFY(!isWhite(b.cache.request({page}).value(1).pixel(50, 50)));
-        // The viewer saves the page again: a new thumbnail with a new time.
-        QImage green(100, 100, QImage::Format_RGB32);
-        green.fill(Qt::green);
-        QVERIFY(green.save(page.thumbPath, "JPG"));
-        QFile f(page.thumbPath);
-        QVERIFY(f.open(QIODevice::ReadWrite));
-        QVERIFY(f.setFileTime(QDateTime::currentDateTime().addSecs(60),
-                              QFileDevice::FileModificationTime));
-        f.close();
-        const QRgb now = b.cache.request({page}).value(1).pixel(50, 50);
-        QVERIFY(qGreen(now) > 200 && qRed(now) < 60);
-    }
-
-    void aPageThatCannotBeMadeLeavesTheRestOfTheBlock()
-    {
-        CacheBench b;
-        const auto good1 = b.page(1, QSize(200, 200));
-        const auto good2 = b.page(3, QSize(200, 200));
-        const auto garbage = b.page(4, QSize(10, 10));
-        QVERIFY(writeBytes(garbage.pagePath, "not a picture"));
-        // A thumbnail that cannot be read is made again; here from a page that has gone,
-        // which leaves none at all.
-        const ThumbnailCache::Request gone{2, b.dir.filePath("Pages/2.jpg"),
-                                           b.dir.filePath("Thumbs/2.jpg")};
-        QDir().mkpath(b.dir.filePath("Thumbs"));
-        QVERIFY(writeBytes(gone.thumbPath, "half a file"));
-
-        b.cache.request({good1, gone, good2, garbage});
-        QVERIFY(b.waitForBlock());
-        QCOMPARE(b.ready.size(), 4);
-        const QHash<qint32, QImage> tiles = b.tiles();
-        QVERIFY(!tiles.value(1).isNull());
-        QVERIFY(!tiles.value(3).isNull());
-        QVERIFY(tiles.contains(2) && tiles.value(2).isNull());
-        QVERIFY(tiles.contains(4) && tiles.value(4).isNull());
-        QVERIFY(!QFile::exists(gone.thumbPath));
-        QVERIFY(!QFile::exists(garbage.thumbPath));
     }
 
     void pagingAwayDropsWorkNoLongerShown()
@@ -216,9 +205,9 @@ private slots:
 
     void aThumbnailMadeElsewhereIsWaitedFor_data()
     {
-        QTest::addColumn<bool>("tileCame");
-        QTest::newRow("its maker hands the tile over") << true;
-        QTest::newRow("its maker made none") << false;
+        columns<bool>({"tileCame"});
+        row("its maker hands the tile over", true);
+        row("its maker made none", false);
     }
     void aThumbnailMadeElsewhereIsWaitedFor()
     {
@@ -330,7 +319,291 @@ private slots:
         QCOMPARE(b.cache.outstanding(), 0);
         QCOMPARE(b.done.size(), 1);
     }
+
+    // The tiles themselves, as the maker draws them.
+    void tile_data()
+    {
+        columns<QSize, QSize>({"page", "reduced"});
+        row("landscape", QSize(2000, 1000), QSize(100, 50));
+        row("square", QSize(500, 500), QSize(100, 100));
+        row("portrait letter", QSize(850, 1100), QSize(77, 100));
+        row("tiny", QSize(10, 20), QSize(50, 100));
+        row("a sliver", QSize(3000, 2), QSize(100, 1));
+    }
+    void tile()
+    {
+        QFETCH(QSize, page);
+        QFETCH(QSize, reduced);
+        QTemporaryDir dir;
+        QImage image(page, QImage::Format_RGB32);
+        image.fill(Qt::black);
+        const QString src = dir.filePath("page.jpg");
+        QVERIFY(image.save(src, "JPG"));
+        const QString dst = dir.filePath("Thumbs/0000000/1.jpg");
+        QVERIFY(ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
+        QImage thumb(dst);
+        QCOMPARE(thumb.size(), QSize(100, 100));
+        // The page sits in the top left corner; the rest of the tile stays white.
+        QVERIFY(qGray(thumb.pixel(0, 0)) < 40);
+        if (reduced.width() < 96)
+            QVERIFY(qGray(thumb.pixel(99, 0)) > 215);
+        if (reduced.height() < 96)
+            QVERIFY(qGray(thumb.pixel(0, 99)) > 215);
+        QCOMPARE(ThumbnailMaker::reducedSize(page), reduced);
+    }
+
+    void goneOrUnreadablePageLeavesNoThumbnail_data()
+    {
+        columns<QByteArray>({"content"}); // empty: no page file at all
+        row("gone", QByteArray());
+        row("not an image", QByteArray("this is no picture"));
+        row("JPEG too large to open", BigPictures::bomb());
+        row("PNG too large to open", BigPictures::pngStating(QSize(60000, 60000)));
+        row("BMP too tall to open", BigPictures::bmpStating(QSize(1, 200000)));
+    }
+    void goneOrUnreadablePageLeavesNoThumbnail()
+    {
+        QFETCH(QByteArray, content);
+        QTemporaryDir dir;
+        const QString src = dir.filePath("page.jpg");
+        if (!content.isEmpty())
+            QVERIFY(writeBytes(src, content));
+        const QString dst = dir.filePath("thumb.jpg");
+        QImage(10, 10, QImage::Format_RGB32).save(dst, "JPG"); // a stale one
+        QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
+        QVERIFY(!QFile::exists(dst));
+    }
+
+    // A thumbnail that cannot be put in place is made again when it is missed; the reason
+    // goes to the log, and nothing is left aside.
+    void oneThatCannotBePutInPlaceIsLogged()
+    {
+        QTemporaryDir dir;
+        QImage page(300, 200, QImage::Format_RGB32);
+        page.fill(Qt::gray);
+        const QString src = dir.filePath("page.jpg");
+        QVERIFY(page.save(src, "JPG"));
+        const QString dst = dir.filePath("Thumbs/1.jpg");
+        QVERIFY(QDir().mkpath(dst + "/in the way"));
+        QTest::ignoreMessage(QtWarningMsg,
+                             QRegularExpression("^No thumbnail written to .*/Thumbs/1\\.jpg: "));
+        QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
+        QCOMPARE(QDir(dir.filePath("Thumbs")).entryList(QDir::Files | QDir::Hidden).size(), 0);
+    }
+
+    void everyWayToTheSameTile_data()
+    {
+        columns<QString, QSize>({"format", "page"});
+        row("JPEG scan", QString("JPG"), QSize(1275, 1650));
+        row("BMP", QString("BMP"), QSize(300, 200));
+        // Larger than is read whole: the decoder reads the file itself.
+        row("BMP beyond the whole read", QString("BMP"), QSize(2400, 2400));
+    }
+    void everyWayToTheSameTile()
+    {
+        QFETCH(QString, format);
+        QFETCH(QSize, page);
+        QTemporaryDir dir;
+        // Left half dark, right half light: a reduction that loses its way shows.
+        QImage image(page, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        for (int y = 0; y < page.height(); ++y)
+            for (int x = 0; x < page.width() / 2; ++x)
+                image.setPixel(x, y, qRgb(20, 40, 90));
+        const QString src = dir.filePath("page." + format.toLower());
+        QVERIFY(image.save(src, qPrintable(format)));
+        QCOMPARE(QFileInfo(src).size() > ThumbnailMaker::kReadWhole,
+                 QByteArray(QTest::currentDataTag()).contains("beyond"));
+        QFile file(src);
+        QVERIFY(file.open(QIODevice::ReadOnly));
+        const QByteArray contents = file.readAll();
+
+        QImage fromFile;
+        QImage fromData;
+        QVERIFY(ThumbnailMaker::makeThumbnail(src, dir.filePath("a.jpg"), dir.path(), &fromFile));
+        QVERIFY(ThumbnailMaker::makeThumbnailFromData(contents, dir.filePath("b.jpg"), dir.path(),
+                                                      &fromData));
+        QCOMPARE(fromFile, fromData);
+        // The tile handed back is the one written.
+        QCOMPARE(QImage(dir.filePath("a.jpg")).size(), fromFile.size());
+        const QSize reduced = ThumbnailMaker::reducedSize(page);
+        QCOMPARE(ThumbnailMaker::reducedImage(src).size(), reduced);
+        QVERIFY(qGray(fromFile.pixel(reduced.width() / 4, reduced.height() / 2)) < 80);
+        QVERIFY(qGray(fromFile.pixel(reduced.width() * 3 / 4, reduced.height() / 2)) > 200);
+        // Contents that are no picture make nothing.
+        QVERIFY(!ThumbnailMaker::makeThumbnailFromData("not a picture", dir.filePath("c.jpg")));
+        QVERIFY(!QFile::exists(dir.filePath("c.jpg")));
+    }
+
+    // A photo whose camera notes that it was taken turned: its tile has the turned shape
+    // and the picture the right way up, not squeezed into the stored shape.
+    void turnedByItsCameraKeepsItsShape()
+    {
+        QTemporaryDir dir;
+        // Stored 400x200, left half dark; turned a quarter clockwise, the dark half is on top.
+        QImage image(400, 200, QImage::Format_RGB32);
+        image.fill(Qt::white);
+        for (int y = 0; y < 200; ++y)
+            for (int x = 0; x < 200; ++x)
+                image.setPixel(x, y, qRgb(20, 40, 90));
+        QBuffer plain;
+        plain.open(QIODevice::WriteOnly);
+        QVERIFY(image.save(&plain, "JPG"));
+        // An APP1 segment with one orientation entry (6: turn a quarter clockwise) after SOI.
+        const QByteArray exif = QByteArray::fromHex("FFE10022"
+                                                    "457869660000"
+                                                    "4D4D002A00000008"
+                                                    "0001"
+                                                    "011200030000000100060000"
+                                                    "00000000");
+        const QByteArray turned = plain.data().left(2) + exif + plain.data().mid(2);
+        const QString src = dir.filePath("photo.jpg");
+        QVERIFY(writeBytes(src, turned));
+        QCOMPARE(QImageReader(src).transformation(), QImageIOHandler::TransformationRotate90);
+
+        const QImage reduced = ThumbnailMaker::reducedImage(src);
+        QCOMPARE(reduced.size(), QSize(50, 100));
+        QVERIFY(qGray(reduced.pixel(25, 20)) < 80);
+        QVERIFY(qGray(reduced.pixel(25, 80)) > 200);
+    }
+
+    void qualityScale()
+    {
+        for (const auto& [stored, qt] :
+             {std::pair{10, 90}, {50, 50}, {0, 100}, {100, 1}, {-5, 100}})
+            QCOMPARE(qtJpegQuality(stored), qt);
+    }
+
+    // The block arithmetic of the page pane, driven as its buttons drive it.
+    void steps_data()
+    {
+        // `presses`: the buttons pressed, in order; `back`: First and Prev enabled; `forward`:
+        // Next and Last enabled.
+        columns<int, int, QString, int, int, QString, bool, bool>(
+            {"pages", "count", "presses", "first", "last", "status", "back", "forward"});
+        // Tagged by the presses, and the pages and block size where they are not 25 and 10.
+        const auto row = [](const char* presses, int first, int last, const char* status, bool back,
+                            bool forward, int pages = 25, int count = 10) {
+            QString tag = *presses ? presses : "start";
+            if (pages != 25 || count != 10)
+                tag += QString(" of %1 by %2").arg(pages).arg(count);
+            test::row(qPrintable(tag), pages, count, QString(presses), first, last, QString(status),
+                      back, forward);
+        };
+        row("", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("next", 11, 20, " Showing 10 images (page 2 of 3)", true, true);
+        row("next,next", 21, 25, " Showing 10 images (page 3 of 3)", true, false);
+        row("next,next,next", 21, 25, " Showing 10 images (page 3 of 3)", true, false);
+        // 2.5 blocks round to 2, and one more for the five left over.
+        row("last", 16, 25, " Showing 10 images (page 2 of 3)", true, false);
+        // The step back is one short of a block: the old first entry stays in view.
+        row("next,prev", 2, 11, " Showing 10 images (page 1 of 3)", true, true);
+        row("next,prev,prev", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("prev", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("last,first", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        row("last", 1, 4, " Showing 10 images (page 1 of 1)", false, false, 4);
+        // A block of one still steps back.
+        row("next,next,prev", 2, 2, " Showing 1 images (page 2 of 5)", true, true, 5, 1);
+        // Show More and Show Less keep the first entry and move the end, between 1 and 64.
+        row("next,more", 11, 21, " Showing 11 images (page 1 of 3)", true, true);
+        row("less", 1, 9, " Showing 9 images (page 1 of 3)", false, true);
+        row("less,less", 1, 1, " Showing 1 images (page 1 of 3)", false, true, 3, 1);
+        row("more", 1, 64, " Showing 64 images (page 1 of 2)", false, true, 100, 64);
+        // The count shown is the block size, not the entries in the block.
+        row("", 1, 3, " Showing 16 images (page 1 of 1)", false, false, 3, 16);
+        row("last", 11, 20, " Showing 10 images (page 2 of 2)", true, false, 20);
+        row("", 1, 0, "", false, false, 0, 16);
+        row("last", 1, 0, "", false, false, 0, 16);
+        // The blocks: 1.5 rounds to 2, 3.5 to 4, and 2.4 to 2, then one more for what is left.
+        row("", 1, 10, " Showing 10 images (page 1 of 2)", false, true, 15);
+        row("", 1, 10, " Showing 10 images (page 1 of 4)", false, true, 35);
+        row("", 1, 10, " Showing 10 images (page 1 of 3)", false, true, 24);
+        row("", 1, 10, " Showing 10 images (page 1 of 3)", false, true, 30);
+        row("", 1, 1, " Showing 64 images (page 1 of 1)", false, false, 1, 64);
+        row("", 1, 64, " Showing 64 images (page 1 of 8)", false, true, 500, 64);
+    }
+    void steps()
+    {
+        QFETCH(int, pages);
+        QFETCH(int, count);
+        QFETCH(QString, presses);
+        const QHash<QString, bool (PagePaging::*)()> buttons{
+            {"next", &PagePaging::next},     {"prev", &PagePaging::prev},
+            {"first", &PagePaging::first},   {"last", &PagePaging::last},
+            {"more", &PagePaging::showMore}, {"less", &PagePaging::showLess}};
+        PagePaging paging(count);
+        paging.load(pages);
+        for (const QString& press : presses.split(',', Qt::SkipEmptyParts)) {
+            QVERIFY2(buttons.contains(press), qPrintable(press));
+            (paging.*buttons.value(press))();
+        }
+        QTEST(paging.viewFirst(), "first");
+        QTEST(paging.viewLast(), "last");
+        QTEST(paging.statusText(), "status");
+        QTEST(paging.canGoBack(), "back");
+        QTEST(paging.canGoForward(), "forward");
+    }
+
+    void displayCountIsClamped_data()
+    {
+        columns<int, int>({"stored", "used"});
+        for (const auto& [stored, used] :
+             {std::pair{500, 64}, {65, 64}, {64, 64}, {1, 1}, {0, 1}, {-3, 1}})
+            row(qPrintable(QString::number(stored)), stored, used);
+    }
+    void displayCountIsClamped()
+    {
+        QFETCH(int, stored);
+        PagePaging paging(stored);
+        QTEST(paging.displayCount(), "used");
+        paging.setDisplayCount(stored);
+        QTEST(paging.displayCount(), "used");
+    }
+
+    void showEntryFindsItsBlock()
+    {
+        PagePaging paging(10);
+        paging.load(25);
+        paging.showEntry(23);
+        QCOMPARE(paging.viewFirst(), 21);
+        paging.showEntry(10);
+        QCOMPARE(paging.viewFirst(), 1);
+        paging.showEntry(26); // no such entry: nothing moves
+        QCOMPARE(paging.viewFirst(), 1);
+    }
+
+    void entryTexts_data()
+    {
+        // `texts`: thumbnail text, list text, sort key.
+        columns<int, QString, bool, QStringList>({"number", "stored", "shortcut", "texts"});
+        row("page", 3, QString(), false, QStringList{"Page 3", "3", "03"});
+        row("three digits", 100, QString(), false, QStringList{"Page 100", "100", "100"});
+        row("number 0, stored file", 0, QString("/scans/june.jpg"), false,
+            QStringList{"june.jpg", "0", "00"});
+        // The computed path stands in for an empty Filename, so its name shows.
+        row("number 0, computed", 0, QString(), false, QStringList{"7.jpg", "0", "00"});
+        row("shortcut", 4, QString("/home/me/letter.pdf"), true,
+            QStringList{"letter.pdf", "", "04"});
+        row("negative", -1, QString(), false, QStringList{"Page -1", "-1", "-01"});
+    }
+    void entryTexts()
+    {
+        QFETCH(int, number);
+        QFETCH(QString, stored);
+        QFETCH(bool, shortcut);
+        PageRow row;
+        row.id = 7;
+        row.pageNumber = number;
+        row.filename = stored;
+        row.shortcut = shortcut;
+        const PageEntry entry = PageEntry::fromRow(row, PagePaths(AppHome("/srv/qmr")));
+        QTEST((QStringList{entry.thumbnailText(), entry.listText(), entry.sortKey()}), "texts");
+        QCOMPARE(entry.filename,
+                 stored.isEmpty() ? QString("/srv/qmr/Pages/0000000/7.jpg") : stored);
+        // A shortcut has no thumbnail file; its tile is the icon of its type.
+        QCOMPARE(entry.thumbPath.isEmpty(), shortcut);
+    }
 };
 
-QMR_TEST(TestThumbnailCache)
+QMR_TEST(TestPageTiles)
 #include "testthumbnailcache.moc"

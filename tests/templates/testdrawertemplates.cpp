@@ -1,3 +1,4 @@
+#include <QFile>
 #include <QListWidget>
 #include <QPushButton>
 #include <QTest>
@@ -6,11 +7,11 @@
 #include "core/textfile.h"
 #include "store/itemstore.h"
 #include "templates/drawertemplates.h"
-#include "templates/outlinefile.h"
 #include "templates/samplecabinets.h"
 #include "templates/sampledialog.h"
 #include "templates/templateeditor.h"
 #include "templates/templateoutline.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
@@ -19,23 +20,23 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using namespace qmr::test;
 
 namespace {
 
-const QStringList kHandWritten = {
-    "DRW=Car",
-    "DOC=Title, before any folder",
-    "FLD=Repairs",
-    "DOC=Invoice",
-    "  FLD  =  Insurance  ",
-    "fld=lower case",
-    "DOC=Policy = 2026",
-    "",
-    "DRW = House",
-    "FLD=Roof",
-    "drw=Shed",
-    "FLD=Tools",
-};
+// A template file as written by hand, with the oddities a reader must take.
+const QStringList kHandWritten = {"DRW=Car",
+                                  "DOC=Title, before any folder",
+                                  "FLD=Repairs",
+                                  "DOC=Invoice",
+                                  "  FLD  =  Insurance  ",
+                                  "fld=lower case",
+                                  "DOC=Policy = 2026",
+                                  "",
+                                  "DRW = House",
+                                  "FLD=Roof",
+                                  "drw=Shed",
+                                  "FLD=Tools"};
 
 QStringList texts(const QTreeWidgetItem* item)
 {
@@ -45,43 +46,91 @@ QStringList texts(const QTreeWidgetItem* item)
     return out;
 }
 
+// An empty store with the template and sample files of its home; what is made is told to
+// the recorder.
+struct Bench
+{
+    TestHome home;
+    FixtureStore store{home.home()};
+    ItemStore items{store.db()};
+    NavRecorder nav;
+    ScriptedPrompter prompter;
+    SampleCabinets samples{home.home(), store.db(), &nav};
+    DrawerTemplates templates{home.home()};
+
+    explicit Bench(const QStringList& sampleLines = {})
+    {
+        if (!sampleLines.isEmpty())
+            QVERIFY(TextFile::writeLines(samples.filePath(), sampleLines));
+    }
+    // Cabinets, drawers, folders and documents in the store.
+    QList<int> counts()
+    {
+        return {items.count(Level::Cabinet), items.count(Level::Drawer), items.count(Level::Folder),
+                items.count(Level::Document)};
+    }
+    QStringList templateFile() const
+    {
+        return TextFile::readLines(templates.filePath()).value_or(QStringList());
+    }
+    QVector<CreatedItem> apply(const QString& name)
+    {
+        return templates.applyDrawerTemplate(name, store.drawer(store.cabinet("C"), "D"), items);
+    }
+};
+
 } // namespace
 
-class TestDrawerTemplates : public QObject
+class TestTemplates : public QObject
 {
     Q_OBJECT
 private slots:
     void apply_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QStringList>("made");
-        QTest::newRow("car") << "Car"
-                             << QStringList{"FLD Repairs", "DOC Invoice", "FLD Insurance",
-                                            "DOC Policy = 2026"};
+        columns<QString, QStringList>({"name", "made"});
+        row("car", QString("Car"),
+            QStringList{"FLD Repairs", "DOC Invoice", "FLD Insurance", "DOC Policy = 2026"});
         // Blanks around "=" are applied, though the list does not show the template.
         // "drw" in lower case is no drawer line for this reader: Tools stays in House.
-        QTest::newRow("house, any case") << "house" << QStringList{"FLD Roof", "FLD Tools"};
-        QTest::newRow("missing") << "Boat" << QStringList{};
+        row("house, any case", QString("house"), QStringList{"FLD Roof", "FLD Tools"});
+        row("missing", QString("Boat"), QStringList{});
     }
     void apply()
     {
         QFETCH(QString, name);
         QFETCH(QStringList, made);
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        const qint32 drawer = store.drawer(store.cabinet("C"), "New");
-        DrawerTemplates templates(home.home());
-        QVERIFY(TextFile::writeLines(templates.filePath(), kHandWritten));
-        templates.loadDrawerTemplates();
-        QCOMPARE(templates.names(), QStringList{"Car"});
-        ItemStore items(store.db());
+        Bench b;
+        QVERIFY(TextFile::writeLines(b.templates.filePath(), kHandWritten));
+        b.templates.loadDrawerTemplates();
+        QCOMPARE(b.templates.names(), QStringList{"Car"});
         QStringList got;
-        for (const CreatedItem& c : templates.applyDrawerTemplate(name, drawer, items)) {
+        for (const CreatedItem& c : b.apply(name)) {
             got << QLatin1String(levelInfo(c.level).prefix) + QLatin1Char(' ') + c.name;
-            QCOMPARE(items.parentOf(c.level, c.id), c.parentId);
+            QCOMPARE(b.items.parentOf(c.level, c.id), c.parentId);
         }
         QCOMPARE(got, made);
-        QCOMPARE(items.count(Level::Folder) + items.count(Level::Document), int(made.size()));
+        QCOMPARE(b.items.count(Level::Folder) + b.items.count(Level::Document), int(made.size()));
+    }
+
+    void namesAndOldCodePage()
+    {
+        Bench b;
+        b.templates.loadDrawerTemplates();
+        QVERIFY(b.templates.names().isEmpty()); // no file, no templates, no message
+        QVERIFY(TextFile::writeLines(b.templates.filePath(),
+                                     {"", "DRW=Car", "FLD=Repairs", "DOC=Invoice", "",
+                                      "DRW = Spaced", // applied, but not listed
+                                      "drw=lower",    // shown by the editor only
+                                      "DRW=Key=Value", " DRW=Indented"}));
+        b.templates.loadDrawerTemplates();
+        QCOMPARE(b.templates.names(), (QStringList{"Car", "Key=Value"}));
+        // A file written on an older system in its single-byte code page, not UTF-8.
+        QVERIFY(b.home.writeFile("Drawer.txt", QByteArray("DRW=Impr\xe9vus\r\nFLD=Re\xe7us\r\n")));
+        b.templates.loadDrawerTemplates();
+        QCOMPARE(b.templates.names(), QStringList{QString::fromUtf8("Imprévus")});
+        const QVector<CreatedItem> made = b.apply(QString::fromUtf8("imprévus"));
+        QCOMPARE(made.size(), 1);
+        QCOMPARE(made.first().name, QString::fromUtf8("Reçus"));
     }
 
     void editorReadsAndWrites()
@@ -100,94 +149,64 @@ private slots:
                               "DOC=Invoice"}));
     }
 
-    void editorWritesBackWhatItRead()
+    void editorOkWritesBackWhatItReadAndCancelNothing()
     {
         // OK without a change writes every line that the editor understood, a document that
         // follows its drawer directly included.
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        DrawerTemplates templates(home.home());
+        Bench b;
         const QStringList lines{"", "DRW=Car", "DOC=Title", "FLD=Repairs", "DOC=Invoice"};
-        QVERIFY(TextFile::writeLines(templates.filePath(), lines));
+        QVERIFY(TextFile::writeLines(b.templates.filePath(), lines));
         {
-            TemplateEditor editor(templates, prompter);
-            QTreeWidgetItem* car = editor.tree()->topLevelItem(0)->child(0);
-            QCOMPARE(texts(car), (QStringList{"Repairs", "Title"}));
+            TemplateEditor editor(b.templates, b.prompter);
+            QCOMPARE(texts(editor.tree()->topLevelItem(0)->child(0)),
+                     (QStringList{"Repairs", "Title"}));
             editor.cmdOK();
         }
-        QCOMPARE(TextFile::readLines(templates.filePath()).value_or(QStringList()), lines);
+        QCOMPARE(b.templateFile(), lines);
         // Applying it passes the drawer's own document over, as before.
-        test::FixtureStore store(home.home());
-        const qint32 drawer = store.drawer(store.cabinet("C"), "D");
-        ItemStore items(store.db());
-        QCOMPARE(templates.applyDrawerTemplate("Car", drawer, items).size(), 2);
-    }
+        QCOMPARE(b.apply("Car").size(), 2);
 
-    void editorSortsAsTheTreeDoesAndCancelWritesNothing()
-    {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        DrawerTemplates templates(home.home());
-        const QStringList lines{"DRW=tax papers", "DRW=lower", "DRW=Tax Papers",
-                                "DRW=Émile",      "DRW=Emma",  "DRW=ecole"};
-        QVERIFY(TextFile::writeLines(templates.filePath(), lines));
-        TemplateEditor editor(templates, prompter);
+        // Drawers sort as the tree does; Cancel after an addition writes nothing.
+        const QStringList drawers{"DRW=tax papers", "DRW=lower", "DRW=Tax Papers",
+                                  "DRW=Émile",      "DRW=Emma",  "DRW=ecole"};
+        QVERIFY(TextFile::writeLines(b.templates.filePath(), drawers));
+        TemplateEditor editor(b.templates, b.prompter);
         QCOMPARE(texts(editor.tree()->topLevelItem(0)),
                  (QStringList{"ecole", "Émile", "Emma", "lower", "Tax Papers", "tax papers"}));
         editor.cmdAddChild();
         editor.findChild<QPushButton*>("cmdCancel")->click();
-        QCOMPARE(TextFile::readLines(templates.filePath()).value_or(QStringList()), lines);
-    }
-
-    void oldCodePageTemplateFile()
-    {
-        // A file written on an older system in its single-byte code page, not UTF-8.
-        test::TestHome home;
-        QVERIFY(home.writeFile("Drawer.txt", QByteArray("DRW=Impr\xe9vus\r\nFLD=Re\xe7us\r\n")));
-        DrawerTemplates templates(home.home());
-        templates.loadDrawerTemplates();
-        QCOMPARE(templates.names(), QStringList{QString::fromUtf8("Imprévus")});
-        test::FixtureStore store(home.home());
-        const qint32 drawer = store.drawer(store.cabinet("C"), "D");
-        ItemStore items(store.db());
-        const QVector<CreatedItem> made =
-            templates.applyDrawerTemplate(QString::fromUtf8("imprévus"), drawer, items);
-        QCOMPARE(made.size(), 1);
-        QCOMPARE(made.first().name, QString::fromUtf8("Reçus"));
+        QCOMPARE(b.templateFile(), drawers);
     }
 
     void editorKeepsCreationOrder()
     {
-        test::TestHome home;
-        test::ScriptedPrompter prompter;
-        DrawerTemplates templates(home.home());
-        QVERIFY(TextFile::writeLines(templates.filePath(),
+        Bench b;
+        QVERIFY(TextFile::writeLines(b.templates.filePath(),
                                      {"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1"}));
-        templates.loadDrawerTemplates();
+        b.templates.loadDrawerTemplates();
         {
-            TemplateEditor editor(templates, prompter);
+            TemplateEditor editor(b.templates, b.prompter);
             QTreeWidget* tree = editor.tree();
             QTreeWidgetItem* root = tree->topLevelItem(0);
-            QCOMPARE(root->text(0), QStringLiteral("Drawers"));
+            QCOMPARE(root->text(0), "Drawers");
             QCOMPARE(texts(root), (QStringList{"Alpha", "Beta"}));
             auto* add = editor.findChild<QPushButton*>("cmdAddChild");
             auto* remove = editor.findChild<QPushButton*>("cmdRemoveSibling");
-            auto* sibling = editor.findChild<QPushButton*>("cmdAddSibling");
-            QCOMPARE(add->text(), QStringLiteral("Add Drawer"));
+            QCOMPARE(add->text(), "Add Drawer");
             QVERIFY(!remove->isEnabled());
-            QVERIFY(!sibling->isEnabled());
+            QVERIFY(!editor.findChild<QPushButton*>("cmdAddSibling")->isEnabled());
             // A folder added to the first drawer is written after everything that was read.
             tree->setCurrentItem(root->child(0));
-            QCOMPARE(add->text(), QStringLiteral("Add Folder"));
-            QCOMPARE(remove->text(), QStringLiteral("Remove Drawer"));
+            QCOMPARE(add->text(), "Add Folder");
+            QCOMPARE(remove->text(), "Remove Drawer");
             editor.cmdAddChild();
-            QCOMPARE(tree->currentItem()->text(0), QStringLiteral("New Folder"));
-            QCOMPARE(add->text(), QStringLiteral("Add Document"));
-            QCOMPARE(remove->text(), QStringLiteral("Remove Folder"));
+            QCOMPARE(tree->currentItem()->text(0), "New Folder");
+            QCOMPARE(add->text(), "Add Document");
+            QCOMPARE(remove->text(), "Remove Folder");
             tree->closePersistentEditor(tree->currentItem());
             tree->currentItem()->setText(0, "A2");
             editor.cmdAddChild();
-            QCOMPARE(remove->text(), QStringLiteral("Remove Document"));
+            QCOMPARE(remove->text(), "Remove Document");
             QVERIFY(!add->isEnabled());
             tree->currentItem()->setText(0, "Doc in A2");
             // Removing a drawer takes its folders along.
@@ -201,55 +220,153 @@ private slots:
             editor.cmdRemoveSibling();
             editor.cmdOK();
         }
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
-        QCOMPARE(TextFile::readLines(templates.filePath()).value_or(QStringList()),
-                 (QStringList{"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1", "FLD=A2",
-                              "DOC=Doc in A2"}));
-        QCOMPARE(templates.names(), (QStringList{"Alpha", "Beta"}));
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
+        QCOMPARE(b.templateFile(), (QStringList{"", "DRW=Alpha", "FLD=A1", "", "DRW=Beta", "FLD=B1",
+                                                "FLD=A2", "DOC=Doc in A2"}));
+        QCOMPARE(b.templates.names(), (QStringList{"Alpha", "Beta"}));
         // Read again, the new folder now stands under the second drawer.
-        TemplateEditor again(templates, prompter);
-        QTreeWidgetItem* beta = again.tree()->topLevelItem(0)->child(1);
-        QCOMPARE(texts(beta), (QStringList{"A2", "B1"}));
+        TemplateEditor again(b.templates, b.prompter);
+        QCOMPARE(texts(again.tree()->topLevelItem(0)->child(1)), (QStringList{"A2", "B1"}));
     }
 
     void sampleDialog()
     {
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        store.cabinet("second");
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        test::NavRecorder nav;
-        SampleCabinets samples(home.home(), store.db(), &nav);
-        QVERIFY(TextFile::writeLines(samples.filePath(),
-                                     {"CAB=First", " DRW=D", "CAB=Second", "CAB=Third"}));
-        SampleDialog dialog(samples, prompter, choosers);
-        QCOMPARE(dialog.windowTitle(), QStringLiteral("Create Sample Cabinet"));
+        Bench b({"CAB=First", " DRW=D", "CAB=Second", "CAB=Third"});
+        b.store.cabinet("second");
+        ScriptedChoosers choosers;
+        SampleDialog dialog(b.samples, b.prompter, choosers);
+        QCOMPARE(dialog.windowTitle(), "Create Sample Cabinet");
         QListWidget* list = dialog.list();
         QCOMPARE(list->count(), 3);
         QCOMPARE(list->currentRow(), 0);
         // A name that differs only in case is taken.
         list->setCurrentRow(1);
-        prompter.expect("A cabinet named 'Second' already exists.");
+        b.prompter.expect("A cabinet named 'Second' already exists.");
         dialog.cmdCreate();
         list->setCurrentRow(-1);
         list->clearSelection();
-        prompter.expect("Please select a sample cabinet to create.");
+        b.prompter.expect("Please select a sample cabinet to create.");
         dialog.cmdCreate();
         list->setCurrentRow(0);
         dialog.cmdCreate();
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
         QCOMPARE(dialog.result(), QDialog::Accepted);
-        QCOMPARE(nav.calls.first(), QStringLiteral("CAB2 First"));
+        QCOMPARE(b.nav.calls.first(), "CAB2 First");
 
-        SampleDialog edit(samples, prompter, choosers);
+        SampleDialog edit(b.samples, b.prompter, choosers);
         choosers.failEditor("Cannot start nano.");
-        prompter.expect("Error # Cannot start nano.");
+        b.prompter.expect("Error # Cannot start nano.");
         edit.findChild<QPushButton*>("cmdEdit")->click();
-        QCOMPARE(choosers.edited(), QStringList{samples.filePath()});
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QCOMPARE(choosers.edited(), QStringList{b.samples.filePath()});
+        QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
+    }
+
+    void defaultSample()
+    {
+        Bench b;
+        QVERIFY(!QFile::exists(b.samples.filePath()));
+        QVERIFY(b.samples.ensureFile());
+        const QStringList lines = TextFile::readLines(b.samples.filePath()).value_or(QStringList());
+        QCOMPARE(lines, SampleCabinets::defaultText());
+        QCOMPARE(lines.size(), 22);
+        QCOMPARE(lines.at(0), "CAB = Generic File Cabinet");
+        QCOMPARE(lines.at(18), "  FLD = Bank Acocunt");
+        QCOMPARE(b.samples.sampleNames(), QStringList{"Generic File Cabinet"});
+        const qint32 id = b.samples.createSampleCabinet("Generic File Cabinet");
+        QCOMPARE(b.counts(), (QList<int>{1, 6, 15, 0}));
+        QCOMPARE(b.items.item(Level::Cabinet, id).name, "Generic File Cabinet");
+        QCOMPARE(b.nav.calls.first(), "CAB" + NavRecorder::key(id, "Generic File Cabinet"));
+        QCOMPARE(b.nav.calls.last(), QString("SHOWCAB%1").arg(id));
+        QCOMPARE(b.nav.calls.size(), 1 + 6 + 15 + 1);
+        // The new cabinet has the stored form of no password: it is open.
+        QCOMPARE(b.store.db().scalar("SELECT Password FROM Cabinet").toString(), QString());
+        // A user's own file is never overwritten.
+        QVERIFY(TextFile::writeLines(b.samples.filePath(), {"CAB=Mine"}));
+        QVERIFY(b.samples.ensureFile());
+        QCOMPARE(b.samples.sampleNames(), QStringList{"Mine"});
+    }
+
+    void twoSamplesAndOddLines()
+    {
+        Bench b({"CAB=First", "  DRW = One", "DOC = lost, no folder yet", "    FLD=A",
+                 "      DOC = Deed = copy", "  DRW = Two",
+                 "      DOC = lost too, the drawer cleared the folder", "bogus line",
+                 "drw = lower case is no drawer", "CAB = Second", "  DRW = Three"});
+        QCOMPARE(b.samples.sampleNames(), (QStringList{"First", "Second"}));
+        b.samples.createSampleCabinet("first"); // the name matches without regard to case
+        QCOMPARE(b.counts(), (QList<int>{1, 2, 1, 1}));
+        QCOMPARE(b.store.db().scalar("SELECT Name FROM Document").toString(), "Deed = copy");
+        b.samples.createSampleCabinet("Second");
+        QCOMPARE(b.counts(), (QList<int>{2, 3, 1, 1}));
+    }
+
+    void unusableLinesAreReported_data()
+    {
+        // `made`: cabinets, drawers, folders, documents.
+        columns<QStringList, QList<int>, QStringList>({"file", "made", "unused"});
+        const QString tooLong(81, 'x');
+        row("name too long",
+            QStringList{"CAB=Big", " DRW=Fine", "  FLD=" + tooLong, "  FLD=Kept", "CAB=Other",
+                        " DRW=" + tooLong},
+            QList<int>{1, 1, 1, 0},
+            QStringList{
+                "3: The name is too long: a folder's name can have at most 80 characters."});
+        row("what stands below a line not used",
+            QStringList{"CAB=Big", " DRW=" + tooLong, "  FLD=Lost", "   DOC=Lost too", " DRW=Next",
+                        "  FLD=Kept", "   DOC=Kept too"},
+            QList<int>{1, 1, 1, 1},
+            QStringList{"2: The name is too long: a drawer's name can have at most 80 characters.",
+                        "3: Its drawer on line 2 was not made.",
+                        "4: Its folder on line 3 was not made."});
+        row("no item above",
+            QStringList{"CAB=Big", "  FLD=No drawer yet", "   DOC=Nor a folder", " DRW=D",
+                        "   DOC=The drawer cleared the folder"},
+            QList<int>{1, 1, 0, 0},
+            QStringList{"2: A folder needs a drawer line above it.",
+                        "3: Its folder on line 2 was not made.",
+                        "5: A document needs a folder line above it."});
+        row("no name, unknown keys",
+            QStringList{"CAB=Big", " DRW =", "  FLD=Lost", " drw = lower case", " FDL = Typo",
+                        "a note", "", " PAG = Page", " DRW", " DRW=Kept"},
+            QList<int>{1, 1, 0, 0},
+            QStringList{"2: It has no name.", "3: Its drawer on line 2 was not made.",
+                        "4: It does not begin with DRW, FLD or DOC.",
+                        "5: It does not begin with DRW, FLD or DOC.",
+                        "8: It does not begin with DRW, FLD or DOC.", "9: It has no name."});
+        QStringList many{"CAB=Big"};
+        QStringList unused;
+        for (int i = 2; i <= 18; ++i) {
+            many << "  FLD=Orphan";
+            unused << QString::number(i) + ": A folder needs a drawer line above it.";
+        }
+        row("many lines are counted", many, QList<int>{1, 0, 0, 0}, unused);
+    }
+    void unusableLinesAreReported()
+    {
+        QFETCH(QStringList, file);
+        QFETCH(QStringList, unused);
+        Bench b(file);
+        const qint32 id = b.samples.createSampleCabinet("Big");
+        // The cabinet is made with every line that could be used, and shown.
+        QTEST(b.counts(), "made");
+        QCOMPARE(b.nav.calls.last(), QString("SHOWCAB%1").arg(id));
+        QStringList seen;
+        for (const UnusedLine& line : b.samples.unusedLines())
+            seen << QString::number(line.number) + ": " + line.reason;
+        QCOMPARE(seen, unused);
+        // One message names the file and each line, up to a count.
+        const QStringList message = b.samples.unusedLinesMessage("Big").split('\n');
+        QCOMPARE(message.first(), "Some lines of " + b.samples.filePath() +
+                                      " could not be used; the sample cabinet 'Big' was made "
+                                      "without them.");
+        const int listed = qMin(int(unused.size()), int(SampleCabinets::kListedLines));
+        for (int i = 0; i < listed; ++i)
+            QCOMPARE(message.at(i + 1), "Sample.txt, line " + unused.at(i));
+        QCOMPARE(message.size(), 1 + listed + (unused.size() > listed ? 1 : 0));
+        if (unused.size() > listed)
+            QCOMPARE(message.last(), "... and 2 more lines.");
     }
 };
 
-QMR_TEST(TestDrawerTemplates)
+QMR_TEST(TestTemplates)
 #include "testdrawertemplates.moc"
