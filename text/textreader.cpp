@@ -15,9 +15,19 @@ constexpr int kWorkerEndsAllowed = 2;
 
 } // namespace
 
-TextReader::TextReader(TextIndex& index, QStringList worker, QObject* parent)
+TextReader::TextReader(TextIndex& index, QStringList worker, QObject* parent,
+                       std::chrono::milliseconds pageTimeLimit)
     : QObject(parent), m_index(index), m_worker(std::move(worker))
 {
+    m_pageTimer.setSingleShot(true);
+    m_pageTimer.setInterval(pageTimeLimit);
+    connect(&m_pageTimer, &QTimer::timeout, this, [this] {
+        if (!m_current || !m_process)
+            return;
+        qCWarning(lcText) << "The text worker took too long over page" << m_current->page.id;
+        // Its end is taken as one on that page: tried once more, then skipped.
+        m_process->kill();
+    });
 }
 
 TextReader::~TextReader()
@@ -98,6 +108,7 @@ void TextReader::startNext()
     m_waiting.remove(m_queue.front().id);
     m_queue.pop_front();
     m_process->write(TextWorker::request(m_current->page.id, m_current->page.path));
+    m_pageTimer.start();
     emit pageStarted(m_current->page.id, m_process->processId());
 }
 
@@ -176,6 +187,7 @@ void TextReader::workerEnded()
     }
     m_ready = false;
     if (m_current) {
+        m_pageTimer.stop();
         const Current page = *m_current;
         m_current.reset();
         qCWarning(lcText) << "The text worker ended while reading page" << page.page.id;
@@ -208,6 +220,7 @@ bool TextReader::keep(const std::function<void()>& write)
         // and what is not kept is read at the next start.
         qCWarning(lcText) << "The page text could not be kept:" << error.message();
         m_failed = true;
+        m_pageTimer.stop();
         m_current.reset();
         if (m_process) {
             m_process->disconnect(this);
@@ -242,6 +255,7 @@ void TextReader::skipPagesRead()
 
 void TextReader::finishCurrent()
 {
+    m_pageTimer.stop();
     m_current.reset();
     ++m_done;
     emit progress(m_done, m_total);

@@ -6,6 +6,8 @@
 #include <QSet>
 #include <QString>
 #include <QStringList>
+#include <QTimer>
+#include <chrono>
 #include <deque>
 #include <functional>
 #include <optional>
@@ -16,7 +18,8 @@ namespace qmr {
 
 // Has the pages' text read by the worker process, one page at a time, and keeps it in the
 // index. A worker that ends while it reads a page is started again; a page that has ended a
-// worker twice is marked unreadable and skipped, so one bad page cannot stop the rest.
+// worker twice is marked unreadable and skipped, so one bad page cannot stop the rest. A worker
+// that takes longer than the page time limit over one page is ended, which counts the same.
 class TextReader : public QObject
 {
     Q_OBJECT
@@ -28,8 +31,12 @@ public:
         QString path;
     };
 
+    // Far beyond a 600 dpi page of small print: a worker this long on a page hangs.
+    static constexpr std::chrono::milliseconds kPageTimeLimit{std::chrono::minutes(2)};
+
     // `worker` is the program and its arguments that start a worker.
-    TextReader(TextIndex& index, QStringList worker, QObject* parent = nullptr);
+    TextReader(TextIndex& index, QStringList worker, QObject* parent = nullptr,
+               std::chrono::milliseconds pageTimeLimit = kPageTimeLimit);
     ~TextReader() override;
 
     // Adds pages to the end of the queue (a page already waiting is not added twice).
@@ -69,6 +76,7 @@ private:
     TextIndex& m_index;
     QStringList m_worker;
     QProcess* m_process = nullptr;
+    QTimer m_pageTimer;
     bool m_ready = false;
     bool m_paused = false;
     bool m_failed = false;

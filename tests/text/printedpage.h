@@ -6,13 +6,13 @@
 
 namespace qmr::test {
 
-// A strip of white paper at 300 dpi, as wide as an A4 page.
-inline QImage paper(int height = 500)
+// A strip of white paper, by default at 300 dpi and as wide as an A4 page.
+inline QImage paper(int height = 500, int width = 2480, int dpi = 300)
 {
-    QImage page(2480, height, QImage::Format_RGB32);
+    QImage page(width, height, QImage::Format_RGB32);
     page.fill(Qt::white);
-    page.setDotsPerMeterX(11811);
-    page.setDotsPerMeterY(11811);
+    page.setDotsPerMeterX(qRound(dpi / 0.0254));
+    page.setDotsPerMeterY(qRound(dpi / 0.0254));
     return page;
 }
 
@@ -23,10 +23,13 @@ inline QFont printFont()
     return font;
 }
 
-// Paper with the lines printed on it in 12 points, one line every 100 pixels.
-inline QImage printedPage(const QStringList& lines, QPoint origin = QPoint(150, 150))
+// Paper (by default a strip just long enough) with the lines printed on it in 12 points, one
+// line every 100 pixels.
+inline QImage printedPage(const QStringList& lines, QPoint origin = QPoint(150, 150),
+                          QImage page = QImage())
 {
-    QImage page = paper(origin.y() + 100 * int(lines.size()) + 100);
+    if (page.isNull())
+        page = paper(origin.y() + 100 * int(lines.size()) + 100);
     QPainter painter(&page);
     painter.setFont(printFont());
     painter.setPen(Qt::black);
@@ -34,6 +37,7 @@ inline QImage printedPage(const QStringList& lines, QPoint origin = QPoint(150, 
         painter.drawText(origin, line);
         origin.ry() += 100;
     }
+    painter.end();
     return page;
 }
 

@@ -33,20 +33,7 @@ struct Picture
     QPoint origin() const { return QPoint(150, 150); }
     QImage image() const
     {
-        QImage page(size, QImage::Format_RGB32);
-        page.fill(Qt::white);
-        const int perMetre = qRound((dpi ? dpi : 300) / 0.0254);
-        page.setDotsPerMeterX(perMetre);
-        page.setDotsPerMeterY(perMetre);
-        QPainter painter(&page);
-        painter.setFont(printFont());
-        painter.setPen(Qt::black);
-        QPoint at = origin();
-        for (const QString& line : lines) {
-            painter.drawText(at, line);
-            at.ry() += 100;
-        }
-        return page;
+        return printedPage(lines, origin(), paper(size.height(), size.width(), dpi ? dpi : 300));
     }
     QList<TextIndex::Word> words() const
     {
@@ -102,21 +89,18 @@ const QList<Picture>& pictures()
 }
 
 // Stops at the first page, as a user's Cancel would.
-class CancellingProgress : public SilentProgress
+struct CancellingProgress : SilentProgress
 {
-public:
-    void step(const QString&) override { m_cancelled = true; }
-    void showCancel() override { cancelShown = true; }
-    bool stopped() const override { return m_cancelled || SilentProgress::stopped(); }
     void start(const QString& title, int minimum, int maximum) override
     {
-        m_cancelled = false;
+        cancelled = false;
         SilentProgress::start(title, minimum, maximum);
     }
+    void step(const QString&) override { cancelled = true; }
+    void showCancel() override { cancelShown = true; }
+    bool stopped() const override { return cancelled || SilentProgress::stopped(); }
+    bool cancelled = false;
     bool cancelShown = false;
-
-private:
-    bool m_cancelled = false;
 };
 
 // What a PDF tool prints; nothing when it failed.
@@ -273,15 +257,7 @@ private slots:
         const QList<QSizeF> sizes = pageSizes(pdf);
         QCOMPARE(sizes.size(), pictures().size());
         for (int i = 0; i < pictures().size(); ++i) {
-            const QSizeF expected = pictures().at(i).points();
-            QVERIFY2(qAbs(sizes.at(i).width() - expected.width()) <= 0.5 &&
-                         qAbs(sizes.at(i).height() - expected.height()) <= 0.5,
-                     qPrintable(QString("page %1: %2 x %3 pt, not %4 x %5")
-                                    .arg(i + 1)
-                                    .arg(sizes.at(i).width())
-                                    .arg(sizes.at(i).height())
-                                    .arg(expected.width())
-                                    .arg(expected.height())));
+            QCOMPARE(sizes.at(i).toSize(), pictures().at(i).points().toSize());
             const QString words = states.at(i) == "read" ? pictures().at(i).lines.join(' ') : "";
             QCOMPARE(pageText(pdf, i + 1), words);
         }
@@ -337,9 +313,7 @@ private slots:
         if (document == "gone")
             QVERIFY(QFile::remove(h.pagePath(1)));
         CancellingProgress progress;
-        SilentProgress silent;
-        Progress& used = cancel ? static_cast<Progress&>(progress) : silent;
-        SearchablePdfCommand::saveDocument(h.context(&used),
+        SearchablePdfCommand::saveDocument(h.context(cancel ? &progress : nullptr),
                                            document == "Links" ? h.links : h.document);
         const QStringList seen = h.prompter.seen();
         if (message.isEmpty()) {

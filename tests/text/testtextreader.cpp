@@ -1,4 +1,5 @@
 #include <QCoreApplication>
+#include <QFile>
 #include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTemporaryDir>
@@ -7,9 +8,11 @@
 
 #include "core/pagewords.h"
 #include "store/database.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 #include "tests/text/printedpage.h"
 #include "text/textreader.h"
+#include "text/unreadpages.h"
 #include "text/textworker.h"
 
 using namespace qmr;
@@ -30,17 +33,29 @@ QStringList workerCommand(const QString& languages = "eng")
 
 } // namespace
 
+// A text index of its own, with a reader on it that starts the worker for `languages`.
+struct ReaderBench
+{
+    QTemporaryDir home;
+    TextIndex index{home.path()};
+    std::unique_ptr<TextReader> reader;
+
+    explicit ReaderBench(const QString& languages = "eng",
+                         std::chrono::milliseconds pageTimeLimit = TextReader::kPageTimeLimit)
+    {
+        index.open();
+        reader =
+            std::make_unique<TextReader>(index, workerCommand(languages), nullptr, pageTimeLimit);
+    }
+    QList<int> pagesWith(const QString& typed) { return index.pagesWith(PageWords::parse(typed)); }
+};
+
 class TestTextReader : public QObject
 {
     Q_OBJECT
 
     QTemporaryDir m_home;
     QList<TextReader::Page> m_pages;
-
-    QList<int> pagesWith(TextIndex& index, const QString& typed)
-    {
-        return index.pagesWith(PageWords::parse(typed));
-    }
 
 private slots:
     void initTestCase()
@@ -60,75 +75,65 @@ private slots:
     }
 
     // Every page is read by the worker and kept with the stamp of its file; a file that is
-    // gone is read as a page without words.
+    // gone is read as a page without words. A worker that ends on a page, or hangs there past
+    // the page time limit, is started again for it; ended twice there, the page is marked
+    // unreadable and the pages after it are still read.
+    void readsEveryPage_data()
+    {
+        columns<bool>({"hangs"});
+        row("the worker is killed on page 2", false);
+        row("the worker hangs on page 2", true);
+    }
     void readsEveryPage()
     {
-        QTemporaryDir home;
-        TextIndex index(home.path());
-        index.open();
-        TextReader reader(index, workerCommand());
-        QSignalSpy progress(&reader, &TextReader::progress);
-        QSignalSpy idle(&reader, &TextReader::idle);
-        reader.enqueue(m_pages);
-        reader.enqueue(m_pages.mid(0, 1)); // already waiting
-        QVERIFY(idle.wait(kPatienceMs));
-        QCOMPARE(progress.last(), (QVariantList{5, 5}));
-        QCOMPARE(pagesWith(index, "harbour"), QList<int>{5});
-        QCOMPARE(pagesWith(index, "northwind invoice"), QList<int>{1});
-        QCOMPARE(pagesWith(index, "\"meter reading\""), QList<int>{2});
-        QCOMPARE(pagesWith(index, "receipt"), QList<int>{3});
-        QCOMPARE(index.entry(2)->stamp, TextIndex::Stamp::of(m_pages.at(1).path));
-        QCOMPARE(index.entry(4)->state, TextIndex::State::Read);
-        QCOMPARE(index.textOf(4), QString());
-        QVERIFY(reader.isIdle());
-    }
-
-    // A worker that ends on a page is started again for it; ended twice there, the page is
-    // marked unreadable and the pages after it are still read.
-    void aPageThatEndsTheWorkerTwiceIsSkipped()
-    {
-        QTemporaryDir home;
-        TextIndex index(home.path());
-        index.open();
-        TextReader reader(index, workerCommand());
+        QFETCH(bool, hangs);
+        // Far above a page's reading time, even in a sanitized build.
+        ReaderBench b("eng", hangs ? std::chrono::seconds(10) : TextReader::kPageTimeLimit);
         int kills = 0;
-        connect(&reader, &TextReader::pageStarted, this, [&](int pageId, qint64 worker) {
+        connect(b.reader.get(), &TextReader::pageStarted, this, [&](int pageId, qint64 worker) {
             if (pageId == 2) {
                 ++kills;
-                ::kill(pid_t(worker), SIGKILL);
+                ::kill(pid_t(worker), hangs ? SIGSTOP : SIGKILL);
             }
         });
-        QSignalSpy unreadable(&reader, &TextReader::pageUnreadable);
-        QSignalSpy idle(&reader, &TextReader::idle);
+        for (int i = 0; hangs && i < 2; ++i)
+            QTest::ignoreMessage(QtWarningMsg, "The text worker took too long over page 2");
+        QSignalSpy unreadable(b.reader.get(), &TextReader::pageUnreadable);
+        QSignalSpy progress(b.reader.get(), &TextReader::progress);
+        QSignalSpy idle(b.reader.get(), &TextReader::idle);
         for (int i = 0; i < 2; ++i)
             QTest::ignoreMessage(QtWarningMsg, "The text worker ended while reading page 2");
-        reader.enqueue(m_pages.mid(0, 3));
+        b.reader->enqueue(m_pages);
+        b.reader->enqueue(m_pages.mid(0, 1)); // already waiting
         QVERIFY(idle.wait(kPatienceMs));
+        QCOMPARE(progress.last(), (QVariantList{5, 5}));
+        QCOMPARE(b.pagesWith("harbour"), QList<int>{5});
+        QCOMPARE(b.pagesWith("northwind invoice"), QList<int>{1});
+        QCOMPARE(b.pagesWith("receipt"), QList<int>{3});
+        QCOMPARE(b.index.entry(3)->stamp, TextIndex::Stamp::of(m_pages.at(2).path));
+        QCOMPARE(b.index.entry(4)->state, TextIndex::State::Read);
+        QCOMPARE(b.index.textOf(4), QString());
+        QVERIFY(b.reader->isIdle());
         QCOMPARE(kills, 2);
         QCOMPARE(unreadable.size(), 1);
-        const TextIndex::Entry skipped = *index.entry(2);
+        const TextIndex::Entry skipped = *b.index.entry(2);
         QCOMPARE(skipped.state, TextIndex::State::Unreadable);
         QCOMPARE(skipped.workerEnds, 2);
-        QCOMPARE(pagesWith(index, "northwind"), QList<int>{1});
-        QCOMPARE(pagesWith(index, "receipt"), QList<int>{3});
-        QCOMPARE(pagesWith(index, "water"), QList<int>{});
+        QCOMPARE(b.pagesWith("water"), QList<int>{});
     }
 
     // An index that refuses what was read stops the reading with a message, not the program.
     void anIndexThatRefusesStopsTheReading()
     {
-        QTemporaryDir home;
-        TextIndex index(home.path());
-        index.open();
+        ReaderBench b;
         {
             Database other;
-            other.open(index.path());
+            other.open(b.index.path());
             other.execute("DROP TABLE PageText");
         }
-        TextReader reader(index, workerCommand());
-        QSignalSpy failed(&reader, &TextReader::failed);
+        QSignalSpy failed(b.reader.get(), &TextReader::failed);
         QTest::ignoreMessage(QtWarningMsg, QRegularExpression("page text could not be kept"));
-        reader.enqueue(m_pages.mid(0, 1));
+        b.reader->enqueue(m_pages.mid(0, 1));
         QVERIFY(failed.wait(kPatienceMs));
         QVERIFY2(
             failed.first().first().toString().startsWith("The text on the pages cannot be kept: "),
@@ -139,25 +144,79 @@ private slots:
     // read once languages that are there are chosen.
     void aMissingPackIsSaidOnceAndAnotherChoiceReads()
     {
-        QTemporaryDir home;
-        TextIndex index(home.path());
-        index.open();
-        TextReader reader(index, workerCommand("xyz"));
-        QSignalSpy failed(&reader, &TextReader::failed);
-        reader.enqueue(m_pages.mid(0, 2));
+        ReaderBench b("xyz");
+        QSignalSpy failed(b.reader.get(), &TextReader::failed);
+        b.reader->enqueue(m_pages.mid(0, 2));
         QVERIFY(failed.wait(kPatienceMs));
         QCOMPARE(failed.first().first().toString(),
                  QString("The language pack for xyz is not installed; text on the pages is not "
                          "read until it is."));
-        QVERIFY(!reader.isIdle());
-        QCOMPARE(index.pages(), QList<int>{});
+        QVERIFY(!b.reader->isIdle());
+        QCOMPARE(b.index.pages(), QList<int>{});
 
-        QSignalSpy idle(&reader, &TextReader::idle);
-        reader.setWorker(workerCommand("eng"));
+        QSignalSpy idle(b.reader.get(), &TextReader::idle);
+        b.reader->setWorker(workerCommand("eng"));
         QVERIFY(idle.wait(kPatienceMs));
         QCOMPARE(failed.size(), 1);
-        QCOMPARE(pagesWith(index, "northwind"), QList<int>{1});
-        QCOMPARE(pagesWith(index, "meter"), QList<int>{2});
+        QCOMPARE(b.pagesWith("northwind"), QList<int>{1});
+        QCOMPARE(b.pagesWith("\"meter reading\""), QList<int>{2});
+        QCOMPARE(b.index.entry(2)->stamp, TextIndex::Stamp::of(m_pages.at(1).path));
+    }
+
+    // Which pages a sweep of the store sends to be read, and which entries it finds gone.
+    void sweep_data()
+    {
+        columns<QString, QString, QList<int>>({"entry", "file", "read"});
+        row("no entry", "", "same", QList<int>{1});
+        row("read from this file", "read", "same", QList<int>{});
+        row("read, the file changed since", "read", "changed", QList<int>{1});
+        row("read, the file is gone", "read", "gone", QList<int>{1});
+        row("unreadable, the file is the same", "unreadable", "same", QList<int>{});
+        row("unreadable, the file changed since", "unreadable", "changed", QList<int>{1});
+        row("a worker ended on it once", "ended", "same", QList<int>{1});
+    }
+    void sweep()
+    {
+        QFETCH(QString, entry);
+        QFETCH(QString, file);
+        QFETCH(QList<int>, read);
+        QTemporaryDir dir;
+        const QString path = dir.filePath("1.png");
+        QFile page(path);
+        QVERIFY(page.open(QIODevice::WriteOnly));
+        page.write("picture");
+        page.close();
+        const TextIndex::Stamp stamp = TextIndex::Stamp::of(path);
+        QHash<int, TextIndex::Entry> entries;
+        if (entry == "read")
+            entries.insert(1, {stamp, TextIndex::State::Read, 0});
+        else if (entry == "unreadable")
+            entries.insert(1, {stamp, TextIndex::State::Unreadable, 2});
+        else if (entry == "ended")
+            entries.insert(1, {stamp, TextIndex::State::Interrupted, 1});
+        if (file == "changed") {
+            QVERIFY(page.open(QIODevice::Append));
+            page.write(" and more");
+            page.close();
+        } else if (file == "gone") {
+            QVERIFY(QFile::remove(path));
+        }
+        const UnreadPages::Sweep sweep = UnreadPages::of({{1, path}}, entries);
+        QList<int> ids;
+        for (const TextReader::Page& p : sweep.toRead)
+            ids << p.id;
+        QCOMPARE(ids, read);
+        QCOMPARE(sweep.gone, QList<int>{});
+    }
+
+    void entriesOfPagesThatAreGone()
+    {
+        QHash<int, TextIndex::Entry> entries;
+        for (int id : {9, 2})
+            entries.insert(id, {});
+        const UnreadPages::Sweep sweep = UnreadPages::of({{5, "/nowhere/5.png"}}, entries);
+        QCOMPARE(sweep.gone, (QList<int>{2, 9}));
+        QCOMPARE(sweep.toRead.size(), 1);
     }
 };
 

@@ -1,4 +1,8 @@
+#include <QDebug>
+#include <QLabel>
+#include <QListWidget>
 #include <QPainter>
+#include <QPushButton>
 #include <QRandomGenerator>
 #include <QTest>
 
@@ -7,6 +11,7 @@
 #include "tests/support/testrunner.h"
 #include "tests/text/printedpage.h"
 #include "text/textrecognizer.h"
+#include "text/textsettingsdialog.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -16,6 +21,15 @@ class TestTextRecognizer : public QObject
     Q_OBJECT
 
     TextRecognizer m_recognizer;
+
+    static QStringList checked(const QListWidget* list)
+    {
+        QStringList names;
+        for (int row = 0; row < list->count(); ++row)
+            if (list->item(row)->checkState() == Qt::Checked)
+                names << list->item(row)->text();
+        return names;
+    }
 
 private slots:
     void initTestCase() { QVERIFY2(m_recognizer.start("eng").ok(), "the English pack"); }
@@ -37,17 +51,11 @@ private slots:
         const QRect printed(start, origin.y() - metrics.ascent(), metrics.horizontalAdvance("4711"),
                             metrics.ascent());
         const QRect read = words.at(2).box;
+        QString boxes;
+        QDebug(&boxes) << printed << read;
         QVERIFY2(printed.adjusted(-8, -8, 8, 8).contains(read) &&
                      read.width() > printed.width() * 3 / 4,
-                 qPrintable(QString("printed %1,%2 %3x%4, read %5,%6 %7x%8")
-                                .arg(printed.x())
-                                .arg(printed.y())
-                                .arg(printed.width())
-                                .arg(printed.height())
-                                .arg(read.x())
-                                .arg(read.y())
-                                .arg(read.width())
-                                .arg(read.height())));
+                 qPrintable(boxes));
     }
 
     // Nothing written gives no words, and no message either.
@@ -109,6 +117,72 @@ private slots:
         QCOMPARE(recognizer.read(paper()), QList<TextIndex::Word>{});
         QVERIFY(TextRecognizer::installedLanguages().contains("eng"));
         QVERIFY(!TextRecognizer::installedLanguages().contains("osd"));
+    }
+
+    // The languages offered are the packs installed, the chosen ones checked; a chosen pack
+    // that is missing, or no pack at all, is said in the dialog; reading needs one language.
+    void offersThePacksInstalled_data()
+    {
+        // `missing`: a part of the message, "" for none.
+        columns<QString, QStringList, QStringList, QString>(
+            {"chosen", "installed", "checked", "missing"});
+        row("one of two", "eng", QStringList{"deu", "eng"}, QStringList{"English (eng)"}, "");
+        row("both", "deu+eng", QStringList{"deu", "eng"},
+            QStringList{"German (deu)", "English (eng)"}, "");
+        row("a pack gone", "deu+eng", QStringList{"eng"}, QStringList{"English (eng)"},
+            "The language pack for deu is not installed");
+        row("none at all", "eng", QStringList{}, QStringList{},
+            "No language pack for reading text is installed");
+    }
+    void offersThePacksInstalled()
+    {
+        QFETCH(QString, chosen);
+        QFETCH(QStringList, installed);
+        QFETCH(QStringList, checked);
+        QFETCH(QString, missing);
+        TextSettingsDialog dialog(chosen, installed);
+        auto* list = dialog.findChild<QListWidget*>("lstLanguages");
+        QCOMPARE(list->count(), installed.size());
+        QCOMPARE(TestTextRecognizer::checked(list), checked);
+        auto* message = dialog.findChild<QLabel*>("lblMissing");
+        QCOMPARE(message->isVisibleTo(&dialog), !missing.isEmpty());
+        QVERIFY2(missing.isEmpty() ? message->text().isEmpty()
+                                   : message->text().startsWith(missing),
+                 qPrintable(message->text()));
+        QCOMPARE(dialog.findChild<QPushButton*>("cmdOK")->isEnabled(), !checked.isEmpty());
+    }
+
+    void choosesInTheListsOrder()
+    {
+        TextSettingsDialog dialog("eng", {"deu", "eng", "fra"});
+        auto* list = dialog.findChild<QListWidget*>("lstLanguages");
+        auto* ok = dialog.findChild<QPushButton*>("cmdOK");
+        list->item(1)->setCheckState(Qt::Unchecked);
+        QCOMPARE(dialog.languages(), QString());
+        QVERIFY(!ok->isEnabled());
+        list->item(2)->setCheckState(Qt::Checked);
+        list->item(0)->setCheckState(Qt::Checked);
+        QCOMPARE(dialog.languages(), QString("deu+fra"));
+        QVERIFY(ok->isEnabled());
+        // The languages chosen before keep their order: the first leads the recogniser.
+        TextSettingsDialog again("fra+deu", {"deu", "eng", "fra"});
+        QCOMPARE(again.languages(), QString("fra+deu"));
+        again.findChild<QListWidget*>("lstLanguages")->item(1)->setCheckState(Qt::Checked);
+        QCOMPARE(again.languages(), QString("fra+deu+eng"));
+    }
+
+    void namesPacksForPeople_data()
+    {
+        columns<QString, QString>({"pack", "name"});
+        row("three letters", "deu", "German (deu)");
+        row("with a script", "chi_sim", "Chinese (chi_sim)");
+        row("unknown", "xqz", "xqz");
+    }
+    void namesPacksForPeople()
+    {
+        QFETCH(QString, pack);
+        QFETCH(QString, name);
+        QCOMPARE(TextSettingsDialog::displayName(pack), name);
     }
 };
 
