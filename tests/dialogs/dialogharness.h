@@ -48,6 +48,18 @@ template <class T> T* child(QWidget* w, const char* name)
     return found;
 }
 
+inline QLineEdit* edit(QWidget* w, const char* name)
+{
+    return child<QLineEdit>(w, name);
+}
+
+// Fills line edits from "control=text" entries.
+inline void type(QWidget* w, const QStringList& typed)
+{
+    for (const QString& t : typed)
+        edit(w, qPrintable(t.section('=', 0, 0)))->setText(t.section('=', 1));
+}
+
 inline QString labelText(QWidget* w, const char* name)
 {
     QLabel* l = child<QLabel>(w, name);

@@ -2,8 +2,8 @@
 #include <QTest>
 
 #include "dialogharness.h"
-#include "store/itemrules.h"
 #include "store/itemstore.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -21,11 +21,12 @@ QString tooLong(const char* what, int level, int width)
         .arg(width);
 }
 
+// Why a name is refused: 'c' a character not allowed, 'b' blank, 'l' too long; 0 when taken.
 struct Case
 {
     const char* name;
     QString typed;
-    bool refused = false;
+    char refused = 0;
     QString stored = {}; // what the store must hold when it is not what was typed
 };
 
@@ -38,14 +39,14 @@ QVector<Case> nameCases()
     const QString accent = QString::fromUtf8("e\xCC\x81");       // e + combining acute
     return {
         {"apostrophes", "O'Brien's 'quoted' name"},
-        {"double quote", "say \"cheese\"", true},
+        {"double quote", "say \"cheese\"", 'c'},
         {"percent", "100% of 50%"},
         {"underscore", "a_b__c_"},
         {"semicolon and statement", "x'); DROP TABLE Cabinet; --"},
-        {"backslash", "C\\temp", true},
+        {"backslash", "C\\temp", 'c'},
         {"brackets", "[draft] (v2) {final}"},
         {"right to left", QString::fromUtf8("ملف الضرائب 2025")},
-        {"direction override", QString::fromUtf8("\xE2\x80\xAEtxt.exe\xE2\x80\xAC"), true},
+        {"direction override", QString::fromUtf8("\xE2\x80\xAEtxt.exe\xE2\x80\xAC"), 'c'},
         {"direction override, no dot", QString::fromUtf8("\xE2\x80\xAE"
                                                          "abc\xE2\x80\xAC")},
         {"combining", QString::fromUtf8("Cafe\xCC\x81 Zoe\xCC\x88")},
@@ -56,33 +57,33 @@ QVector<Case> nameCases()
         // Found by fuzzing: a name that begins with a byte-order mark lost it on reading.
         {"byte-order mark first", QChar(0xFEFF) + QStringLiteral("Invoices")},
         {"zero-width characters", QString::fromUtf8("in\xE2\x80\x8Bvoice\xE2\x80\x8D")},
-        {"spaces around", "   padded name  ", false, "padded name"},
-        {"only spaces", "    ", true},
+        {"spaces around", "   padded name  ", 0, "padded name"},
+        {"only spaces", "    ", 'b'},
         {"at width", QString(80, 'w')},
-        {"one past width", QString(81, 'w'), true},
+        {"one past width", QString(81, 'w'), 'l'},
         {"emoji at width", emoji.repeated(80)},
-        {"emoji one past width", emoji.repeated(81), true},
+        {"emoji one past width", emoji.repeated(81), 'l'},
         {"combining at width", accent.repeated(40)},
-        {"combining one past width", accent.repeated(40) + "x", true},
+        {"combining one past width", accent.repeated(40) + "x", 'l'},
     };
 }
 
-QString nameRefusal(const Case& c, int level)
+QString nameRefusal(char why, int level)
 {
-    if (ItemRules::containsBadCharacters(c.typed))
-        return ItemRules::badCharactersMessage();
-    if (c.typed.trimmed().isEmpty())
-        return QStringList{"A file cabinet name is required.", "A drawer name is required.",
-                           "A folder name is required.", "A document name is required."}
-            .at(level);
+    if (why == 'c')
+        return "The following characters are not allowed:\n\\ / : * ? \" < > | .";
+    if (why == 'b')
+        return QStringLiteral("A %1 name is required.")
+            .arg(level == 0 ? "file cabinet" : kLevelWords[level]);
     return tooLong("name", level, 80);
 }
 
-// The box a field is typed in, and where the store keeps it.
+// The box a field is typed in, the property that holds its text, and where the store keeps it.
 struct Field
 {
     const char* control;
     QString ItemFields::*stored;
+    const char* text = "text";
 };
 Field fieldOf(const QString& field)
 {
@@ -90,7 +91,7 @@ Field fieldOf(const QString& field)
                                        {"email", {"txtEmail", &ItemFields::email}},
                                        {"storagePath", {"txtSaveTo", &ItemFields::storagePath}},
                                        {"password", {"txtPassword", &ItemFields::password}}};
-    return fields.value(field, {"txtDescription", &ItemFields::description});
+    return fields.value(field, {"txtDescription", &ItemFields::description, "plainText"});
 }
 
 } // namespace
@@ -101,23 +102,9 @@ class TestHostileNames : public QObject
 private slots:
     void storedAsTypedOrRefused_data()
     {
-        QTest::addColumn<int>("level");
-        QTest::addColumn<QString>("mode");
-        QTest::addColumn<QString>("field");
-        QTest::addColumn<QString>("typed");
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<QString>("message"); // "" when it is stored
-
-        for (int level = 0; level < 4; ++level)
-            for (const char* mode : {"Add", "Edit"})
-                for (const Case& c : nameCases())
-                    QTest::addRow("%s %s name: %s", kLevelWords[level], mode, c.name)
-                        << level << mode << "name" << c.typed
-                        << (c.refused           ? QString()
-                            : c.stored.isNull() ? c.typed
-                                                : c.stored)
-                        << (c.refused ? nameRefusal(c, level) : QString());
-
+        // message: "" when it is stored.
+        test::columns<int, QString, QString, QString, QString, QString>(
+            {"level", "mode", "field", "typed", "stored", "message"});
         const QString hostile = QString::fromUtf8("O'Brien 100%_; [x] \\ \" ملف Cafe\xCC\x81 "
                                                   "\xF0\x9F\x93\x81");
         const QString email = QStringLiteral("o'brien+100%_x;[a]@example.org");
@@ -127,12 +114,16 @@ private slots:
                                  const QString& typed, const QString& message = {},
                                  const QString& stored = {}) {
                 QTest::addRow("%s %s %s", kLevelWords[level], mode, what)
-                    << level << mode << field << typed
+                    << level << QString(mode) << QString(field) << typed
                     << (!message.isEmpty() ? QString()
                         : stored.isNull()  ? typed
                                            : stored)
                     << message;
             };
+            for (int level = 0; level < 4; ++level)
+                for (const Case& c : nameCases())
+                    row(qPrintable("name: " + QString(c.name)), level, "name", c.typed,
+                        c.refused ? nameRefusal(c.refused, level) : QString(), c.stored);
             row("email, hostile", 2, "email", email);
             row("email at width", 2, "email", QString(100, 'e'));
             row("email one past width", 2, "email", QString(101, 'e'),
@@ -163,7 +154,7 @@ private slots:
         DialogHarness h;
         ItemStore items(h.db());
         const Level lv = Level(level);
-        QString ItemFields::*const kept = fieldOf(field).stored;
+        const Field box = fieldOf(field);
         // New items go below item 1 of the level above; properties change item 1.
         const qint32 parent = level == 0 ? -1 : 1;
         const int countBefore = items.count(lv);
@@ -173,16 +164,13 @@ private slots:
         if (mode == "Add") {
             dialog.setAdd(parent);
             if (field != "name")
-                child<QLineEdit>(&dialog, "txtName")->setText("Plain name");
+                test::edit(&dialog, "txtName")->setText("Plain name");
         } else {
             QVERIFY(dialog.setEdit(1));
         }
         if (field == "storagePath")
             child<QRadioButton>(&dialog, "optStorage1")->click();
-        if (field == "description")
-            child<QPlainTextEdit>(&dialog, "txtDescription")->setPlainText(typed);
-        else
-            child<QLineEdit>(&dialog, fieldOf(field).control)->setText(typed);
+        child<QWidget>(&dialog, box.control)->setProperty(box.text, typed);
         if (!message.isEmpty())
             h.prompter.expect(message);
         dialog.cmdOK();
@@ -193,7 +181,7 @@ private slots:
             QCOMPARE(dialog.result(), int(QDialog::Rejected));
             QCOMPARE(items.count(lv), countBefore);
             QCOMPARE(items.fields(lv, 1)->name, item1Before->name);
-            QCOMPARE((*items.fields(lv, 1)).*kept, (*item1Before).*kept);
+            QCOMPARE((*items.fields(lv, 1)).*box.stored, (*item1Before).*box.stored);
             QVERIFY(h.nav.calls.isEmpty());
             return;
         }
@@ -202,7 +190,7 @@ private slots:
         QCOMPARE(items.count(lv), countBefore + (mode == "Add" ? 1 : 0));
         const std::optional<ItemFields> f = items.fields(lv, id);
         QVERIFY(f);
-        QCOMPARE((*f).*kept, stored);
+        QCOMPARE((*f).*box.stored, stored);
 
         // Found as typed: among its parent's children, by the name test that refuses doubles
         // (which ignores case and treats % and _ as themselves), and in its dialog again.
@@ -223,10 +211,7 @@ private slots:
             QVERIFY(items.cabinetNameExists(name));
         ItemDialog again(lv, h.context());
         QVERIFY(again.setEdit(id));
-        if (field == "description")
-            QCOMPARE(child<QPlainTextEdit>(&again, "txtDescription")->toPlainText(), stored);
-        else
-            QCOMPARE(child<QLineEdit>(&again, fieldOf(field).control)->text(), stored);
+        QCOMPARE(child<QWidget>(&again, box.control)->property(box.text).toString(), stored);
     }
 };
 

@@ -6,25 +6,17 @@
 #include <QRegularExpression>
 #include <QTemporaryDir>
 #include <QTest>
-#include <QTimer>
-#include <functional>
 
-#include "core/progress.h"
-#include "core/runstate.h"
 #include "core/textfile.h"
-#include "core/viewsettings.h"
 #include "help/aboutdialog.h"
 #include "help/helpcommands.h"
 #include "help/helpfile.h"
 #include "help/helplocator.h"
 #include "help/helpwindow.h"
-#include "store/schema.h"
-#include "store/session.h"
+#include "tests/support/commandharness.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -33,21 +25,10 @@ using qmr::test::whenModal;
 
 namespace {
 
-const QStringList kHelp = {
-    "' test help",
-    "[toc]",
-    "1=Tree",
-    "2=Q & A",
-    "4=No pages",
-    "",
-    "[topic1,page1]",
-    "Tree page one",
-    "second line",
-    "[topic1,page2]",
-    "Tree page two",
-    "[topic2,page1]",
-    "Questions & answers",
-};
+const QStringList kHelp = QString("' test help\n[toc]\n1=Tree\n2=Q & A\n4=No pages\n\n"
+                                  "[topic1,page1]\nTree page one\nsecond line\n[topic1,page2]\n"
+                                  "Tree page two\n[topic2,page1]\nQuestions & answers")
+                              .split('\n');
 
 QString text(QWidget* w, const char* name)
 {
@@ -55,10 +36,15 @@ QString text(QWidget* w, const char* name)
     return label ? label->text() : QStringLiteral("<missing>");
 }
 
-bool shown(QWidget* w, const char* name)
+// Those of the window's controls that show.
+QStringList shown(QWidget* w)
 {
-    auto* child = w->findChild<QWidget*>(QLatin1String(name));
-    return child && !child->isHidden();
+    QStringList names;
+    for (const char* name :
+         {"cmdTOC", "cmdPrev", "cmdNext", "lblPage", "lblLine0", "lblLine8", "cmdClose"})
+        if (auto* child = w->findChild<QWidget*>(QLatin1String(name)); child && !child->isHidden())
+            names << name;
+    return names;
 }
 
 // Whether a label draws its "&" as a character: with a mnemonic it would take no room.
@@ -79,6 +65,13 @@ void enter(QWidget* w)
 {
     QEnterEvent event(QPointF(2, 2), QPointF(2, 2), w->mapToGlobal(QPointF(2, 2)));
     QApplication::sendEvent(w, &event);
+}
+
+// Where the window is: "table, line N" (the marked line) or "topic T page P".
+QString where(HelpWindow& w)
+{
+    return w.showsContents() ? QString("table, line %1").arg(w.markedLine())
+                             : QString("topic %1 page %2").arg(w.topicNumber()).arg(w.pageNumber());
 }
 
 struct HelpFixture
@@ -103,16 +96,14 @@ private slots:
             QVERIFY(w.showsContents());
             QCOMPARE(w.topicNumber(), -1);
             QCOMPARE(text(&w, "lblTitle"), QString("Table of Contents"));
-            QCOMPARE(w.line(0)->text(), QString("Tree"));
-            QCOMPARE(w.line(1)->text(), QString("Q & A"));
-            QCOMPARE(w.line(2)->text(), QString());
-            QCOMPARE(w.line(3)->text(), QString("No pages"));
-            for (const char* name : {"cmdTOC", "cmdPrev", "cmdNext", "lblPage"})
-                QVERIFY2(!shown(&w, name), name);
-            QVERIFY(shown(&w, "lblLine8"));
-            QVERIFY(shown(&w, "cmdClose"));
+            QCOMPARE(QStringList({w.line(0)->text(), w.line(1)->text(), w.line(2)->text(),
+                                  w.line(3)->text()}),
+                     QStringList({"Tree", "Q & A", "", "No pages"}));
+            QCOMPARE(shown(&w), QStringList({"lblLine0", "lblLine8", "cmdClose"}));
         };
-        const auto page = [&](int number, const char* shows) {
+        const auto page = [&](const char* button, int number, const char* shows) {
+            if (button)
+                click(&w, button);
             QCOMPARE(w.pageNumber(), number);
             QCOMPARE(text(&w, "lblPage"), QString(shows));
         };
@@ -126,24 +117,19 @@ private slots:
         QCOMPARE(w.topicNumber(), 1);
         QCOMPARE(w.topicTitle(), QString("Tree"));
         QCOMPARE(text(&w, "lblTitle"), QString("Tree"));
-        page(1, "Tree page one\nsecond line");
-        for (const char* name : {"cmdTOC", "cmdPrev", "cmdNext", "lblPage"})
-            QVERIFY2(shown(&w, name), name);
-        QVERIFY(!shown(&w, "lblLine0"));
+        page(nullptr, 1, "Tree page one\nsecond line");
+        QCOMPARE(shown(&w).mid(0, 4), QStringList({"cmdTOC", "cmdPrev", "cmdNext", "lblPage"}));
+        QVERIFY(!shown(&w).contains("lblLine0"));
         // Lines of the table do nothing while a page is shown.
         w.openTopic(1);
         QCOMPARE(w.topicNumber(), 1);
         // Previous on page 1 asks for page 0, finds none, and leaves page 1.
-        click(&w, "cmdPrev");
-        page(1, "Tree page one\nsecond line");
-        click(&w, "cmdNext");
-        page(2, "Tree page two");
+        page("cmdPrev", 1, "Tree page one\nsecond line");
+        page("cmdNext", 2, "Tree page two");
         QCOMPARE(w.lastGoodPage(), 2);
         // Next on the last page leaves it on screen.
-        click(&w, "cmdNext");
-        page(2, "Tree page two");
-        click(&w, "cmdPrev");
-        page(1, "Tree page one\nsecond line");
+        page("cmdNext", 2, "Tree page two");
+        page("cmdPrev", 1, "Tree page one\nsecond line");
         click(&w, "cmdTOC");
         onTable();
         // The "&" shows as itself.
@@ -154,7 +140,8 @@ private slots:
         QVERIFY(ampersandTakesRoom(w.findChild<QLabel*>("lblPage")));
     }
 
-    void linesUnderTheMouseAreMarked()
+    // A line is marked by the mouse over it, or by the arrow keys; the keys also open and turn.
+    void markingAndKeys()
     {
         HelpFixture f;
         HelpWindow w(f.path());
@@ -172,53 +159,29 @@ private slots:
         const QRgb marked = w.grab().toImage().pixel(corner);
         enter(w.line(0));
         QVERIFY(w.grab().toImage().pixel(corner) != marked);
+
+        HelpWindow keys(f.path());
+        keys.show();
+        // The empty line is passed over, down and up (from the end); "No pages" has none, so
+        // Return on it leaves the table.
+        const QList<std::pair<Qt::Key, const char*>> steps = {
+            {Qt::Key_Down, "table, line 0"},   {Qt::Key_Down, "table, line 1"},
+            {Qt::Key_Down, "table, line 3"},   {Qt::Key_1, "topic 1 page 1"},
+            {Qt::Key_Right, "topic 1 page 2"}, {Qt::Key_Left, "topic 1 page 1"},
+            {Qt::Key_Home, "table"},           {Qt::Key_Up, "table, line 3"},
+            {Qt::Key_Return, "table, line 3"}, {Qt::Key_Up, "table, line 1"},
+            {Qt::Key_Enter, "topic 2 page 1"}};
+        for (const auto& [key, expected] : steps) {
+            QTest::keyClick(&keys, key);
+            QVERIFY2(where(keys).startsWith(expected), qPrintable(where(keys)));
+        }
+        QCOMPARE(keys.topicNumber(), 2);
+        QTest::keyClick(&keys, Qt::Key_Escape);
+        QVERIFY(!keys.isVisible());
     }
 
-    void keyboard()
-    {
-        HelpFixture f;
-        HelpWindow w(f.path());
-        w.show();
-        QTest::keyClick(&w, Qt::Key_Down);
-        QCOMPARE(w.markedLine(), 0);
-        QTest::keyClick(&w, Qt::Key_Down);
-        QCOMPARE(w.markedLine(), 1);
-        QTest::keyClick(&w, Qt::Key_Down); // the empty line is passed over
-        QCOMPARE(w.markedLine(), 3);
-        QTest::keyClick(&w, Qt::Key_1);
-        QCOMPARE(w.topicNumber(), 1);
-        QTest::keyClick(&w, Qt::Key_Right);
-        QCOMPARE(w.pageNumber(), 2);
-        QTest::keyClick(&w, Qt::Key_Left);
-        QCOMPARE(w.pageNumber(), 1);
-        QTest::keyClick(&w, Qt::Key_Home);
-        QVERIFY(w.showsContents());
-        QTest::keyClick(&w, Qt::Key_Up); // from the end, past the empty lines
-        QCOMPARE(w.markedLine(), 3);
-        QTest::keyClick(&w, Qt::Key_Return); // "No pages" has none: the table stays
-        QCOMPARE(w.topicNumber(), -1);
-        QVERIFY(w.showsContents());
-        QTest::keyClick(&w, Qt::Key_Up);
-        QTest::keyClick(&w, Qt::Key_Enter);
-        QCOMPARE(w.topicNumber(), 2);
-        QTest::keyClick(&w, Qt::Key_Escape);
-        QVERIFY(!w.isVisible());
-    }
-
-    void fileIsReadAtEveryDisplay()
-    {
-        HelpFixture f;
-        HelpWindow w(f.path());
-        QStringList changed = kHelp;
-        changed.replaceInStrings("1=Tree", "1=The filing tree");
-        QVERIFY(TextFile::writeLines(f.path(), changed));
-        w.openTopic(0);
-        QCOMPARE(w.topicTitle(), QString("Tree"));
-        w.cmdTOC();
-        QCOMPARE(w.line(0)->text(), QString("The filing tree"));
-    }
-
-    void sitsOverTheMainWindow()
+    // It sits over the main window, and reads the file again at every display.
+    void placeAndFreshText()
     {
         HelpFixture f;
         QWidget main;
@@ -227,6 +190,13 @@ private slots:
         // At the main window's place, ending 800 twips (53 pixels) short of its edges.
         QCOMPARE(w.geometry().topLeft(), main.geometry().topLeft());
         QCOMPARE(w.size(), QSize(847, 647));
+        QStringList changed = kHelp;
+        changed.replaceInStrings("1=Tree", "1=The filing tree");
+        QVERIFY(TextFile::writeLines(f.path(), changed));
+        w.openTopic(0);
+        QCOMPARE(w.topicTitle(), QString("Tree"));
+        w.cmdTOC();
+        QCOMPARE(w.line(0)->text(), QString("The filing tree"));
     }
 
     void locatorOrder()
@@ -248,22 +218,9 @@ private slots:
         QCOMPARE(HelpLocator(other.path(), {}, QString()).locate(), QString());
     }
 
-    void homeGetsTheShippedText()
-    {
-        test::TestHome home;
-        QVERIFY(HelpLocator::ensureInHome(home.home()));
-        QFile written(home.file("qmrhelp.txt"));
-        QVERIFY(written.open(QIODevice::ReadOnly));
-        QCOMPARE(written.readAll(), HelpLocator::shippedText());
-        written.close();
-        // A help text of the user's own is left alone.
-        QVERIFY(TextFile::writeLines(home.file("qmrhelp.txt"), {"[toc]", "1=Mine"}));
-        QVERIFY(HelpLocator::ensureInHome(home.home()));
-        QCOMPARE(HelpFile::readToc(*TextFile::readLines(home.file("qmrhelp.txt")))->first(),
-                 QString("Mine"));
-    }
-
-    void shippedTextIsComplete()
+    // The help text shipped in the program covers every topic, fits the window, and lands in a
+    // home without one, but never over the user's own.
+    void shippedText()
     {
         const QStringList lines =
             TextFile::splitLines(TextFile::decode(HelpLocator::shippedText()));
@@ -292,21 +249,30 @@ private slots:
         for (const char* subject :
              {"tree", "pages", "scanning", "find", "export", "printing", "mail"})
             QVERIFY2(all.contains(subject), subject);
+
+        test::TestHome home;
+        QVERIFY(HelpLocator::ensureInHome(home.home()));
+        QFile written(home.file("qmrhelp.txt"));
+        QVERIFY(written.open(QIODevice::ReadOnly));
+        QCOMPARE(written.readAll(), HelpLocator::shippedText());
+        written.close();
+        QVERIFY(TextFile::writeLines(home.file("qmrhelp.txt"), {"[toc]", "1=Mine"}));
+        QVERIFY(HelpLocator::ensureInHome(home.home()));
+        QCOMPARE(HelpFile::readToc(*TextFile::readLines(home.file("qmrhelp.txt")))->first(),
+                 QString("Mine"));
     }
 
     void pageCountFormat_data()
     {
-        QTest::addColumn<qint64>("count");
-        QTest::addColumn<QString>("locale");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("no digit is required") << qint64(0) << "C" << QString();
+        test::columns<qint64, QString, QString>({"count", "locale", "shown"});
+        test::row("no digit is required", qint64(0), QString("C"), QString());
         for (const auto& [count, shown] : {std::pair<qint64, const char*>{7, "7"},
                                            {999, "999"},
                                            {1000, "1,000"},
                                            {1234567, "1,234,567"},
                                            {123456789012, "123,456,789,012"}})
-            QTest::newRow(shown) << count << "C" << QString(shown);
-        QTest::newRow("German groups") << qint64(1234567) << "de_DE" << QString("1.234.567");
+            test::row(shown, count, QString("C"), QString(shown));
+        test::row("German groups", qint64(1234567), QString("de_DE"), QString("1.234.567"));
     }
     void pageCountFormat()
     {
@@ -317,21 +283,15 @@ private slots:
 
     void commands()
     {
-        test::TestHome home;
+        test::CommandHarness<> h;
+        test::TestHome& home = h.home;
         test::FixtureStore store(home.home());
-        const qint32 cab = store.cabinet("C");
-        const qint32 doc = store.document(store.folder(store.drawer(cab, "D"), "F"), "Doc");
+        const qint32 doc =
+            store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
         for (int i = 1; i <= 3; ++i)
             store.pageRow(doc, i);
-        Session session(home.home(), home.settings());
-        RunState state;
-        StoreSchema::openDatabase(session.db(), home.home());
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        SilentProgress progress;
-        ViewSettings view(home.settings());
-        const CommandContext context{session, state, prompter, choosers, progress, view};
-        HelpCommands commands(context);
+        h.openSession();
+        HelpCommands commands(h.context());
         CommandTable table;
         commands.addTo(table);
         QVERIFY(table.contains("mnuHelpHelpTopics"));
@@ -339,14 +299,14 @@ private slots:
 
         QTemporaryDir exe, data;
         commands.setLocator(HelpLocator(exe.path(), {data.path()}, home.path()));
-        prompter.expect("Cannot find help file QMRHELP.TXT.");
+        h.prompter.expect("Cannot find help file QMRHELP.TXT.");
         table.value("mnuHelpHelpTopics")();
-        QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
 
         TextFile::writeLines(data.filePath("qmrhelp.txt"), kHelp);
         QString seen;
         whenModal(this, [&](QWidget* w) {
-            seen = w->objectName() + " " + w->findChild<QLabel*>("lblLine1")->text();
+            seen = w->objectName() + " " + text(w, "lblLine1");
             w->close();
         });
         table.value("mnuHelpHelpTopics")();
@@ -354,7 +314,7 @@ private slots:
 
         whenModal(this, [&](QWidget* w) {
             seen = w->windowTitle() + "|" + text(w, "lblApp") + "|" + text(w, "lblPgCnt");
-            w->findChild<QPushButton*>("cmdOK")->click();
+            click(w, "cmdOK");
         });
         table.value("mnuHelpAbout")();
         QCOMPARE(seen, "About Quillmere|Quillmere " + AboutDialog::version() + "|Pages stored: 3");

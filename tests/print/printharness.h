@@ -62,32 +62,21 @@ inline bool writePicture(const QString& path, const QSize& size, int dpiX, int d
            (!none || setJfifDensity(path, 0, 1, 1));
 }
 
-// A sheet as a print target saw it.
-struct Sheet
-{
-    QSize imageSize;
-    QSize drawnSize;
-    QPageLayout::Orientation orientation = QPageLayout::Portrait;
-};
-
-// A print target that keeps what was drawn, at a stated printer resolution.
+// A print target at 600 dots per inch that counts the sheets it is given.
 class RecordingTarget : public PrintTarget
 {
 public:
-    explicit RecordingTarget(int dpi = 600) : m_dpi(dpi) {}
-    int dpiX() const override { return m_dpi; }
-    int dpiY() const override { return m_dpi; }
-    bool beginSheet(QPageLayout::Orientation orientation) override
+    int dpiX() const override { return 600; }
+    int dpiY() const override { return 600; }
+    bool beginSheet(QPageLayout::Orientation) override
     {
-        if (refuseSheet == int(sheets.size()) + 1)
+        if (refuseSheet == sheets + 1)
             return false;
-        sheets.push_back({QSize(), QSize(), orientation});
+        ++sheets;
         return true;
     }
-    void drawImage(const QImage& image, const QSize& size) override
+    void drawImage(const QImage&, const QSize&) override
     {
-        sheets.back().imageSize = image.size();
-        sheets.back().drawnSize = size;
         if (onDraw)
             onDraw();
     }
@@ -98,13 +87,10 @@ public:
     }
     QString errorText() const override { return QStringLiteral("The printer refused a sheet."); }
 
-    QVector<Sheet> sheets;
+    int sheets = 0;
     int finished = 0;
     int refuseSheet = -1; // a 1-based sheet that cannot begin
     std::function<void()> onDraw;
-
-private:
-    int m_dpi;
 };
 
 // A progress whose person presses Cancel after `cancelAfter` steps.
@@ -166,13 +152,18 @@ struct PrintHarness : CommandHarness<>
             qWarning("cannot write the picture of page %d", id);
         return id;
     }
+    // Pages 1, 2... of the document, of these sizes, at 100 dots per inch.
+    void pages(const QVector<QSize>& sizes)
+    {
+        for (int n = 1; n <= sizes.size(); ++n)
+            page(n, sizes[n - 1], 100, 100);
+    }
 };
 
 // What the PDF tools of poppler-utils say of a file.
 struct PdfFacts
 {
     int pages = -1;
-    QSizeF pageSize;                   // points, of the first page
     QVector<QSizeF> pageSizes;         // points, per page, turned as the page is shown
     QVector<QPair<int, int>> imagePpi; // x and y, per image, in page order
     QVector<QSize> imageSizes;         // pixels, per image, in page order
@@ -213,8 +204,6 @@ inline PdfFacts readPdf(const QString& path)
             points.transpose();
         facts.pageSizes.push_back(points);
     }
-    if (!facts.pageSizes.isEmpty())
-        facts.pageSize = facts.pageSizes.first();
     // Two header lines, then: page num type width height color comp bpc enc interp object ID
     // x-ppi y-ppi size ratio.
     const QStringList images = run("pdfimages", {"-list", path}).split('\n', Qt::SkipEmptyParts);

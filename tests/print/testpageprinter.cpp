@@ -45,12 +45,9 @@ private slots:
         QFETCH(int, printed);
         QFETCH(bool, cancelled);
         PrintHarness h;
-        QString second;
-        for (int n = 1; n <= 5; ++n) {
-            const qint32 id = h.page(n, QSize(120, 160), 100, 100);
-            if (n == 2)
-                second = h.session->paths().computedPagePath(id);
-        }
+        h.pages(QVector<QSize>(5, QSize(120, 160)));
+        const QString second =
+            h.session->paths().computedPagePath(h.session->pages().pages(h.document).at(1).id);
         test::RecordingTarget target;
         if (failure == "sheet")
             target.refuseSheet = 2;
@@ -76,7 +73,7 @@ private slots:
         } else {
             QCOMPARE(outcome.error, QString());
         }
-        QCOMPARE(target.sheets.size(), printed);
+        QCOMPARE(target.sheets, printed);
         QVector<bool> expected(printed, true);
         expected[0] = false;
         QCOMPARE(seenAtSheet, expected);
@@ -88,6 +85,7 @@ private slots:
                  QStringList({"Printing Tax return", "1", "5", "Page 1"}));
     }
 
+    // A PDF holds one sheet a page; one that cannot be written is reported.
     void pdfHoldsOneSheetAPage()
     {
         PrintHarness h;
@@ -127,20 +125,14 @@ private slots:
         // all: the scan resolution, 200, stands in.
         QCOMPARE(test::ppiMismatch(pdf, {{105, 105}, {158, 316}, {211, 211}, {211, 211}}),
                  QString());
-    }
 
-    void unwritablePdfIsReported()
-    {
-        PrintHarness h;
-        h.page(1, QSize(100, 100), 100, 100);
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName("/nonexistent-directory/out.pdf");
-        PrinterTarget target(printer);
-        const PrintOutcome outcome = printAll(h, target);
-        QCOMPARE(outcome.printed, 0);
-        QCOMPARE(outcome.error,
-                 QString("Cannot print to the file /nonexistent-directory/out.pdf."));
+        QPrinter unwritable(QPrinter::HighResolution);
+        unwritable.setOutputFormat(QPrinter::PdfFormat);
+        unwritable.setOutputFileName("/nonexistent-directory/out.pdf");
+        PrinterTarget failing(unwritable);
+        const PrintOutcome failed = printAll(h, failing);
+        QCOMPARE(failed.printed, 0);
+        QCOMPARE(failed.error, QString("Cannot print to the file /nonexistent-directory/out.pdf."));
     }
 };
 

@@ -1,8 +1,7 @@
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QCheckBox>
-#include <QDialog>
 #include <QPrintPreviewWidget>
 #include <QPushButton>
 #include <QRadioButton>
@@ -24,6 +23,7 @@ using test::PrintHarness;
 namespace {
 
 const QStringList kPrinters = {"Office_Laser", "Hall_Inkjet"};
+const QString kPdf = "Print to PDF file";
 
 template <class T> T* child(QWidget* w, const char* name)
 {
@@ -31,14 +31,6 @@ template <class T> T* child(QWidget* w, const char* name)
     if (!found)
         qWarning("no control %s", name);
     return found;
-}
-
-QStringList comboEntries(QComboBox* box)
-{
-    QStringList entries;
-    for (int i = 0; i < box->count(); ++i)
-        entries << box->itemText(i);
-    return entries;
 }
 
 // The outline of what is drawn in dark blue (the test pictures' frame) in `shown`: "tall",
@@ -57,14 +49,9 @@ QString drawnShape(const QImage& shown)
     return box.height() > box.width() * 1.15 ? QStringLiteral("tall") : QStringLiteral("wide");
 }
 
-// Prints `page` through frmPrint into a PDF file named `file`, and reads that.
-test::PdfFacts printToPdf(PrintHarness& h, PageLayouts& layouts, qint32 page, const QString& file)
+void click(QWidget* w, const char* button)
 {
-    h.home.settings().set(keys::Printer, "Print to PDF file");
-    h.choosers.queueSaveFile(file);
-    PrintDialog dialog(h.context(), layouts, page, kPrinters);
-    child<QPushButton>(&dialog, "cmdPrint")->click();
-    return test::readPdf(file);
+    child<QPushButton>(w, button)->click();
 }
 
 } // namespace
@@ -77,24 +64,22 @@ private slots:
     {
         test::columns<QStringList, QString, QString, QString>(
             {"printers", "kept", "systemDefault", "chosen"});
-        const QString pdf = "Print to PDF file";
         test::row("kept printer", kPrinters, "Hall_Inkjet", "Office_Laser", "Hall_Inkjet");
-        test::row("kept PDF", kPrinters, pdf, "Office_Laser", pdf);
+        test::row("kept PDF", kPrinters, kPdf, "Office_Laser", kPdf);
         test::row("kept printer gone: the system's default", kPrinters, "Old_Printer",
                   "Hall_Inkjet", "Hall_Inkjet");
         test::row("nothing kept, no default: the first printer", kPrinters, "", "", "Office_Laser");
-        test::row("no printers at all: PDF", QStringList{}, "Office_Laser", "", pdf);
+        test::row("no printers at all: PDF", QStringList{}, "Office_Laser", "", kPdf);
     }
     void initialPrinter()
     {
         QFETCH(QStringList, printers);
         QFETCH(QString, kept);
         QFETCH(QString, systemDefault);
-        QFETCH(QString, chosen);
         const QStringList entries = PrinterChoice::entries(printers);
-        QCOMPARE(entries.last(), QString("Print to PDF file"));
+        QCOMPARE(entries.last(), kPdf);
         QCOMPARE(entries.size(), printers.size() + 1);
-        QCOMPARE(PrinterChoice::initial(entries, kept, systemDefault), chosen);
+        QTEST(PrinterChoice::initial(entries, kept, systemDefault), "chosen");
     }
 
     void pdfFileNames_data()
@@ -108,35 +93,15 @@ private slots:
     void pdfFileNames()
     {
         QFETCH(QString, title);
-        QFETCH(QString, file);
-        QCOMPARE(PrinterChoice::pdfFileName(title), file);
-    }
-
-    void printerListAndItsChoice()
-    {
-        PrintHarness h;
-        const qint32 page = h.page(1, QSize(100, 100), 100, 100);
-        h.home.settings().set(keys::Printer, "Hall_Inkjet");
-        PageLayouts layouts;
-        PrintDialog dialog(h.context(), layouts, page, kPrinters);
-        QCOMPARE(dialog.windowTitle(), QString("Print"));
-        auto* box = child<QComboBox>(&dialog, "cboPrinter");
-        QCOMPARE(comboEntries(box),
-                 (QStringList{"Office_Laser", "Hall_Inkjet", "Print to PDF file"}));
-        QCOMPARE(box->currentText(), QString("Hall_Inkjet"));
-        QVERIFY(child<QPushButton>(&dialog, "cmdPrint")->isEnabled());
-        // A choice is kept at once, for the next print.
-        QVERIFY(dialog.choosePrinter("Print to PDF file"));
-        QCOMPARE(h.home.settings().get(keys::Printer), QString("Print to PDF file"));
-        QVERIFY(!dialog.choosePrinter("Nowhere"));
+        QTEST(PrinterChoice::pdfFileName(title), "file");
     }
 
     void pagePrint_data()
     {
         // chosen: the PDF file's name, "" when cancelled.
         test::columns<QString, QString, QString>({"printer", "chosen", "message"});
-        test::row("to a PDF file", "Print to PDF file", "one", "");
-        test::row("PDF name cancelled: the window stays", "Print to PDF file", "", "");
+        test::row("to a PDF file", kPdf, "one", "");
+        test::row("PDF name cancelled: the window stays", kPdf, "", "");
         // The test lists a printer that the system does not have.
         test::row("missing printer is named", "Office_Laser", "",
                   "The printer 'Office_Laser' is not available.");
@@ -150,17 +115,28 @@ private slots:
         h.page(1, QSize(850, 1100), 100, 100);
         const qint32 second = h.page(2, QSize(1700, 2200), 200, 200);
         QTemporaryDir dir;
-        h.home.settings().set(keys::Printer, printer);
+        h.home.settings().set(keys::Printer, "Hall_Inkjet");
         h.home.settings().set(keys::PrintPdfPath, dir.path());
-        if (printer == "Print to PDF file")
+        if (printer == kPdf)
             h.choosers.queueSaveFile(chosen.isEmpty() ? std::optional<QString>()
                                                       : dir.filePath(chosen));
         if (!message.isEmpty())
             h.prompter.expect(message);
         PageLayouts layouts;
         PrintDialog dialog(h.context(), layouts, second, kPrinters);
+        QCOMPARE(dialog.windowTitle(), QString("Print"));
+        auto* box = child<QComboBox>(&dialog, "cboPrinter");
+        QCOMPARE(box->count(), 3);
+        QCOMPARE(QStringList({box->itemText(0), box->itemText(1), box->itemText(2)}),
+                 (QStringList{"Office_Laser", "Hall_Inkjet", kPdf}));
+        // The kept printer is chosen; a choice is kept at once, for the next print.
+        QCOMPARE(box->currentText(), QString("Hall_Inkjet"));
+        QVERIFY(child<QPushButton>(&dialog, "cmdPrint")->isEnabled());
+        QVERIFY(!dialog.choosePrinter("Nowhere"));
+        QVERIFY(dialog.choosePrinter(printer));
+        QCOMPARE(h.home.settings().get(keys::Printer), printer);
         dialog.show();
-        child<QPushButton>(&dialog, "cmdPrint")->click();
+        click(&dialog, "cmdPrint");
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(dialog.isVisible(), chosen.isEmpty());
         QCOMPARE(dialog.result(), int(chosen.isEmpty() ? QDialog::Rejected : QDialog::Accepted));
@@ -192,11 +168,10 @@ private slots:
         QFETCH(QString, to);
         QFETCH(int, pages);
         PrintHarness h;
-        h.page(2, QSize(400, 300), 100, 100);
-        h.page(5, QSize(400, 300), 100, 100);
-        h.page(9, QSize(400, 300), 100, 100);
+        for (const int number : {2, 5, 9})
+            h.page(number, QSize(400, 300), 100, 100);
         QTemporaryDir dir;
-        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.home.settings().set(keys::Printer, kPdf);
         const QString file = dir.filePath("range.pdf");
         if (pages > 0)
             h.choosers.queueSaveFile(file);
@@ -215,7 +190,7 @@ private slots:
         if (!to.isEmpty())
             txtTo->setText(to == "-" ? QString() : to);
         dialog.show();
-        child<QPushButton>(&dialog, "cmdPrint")->click();
+        click(&dialog, "cmdPrint");
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         if (pages < 0) {
             QVERIFY(dialog.isVisible());
@@ -228,16 +203,6 @@ private slots:
         const test::PdfFacts pdf = test::readPdf(file);
         QCOMPARE(test::ppiMismatch(pdf, QVector<QPair<int, int>>(pages, {105, 105})), QString());
         QCOMPARE(pdf.pages, pages);
-    }
-
-    void emptyDocumentHasNothingToPrint()
-    {
-        PrintHarness h;
-        h.prompter.expect("Nothing found to print.");
-        PageLayouts layouts;
-        PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
-        child<QPushButton>(&dialog, "cmdPrint")->click();
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
     void printSettingsChecksWidthThenHeight_data()
@@ -274,7 +239,7 @@ private slots:
         txtWidth->setText(width);
         txtHeight->setText(height);
         dialog.show();
-        child<QPushButton>(&dialog, ok ? "cmdOK" : "cmdCancel")->click();
+        click(&dialog, ok ? "cmdOK" : "cmdCancel");
         QVERIFY2(prompter.verify(), qPrintable(prompter.report()));
         // Nothing is saved unless both pass, and the window stays after a refusal.
         QCOMPARE(dialog.isVisible(), !message.isEmpty());
@@ -290,7 +255,7 @@ private slots:
     {
         PrintHarness h;
         const qint32 page = h.page(1, QSize(1000, 100), 100, 100);
-        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.home.settings().set(keys::Printer, kPdf);
         PrintSettingsDialog settings(h.home.settings(), h.prompter);
         child<QLineEdit>(&settings, "txtWidthPct")->setText("50");
         child<QLineEdit>(&settings, "txtHeightPct")->setText("200");
@@ -306,31 +271,36 @@ private slots:
                 if (auto* d = qobject_cast<QDialog*>(w))
                     d->accept();
             });
-            child<QPushButton>(&dialog, "cmdSetup")->click();
+            click(&dialog, "cmdSetup");
             QCOMPARE(opened, QString("QPageSetupDialog"));
-            QVERIFY(layouts.contains("Print to PDF file"));
+            QVERIFY(layouts.contains(kPdf));
         }
-        QPageLayout a5 = layouts.value("Print to PDF file");
+        QPageLayout a5 = layouts.value(kPdf);
         a5.setPageSize(QPageSize(QPageSize::A5));
         a5.setOrientation(QPageLayout::Portrait);
-        layouts.insert("Print to PDF file", a5);
+        layouts.insert(kPdf, a5);
         QTemporaryDir dir;
-        const test::PdfFacts pdf = printToPdf(h, layouts, page, dir.filePath("wide.pdf"));
+        h.choosers.queueSaveFile(dir.filePath("wide.pdf"));
+        PrintDialog dialog(h.context(), layouts, page, kPrinters);
+        click(&dialog, "cmdPrint");
+        const test::PdfFacts pdf = test::readPdf(dir.filePath("wide.pdf"));
         QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
-        QCOMPARE(pdf.pageSize.toSize(), QSize(595, 420));
+        QCOMPARE(pdf.pageSizes.value(0).toSize(), QSize(595, 420));
         // 100 / 0.95 / 0.5 across, 100 / 0.95 / 2 down.
         QCOMPARE(test::ppiMismatch(pdf, {{211, 53}}), QString());
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
-    // Preview shows the sheets of the chosen printer and writes nothing.
-    void previewShowsTheSheets()
+    // Preview shows the sheets of the chosen printer and writes nothing; the system's print
+    // dialog prints two collated copies of pages 2 to 3 into a PDF file, each sheet turned to
+    // suit its page.
+    void previewAndSystemDialog()
     {
         PrintHarness h;
-        h.page(1, QSize(850, 1100), 100, 100);
-        h.page(2, QSize(1100, 850), 100, 100);
-        h.page(3, QSize(850, 1100), 100, 100);
-        h.home.settings().set(keys::Printer, "Print to PDF file");
+        h.pages({{850, 1100}, {1100, 850}, {850, 1100}, {1100, 850}});
+        QTemporaryDir dir;
+        h.home.settings().set(keys::Printer, kPdf);
+        h.home.settings().set(keys::PrintPdfPath, dir.path());
         PageLayouts layouts;
         PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
         int sheets = -1;
@@ -339,7 +309,7 @@ private slots:
         test::whenModal(this, [&](QWidget* w) {
             title = w->windowTitle();
             if (auto* view = w->findChild<QPrintPreviewWidget*>()) {
-                (void)QTest::qWaitFor([&] { return view->pageCount() == 3; }, 10000);
+                (void)QTest::qWaitFor([&] { return view->pageCount() == 4; }, 10000);
                 sheets = view->pageCount();
                 view->setViewMode(QPrintPreviewWidget::SinglePageView);
                 for (int n = 1; n <= sheets; ++n) {
@@ -351,29 +321,15 @@ private slots:
             }
             w->close();
         });
-        child<QPushButton>(&dialog, "cmdPreview")->click();
+        click(&dialog, "cmdPreview");
         QCOMPARE(title, QString("Preview of Tax return"));
-        QCOMPARE(sheets, 3);
-        // The preview has one sheet size for all; the sideways page lies turned on its sheet,
-        // whole, as it comes out of the printer.
-        QCOMPARE(shapes, QStringList({"tall", "tall", "tall"}));
+        QCOMPARE(sheets, 4);
+        // The preview has one sheet size for all; the sideways pages lie turned on their
+        // sheets, whole, as they come out of the printer.
+        QCOMPARE(shapes, QStringList({"tall", "tall", "tall", "tall"}));
         QVERIFY(h.choosers.saveStarts().isEmpty());
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-    }
+        QVERIFY(!QFile::exists(dir.filePath("Tax return.pdf")));
 
-    // The system's print dialog: two collated copies of pages 2 to 3 into a PDF file, each
-    // sheet turned to suit its page.
-    void systemDialogPrintsCopiesOfARange()
-    {
-        PrintHarness h;
-        h.page(1, QSize(850, 1100), 100, 100);
-        h.page(2, QSize(850, 1100), 100, 100);
-        h.page(3, QSize(1100, 850), 100, 100);
-        QTemporaryDir dir;
-        h.home.settings().set(keys::Printer, "Print to PDF file");
-        h.home.settings().set(keys::PrintPdfPath, dir.path());
-        PageLayouts layouts;
-        PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
         QString opened;
         test::whenModal(this, [&](QWidget* w) {
             opened = w->metaObject()->className();
@@ -384,21 +340,29 @@ private slots:
             child<QSpinBox>(w, "from")->setValue(2);
             qobject_cast<QDialog*>(w)->accept();
         });
-        child<QPushButton>(&dialog, "cmdSystemDialog")->click();
+        click(&dialog, "cmdSystemDialog");
         QCOMPARE(opened, QString("QPrintDialog"));
         QCOMPARE(dialog.result(), int(QDialog::Accepted));
         const test::PdfFacts pdf = test::readPdf(dir.filePath("Tax return.pdf"));
         QVERIFY2(pdf.error.isEmpty(), qPrintable(pdf.error));
         QCOMPARE(pdf.pages, 4);
         QCOMPARE(pdf.imageSizes,
-                 (QVector<QSize>{{850, 1100}, {1100, 850}, {850, 1100}, {1100, 850}}));
-        QCOMPARE(pdf.across(), QList<bool>({false, true, false, true}));
+                 (QVector<QSize>{{1100, 850}, {850, 1100}, {1100, 850}, {850, 1100}}));
+        QCOMPARE(pdf.across(), QList<bool>({true, false, true, false}));
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
     void commandsOpenTheirWindows()
     {
         PrintHarness h;
+        PageLayouts layouts;
+        {
+            // A document without pages has nothing to print.
+            h.prompter.expect("Nothing found to print.");
+            PrintDocumentDialog dialog(h.context(), layouts, h.document, kPrinters);
+            click(&dialog, "cmdPrint");
+            QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        }
         h.page(3, QSize(100, 100), 100, 100);
         h.page(7, QSize(100, 100), 100, 100);
         PrintCommands commands(h.context());

@@ -21,32 +21,28 @@ private slots:
         test::columns<QSize, int, int, int, int, double, double, QSize>(
             {"pixels", "fileX", "fileY", "printer", "scanDpi", "widthPct", "heightPct", "drawn"});
 
+        // A 600 dpi printer, scans at 150, 100% both ways unless a row says otherwise.
+        const auto row = [](const char* tag, QSize pixels, int fileX, int fileY, QSize drawn,
+                            int scanDpi = 150, double widthPct = 100, double heightPct = 100,
+                            int printer = 600) {
+            test::row(tag, pixels, fileX, fileY, printer, scanDpi, widthPct, heightPct, drawn);
+        };
         const QSize letter(1700, 2200);
-        test::row("200 dpi page on a 600 dpi printer", letter, 200, 200, 600, 150, 100.0, 100.0,
-                  QSize(4845, 6270));
+        row("200 dpi page on a 600 dpi printer", letter, 200, 200, QSize(4845, 6270));
         // The horizontal resolution scales the height, the vertical one the width.
-        test::row("resolutions crossed", letter, 100, 200, 600, 150, 100.0, 100.0,
-                  QSize(4845, 12540));
-        test::row("349 is believed", QSize(349, 349), 349, 349, 600, 150, 100.0, 100.0,
-                  QSize(570, 570));
-        test::row("600 dpi file takes the scan resolution", letter, 600, 600, 600, 150, 100.0,
-                  100.0, QSize(6460, 8360));
-        test::row("350 takes the scan resolution", letter, 350, 350, 600, 300, 100.0, 100.0,
-                  QSize(3230, 4180));
-        test::row("one axis of 350 or more is enough", letter, 200, 400, 600, 150, 100.0, 100.0,
-                  QSize(6460, 8360));
-        test::row("no resolution stored takes the scan resolution", letter, 0, 0, 600, 150, 100.0,
-                  100.0, QSize(6460, 8360));
-        test::row("one axis stated, the other not", letter, 200, 0, 600, 150, 100.0, 100.0,
-                  QSize(6460, 8360));
-        test::row("percentages scale after the 95%", letter, 200, 200, 600, 150, 50.0, 200.0,
-                  QSize(2423, 12540));
+        row("resolutions crossed", letter, 100, 200, QSize(4845, 12540));
+        row("349 is believed", QSize(349, 349), 349, 349, QSize(570, 570));
+        row("600 dpi file takes the scan resolution", letter, 600, 600, QSize(6460, 8360));
+        row("350 takes the scan resolution", letter, 350, 350, QSize(3230, 4180), 300);
+        row("one axis of 350 or more is enough", letter, 200, 400, QSize(6460, 8360));
+        row("no resolution stored takes the scan resolution", letter, 0, 0, QSize(6460, 8360));
+        row("one axis stated, the other not", letter, 200, 0, QSize(6460, 8360));
+        row("percentages scale after the 95%", letter, 200, 200, QSize(2423, 12540), 150, 50, 200);
         // 600 / 11 * 3 = 163.64 is rounded to 164 before the 95% (155.8 -> 156), not after
         // (155.45 -> 155).
-        test::row("rounded at every step", QSize(3, 3), 11, 11, 600, 150, 100.0, 100.0,
-                  QSize(156, 156));
-        test::row("printer of 1200 dpi", QSize(850, 1100), 100, 100, 1200, 150, 100.0, 100.0,
-                  QSize(9690, 12540));
+        row("rounded at every step", QSize(3, 3), 11, 11, QSize(156, 156));
+        row("printer of 1200 dpi", QSize(850, 1100), 100, 100, QSize(9690, 12540), 150, 100, 100,
+            1200);
     }
     void printSize()
     {
@@ -57,9 +53,8 @@ private slots:
         QFETCH(int, scanDpi);
         QFETCH(double, widthPct);
         QFETCH(double, heightPct);
-        QFETCH(QSize, drawn);
         const PrintScaleSettings settings{scanDpi, widthPct, heightPct};
-        QCOMPARE(PrintScale::printSize(pixels, fileX, fileY, printer, printer, settings), drawn);
+        QTEST(PrintScale::printSize(pixels, fileX, fileY, printer, printer, settings), "drawn");
     }
 
     void percentage_data()
@@ -74,44 +69,37 @@ private slots:
     void percentage()
     {
         QFETCH(QString, stored);
-        QFETCH(double, used);
-        QCOMPARE(PrintScale::percentage(stored), used);
+        QTEST(PrintScale::percentage(stored), "used");
     }
 
     void settingsFeedTheScale_data()
     {
-        // keyValues: key, value, key, value...
-        test::columns<QStringList, int, double, double>(
-            {"keyValues", "scanDpi", "widthPct", "heightPct"});
-        test::row("nothing stored: documents at 150, 100%", QStringList{}, 150, 100.0, 100.0);
-        test::row("last scan a picture", QStringList{"TWAINImageType", "picture"}, 300, 100.0,
-                  100.0);
-        test::row("a camera counts as a picture",
-                  QStringList{"TWAINImageType", "camera", "PicDPIOverride", "240"}, 240, 100.0,
-                  100.0);
-        test::row("document resolution of the settings",
-                  QStringList{"TWAINImageType", "document", "DocDPIOverride", "200"}, 200, 100.0,
-                  100.0);
-        test::row("a resolution of 0 falls back", QStringList{"DocDPIOverride", "0"}, 150, 100.0,
-                  100.0);
-        test::row("a resolution that is no number falls back",
-                  QStringList{"PicDPIOverride", "high", "TWAINImageType", "picture"}, 300, 100.0,
-                  100.0);
-        test::row("percentages, 5 taken as 100",
-                  QStringList{"PrintWidthPct", "5", "PrintHeightPct", "200"}, 150, 100.0, 200.0);
+        // stored: key=value, ...
+        // scale: scan resolution, width %, height %.
+        test::columns<QStringList, QList<double>>({"stored", "scale"});
+        const auto row = [](const char* tag, const char* stored, int scanDpi,
+                            double heightPct = 100) {
+            test::row(tag, QString(stored).split(',', Qt::SkipEmptyParts),
+                      QList<double>{double(scanDpi), 100, heightPct});
+        };
+        row("nothing stored: documents at 150, 100%", "", 150);
+        row("last scan a picture", "TWAINImageType=picture", 300);
+        row("a camera counts as a picture", "TWAINImageType=camera,PicDPIOverride=240", 240);
+        row("document resolution of the settings", "TWAINImageType=document,DocDPIOverride=200",
+            200);
+        row("a resolution of 0 falls back", "DocDPIOverride=0", 150);
+        row("a resolution that is no number falls back",
+            "PicDPIOverride=high,TWAINImageType=picture", 300);
+        row("percentages, 5 taken as 100", "PrintWidthPct=5,PrintHeightPct=200", 150, 200);
     }
     void settingsFeedTheScale()
     {
-        QFETCH(QStringList, keyValues);
-        QFETCH(int, scanDpi);
-        QFETCH(double, widthPct);
-        QFETCH(double, heightPct);
+        QFETCH(QStringList, stored);
         test::TestHome home;
-        for (qsizetype i = 0; i + 1 < keyValues.size(); i += 2)
-            home.settings().saveSetting(keyValues.at(i), keyValues.at(i + 1));
+        for (const QString& kv : stored)
+            home.settings().saveSetting(kv.section('=', 0, 0), kv.section('=', 1));
         const PrintScaleSettings s = PrintScale::fromSettings(home.settings());
-        QCOMPARE(QList<double>({double(s.scanDpi), s.widthPct, s.heightPct}),
-                 QList<double>({double(scanDpi), widthPct, heightPct}));
+        QTEST(QList<double>({double(s.scanDpi), s.widthPct, s.heightPct}), "scale");
     }
 
     void fileResolution_data()
