@@ -8,7 +8,8 @@
 
 namespace qmr {
 
-HelpCommands::HelpCommands(const CommandContext& context) : m_context(context)
+HelpCommands::HelpCommands(const CommandContext& context, std::optional<HelpLocator> locator)
+    : m_context(context), m_locator(std::move(locator))
 {
 }
 

@@ -16,18 +16,18 @@ class HelpCommands
     Q_DECLARE_TR_FUNCTIONS(qmr::HelpCommands)
 
 public:
-    explicit HelpCommands(const CommandContext& context);
+    // `locator`: where the help file is looked for; the run's places when none is given.
+    explicit HelpCommands(const CommandContext& context,
+                          std::optional<HelpLocator> locator = std::nullopt);
     // The context is held by reference: a temporary one would be gone before its use.
-    HelpCommands(CommandContext&& context) = delete;
+    HelpCommands(CommandContext&& context,
+                 std::optional<HelpLocator> locator = std::nullopt) = delete;
 
     void addTo(CommandTable& table);
 
     // Shows the help window, or says that the help file is missing.
     void helpTopics();
     void about();
-
-    // Where the help file is looked for; the run's places unless a test gives its own.
-    void setLocator(const HelpLocator& locator) { m_locator = locator; }
 
 private:
     const CommandContext& m_context;

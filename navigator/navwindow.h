@@ -55,7 +55,6 @@ public:
 
     Navigator& navigator() { return *m_navigator; }
     ItemCommands& itemCommands() { return *m_itemCommands; }
-    PrintCommands& printCommands() { return *m_printCommands; }
     HelpCommands& helpCommands() { return *m_helpCommands; }
     ClipboardCommands& clipboardCommands() { return *m_clipboardCommands; }
     TextCommands& textCommands() { return *m_textCommands; }

@@ -9,7 +9,8 @@
 
 namespace qmr {
 
-PrintCommands::PrintCommands(const CommandContext& context) : m_context(context)
+PrintCommands::PrintCommands(const CommandContext& context, std::optional<QStringList> printers)
+    : m_context(context), m_printers(std::move(printers))
 {
 }
 

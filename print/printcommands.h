@@ -13,9 +13,12 @@ namespace qmr {
 class PrintCommands
 {
 public:
-    explicit PrintCommands(const CommandContext& context);
+    // `printers`: the printers the windows list; the system's when none are given.
+    explicit PrintCommands(const CommandContext& context,
+                           std::optional<QStringList> printers = std::nullopt);
     // The context is held by reference: a temporary one would be gone before its use.
-    PrintCommands(CommandContext&& context) = delete;
+    PrintCommands(CommandContext&& context,
+                  std::optional<QStringList> printers = std::nullopt) = delete;
 
     void addTo(CommandTable& table);
 
@@ -26,9 +29,6 @@ public:
     // frmPrintDocument for the target document, over its lowest to highest page number.
     void printDocument();
     void printSettings();
-
-    // The system's printers the windows list; tests give their own.
-    void setPrinters(const QStringList& printers) { m_printers = printers; }
 
 private:
     QStringList printers() const;

@@ -291,14 +291,13 @@ private slots:
         for (int i = 1; i <= 3; ++i)
             store.pageRow(doc, i);
         h.openSession();
-        HelpCommands commands(h.context());
+        QTemporaryDir exe, data;
+        HelpCommands commands(h.context(), HelpLocator(exe.path(), {data.path()}, home.path()));
         CommandTable table;
         commands.addTo(table);
         QVERIFY(table.contains("mnuHelpHelpTopics"));
         QVERIFY(table.contains("mnuHelpAbout"));
 
-        QTemporaryDir exe, data;
-        commands.setLocator(HelpLocator(exe.path(), {data.path()}, home.path()));
         h.prompter.expect("Cannot find help file QMRHELP.TXT.");
         table.value("mnuHelpHelpTopics")();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));

@@ -282,7 +282,6 @@ private slots:
         const auto [entry, fields] = fetch<QString, QStringList>({"entry", "fields"});
         SampleWindow h;
         QVERIFY(TextFile::writeLines(h.home.file("qmrhelp.txt"), {"[toc]", "1=Only topic"}));
-        h.window->printCommands().setPrinters({});
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
         if (entry.contains("Page")) {
             QVERIFY(h.window->pageList()->selectPage(2));

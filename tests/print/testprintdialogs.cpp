@@ -365,8 +365,7 @@ private slots:
         }
         h.page(3, QSize(100, 100), 100, 100);
         h.page(7, QSize(100, 100), 100, 100);
-        PrintCommands commands(h.context());
-        commands.setPrinters(kPrinters);
+        PrintCommands commands(h.context(), kPrinters);
         CommandTable table;
         commands.addTo(table);
         for (const char* name : {"mnuPopupPagePrint", "mnuPopupDocumentPrint", "mnuPrintSettings"})
