@@ -208,7 +208,7 @@ std::optional<PageFileAdder::NewRow> PageFileAdder::insertRow(const QString& fil
         }
         page.fileSize = file.size();
         file.close();
-        page.scanDate = m_today.isValid() ? m_today : QDate::currentDate();
+        page.scanDate = QDate::currentDate();
         page.fileType = fileType(path);
         if (row.shortcut) {
             page.shortcut = true;

@@ -83,8 +83,6 @@ public:
     // The one message that ends a batch with problems; "" when there were none.
     QString report() const;
 
-    // The scan date of new rows; today when not set.
-    void setToday(const QDate& date) { m_today = date; }
     void setThreadCount(int count);
     // Copies started and not ended yet.
     int outstanding() const { return m_outstanding; }
@@ -116,7 +114,6 @@ private:
     QThreadPool m_copyPool;
     QThreadPool m_thumbPool;
     std::shared_ptr<std::atomic_bool> m_noThumbnails;
-    QDate m_today;
     int m_outstanding = 0;
     QEventLoop* m_waiting = nullptr;
     bool m_holding = false;

@@ -33,10 +33,11 @@ struct ThumbnailCache::Shared
     }
 };
 
-ThumbnailCache::ThumbnailCache(const QString& home, QObject* parent)
-    : QObject(parent), m_home(home), m_shared(std::make_shared<Shared>()), m_memory(kMemoryTiles)
+ThumbnailCache::ThumbnailCache(const QString& home, ThumbnailPace pace, QObject* parent)
+    : QObject(parent), m_home(home), m_shared(std::make_shared<Shared>()), m_memory(kMemoryTiles),
+      m_readBudget(pace.readBudgetMs)
 {
-    m_pool.setMaxThreadCount(QThread::idealThreadCount());
+    m_pool.setMaxThreadCount(pace.threads > 0 ? pace.threads : QThread::idealThreadCount());
 }
 
 ThumbnailCache::~ThumbnailCache()

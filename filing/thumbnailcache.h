@@ -13,6 +13,14 @@
 
 namespace qmr {
 
+// How hard a thumbnail cache works: its threads (every core when 0), and how long request()
+// may spend reading thumbnail files itself (0 sends every read to the pool).
+struct ThumbnailPace
+{
+    int threads = 0;
+    int readBudgetMs = 25;
+};
+
 // The pictures of the page pane's tiles. A tile comes from memory, from its file under
 // Thumbs, or is made from the page file where the thumbnail is missing. Reading and making
 // happen on every core off the GUI thread and the results come back on it, so the window
@@ -34,7 +42,8 @@ public:
     };
 
     // `home` is the directory whose dots do not count when thumbnail directories are made.
-    explicit ThumbnailCache(const QString& home, QObject* parent = nullptr);
+    explicit ThumbnailCache(const QString& home, ThumbnailPace pace = {},
+                            QObject* parent = nullptr);
     ~ThumbnailCache() override;
 
     // Asks for the tiles of one block, by page id. What is at hand (in memory, or read from
@@ -52,11 +61,9 @@ public:
     // Pages asked for and not delivered yet.
     int outstanding() const;
 
+    // The benches compare thread counts on the window's own cache.
     void setThreadCount(int count) { m_pool.setMaxThreadCount(count); }
     int threadCount() const { return m_pool.maxThreadCount(); }
-    // How long request() may spend reading thumbnail files itself; 0 sends every read to
-    // the pool.
-    void setReadBudget(int milliseconds) { m_readBudget = milliseconds; }
     void clearMemory() { m_memory.clear(); }
 
     // A thumbnail file as its tile shows it: 100 by 100, white, the picture in the top left
@@ -96,7 +103,7 @@ private:
     QSet<QString> m_inFlight;
     QSet<QString> m_elsewhere;
     QCache<QString, Cached> m_memory;
-    int m_readBudget = 25;
+    int m_readBudget;
 };
 
 } // namespace qmr

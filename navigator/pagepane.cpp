@@ -99,7 +99,7 @@ PagePane::PagePane(NavIcons& icons, ViewSettings& view, const PagePaths& paths, 
       m_shortcutIcons(icons.icon(QStringLiteral("page")))
 {
     setObjectName(QStringLiteral("fraPagePane"));
-    m_thumbnails = new ThumbnailCache(paths.home().path(), this);
+    m_thumbnails = new ThumbnailCache(paths.home().path(), {}, this);
     connect(m_thumbnails, &ThumbnailCache::ready, this, &PagePane::tileReady);
     buildControls();
     m_paging.setDisplayCount(m_view.displayCount());

@@ -25,7 +25,9 @@ TextReader::TextReader(TextIndex& index, QStringList worker, QObject* parent,
         if (!m_current || !m_process)
             return;
         qCWarning(lcText) << "The text worker took too long over page" << m_current->page.id;
-        // Its end is taken as one on that page: tried once more, then skipped.
+        // Its end is taken as one on that page (tried once more, then skipped); an answer
+        // already on its way still counts, but no other page goes to the ending worker.
+        m_closing = true;
         m_process->kill();
     });
 }
@@ -63,6 +65,7 @@ void TextReader::setWorker(QStringList worker)
         if (m_process) {
             m_process->disconnect(this);
             m_process->kill();
+            m_process->waitForFinished(2000); // reaped here, not left to its destructor
             m_process->deleteLater();
             m_process = nullptr;
         }
@@ -173,8 +176,11 @@ void TextReader::workerEnded()
     if (m_closing) {
         m_closing = false;
         m_ready = false;
-        startNext();
-        return;
+        // Ended on purpose between pages; one that ended on a page is counted there below.
+        if (!m_current) {
+            startNext();
+            return;
+        }
     }
     if (!m_ready && !m_current) {
         // It ended before it could read anything: starting it again would end the same way.

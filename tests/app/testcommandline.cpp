@@ -60,6 +60,10 @@ private slots:
         row("the toolkit's own", {"-platform", "offscreen", "-reverse"}, Action::Window, "||");
         row("help", {"--help"}, Action::Help, "||", "quillmere [--home DIR] --export CABINET DIR");
         row("-h", {"-h"}, Action::Help, "||", "--import DIR");
+        // Without --home the run's default home is taken later: none is read here.
+        row("export", {"--export", "Home Papers", "/out"}, Action::Export, "|Home Papers|/out");
+        row("import", {"--import", "/ex/C", "Target"}, Action::Import, "|Target|/ex/C");
+        row("find", {"--find", "gas bill"}, Action::Find, "||");
         row("export, home last", {"--export", "C", "/out", "--home", "/h"}, Action::Export,
             "/h|C|/out");
         row("export needs two", {"--export", "C"}, Action::Error, "||",

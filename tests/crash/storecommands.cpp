@@ -285,7 +285,6 @@ struct Commands final : CommandStore
     {
         const CommandContext adding = context();
         PageFileAdder files(adding);
-        files.setToday(QDate(2026, 5, 1));
         const QString file =
             outsideFile(home, kOutsideFiles.at(int(rng.bounded(int(kOutsideFiles.size())))));
         const int how = int(rng.bounded(3));

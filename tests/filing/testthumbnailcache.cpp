@@ -41,9 +41,11 @@ bool writeBytes(const QString& path, const QByteArray& bytes)
 struct CacheBench
 {
     QTemporaryDir dir;
-    ThumbnailCache cache{dir.path()};
+    ThumbnailCache cache;
     QSignalSpy ready{&cache, &ThumbnailCache::ready};
     QSignalSpy done{&cache, &ThumbnailCache::blockDone};
+
+    explicit CacheBench(ThumbnailPace pace = {}) : cache(dir.path(), pace) {}
 
     // A page file of `size`, black, and the request for its thumbnail below Thumbs/.
     ThumbnailCache::Request page(qint32 id, const QSize& size)
@@ -149,8 +151,7 @@ private slots:
 
     void readsGoToThePoolWithoutABudget()
     {
-        CacheBench b;
-        b.cache.setReadBudget(0);
+        CacheBench b({0, 0});
         const auto page = b.page(1, QSize(300, 300));
         QVERIFY(b.cache.request({page}).isEmpty());
         QVERIFY(b.waitForBlock());
@@ -164,8 +165,7 @@ private slots:
 
     void pagingAwayDropsWorkNoLongerShown()
     {
-        CacheBench b;
-        b.cache.setThreadCount(1);
+        CacheBench b({1});
         QVector<ThumbnailCache::Request> first;
         for (int id = 1; id <= 30; ++id)
             first << b.page(id, QSize(1200, 1600));
@@ -192,8 +192,7 @@ private slots:
 
     void aPageAskedForTwiceIsMadeOnce()
     {
-        CacheBench b;
-        b.cache.setThreadCount(2);
+        CacheBench b({2});
         const auto page = b.page(1, QSize(1200, 1600));
         b.cache.request({page});
         b.cache.request({page}); // paged away and back while it was being made

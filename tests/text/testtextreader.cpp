@@ -80,18 +80,23 @@ private slots:
     // unreadable and the pages after it are still read.
     void readsEveryPage_data()
     {
-        columns<bool>({"hangs"});
-        row("the worker is killed on page 2", false);
-        row("the worker hangs on page 2", true);
+        columns<bool, bool>({"hangs", "newLanguages"});
+        row("the worker is killed on page 2", false, false);
+        row("the worker hangs on page 2", true, false);
+        // The worker that reads then is to end after its page: a hang still ends it.
+        row("the worker hangs on page 2 as the languages change", true, true);
     }
     void readsEveryPage()
     {
         QFETCH(bool, hangs);
-        // Far above a page's reading time, even in a sanitized build.
-        ReaderBench b("eng", hangs ? std::chrono::seconds(10) : TextReader::kPageTimeLimit);
+        QFETCH(bool, newLanguages);
+        // Far above a page's reading time, even in a sanitized build on a busy machine.
+        ReaderBench b("eng", hangs ? std::chrono::seconds(20) : TextReader::kPageTimeLimit);
         int kills = 0;
         connect(b.reader.get(), &TextReader::pageStarted, this, [&](int pageId, qint64 worker) {
             if (pageId == 2) {
+                if (newLanguages && kills == 0)
+                    b.reader->setWorker(workerCommand("eng"));
                 ++kills;
                 ::kill(pid_t(worker), hangs ? SIGSTOP : SIGKILL);
             }
