@@ -243,13 +243,7 @@ private slots:
 
     // A PDF kept as a shortcut shows its first page, drawn off the GUI thread and kept in
     // memory only; one that cannot be drawn delivers no tile, and the pane keeps its icon.
-    void pdfShortcutsShowTheirFirstPage_data()
-    {
-        columns<QString>({"kind"});
-        row("printed", QString("printed"));
-        for (const QString& kind : TestPdfs::refusedKinds())
-            row(qPrintable(kind), kind);
-    }
+    void pdfShortcutsShowTheirFirstPage_data() { TestPdfs::addKindRows(); }
     void pdfShortcutsShowTheirFirstPage()
     {
         QFETCH(QString, kind);

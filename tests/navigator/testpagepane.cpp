@@ -252,13 +252,7 @@ private slots:
 
     // A PDF shortcut's tile is its first page once that is drawn; a PDF that cannot be drawn
     // keeps its type's icon in the middle of the tile, without a message.
-    void pdfShortcutTiles_data()
-    {
-        columns<QString>({"kind"});
-        row("printed", QString("printed"));
-        for (const QString& kind : TestPdfs::refusedKinds())
-            row(qPrintable(kind), kind);
-    }
+    void pdfShortcutTiles_data() { TestPdfs::addKindRows(); }
     void pdfShortcutTiles()
     {
         QFETCH(QString, kind);

@@ -1,10 +1,11 @@
-#include "tests/support/testpdfs.h"
-
 #include <QFile>
 #include <QPageSize>
 #include <QPainter>
 #include <QPdfWriter>
 #include <QRandomGenerator>
+
+#include "tests/support/datarow.h"
+#include "tests/support/testpdfs.h"
 
 namespace qmr::test {
 
@@ -111,6 +112,14 @@ bool TestPdfs::refused(const QString& kind, const QString& path)
     if (kind == QLatin1String("empty file"))
         return write(path, QByteArray());
     return false;
+}
+
+void TestPdfs::addKindRows()
+{
+    columns<QString>({"kind"});
+    row("printed", QStringLiteral("printed"));
+    for (const QString& kind : refusedKinds())
+        row(qPrintable(kind), kind);
 }
 
 bool TestPdfs::write(const QString& path, const QByteArray& bytes)

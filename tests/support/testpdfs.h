@@ -29,6 +29,8 @@ public:
     // "garbage", "no pages" and "empty file" (no bytes at all).
     static QStringList refusedKinds();
     static bool refused(const QString& kind, const QString& path);
+    // The data column "kind" of a test over every kind: "printed", then each refused one.
+    static void addKindRows();
 
 private:
     // A PDF of these objects (numbered from 1; the first is the catalog) with a correct

@@ -77,13 +77,7 @@ class TestPdfText : public QObject
 {
     Q_OBJECT
 private slots:
-    void wordsOfTheTextLayer_data()
-    {
-        columns<QString>({"kind"});
-        row("printed", QString("printed"));
-        for (const QString& kind : TestPdfs::refusedKinds())
-            row(qPrintable(kind), kind);
-    }
+    void wordsOfTheTextLayer_data() { TestPdfs::addKindRows(); }
     void wordsOfTheTextLayer()
     {
         QFETCH(QString, kind);
