@@ -20,6 +20,11 @@ private slots:
                                                        << "Emma" << -1;
         QTest::newRow("accented after plain") << "école"
                                               << "Ecole" << 1;
+        // Where code-point order says the opposite: a capital stands before every small letter.
+        QTest::newRow("capital of a later letter") << "B"
+                                                   << "a" << 1;
+        QTest::newRow("small of an earlier letter") << "a"
+                                                    << "B" << -1;
     }
     void compareNames()
     {

@@ -1,0 +1,114 @@
+#include <QTest>
+
+#include "core/findcriteria.h"
+#include "core/findrecord.h"
+#include "tests/support/datarow.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::columns;
+using test::row;
+
+class TestFindCriteria : public QObject
+{
+    Q_OBJECT
+private slots:
+    // Which ranges of the dialog's record count. A range is set on a fresh record; the others
+    // keep their defaults and must not count.
+    void ranges_data()
+    {
+        columns<QString, QString, QString, bool>({"range", "from", "thru", "counts"});
+        row("the defaults", QString(), QString(), QString(), false);
+        row("amount", QString("amount"), QString("5"), QString("10.5"), true);
+        row("amount of one value", QString("amount"), QString("7"), QString("7"), true);
+        row("amount from 0", QString("amount"), QString("0"), QString("10"), true);
+        row("amount 0 to 0", QString("amount"), QString("0"), QString("0"), false);
+        row("amount the wrong way", QString("amount"), QString("10"), QString("5"), false);
+        row("size", QString("size"), QString("100"), QString("2000"), true);
+        row("size 0 to 0", QString("size"), QString("0"), QString("0"), false);
+        row("size the wrong way", QString("size"), QString("2000"), QString("100"), false);
+        row("document date", QString("doc"), QString("2021-03-01"), QString("2021-03-31"), true);
+        row("document date of one day", QString("doc"), QString("2021-03-15"),
+            QString("2021-03-15"), true);
+        row("document date the wrong way", QString("doc"), QString("2021-03-31"),
+            QString("2021-03-01"), false);
+        row("document date not a date", QString("doc"), QString("2021-02-30"),
+            QString("2021-03-01"), false);
+        row("document date from the default on", QString("doc"), QString("1901-01-01"),
+            QString("2021-03-01"), true);
+        row("scan date of one day", QString("scan"), QString("2021-03-15"), QString("2021-03-15"),
+            true);
+        row("scan date the default pair", QString("scan"), QString("1901-01-01"),
+            QString("2099-12-31"), false);
+        row("scan date the wrong way", QString("scan"), QString("2021-03-31"),
+            QString("2021-03-01"), false);
+    }
+    void ranges()
+    {
+        QFETCH(QString, range);
+        QFETCH(QString, from);
+        QFETCH(QString, thru);
+        QFETCH(bool, counts);
+        FindRecord record;
+        record.initFindDefaults();
+        QCOMPARE(record.scanFrom, record.defaultFrom);
+        QCOMPARE(record.docThru, record.defaultThru);
+        const QDate dateFrom = QDate::fromString(from, Qt::ISODate);
+        const QDate dateThru = QDate::fromString(thru, Qt::ISODate);
+        if (range == "amount") {
+            record.amountFrom = from.toDouble();
+            record.amountThru = thru.toDouble();
+        } else if (range == "size") {
+            record.fileSizeFrom = from.toInt();
+            record.fileSizeThru = thru.toInt();
+        } else if (range == "doc") {
+            record.docFrom = dateFrom;
+            record.docThru = dateThru;
+        } else if (range == "scan") {
+            record.scanFrom = dateFrom;
+            record.scanThru = dateThru;
+        }
+        const FindCriteria c = FindCriteria::fromRecord(record, 12);
+        QCOMPARE(c.folderId, 12);
+        QCOMPARE(c.needsPages(), counts);
+        QCOMPARE(bool(c.amount), counts && range == "amount");
+        QCOMPARE(bool(c.pages.fileSize), counts && range == "size");
+        QCOMPARE(bool(c.documentDate), counts && range == "doc");
+        QCOMPARE(bool(c.pages.scanDate), counts && range == "scan");
+        if (c.amount)
+            QCOMPARE(*c.amount, (ValueRange<double>{from.toDouble(), thru.toDouble()}));
+        if (c.pages.fileSize)
+            QCOMPARE(*c.pages.fileSize, (ValueRange<qint64>{from.toLongLong(), thru.toLongLong()}));
+        if (c.documentDate)
+            QCOMPARE(*c.documentDate, (ValueRange<QDate>{dateFrom, dateThru}));
+        if (c.pages.scanDate)
+            QCOMPARE(*c.pages.scanDate, (ValueRange<QDate>{dateFrom, dateThru}));
+    }
+
+    // How the keywords are cut into the pieces a name is searched for.
+    void keywordPieces_data()
+    {
+        columns<QString, int, QStringList>({"keywords", "matchAny", "pieces"});
+        row("words", QString("gas  bill "), 1, QStringList{"gas", "bill"});
+        row("blanks only", QString("   "), 1, QStringList{});
+        row("all words as one piece", QString("gas  bill"), 0, QStringList{"gas  bill"});
+        row("nothing as one piece", QString(), 0, QStringList{});
+    }
+    void keywordPieces()
+    {
+        QFETCH(QString, keywords);
+        QFETCH(int, matchAny);
+        QFETCH(QStringList, pieces);
+        FindRecord record;
+        record.initFindDefaults();
+        record.keywords = keywords;
+        record.matchAny = matchAny;
+        const FindCriteria c = FindCriteria::fromRecord(record, 0);
+        QCOMPARE(c.match, matchAny ? KeywordMatch::AnyWord : KeywordMatch::AllWords);
+        QCOMPARE(c.keywordPieces(), pieces);
+        QVERIFY(!c.needsPages());
+    }
+};
+
+QMR_TEST(TestFindCriteria)
+#include "testfindcriteria.moc"
