@@ -438,6 +438,13 @@ private slots:
         QVERIFY(h.combo("cboFolder")->isEnabled());
         h.select("cboFolder", "Savings", true);
         QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("1:1:2"));
+        // The drawer back to "(All)": the folder follows, disabled; then the drawer again.
+        h.select("cboDrawer", "(All)", true);
+        QCOMPARE(items(h.combo("cboFolder")), QStringList{"(All)"});
+        QVERIFY(!h.combo("cboFolder")->isEnabled());
+        h.select("cboDrawer", "Bank", true);
+        h.select("cboFolder", "Savings", true);
+        QCOMPARE(h.child<QLabel>("lblDebug")->text(), QString("1:1:2"));
 
         // Another cabinet: one level per poll, so the drawer and folder ids follow later.
         h.select("cboCabinet", "Office", true);

@@ -118,11 +118,33 @@ private slots:
         QCOMPARE(items.fields(Level::Document, doc)->dateOnDocument, QDate(2026, 1, 2));
         QCOMPARE(items.fields(Level::Drawer, drw)->name, QStringLiteral("D"));
         QCOMPARE(items.manifest(Level::Cabinet, cab).name, QStringLiteral("C"));
+        QCOMPARE(items.manifest(Level::Folder, 777).id, -1);
+        // A document's manifest holds its date and amount when it has them, and only then.
+        const qint32 undated = store.document(fld, "Undated");
+        items.setDocumentManifest(doc, QDate(2026, 1, 3), "Gas", 12.5);
+        const ItemManifest dated = items.manifest(Level::Document, doc);
+        QCOMPARE(dated.dateOnDocument, std::optional<QDate>(QDate(2026, 1, 3)));
+        QCOMPARE(dated.amount, std::optional<double>(12.5));
+        QCOMPARE(dated.description, std::optional<QString>("Gas"));
+        store.db().execute("UPDATE Document SET DateOnDocument = NULL, Amount = NULL WHERE "
+                           "DocumentId = ?",
+                           {undated});
+        QVERIFY(!items.manifest(Level::Document, undated).dateOnDocument);
+        QVERIFY(!items.manifest(Level::Document, undated).amount);
         const PageStore pages(store.db());
         QVERIFY(!pages.page(pag)->hasFileSize);
         store.db().execute("UPDATE Page SET FileSize = 0 WHERE PageId = ?", {pag});
         QVERIFY(pages.page(pag)->hasFileSize);
         QVERIFY(!pages.page(9999));
+        QCOMPARE(pages.page(pag)->fileType, QStringLiteral("JPG"));
+        // Neighbours in page order: by number, then by id among equal numbers.
+        const qint32 twin = store.pageRow(doc, 1), last = store.pageRow(doc, 2);
+        QCOMPARE(pages.previousPageId(doc, 2, last), twin);
+        QCOMPARE(pages.previousPageId(doc, 1, twin), pag);
+        QCOMPARE(pages.previousPageId(doc, 1, pag), -1);
+        QCOMPARE(pages.nextPageId(doc, 1, pag), last);
+        QCOMPARE(pages.nextPageId(doc, 2, last), -1);
+        store.db().execute("DELETE FROM Page WHERE PageId IN (?, ?)", {twin, last});
         QCOMPARE(pages.pagesInRange(doc, 1, 1).size(), 1);
         const Recordset rs = store.db().openRecordset("SELECT Name FROM Cabinet", {});
         QVERIFY_THROWS_EXCEPTION(StoreError, rs.value(rs.recordCount(), 0));
