@@ -1,0 +1,81 @@
+#include <QTest>
+
+#include "core/imageresolution.h"
+#include "tests/support/datarow.h"
+#include "tests/support/testrunner.h"
+
+using namespace qmr;
+using test::columns;
+using test::row;
+
+namespace {
+
+QByteArray be(quint32 value, int bytes)
+{
+    QByteArray b;
+    for (int i = bytes - 1; i >= 0; --i)
+        b += char((value >> (8 * i)) & 0xFF);
+    return b;
+}
+
+// A JPEG head: the start marker, one segment of `marker` holding `data`, then the picture.
+QByteArray jpeg(quint8 marker, const QByteArray& data, bool whole = true)
+{
+    QByteArray b("\xFF\xD8", 2);
+    b += char(0xFF);
+    b += char(marker);
+    b += be(quint32(data.size() + 2), 2);
+    b += data;
+    if (!whole)
+        return b.left(b.size() - 4); // a file that stops inside the segment
+    return b + QByteArray("\xFF\xDA", 2);
+}
+
+QByteArray jfif(int units, int x, int y)
+{
+    return QByteArray("JFIF\0\x01\x02", 7) + char(units) + be(quint32(x), 2) + be(quint32(y), 2) +
+           QByteArray(2, '\0');
+}
+
+QByteArray png(int unit, quint32 x, quint32 y)
+{
+    const QByteArray phys = be(x, 4) + be(y, 4) + char(unit);
+    return QByteArray("\x89PNG\r\n\x1A\n", 8) + be(13, 4) + "IHDR" + QByteArray(13, '\1') +
+           be(0, 4) + be(9, 4) + "pHYs" + phys + be(0, 4) + be(0, 4) + "IDAT" + be(0, 4);
+}
+
+} // namespace
+
+class TestImageResolution : public QObject
+{
+    Q_OBJECT
+private slots:
+    // The resolution a page file's header states, read from its bytes.
+    void header_data()
+    {
+        columns<QByteArray, bool, int, int>({"head", "known", "x", "y"});
+        row("JPEG in dots per inch", jpeg(0xE0, jfif(1, 300, 200)), true, 300, 200);
+        row("JPEG in dots per centimetre", jpeg(0xE0, jfif(2, 118, 47)), true, 300, 119);
+        row("JPEG stating only the aspect", jpeg(0xE0, jfif(0, 1, 1)), true, 0, 0);
+        row("JPEG without a JFIF segment", jpeg(0xE1, jfif(1, 300, 300)), true, 0, 0);
+        row("JPEG whose JFIF segment is cut short", jpeg(0xE0, jfif(1, 300, 300), false), true, 0,
+            0);
+        row("PNG per metre", png(1, 11811, 3937), true, 300, 100);
+        row("PNG stating only the aspect", png(0, 2, 1), true, 0, 0);
+        row("neither", QByteArray("GIF89a"), false, 0, 0);
+    }
+    void header()
+    {
+        QFETCH(QByteArray, head);
+        QFETCH(bool, known);
+        QFETCH(int, x);
+        QFETCH(int, y);
+        FileResolution result{7, 7};
+        QCOMPARE(ImageResolution::readHeader(head, result), known);
+        QCOMPARE(result.x, x);
+        QCOMPARE(result.y, y);
+    }
+};
+
+QMR_TEST(TestImageResolution)
+#include "testimageresolution.moc"
