@@ -63,9 +63,11 @@ void TextReading::refresh()
     }
     m_again = false;
     m_found.reset();
-    m_look =
-        QThread::create([this, storePath = m_db.path(), indexPath = m_index.path(),
-                         paths = m_paths] { m_found = lookOver(storePath, indexPath, paths); });
+    // The stop flag goes along: the run's end must not wait for every page file of a slow disk.
+    m_look = QThread::create(
+        [this, storePath = m_db.path(), indexPath = m_index.path(), paths = m_paths] {
+            m_found = lookOver(storePath, indexPath, paths, &m_stop);
+        });
     connect(m_look, &QThread::finished, this, &TextReading::takeLook);
     m_look->start(QThread::LowPriority);
 }

@@ -1,6 +1,7 @@
 #include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
 #include <QSignalSpy>
@@ -188,6 +189,47 @@ private slots:
         QCOMPARE(found("northwind"), QList<qint32>{});
         QCOMPARE(found("receipt"), (QList<qint32>{pages.at(1), letterPage}));
         QCOMPARE(failed.size(), 0);
+    }
+
+    // The run ends during a look over many pages: the look stops at once instead of looking at
+    // every page's file first (on a slow disk that is as long as the disk takes).
+    void endingDuringALook()
+    {
+        TestHome home;
+        FixtureStore store(home.home());
+        const qint32 document = store.document(
+            store.folder(store.drawer(store.cabinet("Home"), "Bills"), "Gas"), "Winter");
+        store.db().execute(
+            "WITH RECURSIVE n(i) AS (SELECT 1 UNION ALL SELECT i + 1 FROM n WHERE i < 150000) "
+            "INSERT INTO Page (DocumentId, Name, PageNumber, ScanDate, Filetype) "
+            "SELECT ?, '', i, '2026-03-14 09:30:00', 'JPG' FROM n",
+            {document});
+        const PagePaths paths(home.home());
+        const QString indexPath = [&] {
+            TextIndex index(home.path());
+            index.open();
+            return index.path();
+        }();
+        QElapsedTimer clock;
+        clock.start();
+        const auto whole = TextReading::lookOver(store.db().path(), indexPath, paths);
+        const qint64 wholeLook = clock.elapsed();
+        QVERIFY(whole.ok());
+        QCOMPARE(whole.value().toRead.size(), 150000);
+
+        auto reading = std::make_unique<TextReading>(
+            store.db(), paths, "eng",
+            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
+        QVERIFY(reading->start().ok());
+        reading->refresh();
+        clock.restart();
+        reading.reset();
+        const qint64 ending = clock.elapsed();
+        // Stopped, the look has read one block of pages at most: far less than all of them.
+        QVERIFY2(
+            ending * 5 < wholeLook,
+            qPrintable(
+                QString("ended in %1 ms, a whole look takes %2 ms").arg(ending).arg(wholeLook)));
     }
 
     // Pages found by their text come back as their documents, in the order of their names; a
