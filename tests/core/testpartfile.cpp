@@ -67,7 +67,8 @@ private slots:
         PartFile part(target);
         QVERIFY2(part.open(), qPrintable(part.errorString()));
         QVERIFY(part.partPath().startsWith(target + '.'));
-        QVERIFY(part.write("new", 3));
+        QVERIFY(part.write("n", 1)); // a write of one byte as well
+        QVERIFY(part.write("ew", 2));
         const PartFile::Placed result =
             part.place(replace ? PartFile::Placing::Replace : PartFile::Placing::NoReplace, false);
         QCOMPARE(readFile(outside), QByteArray("secret"));

@@ -363,6 +363,23 @@ private slots:
         QCOMPARE(nowhere.kind, FileOutcome::Kind::WriteFailed);
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files),
                  QStringList({"source.bin", "target.bin"}));
+        // Into the store: through memory with the bytes handed back, or copied when no place
+        // for them is given; a file standing there is left alone; no handle stays open.
+        const auto openHandles = [] {
+            return QDir("/proc/self/fd").entryList(QDir::AllEntries | QDir::System).size();
+        };
+        const int handles = openHandles();
+        QTemporaryDir store;
+        const QString pages = store.path();
+        QByteArray held;
+        QVERIFY(fs.copyIntoStore(source, pages + "/1.jpg", &held).ok());
+        QCOMPARE(held, big);
+        QVERIFY(fs.copyIntoStore(source, pages + "/2.jpg").ok());
+        QCOMPARE(ExchangeFixture::readBytes(pages + "/2.jpg"), big);
+        QCOMPARE(fs.copyIntoStore(target, pages + "/1.jpg", &held).kind,
+                 FileOutcome::Kind::TargetExists);
+        QCOMPARE(ExchangeFixture::readBytes(pages + "/1.jpg"), big);
+        QCOMPARE(openHandles(), handles);
         // Names come sorted without regard to case; hidden files and copies left unfinished
         // by a crash are no files of the directory.
         ExchangeFixture::writeBytes(dir.filePath("B.txt"), "");
