@@ -225,6 +225,7 @@ private slots:
         row("anchored start, ascii", "Bill for Miller", "miller%", "", 0);
         row("anchored start", "Bill for Müller", "müller%", "", 0);
         row("percent backtracks", "äaäab", "%äab", "", 1);
+        row("half a match is no match", "Tabs to Texas für Ärzte", "%tax%", "", 0);
         row("percent at the end", "Ölpreis", "öl%%", "", 1);
         row("escaped percent", "10% Rabatt für Ärzte", "10\\%%ärzte", "\\", 1);
         row("escaped percent is literal", "100 Ärzte", "10\\%%ärzte", "\\", 0);
