@@ -125,17 +125,18 @@ private slots:
         QByteArray binary(70000, '\0');
         for (int i = 0; i < binary.size(); ++i)
             binary[i] = char((i * 7 + i / 256) % 256);
-        const QList<QPair<QString, QByteArray>> files = {
-            {"page.jpg", jpeg.readAll()},
-            {"letter.pdf", writeFile(dir, "letter.pdf", "%PDF-1.4\n" + binary)},
-            {"notes.txt", writeFile(dir, "notes.txt", "plain notes\n")},
-            {QString::fromUtf8("Übersicht \"März\".jpg"),
-             writeFile(dir, QString::fromUtf8("Übersicht \"März\".jpg"), binary.left(1000))}};
+        const QString odd = QString::fromUtf8("Übersicht \"März\".jpg");
+        // Name, bytes and the type that goes with the name.
+        const QList<std::tuple<QString, QByteArray, QByteArray>> files = {
+            {"page.jpg", jpeg.readAll(), "image/jpeg"},
+            {"letter.pdf", writeFile(dir, "letter.pdf", "%PDF-1.4\n" + binary), "application/pdf"},
+            {"notes.txt", writeFile(dir, "notes.txt", "plain notes\n"), "text/plain"},
+            {odd, writeFile(dir, odd, binary.left(1000)), "image/jpeg"}};
         MailMessage m;
         m.to = "you@example.org";
         m.body = "Here they are";
-        for (const auto& [name, bytes] : files)
-            m.attachments << dir.filePath(name);
+        for (const auto& file : files)
+            m.attachments << dir.filePath(std::get<0>(file));
         std::optional<MailFailure> failure;
         const test::ParsedMessage parsed(MimeMessage::build(m, &failure));
         QVERIFY(!failure);
@@ -143,21 +144,17 @@ private slots:
         QCOMPARE(parsed.parts.size(), 5);
         QCOMPARE(parsed.parts[0].headers.value("content-type"),
                  QByteArray("text/plain; charset=UTF-8"));
-        const QList<QByteArray> types = {"image/jpeg", "application/pdf", "text/plain",
-                                         "image/jpeg"};
         for (int i = 0; i < files.size(); ++i) {
+            const auto& [name, bytes, type] = files[i];
             const auto& part = parsed.parts[i + 1];
-            const QString name = files[i].first;
-            QVERIFY2(part.headers.value("content-type").startsWith(types[i] + "; name="),
+            QVERIFY2(part.headers.value("content-type").startsWith(type + "; name="),
                      part.headers.value("content-type").constData());
             QCOMPARE(part.headers.value("content-transfer-encoding"), QByteArray("base64"));
-            QCOMPARE(QByteArray::fromBase64(part.body), files[i].second);
-            const QByteArray disposition = part.headers.value("content-disposition");
-            if (i < 3)
-                QCOMPARE(disposition, "attachment; filename=\"" + name.toUtf8() + "\"");
-            else
-                QCOMPARE(disposition,
-                         "attachment; filename*=UTF-8''" + name.toUtf8().toPercentEncoding());
+            QCOMPARE(QByteArray::fromBase64(part.body), bytes);
+            QCOMPARE(part.headers.value("content-disposition"),
+                     "attachment; filename" + (name == odd
+                                                   ? "*=UTF-8''" + name.toUtf8().toPercentEncoding()
+                                                   : "=\"" + name.toUtf8() + '"'));
             for (const QByteArray& line : part.body.split('\n'))
                 QVERIFY(line.size() <= 78);
         }

@@ -150,11 +150,11 @@ struct ScanHarness : CommandHarness<ScriptedPrompter, PressableProgress>, ScanFi
         QImageReader reader(pagePath(row));
         return reader.format() == "jpeg" ? reader.read() : QImage();
     }
-    // The file of the first page of the document from `from` on that is missing or no JPEG;
-    // "" when all are whole.
-    QString brokenPage(qint32 documentId, int from = 0) const
+    // The file of the first page of the document that is missing or no JPEG; "" when all are
+    // whole.
+    QString brokenPage(qint32 documentId) const
     {
-        for (const PageRow& row : pages(documentId).mid(from))
+        for (const PageRow& row : pages(documentId))
             if (pageImage(row).isNull())
                 return pagePath(row);
         return QString();

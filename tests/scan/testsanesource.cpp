@@ -185,10 +185,8 @@ private slots:
         row("grey", gray, "", QVariant(), "Gray", "8", grey);
         row("line art", ScanColour::LineArt, "", QVariant(), "Gray", "1", QImage::Format_Mono);
         row("grey, 16 bits", gray, "depth", QVariant(16), "Gray", "16", grey);
-        row("colour, 16 bits", colour, "depth", QVariant(16), "Color", "16", rgb);
         row("three passes", colour, "three-pass", QVariant(true), "Color", "8", rgb);
         row("wasted pixels, grey", gray, "ppl-loss", QVariant(7), "Gray", "8", grey);
-        row("wasted pixels, colour", colour, "ppl-loss", QVariant(3), "Color", "8", rgb);
         row("small reads", colour, "read-limit", QVariant(true), "Color", "8", rgb);
         row("hand scanner", gray, "hand-scanner", QVariant(true), "Gray", "8", grey);
     }
@@ -225,21 +223,23 @@ private slots:
         QCOMPARE(image.size(), expected.size());
         // 16-bit samples are cut to their high byte here and rounded by the file reader.
         const int tolerance = option == QLatin1String("depth") ? 1 : 0;
+        int worst = 0; // the largest difference of a sample
         for (int y = 0; y < image.height(); ++y)
-            for (int x = 0; x < image.width(); ++x) {
-                const QRgb a = image.pixel(x, y), b = expected.pixel(x, y);
-                if (qAbs(qRed(a) - qRed(b)) > tolerance ||
-                    qAbs(qGreen(a) - qGreen(b)) > tolerance ||
-                    qAbs(qBlue(a) - qBlue(b)) > tolerance)
-                    QFAIL(qPrintable(QStringLiteral("pixel %1,%2 differs").arg(x).arg(y)));
-            }
+            for (int x = 0; x < image.width(); ++x)
+                for (const int shift : {0, 8, 16})
+                    worst = qMax(worst, qAbs(int(image.pixel(x, y) >> shift & 0xff) -
+                                             int(expected.pixel(x, y) >> shift & 0xff)));
+        QVERIFY2(worst <= tolerance, qPrintable(QString::number(worst)));
     }
 
     // The feeder reads every sheet until it is empty (the test device holds ten); without it,
-    // one page. A device that fails says why; the pages read before stay.
-    void feeder_data()
+    // one page. A device that fails says why; the pages read before stay. Cancel in the middle
+    // of a sheet stops the device at once; between two sheets the next one is not read; either
+    // way the device is free again for the next scan.
+    void runs_data()
     {
-        // failAfter: pages read before the device is told to fail with `code`; -1 at open.
+        // failAfter: pages read before the device is told to fail with `code` (-1: at open), or
+        // before Cancel: "cancel" in the middle of the next sheet, "cancel between" after it.
         columns<QString, bool, QString, int, QString, int>(
             {"device", "feeder", "code", "failAfter", "status", "pages"});
         const char* jammed = "Document feeder jammed";
@@ -251,8 +251,10 @@ private slots:
         row("cover open", "test:0", true, "SANE_STATUS_COVER_OPEN", 1, "Scanner cover is open", 1);
         row("input and output", "test:0", true, "SANE_STATUS_IO_ERROR", 0,
             "Error during device I/O", 0);
+        row("cancelled in the middle of a sheet", "test:0", true, "cancel", 2, "", 2);
+        row("cancelled between two sheets", "test:0", true, "cancel between", 4, "", 4);
     }
-    void feeder()
+    void runs()
     {
         QFETCH(QString, device);
         QFETCH(bool, feeder);
@@ -260,59 +262,43 @@ private slots:
         QFETCH(int, failAfter);
         QFETCH(QString, status);
         QFETCH(int, pages);
-        test::SaneTestBackend backend({kPicture});
+        const bool midSheet = code == QLatin1String("cancel");
+        const bool cancel = code.startsWith(QLatin1String("cancel"));
+        const bool fails = !code.isEmpty() && !cancel;
+        // With Cancel a sheet takes half a second to come.
+        test::SaneTestBackend backend(
+            cancel ? QStringList{kPicture, "read-delay true", "read-delay-duration 50000"}
+                   : QStringList{kPicture});
         SaneSource source;
-        ScanRequest r = request(ScanColour::Colour, 30, feeder);
+        ScanRequest r = request(ScanColour::Colour, midSheet ? 75 : cancel ? 20 : 30, feeder);
         r.device = device;
-        const bool fails = !code.isEmpty();
         const Scan scan = runScan(
             source, r, fails && failAfter == 0 ? Options{{"read-return-value", code}} : Options(),
-            0, [&](int read) {
+            midSheet ? pages + 1 : 0, [&](int read) {
                 if (fails && read == failAfter)
                     source.setOption(QStringLiteral("read-return-value"), code);
+                if (cancel && !midSheet && read == pages)
+                    source.cancel();
             });
         QVERIFY(scan.ended);
-        QCOMPARE(scan.end.reason, status.isEmpty() ? Reason::Done : Reason::Failed);
+        QCOMPARE(scan.end.reason, !status.isEmpty() ? Reason::Failed
+                                  : cancel          ? Reason::Cancelled
+                                                    : Reason::Done);
         QCOMPARE(scan.end.status, status);
         QCOMPARE(scan.end.atOpen, failAfter < 0);
         QCOMPARE(scan.pages.size(), pages);
         for (const QImage& page : scan.pages)
             QVERIFY(!page.isNull());
-        if (failAfter < 0) {
+        if (!status.isEmpty())
             QCOMPARE(scan.end.device, device);
-            return;
+        if (failAfter >= 0) {
+            QCOMPARE(scan.setup.source, feeder ? QStringLiteral("Automatic Document Feeder")
+                                               : QStringLiteral("Flatbed"));
+            QCOMPARE(scan.setup.feeder, feeder);
+            QCOMPARE(scan.setup.duplex, false); // the test device cannot turn sheets over
         }
-        QCOMPARE(scan.setup.source,
-                 feeder ? QStringLiteral("Automatic Document Feeder") : QStringLiteral("Flatbed"));
-        QCOMPARE(scan.setup.feeder, feeder);
-        QCOMPARE(scan.setup.duplex, false); // the test device cannot turn sheets over
-        if (fails)
-            QCOMPARE(scan.end.device, device);
-    }
-
-    // Cancel in the middle of a sheet stops the device at once; between two sheets the next
-    // one is not read. Either way the device is free again for the next scan.
-    void cancel_data()
-    {
-        columns<bool, int>({"midSheet", "pages"});
-        row("in the middle of a sheet", true, 2);
-        row("between two sheets", false, 4);
-    }
-    void cancel()
-    {
-        QFETCH(bool, midSheet);
-        QFETCH(int, pages);
-        // A sheet takes half a second to come.
-        test::SaneTestBackend backend({kPicture, "read-delay true", "read-delay-duration 50000"});
-        SaneSource source;
-        const Scan scan = runScan(source, request(ScanColour::Colour, midSheet ? 75 : 20, true), {},
-                                  midSheet ? pages + 1 : 0, [&](int read) {
-                                      if (!midSheet && read == pages)
-                                          source.cancel();
-                                  });
-        QVERIFY(scan.ended);
-        QCOMPARE(scan.end.reason, Reason::Cancelled);
-        QCOMPARE(scan.pages.size(), pages);
+        if (!cancel)
+            return;
         if (midSheet) {
             QVERIFY(scan.cancelledAt > 0);
             QVERIFY2(scan.endedAt - scan.cancelledAt < 300,
