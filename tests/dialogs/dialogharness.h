@@ -4,19 +4,10 @@
 #include <QLineEdit>
 #include <QPlainTextEdit>
 #include <QTabWidget>
-#include <memory>
 
-#include "core/progress.h"
-#include "core/viewsettings.h"
 #include "dialogs/itemdialog.h"
-#include "store/schema.h"
-#include "store/session.h"
 #include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/navrecorder.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 
 namespace qmr::test {
 

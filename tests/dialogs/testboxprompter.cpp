@@ -41,14 +41,11 @@ private slots:
         row("ok", B::Ok, SB::Ok, A::Ok);
         row("yes", B::YesNo, SB::Yes, A::Yes);
         row("no", B::YesNo, SB::No, A::No);
-        row("yes of three", B::YesNoCancel, SB::Yes, A::Yes);
-        row("no of three", B::YesNoCancel, SB::No, A::No);
         row("cancel", B::YesNoCancel, SB::Cancel, A::Cancel);
         row("save", B::SaveDiscardCancel, SB::Save, A::Yes);
         row("discard", B::SaveDiscardCancel, SB::Discard, A::No);
         row("closing the box is the mildest answer", B::YesNoCancel, Close, A::Cancel);
         row("enter, yes/no/cancel, default no", B::YesNoCancel, Enter, A::No, int(A::No));
-        row("enter, yes/no, default no", B::YesNo, Enter, A::No, int(A::No));
         row("enter, yes/no/cancel, default cancel", B::YesNoCancel, Enter, A::Cancel,
             int(A::Cancel));
         row("enter, yes/no/cancel, plain", B::YesNoCancel, Enter, A::Yes);

@@ -7,20 +7,11 @@
 #include <memory>
 
 #include "core/pagenotifier.h"
-#include "core/progress.h"
-#include "core/runstate.h"
-#include "core/viewsettings.h"
 #include "filing/itemmover.h"
 #include "filing/moveview.h"
 #include "filing/pagefileadder.h"
-#include "store/commandcontext.h"
-#include "store/schema.h"
-#include "store/session.h"
+#include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/navrecorder.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 
 namespace qmr::test {
 
@@ -87,19 +78,12 @@ private:
 // The sample store of FixtureStore with the moves' plain classes on it and no window:
 // the navigator, the view and the notifier record what they are told. Files from outside
 // are made in `outside`.
-struct MoveBench
+struct MoveBench : CommandHarness<>
 {
-    TestHome home;
-    ScriptedPrompter prompter;
-    ScriptedChoosers choosers;
-    SilentProgress silent;
-    std::unique_ptr<Session> session;
-    RunState state;
-    std::unique_ptr<ViewSettings> view;
-    NavRecorder navigator;
+    NavRecorder& navigator = nav;
     RecordingMoveView moves;
     RecordingNotifier notices;
-    std::unique_ptr<CommandContext> context;
+    CommandContext* context = nullptr; // the moves' own, with the notifier on it
     std::unique_ptr<PageFileAdder> files;
     std::unique_ptr<ItemMover> mover;
     QTemporaryDir outside;
@@ -107,12 +91,9 @@ struct MoveBench
     explicit MoveBench(Progress* progress = nullptr)
     {
         FixtureStore(home.home()).fillSample();
-        session = std::make_unique<Session>(home.home(), home.settings());
-        StoreSchema::openDatabase(session->db(), home.home());
-        view = std::make_unique<ViewSettings>(home.settings());
-        context = std::make_unique<CommandContext>(CommandContext{
-            *session, state, prompter, choosers, progress ? *progress : silent, *view});
-        context->navigator = &navigator;
+        openSession();
+        CommandHarness::context(progress);
+        context = &contexts.back();
         context->pageNotifier = &notices;
         files = std::make_unique<PageFileAdder>(*context);
         mover = std::make_unique<ItemMover>(*context, *files, &moves);

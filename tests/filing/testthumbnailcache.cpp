@@ -149,18 +149,28 @@ private slots:
         QVERIFY(qGreen(now) > 200 && qRed(now) < 60);
     }
 
-    void readsGoToThePoolWithoutABudget()
+    // A page asked for twice is made once; without a budget, a thumbnail on disk is read in
+    // the pool too; and a shortcut asks for nothing, its block done at once.
+    void madeOnceAndReadInThePool()
     {
-        CacheBench b({0, 0});
-        const auto page = b.page(1, QSize(300, 300));
+        CacheBench b({2, 0});
+        const auto page = b.page(1, QSize(1200, 1600));
         QVERIFY(b.cache.request({page}).isEmpty());
+        QVERIFY(b.cache.request({page}).isEmpty()); // paged away and back while being made
         QVERIFY(b.waitForBlock());
+        QTest::qWait(50);
+        QCOMPARE(b.ready.size(), 1);
+        QCOMPARE(QImage(page.thumbPath).size(), QSize(100, 100));
         b.cache.clearMemory();
         QVERIFY(b.cache.request({page}).isEmpty());
         QVERIFY(b.waitForBlock());
         QCOMPARE(b.ready.size(), 2);
         // From memory, the second time, however small the budget.
         QCOMPARE(b.cache.request({page}).size(), 1);
+        const qsizetype blocks = b.done.size();
+        QVERIFY(b.cache.request({{2, b.dir.filePath("letter.pdf"), QString()}}).isEmpty());
+        QCOMPARE(b.cache.outstanding(), 0);
+        QCOMPARE(b.done.size(), blocks + 1);
     }
 
     void pagingAwayDropsWorkNoLongerShown()
@@ -188,18 +198,6 @@ private slots:
         for (int i = 0; i < 29; ++i)
             made += QFile::exists(first.at(i).thumbPath);
         QVERIFY2(made <= 2, qPrintable(QString::number(made)));
-    }
-
-    void aPageAskedForTwiceIsMadeOnce()
-    {
-        CacheBench b({2});
-        const auto page = b.page(1, QSize(1200, 1600));
-        b.cache.request({page});
-        b.cache.request({page}); // paged away and back while it was being made
-        QVERIFY(b.waitForBlock());
-        QTest::qWait(50);
-        QCOMPARE(b.ready.size(), 1);
-        QCOMPARE(QImage(page.thumbPath).size(), QSize(100, 100));
     }
 
     void aThumbnailMadeElsewhereIsWaitedFor_data()
@@ -305,54 +303,13 @@ private slots:
         QVERIFY(b.waitForBlock());
     }
 
-    void shortcutsAskForNothing()
-    {
-        CacheBench b;
-        QVERIFY(b.cache.request({{1, b.dir.filePath("letter.pdf"), QString()}}).isEmpty());
-        QCOMPARE(b.cache.outstanding(), 0);
-        QCOMPARE(b.done.size(), 1);
-    }
-
-    // The tiles themselves, as the maker draws them.
-    void tile_data()
-    {
-        columns<QSize, QSize>({"page", "reduced"});
-        row("landscape", QSize(2000, 1000), QSize(100, 50));
-        row("square", QSize(500, 500), QSize(100, 100));
-        row("portrait letter", QSize(850, 1100), QSize(77, 100));
-        row("tiny", QSize(10, 20), QSize(50, 100));
-        row("a sliver", QSize(3000, 2), QSize(100, 1));
-    }
-    void tile()
-    {
-        QFETCH(QSize, page);
-        QFETCH(QSize, reduced);
-        QTemporaryDir dir;
-        QImage image(page, QImage::Format_RGB32);
-        image.fill(Qt::black);
-        const QString src = dir.filePath("page.jpg");
-        QVERIFY(image.save(src, "JPG"));
-        const QString dst = dir.filePath("Thumbs/0000000/1.jpg");
-        QVERIFY(ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
-        QImage thumb(dst);
-        QCOMPARE(thumb.size(), QSize(100, 100));
-        // The page sits in the top left corner; the rest of the tile stays white.
-        QVERIFY(qGray(thumb.pixel(0, 0)) < 40);
-        if (reduced.width() < 96)
-            QVERIFY(qGray(thumb.pixel(99, 0)) > 215);
-        if (reduced.height() < 96)
-            QVERIFY(qGray(thumb.pixel(0, 99)) > 215);
-        QCOMPARE(ThumbnailMaker::reducedSize(page), reduced);
-    }
-
     void goneOrUnreadablePageLeavesNoThumbnail_data()
     {
         columns<QByteArray>({"content"}); // empty: no page file at all
         row("gone", QByteArray());
         row("not an image", QByteArray("this is no picture"));
+        // Which stated sizes are too large to open is the image loader's rule.
         row("JPEG too large to open", BigPictures::bomb());
-        row("PNG too large to open", BigPictures::pngStating(QSize(60000, 60000)));
-        row("BMP too tall to open", BigPictures::bmpStating(QSize(1, 200000)));
     }
     void goneOrUnreadablePageLeavesNoThumbnail()
     {
@@ -384,18 +341,24 @@ private slots:
         QCOMPARE(QDir(dir.filePath("Thumbs")).entryList(QDir::Files | QDir::Hidden).size(), 0);
     }
 
+    // The tiles as the maker draws them, from a file and from its contents alike.
     void everyWayToTheSameTile_data()
     {
-        columns<QString, QSize>({"format", "page"});
-        row("JPEG scan", QString("JPG"), QSize(1275, 1650));
-        row("BMP", QString("BMP"), QSize(300, 200));
+        columns<QString, QSize, QSize>({"format", "page", "reduced"});
+        row("JPEG scan", QString("JPG"), QSize(1275, 1650), QSize(77, 100));
+        row("landscape", QString("JPG"), QSize(2000, 1000), QSize(100, 50));
+        row("square", QString("JPG"), QSize(500, 500), QSize(100, 100));
+        row("tiny", QString("JPG"), QSize(10, 20), QSize(50, 100));
+        row("a sliver", QString("JPG"), QSize(3000, 2), QSize(100, 1));
+        row("BMP", QString("BMP"), QSize(300, 200), QSize(100, 67));
         // Larger than is read whole: the decoder reads the file itself.
-        row("BMP beyond the whole read", QString("BMP"), QSize(2400, 2400));
+        row("BMP beyond the whole read", QString("BMP"), QSize(2400, 2400), QSize(100, 100));
     }
     void everyWayToTheSameTile()
     {
         QFETCH(QString, format);
         QFETCH(QSize, page);
+        QFETCH(QSize, reduced);
         QTemporaryDir dir;
         // Left half dark, right half light: a reduction that loses its way shows.
         QImage image(page, QImage::Format_RGB32);
@@ -413,16 +376,23 @@ private slots:
 
         QImage fromFile;
         QImage fromData;
-        QVERIFY(ThumbnailMaker::makeThumbnail(src, dir.filePath("a.jpg"), dir.path(), &fromFile));
+        const QString dst = dir.filePath("Thumbs/0000000/1.jpg");
+        QVERIFY(ThumbnailMaker::makeThumbnail(src, dst, dir.path(), &fromFile));
         QVERIFY(ThumbnailMaker::makeThumbnailFromData(contents, dir.filePath("b.jpg"), dir.path(),
                                                       &fromData));
         QCOMPARE(fromFile, fromData);
-        // The tile handed back is the one written.
-        QCOMPARE(QImage(dir.filePath("a.jpg")).size(), fromFile.size());
-        const QSize reduced = ThumbnailMaker::reducedSize(page);
+        QCOMPARE(ThumbnailMaker::reducedSize(page), reduced);
         QCOMPARE(ThumbnailMaker::reducedImage(src).size(), reduced);
+        // The tile handed back is the one written: the page in the top left corner of a
+        // white 100 by 100 tile.
+        QCOMPARE(QImage(dst).size(), QSize(100, 100));
+        QCOMPARE(fromFile.size(), QSize(100, 100));
         QVERIFY(qGray(fromFile.pixel(reduced.width() / 4, reduced.height() / 2)) < 80);
         QVERIFY(qGray(fromFile.pixel(reduced.width() * 3 / 4, reduced.height() / 2)) > 200);
+        if (reduced.width() < 96)
+            QVERIFY(isWhite(fromFile.pixel(99, 0)));
+        if (reduced.height() < 96)
+            QVERIFY(isWhite(fromFile.pixel(0, 99)));
         // Contents that are no picture make nothing.
         QVERIFY(!ThumbnailMaker::makeThumbnailFromData("not a picture", dir.filePath("c.jpg")));
         QVERIFY(!QFile::exists(dir.filePath("c.jpg")));
@@ -495,6 +465,10 @@ private slots:
         row("prev", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
         row("last,first", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
         row("last", 1, 4, " Showing 10 images (page 1 of 1)", false, false, 4);
+        row("show23", 21, 25, " Showing 10 images (page 3 of 3)", true, false);
+        row("show23,show10", 1, 10, " Showing 10 images (page 1 of 3)", false, true);
+        // No such entry: nothing moves.
+        row("next,show26", 11, 20, " Showing 10 images (page 2 of 3)", true, true);
         // A block of one still steps back.
         row("next,next,prev", 2, 2, " Showing 1 images (page 2 of 5)", true, true, 5, 1);
         // Show More and Show Less keep the first entry and move the end, between 1 and 64.
@@ -527,6 +501,10 @@ private slots:
         PagePaging paging(count);
         paging.load(pages);
         for (const QString& press : presses.split(',', Qt::SkipEmptyParts)) {
+            if (press.startsWith("show")) { // the block of an entry, as a search shows it
+                paging.showEntry(press.mid(4).toInt());
+                continue;
+            }
             QVERIFY2(buttons.contains(press), qPrintable(press));
             (paging.*buttons.value(press))();
         }
@@ -551,18 +529,6 @@ private slots:
         QTEST(paging.displayCount(), "used");
         paging.setDisplayCount(stored);
         QTEST(paging.displayCount(), "used");
-    }
-
-    void showEntryFindsItsBlock()
-    {
-        PagePaging paging(10);
-        paging.load(25);
-        paging.showEntry(23);
-        QCOMPARE(paging.viewFirst(), 21);
-        paging.showEntry(10);
-        QCOMPARE(paging.viewFirst(), 1);
-        paging.showEntry(26); // no such entry: nothing moves
-        QCOMPARE(paging.viewFirst(), 1);
     }
 
     void entryTexts_data()

@@ -1,48 +1,21 @@
 #pragma once
 
-#include <QApplication>
 #include <QFile>
 #include <QImage>
 #include <QPainter>
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTest>
-#include <QTimer>
 #include <functional>
-#include <memory>
 
 #include "core/progress.h"
-#include "core/viewsettings.h"
 #include "print/printtarget.h"
-#include "store/commandcontext.h"
 #include "store/pagepaths.h"
-#include "store/schema.h"
-#include "store/session.h"
 #include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "tests/support/datarow.h"
 
 namespace qmr::test {
-
-// Sets the density of a JPEG's JFIF header: units 0 (an aspect ratio only), 1 (dots per
-// inch) or 2 (dots per centimetre).
-inline bool setJfifDensity(const QString& path, char units, quint8 x, quint8 y)
-{
-    QFile file(path);
-    if (!file.open(QIODevice::ReadWrite))
-        return false;
-    QByteArray bytes = file.readAll();
-    const qsizetype at = bytes.indexOf(QByteArray("JFIF", 5));
-    if (at < 0)
-        return false;
-    const char density[] = {units, 0, char(x), 0, char(y)};
-    bytes.replace(at + 7, 5, QByteArray(density, 5));
-    return file.seek(0) && file.write(bytes) == bytes.size();
-}
 
 // Writes a JPEG of `size` whose header states dpiX by dpiY dots per inch; 0 and 0 writes a
 // header that states none.
@@ -58,8 +31,18 @@ inline bool writePicture(const QString& path, const QSize& size, int dpiX, int d
     const bool none = dpiX == 0 && dpiY == 0;
     image.setDotsPerMeterX(qRound((none ? 72 : dpiX) / 0.0254));
     image.setDotsPerMeterY(qRound((none ? 72 : dpiY) / 0.0254));
-    return PagePaths::ensurePathExists(path) && image.save(path, "JPG", 85) &&
-           (!none || setJfifDensity(path, 0, 1, 1));
+    if (!PagePaths::ensurePathExists(path) || !image.save(path, "JPG", 85))
+        return false;
+    if (!none)
+        return true;
+    // The JFIF density of units 0 states an aspect ratio only: 1 by 1.
+    QFile file(path);
+    if (!file.open(QIODevice::ReadWrite))
+        return false;
+    QByteArray bytes = file.readAll();
+    const qsizetype at = bytes.indexOf(QByteArray("JFIF", 5));
+    return at >= 0 && file.seek(0) &&
+           file.write(bytes.replace(at + 7, 5, QByteArray("\0\0\1\0\1", 5))) == bytes.size();
 }
 
 // A print target at 600 dots per inch that counts the sheets it is given.
