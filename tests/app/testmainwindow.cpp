@@ -90,21 +90,6 @@ QMimeData* pictureFile(const QString& path)
     return data;
 }
 
-// Fills the sample store with one more document of `pages` pages in its first folder: small
-// pictures with thumbnails, or rows alone. The last page is stored first, so that the store's
-// order is not the pages' own.
-qint32 sampleWithLongReport(const AppHome& home, int pages, bool pictures)
-{
-    test::FixtureStore store(home);
-    store.fillSample();
-    const qint32 report = store.document(1, QStringLiteral("Long report"));
-    Database::Transaction tx(store.db());
-    for (int n = pages; n >= 1; --n)
-        (void)(pictures ? store.page(report, n, QSize(60, 80)) : store.pageRow(report, n));
-    tx.commit();
-    return report;
-}
-
 // Whether any pixel of a picture is one that `drawn` picks out.
 bool anyPixel(const QImage& image, const std::function<bool(QRgb)>& drawn)
 {
@@ -395,11 +380,33 @@ private slots:
     void copiedAndCutPagesArePasted()
     {
         test::AppRun run;
-        const qint32 report = sampleWithLongReport(run.home.home(), 30, true);
-        run.home.settings().set(keys::LastNavTreeNodeKey, QString("DOC%1").arg(report));
+        {
+            // More pages than one block, the last stored first: the store's order is not theirs.
+            test::FixtureStore store(run.home.home());
+            store.fillSample();
+            const qint32 report = store.document(1, QStringLiteral("Long report"));
+            for (int n = 30; n >= 1; --n)
+                store.page(report, n, QSize(60, 80));
+            run.home.settings().set(keys::LastNavTreeNodeKey, QString("DOC%1").arg(report));
+        }
         run.home.settings().set(keys::ThumbView, "list");
         QVERIFY(run.start());
+        // Restored at start, the list holds the whole document, its numbers in order, and no
+        // heading nor value is cut short.
         QCOMPARE(run.pages()->count(), 30);
+        QCOMPARE(run.pages()->textAt(29), QString("30"));
+        auto* details = qobject_cast<QTreeView*>(run.pageView());
+        QVERIFY(details && details->isVisible());
+        for (int column = 0; column < 5; ++column) {
+            int needed = details->header()->sectionSizeHint(column);
+            for (int row = 0; row < details->model()->rowCount(); ++row)
+                needed =
+                    qMax(needed,
+                         details->sizeHintForIndex(details->model()->index(row, column)).width());
+            QVERIFY2(details->columnWidth(column) >= needed,
+                     qPrintable(QString::asprintf("column %d: %d wide, %d needed", column,
+                                                  details->columnWidth(column), needed)));
+        }
         QGuiApplication::clipboard()->clear();
 
         // All pages copied in the page list.
@@ -412,18 +419,6 @@ private slots:
         // Into the Return, whose one page stays first.
         run.click({"DRW2", "DOC3"});
         QCOMPARE(run.window()->pageList()->documentId(), 3);
-        QMenu* documentMenu = run.window()->menus().menu("mnuPopupDocument");
-        QVERIFY(
-            withPopup([&] { documentMenu->popup(run.window()->mapToGlobal(QPoint(40, 40))); },
-                      [&](QMenu*) { QVERIFY(run.action("mnuPopupDocumentPaste")->isEnabled()); }));
-        const QPoint onPage =
-            run.pageView()->visualRect(run.pageView()->model()->index(0, 0)).center();
-        QVERIFY(withPopup(
-            [&] { QTest::mouseClick(run.pageView()->viewport(), Qt::RightButton, {}, onPage); },
-            [&](QMenu* menu) {
-                QCOMPARE(menu->objectName(), QString("mnuPopupPage"));
-                QVERIFY(run.action("mnuPopupPagePaste")->isEnabled());
-            }));
         run.pageView()->setFocus();
         QTest::keyClick(run.pageView(), Qt::Key_V, Qt::ControlModifier);
         const QVector<PageRow> rows = run.session().pages().pages(3);
@@ -454,46 +449,6 @@ private slots:
         QCOMPARE(run.session().pages().documentOf(rows.first().id), 2);
         QCOMPARE(run.pages()->count(), 1);
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
-    }
-
-    void pageListShowsLongDocuments_data()
-    {
-        test::columns<bool>({"atStart"});
-        test::row("restored at start", true);
-        test::row("chosen after start", false);
-    }
-    void pageListShowsLongDocuments()
-    {
-        QFETCH(bool, atStart);
-        test::AppRun run;
-        const QString key = QString("DOC%1").arg(sampleWithLongReport(run.home.home(), 120, false));
-        run.home.settings().set(keys::ThumbView, "list");
-        run.home.settings().set(keys::LastNavTreeNodeKey, atStart ? key : QString("FLD1"));
-        QVERIFY(run.start());
-        if (!atStart)
-            run.click({key});
-        QCOMPARE(run.pages()->count(), 120);
-        // The numbers run as numbers: 9, 10, 11 ... 99, 100.
-        QStringList numbers, shown;
-        for (int n = 1; n <= 120; ++n)
-            numbers << QString::number(n);
-        for (int row = 0; row < run.pages()->count(); ++row)
-            shown << run.pages()->textAt(row);
-        QCOMPARE(shown, numbers);
-
-        // No heading and no value is cut short: each column is as wide as the view needs to draw
-        // them whole.
-        auto* details = qobject_cast<QTreeView*>(run.pageView());
-        QVERIFY(details && details->isVisible());
-        const QAbstractItemModel* model = details->model();
-        for (int column = 0; column < 5; ++column) {
-            int needed = details->header()->sectionSizeHint(column);
-            for (int row = 0; row < model->rowCount(); ++row)
-                needed = qMax(needed, details->sizeHintForIndex(model->index(row, column)).width());
-            QVERIFY2(details->columnWidth(column) >= needed,
-                     qPrintable(QString::asprintf("column %d: %d wide, %d needed", column,
-                                                  details->columnWidth(column), needed)));
-        }
     }
 
     void emptyPlacesSayHowTheyFill_data()

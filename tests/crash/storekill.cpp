@@ -174,14 +174,8 @@ struct Reference
     QMap<int, QByteArray> known;
 };
 
-struct RunResult
-{
-    QString message;          // "" when the store passed
-    int committed = 0;        // commands in the store after the kill
-    bool midCommand = false;  // the kill left a journal: it fell inside a transaction
-    bool midCreation = false; // the kill left a half-made store
-};
-
+// A kill of a child on the long-lived home (it goes on where the last one stopped), or on a
+// new home, where the kill falls while the store is being made.
 class Parent
 {
 public:
@@ -192,22 +186,21 @@ public:
         prepareHome(m_long);
     }
 
-    // A kill of a child on the long-lived home (it goes on where the last one stopped), or
-    // on a new home, where the kill falls while the store is being made.
-    RunResult run(int index, bool fresh, int delayMs)
+    int committed = 0; // commands in the store after the last kill
+    QString where;     // where the last kill fell, when it left a trace
+    // What is wrong with the home after the kill; "" when nothing is.
+    QString run(int index, bool fresh, int delayMs)
     {
         const AppHome home =
             fresh ? AppHome(m_work + QStringLiteral("/fresh%1").arg(index)) : m_long;
-        RunResult result;
-        result.message = killAndCheck(home, fresh, delayMs, result);
-        if (fresh && result.message.isEmpty())
+        const QString problem = killAndCheck(home, fresh, delayMs);
+        if (fresh && problem.isEmpty())
             QDir(home.path()).removeRecursively();
-        return result;
+        return problem;
     }
 
 private:
-    // What is wrong with the home after the kill; "" when nothing is.
-    QString killAndCheck(const AppHome& home, bool fresh, int delayMs, RunResult& result)
+    QString killAndCheck(const AppHome& home, bool fresh, int delayMs)
     {
         if (fresh)
             prepareHome(home);
@@ -240,8 +233,10 @@ private:
         for (const QByteArray& line : out.split('\n'))
             if (line.startsWith("done "))
                 reported = line.mid(5).toInt();
-        result.midCommand = QFile::exists(StoreSchema::storePath(home) + "-journal");
-        result.midCreation = QFile::exists(StoreSchema::storePath(home) + ".new");
+        const QString store = StoreSchema::storePath(home);
+        where = QFile::exists(store + ".new")       ? " (a half-made store)"
+                : QFile::exists(store + "-journal") ? " (inside a transaction)"
+                                                    : "";
 
         // Opened as the program opens it: the home taken over from the killed run, the
         // journal of an unfinished command rolled back.
@@ -256,17 +251,17 @@ private:
         const QByteArray found = fingerprint(db);
         Reference& reference = fresh ? m_freshReference : m_longReference;
         if (found == reference.after(reported))
-            result.committed = reported;
+            committed = reported;
         else if (found == reference.after(reported + 1))
-            result.committed = reported + 1;
+            committed = reported + 1;
         else
             return QString::asprintf("the store is not what %d finished commands left (nor %d): a "
                                      "command was half written or lost",
                                      reported, reported + 1);
         // Page files are never rewritten, so the reference at or past this step has them.
-        reference.after(result.committed);
+        reference.after(committed);
         if (!fresh)
-            m_longSteps = result.committed;
+            m_longSteps = committed;
         return pageFiles(db, home, reference.home);
     }
 
@@ -289,39 +284,26 @@ int runParent(const QString& self, int runs, quint32 seed)
     std::printf("Seed %u; %d kill runs.\n", seed, runs);
     Parent parent(self, seed, work.path());
     QRandomGenerator moments(seed ^ 0x9e3779b9u);
-    int passed = 0, failed = 0, lastCommitted = 0, midCommand = 0, midCreation = 0;
-    QElapsedTimer total;
-    total.start();
+    int passed = 0, failed = 0;
     for (int i = 0; i < runs; ++i) {
         // Every tenth run starts on a new home and is killed while the store is being made.
         const bool fresh = i % 10 == 9;
         const int delay = fresh ? int(moments.bounded(0, 12)) : int(moments.bounded(20, 201));
-        RunResult r;
+        QString problem;
         try {
-            r = parent.run(i, fresh, delay);
+            problem = parent.run(i, fresh, delay);
         } catch (const StoreError& e) {
-            r.message = e.message();
+            problem = e.message();
         }
-        midCommand += r.midCommand ? 1 : 0;
-        midCreation += r.midCreation ? 1 : 0;
         std::printf("run %3d: killed %3d ms after opening%s", i, delay, fresh ? " a new home" : "");
-        if (r.message.isEmpty()) {
-            ++passed;
-            lastCommitted = fresh ? lastCommitted : r.committed;
-            std::printf("%s, %d commands in the store\n",
-                        r.midCreation  ? " (a half-made store)"
-                        : r.midCommand ? " (inside a transaction)"
-                                       : "",
-                        r.committed);
-        } else {
-            ++failed;
-            std::printf(": FAILED: %s\n", qPrintable(r.message));
-        }
+        if (problem.isEmpty())
+            std::printf("%s, %d commands in the store\n", qPrintable(parent.where),
+                        parent.committed);
+        else
+            std::printf(": FAILED: %s\n", qPrintable(problem));
         std::fflush(stdout);
+        ++(problem.isEmpty() ? passed : failed);
     }
-    std::printf("%d kills fell inside a transaction, %d while the store was being made; %d "
-                "commands stood on the long-lived home at the end; %.1f s in all.\n",
-                midCommand, midCreation, lastCommitted, total.elapsed() / 1000.0);
     std::printf("%d passed, %d failed\n", passed, failed);
     return failed == 0 && passed > 0 ? 0 : 1;
 }
@@ -334,13 +316,10 @@ int main(int argc, char** argv)
     const QStringList args = QCoreApplication::arguments();
     if (args.value(1) == QLatin1String("--child") && args.size() >= 5)
         return runChild(args.at(2), args.at(3).toInt(), args.at(4).toUInt());
-    int runs = 100;
-    quint32 seed = 20251123;
-    for (int i = 1; i + 1 < args.size(); ++i) {
-        if (args.at(i) == QLatin1String("--runs"))
-            runs = args.at(i + 1).toInt();
-        else if (args.at(i) == QLatin1String("--seed"))
-            seed = args.at(i + 1).toUInt();
-    }
-    return runParent(QCoreApplication::applicationFilePath(), runs, seed);
+    const auto option = [&](const char* name, const QString& otherwise) {
+        const qsizetype at = args.indexOf(QLatin1String(name));
+        return at > 0 && at + 1 < args.size() ? args.at(at + 1) : otherwise;
+    };
+    return runParent(QCoreApplication::applicationFilePath(), option("--runs", "100").toInt(),
+                     option("--seed", "20251123").toUInt());
 }
