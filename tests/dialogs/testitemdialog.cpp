@@ -49,7 +49,10 @@ private slots:
         row("dot before trimming", 0, "Add", {"txtName= a.b "}, bad, "txtName", " a.b ");
         row("blank cabinet", 0, "Add", {"txtName=   "}, "A file cabinet name is required.",
             "txtName", "");
+        row("blank drawer", 1, "Add", {"txtName=  "}, "A drawer name is required.", "txtName", "");
         row("blank folder", 2, "Edit", {"txtName= "}, "A folder name is required.", "txtName", "");
+        row("blank document", 3, "Edit", {"txtName= "}, "A document name is required.", "txtName",
+            "");
         row("storage path", 0, "Add", {"txtName=New"}, "A storage path is required.", "txtSaveTo",
             "New", true);
         row("bad date", 3, "Add", {"txtName=Bill", "txtDateOnDocument=2/30/2026"},
@@ -58,6 +61,8 @@ private slots:
             "A file cabined named 'home PAPERS' already exists.", "txtName", "home PAPERS");
         row("cabinet double in edit", 0, "Edit", {"txtName=Private"},
             "A file cabined named 'Private' already exists.", "txtName", "Private");
+        row("drawer double", 1, "Add", {"txtName=TAXES"}, "A drawer named 'TAXES' already exists.",
+            "txtName", "TAXES");
         row("folder double in edit", 2, "Edit", {"txtName=savings"},
             "A folder named 'savings' already exists.", "txtName", "savings");
         row("too long", 2, "Add", {"txtName=" + QString(81, 'f')},

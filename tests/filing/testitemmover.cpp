@@ -189,15 +189,15 @@ private slots:
         };
         rows({"DRW3", "FLD12", "DOC1", "PAG7"}, true);
         // A cabinet never moves; found items, the roots, nothing and "drw" in lower case.
-        rows({"CAB1", "ROOT", "ROOTFOUND", "FCB1", "FDC4", "", "drw3"}, false);
+        rows({"CAB1", "ROOT", "ROOTFOUND", "FCB1", "FDW2", "FFD3", "FDC4", "", "drw3"}, false);
         // One level up, and a page also on a folder; "PAG" is a file from outside.
         rows({"DRW3>CAB12", "FLD3>DRW1", "DOC3>FLD1", "PAG3>DOC1", "PAG3>FLD1", "PAG>DOC1",
               "PAG>FLD1"},
              true);
         // Everything else is refused: a level too high or too low, the root, found items.
-        rows({"PAG>DRW1", "DRW3>DRW1", "DRW3>ROOT", "FLD3>CAB1", "FLD3>FLD1", "DOC3>DRW1",
-              "DOC3>DOC1", "PAG3>PAG1", "PAG3>DRW1", "CAB1>ROOT", "DRW3>FCB1", "PAG3>FDC1",
-              "FDW3>CAB1", "DRW3>"},
+        rows({"PAG>CAB1", "PAG>ROOT", "FDC3>FLD1", "PAG>DRW1", "DRW3>DRW1", "DRW3>ROOT",
+              "FLD3>CAB1", "FLD3>FLD1", "DOC3>DRW1", "DOC3>DOC1", "PAG3>PAG1", "PAG3>DRW1",
+              "CAB1>ROOT", "DRW3>FCB1", "PAG3>FDC1", "FDW3>CAB1", "DRW3>"},
              false);
     }
     void rules()

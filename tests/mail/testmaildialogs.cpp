@@ -123,8 +123,9 @@ private slots:
         }
         const test::ParsedMessage m(sink.messages[0]);
         QCOMPARE(m.parts.size(), parts);
-        // The room before the text for each attachment: TestMailSender::send.
-        QVERIFY(test::ParsedMessage::unquote(m.parts[0].body).contains("\r\nHere."));
+        // A blank before the text for each attachment but the first.
+        QVERIFY(test::ParsedMessage::unquote(m.parts[0].body)
+                    .startsWith(QByteArray(parts - 1, ' ') + "\r\nHere."));
         QCOMPARE(m.parts.last().headers.value("content-type"),
                  QByteArray("image/jpeg; name=\"3.jpg\""));
     }
