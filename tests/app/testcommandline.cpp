@@ -58,8 +58,8 @@ private slots:
         row("nothing", {}, Action::Window, "||");
         row("home=", {"--home=/h"}, Action::Window, "/h||");
         row("the toolkit's own", {"-platform", "offscreen", "-reverse"}, Action::Window, "||");
-        // --help itself is run in exitStatuses.
-        row("-h", {"-h"}, Action::Help, "||", "quillmere [--home DIR] --export CABINET DIR");
+        row("help", {"--help"}, Action::Help, "||", "quillmere [--home DIR] --export CABINET DIR");
+        row("-h", {"-h"}, Action::Help, "||", "--import DIR");
         // Without --home the run's default home is taken later: none is read here.
         row("export", {"--export", "Home Papers", "/out"}, Action::Export, "|Home Papers|/out");
         row("import", {"--import", "/ex/C", "Target"}, Action::Import, "|Target|/ex/C");
@@ -109,6 +109,9 @@ private slots:
         QVERIFY(home.writeFile("Pages/0000000/777.jpg", "left by a killed run"));
         QVERIFY(home.writeFile("Pages/0000000/778.jpg.5eed1e55.qmrpart", "half"));
         QVERIFY(b.run({"--check"}, 1));
+        QVERIFY2(b.out.contains(QString("Page %1: its file is").arg(page)), qPrintable(b.out));
+        QVERIFY2(b.out.contains(orphan + " belongs to no page"), qPrintable(b.out));
+        QVERIFY2(b.out.contains("778.jpg.5eed1e55.qmrpart is left"), qPrintable(b.out));
         QVERIFY2(b.out.endsWith("3 problems found.\n"), qPrintable(b.out));
         QVERIFY(QFile::exists(orphan));
 
@@ -149,6 +152,8 @@ private slots:
         QCOMPARE(b.out, QString("Home/Bills/Gas/Winter\t1\n"));
         QVERIFY(b.run({"--find", "\"water meter\" north*"}, 1));
         QCOMPARE(b.out, QString());
+        QVERIFY(b.run({"--find", "METER"}, 0));
+        QCOMPARE(b.out, QString("Home/Bills/Gas/Winter\t2\n"));
 
         // Nothing new to read: done at once.
         QVERIFY(b.run({"--read-text"}, 0));

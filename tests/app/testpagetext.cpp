@@ -193,8 +193,8 @@ private slots:
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 
-    // Languages whose pack is missing: the foot of the window says so, and choosing a pack that
-    // is there in the settings dialog has the running program read the pages.
+    // Languages whose pack is missing: the foot of the window says so, the settings dialog
+    // says it again, and choosing a pack that is there has the running program read the pages.
     void aMissingPackAndAnotherChoice()
     {
         ReadingRun run;
@@ -203,7 +203,9 @@ private slots:
         QVERIFY(line);
         QTRY_VERIFY_WITH_TIMEOUT(line->text().contains("xqz"), kReadMs);
 
+        QString said;
         test::whenModal(this, [&](QWidget* dialog) {
+            said = dialog->findChild<QLabel*>("lblMissing")->text();
             auto* list = dialog->findChild<QListWidget*>("lstLanguages");
             const QList<QListWidgetItem*> english =
                 list->findItems("English (eng)", Qt::MatchExactly);
@@ -212,6 +214,7 @@ private slots:
             dialog->findChild<QPushButton*>("cmdOK")->click();
         });
         run.window()->menus().run("mnuTextSettings");
+        QVERIFY2(said.startsWith("The language pack for xqz is not installed"), qPrintable(said));
         QCOMPARE(run.home.settings().get(keys::OcrLanguages), QString("eng"));
         TextReading* reading = run.startup->textReading();
         QVERIFY(QTest::qWaitFor([&] { return reading->index().pages() == run.filed; }, kReadMs));

@@ -91,6 +91,22 @@ private slots:
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));
     }
 
+    // A store of an older version is brought up to date by the start, its rows kept.
+    void olderStoreIsUpgradedOnStart()
+    {
+        test::AppRun run;
+        {
+            Database db;
+            db.open(StoreSchema::storePath(run.home.home()));
+            StoreSchema::createTables(db);
+            StoreSchema::updateDatabase(db, 2);
+            db.execute("INSERT INTO Cabinet (Name, Password) VALUES ('Old one', '')");
+        }
+        QVERIFY(run.start(false));
+        QCOMPARE(StoreSchema::readVersion(run.session().db()), 4);
+        QCOMPARE(run.tree()->node("CAB1")->text(0), QStringLiteral("Old one"));
+    }
+
     void failuresEndTheStartWithAMessage()
     {
         test::AppRun run;
@@ -120,6 +136,7 @@ private slots:
         // The bar has a step more than the work, so it never quite fills.
         test::row("beyond the end", 3, 9, 0.75);
         test::row("none", 10, 0, 0.0);
+        test::row("half", 9, 5, 0.5);
     }
     void progressBar()
     {
