@@ -18,12 +18,12 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/commandharness.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
 #include "tests/support/testhome.h"
-#include "tests/support/datarow.h"
 
 namespace qmr::test {
 

@@ -1,4 +1,3 @@
-#include <QTest>
 #include <cerrno>
 #include <cstring>
 #include <sys/stat.h>
@@ -10,6 +9,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::fetch;
 using test::row;
 using test::TestFileSystem;
 
@@ -23,25 +23,20 @@ struct Run
 };
 
 // Export (cabinet, directory) or import (directory, cabinet) as the command line does.
-Run runBatch(ExchangeFixture& f, bool import, const QString& from, const QString& to,
-             ExchangeFileSystem* fs = nullptr)
+template <auto Method> struct Batch
 {
-    Run run;
-    QTextStream out(&run.out), err(&run.err);
-    ExchangeBatch batch(*f.session, out, err, false, fs);
-    run.status = import ? batch.importCabinet(from, to) : batch.exportCabinet(from, to);
-    return run;
-}
-Run exportCabinet(ExchangeFixture& f, const QString& cabinet, const QString& dir,
-                  ExchangeFileSystem* fs = nullptr)
-{
-    return runBatch(f, false, cabinet, dir, fs);
-}
-Run importCabinet(ExchangeFixture& f, const QString& dir, const QString& cabinet,
-                  ExchangeFileSystem* fs = nullptr)
-{
-    return runBatch(f, true, dir, cabinet, fs);
-}
+    Run operator()(ExchangeFixture& f, const QString& from, const QString& to,
+                   ExchangeFileSystem* fs = nullptr) const
+    {
+        Run run;
+        QTextStream out(&run.out), err(&run.err);
+        ExchangeBatch batch(*f.session, out, err, false, fs);
+        run.status = (batch.*Method)(from, to);
+        return run;
+    }
+};
+constexpr Batch<&ExchangeBatch::exportCabinet> exportCabinet;
+constexpr Batch<&ExchangeBatch::importCabinet> importCabinet;
 
 } // namespace
 
@@ -53,9 +48,7 @@ class TestExchangeBatch : public QObject
 private slots:
     void exportRefusals_data()
     {
-        QTest::addColumn<QString>("cabinet");
-        QTest::addColumn<QString>("dir"); // "@home", "@out"
-        QTest::addColumn<QString>("error");
+        test::columns<QString, QString, QString>({"cabinet", "dir", "error"}); // dir: @home, @out
         row("no such cabinet", "Nope", "@out", "There is no file cabinet named 'Nope'.");
         row("locked", "Locked", "@out",
             "The file cabinet 'Locked' has a password; it can be exported only in the "
@@ -66,9 +59,8 @@ private slots:
     }
     void exportRefusals()
     {
-        QFETCH(QString, cabinet);
-        QFETCH(QString, dir);
-        QFETCH(QString, error);
+        const auto [cabinet, dir, error] =
+            fetch<QString, QString, QString>("cabinet", "dir", "error");
         ExchangeFixture f;
         f.filledCabinet("Papers", 1, 1);
         f.store->cabinet("Locked", "pw");
@@ -116,9 +108,8 @@ private slots:
 
     void importRefusals_data()
     {
-        QTest::addColumn<QString>("dir"); // "@ex" an exchange directory, "@out" none
-        QTest::addColumn<QString>("cabinet");
-        QTest::addColumn<QString>("error");
+        // dir: "@ex" an exchange directory, "@out" none
+        test::columns<QString, QString, QString>({"dir", "cabinet", "error"});
         row("missing", "@out/none", "Target", "'@out/none' does not exist.");
         row("no marker", "@out", "Target",
             "Missing QMR.TXT. This file designates the starting point of a previously "
@@ -130,9 +121,8 @@ private slots:
     }
     void importRefusals()
     {
-        QFETCH(QString, dir);
-        QFETCH(QString, cabinet);
-        QFETCH(QString, error);
+        const auto [dir, cabinet, error] =
+            fetch<QString, QString, QString>("dir", "cabinet", "error");
         ExchangeFixture f;
         f.store->cabinet("Target");
         f.store->cabinet("Locked", "pw");

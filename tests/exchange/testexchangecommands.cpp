@@ -3,9 +3,6 @@
 #include <QLineEdit>
 #include <QListWidget>
 #include <QPushButton>
-#include <QTemporaryDir>
-#include <QTest>
-#include <QTimer>
 
 #include "exchange/exchangecommands.h"
 #include "exchangefixture.h"
@@ -14,10 +11,11 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::ExchangeFixture;
+using test::fetch;
 using test::NavHarness;
-
-using qmr::test::whenModal;
 using test::row;
+using test::whenModal;
 
 namespace {
 
@@ -41,9 +39,9 @@ void writeFiles(const QString& dir, const QStringList& names)
 {
     for (const QString& name : names) {
         if (name.toLower().endsWith("jpg"))
-            test::ExchangeFixture::writeImage(dir + "/" + name);
+            ExchangeFixture::writeImage(dir + "/" + name);
         else
-            test::ExchangeFixture::writeBytes(dir + "/" + name, "some text");
+            ExchangeFixture::writeBytes(dir + "/" + name, "some text");
     }
 }
 
@@ -93,10 +91,8 @@ private slots:
 
     void cabinetPopupTarget_data()
     {
-        QTest::addColumn<QString>("click");
-        QTest::addColumn<QString>("listItem"); // "@CAB1": the tree's pop-up on it
-        QTest::addColumn<int>("source");
-        QTest::addColumn<int>("cabinet");
+        // listItem "@CAB1": the tree's pop-up on it
+        test::columns<QString, QString, int, int>({"click", "listItem", "source", "cabinet"});
         const int tree = int(ContextSource::Tree), list = int(ContextSource::List),
                   pages = int(ContextSource::PageList);
         row("the tree's pop-up fills the record", "CAB1", "@CAB1", tree, 1);
@@ -108,10 +104,8 @@ private slots:
     }
     void cabinetPopupTarget()
     {
-        QFETCH(QString, click);
-        QFETCH(QString, listItem);
-        QFETCH(int, source);
-        QFETCH(int, cabinet);
+        const auto [click, listItem, source, cabinet] =
+            fetch<QString, QString, int, int>("click", "listItem", "source", "cabinet");
         NavHarness h;
         loadWithOther(h);
         h.click(click);
@@ -126,15 +120,13 @@ private slots:
 
     void popupOpensTheDialogOnItsCabinet_data()
     {
-        QTest::addColumn<QString>("action");
-        QTest::addColumn<QString>("dialog");
+        test::columns<QString, QString>({"action", "dialog"});
         row("export", "mnuPopupCabinetExport", "frmExport");
         row("import", "mnuPopupCabinetImport", "frmImport");
     }
     void popupOpensTheDialogOnItsCabinet()
     {
-        QFETCH(QString, action);
-        QFETCH(QString, dialog);
+        const auto [action, dialog] = fetch<QString, QString>("action", "dialog");
         NavHarness h;
         loadWithOther(h);
         h.click("ROOT");
@@ -154,9 +146,7 @@ private slots:
 
     void importFilesIntoAFolder_data()
     {
-        QTest::addColumn<QStringList>("types");
-        QTest::addColumn<QString>("button");
-        QTest::addColumn<QStringList>("documents");
+        test::columns<QStringList, QString, QStringList>({"types", "button", "documents"});
         row("chosen types", QStringList{"JPG", "PDF"}, "cmdOK",
             QStringList{"a.jpg", "b.pdf", "Page 4.JPG", "README"});
         row("all", QStringList{}, "cmdAll",
@@ -166,9 +156,8 @@ private slots:
     }
     void importFilesIntoAFolder()
     {
-        QFETCH(QStringList, types);
-        QFETCH(QString, button);
-        QFETCH(QStringList, documents);
+        const auto [types, button, documents] =
+            fetch<QStringList, QString, QStringList>("types", "button", "documents");
         NavHarness h;
         h.loadSample();
         QTemporaryDir dir;
@@ -201,18 +190,15 @@ private slots:
 
     void importFilesIntoADocument_data()
     {
-        QTest::addColumn<QString>("numbered");
-        QTest::addColumn<QList<int>>("numbers");
-        QTest::newRow("after a numbered name") << "Page 5.jpg" << QList<int>({1, 2, 5, 6});
+        test::columns<QString, QList<int>>({"numbered", "numbers"});
+        row("after a numbered name", "Page 5.jpg", QList<int>({1, 2, 5, 6}));
         // No number past the largest: the next page shares it.
-        QTest::newRow("after the largest number")
-            << "Page 2147483647.jpg" << QList<int>({1, 2, 2147483647, 2147483647});
+        row("after the largest number", "Page 2147483647.jpg",
+            QList<int>({1, 2, 2147483647, 2147483647}));
     }
-
     void importFilesIntoADocument()
     {
-        QFETCH(QString, numbered);
-        QFETCH(QList<int>, numbers);
+        const auto [numbered, numbers] = fetch<QString, QList<int>>("numbered", "numbers");
         NavHarness h;
         h.loadSample();
         QTemporaryDir dir;
@@ -244,10 +230,9 @@ private slots:
         QVERIFY(QFile::link(elsewhere.filePath("secret.jpg"), dir.filePath("b.jpg")));
         QVERIFY(QFile::link(elsewhere.path(), dir.filePath("sub")));
         const QByteArray raw = QFile::encodeName(dir.path());
-        const QByteArray picture =
-            test::ExchangeFixture::readBytes(elsewhere.filePath("green.jpg"));
-        QVERIFY(test::ExchangeFixture::writeRaw(raw + "/Rechnung M\xe4rz.jpg", picture));
-        QVERIFY(test::ExchangeFixture::writeRaw(raw + "/notiz \xe9.pdf", "text"));
+        const QByteArray picture = ExchangeFixture::readBytes(elsewhere.filePath("green.jpg"));
+        QVERIFY(ExchangeFixture::writeRaw(raw + "/Rechnung M\xe4rz.jpg", picture));
+        QVERIFY(ExchangeFixture::writeRaw(raw + "/notiz \xe9.pdf", "text"));
         h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
         QStringList offered;
         h.prompter.expect("'" + dir.path() + "/b.jpg' is a link; it was not followed.\r\n'" +
@@ -262,26 +247,11 @@ private slots:
         const qint32 page = h.session->pages().pageNamed(
             h.session->items().childNamed(Level::Document, 2, old), old);
         QVERIFY(page >= 0);
-        QCOMPARE(test::ExchangeFixture::readBytes(h.session->paths().computedPagePath(page)),
-                 picture);
+        QCOMPARE(ExchangeFixture::readBytes(h.session->paths().computedPagePath(page)), picture);
     }
 
-    void sameFileTwiceIntoAFolder()
-    {
-        NavHarness h;
-        h.loadSample();
-        QTemporaryDir dir;
-        writeFiles(dir.path(), {"scan.jpg"});
-        h.clickPath({"CAB1", "DRW1", "FLD2"});
-        for (int run = 0; run < 2; ++run)
-            importFiles(h, "mnuPopupFolderImportFiles", dir.path());
-        QCOMPARE(documentNames(*h.session, 2), QStringList({"scan.jpg"}));
-        QCOMPARE(
-            h.session->pages().count(h.session->items().childNamed(Level::Document, 2, "scan.jpg")),
-            1);
-    }
-
-    void chooserCancelledDoesNothing()
+    // A cancelled chooser does nothing; the same file twice makes one document.
+    void folderImportCancelledThenTwice()
     {
         NavHarness h;
         h.loadSample();
@@ -291,6 +261,14 @@ private slots:
         h.window->menus().action("mnuPopupFolderImportFiles")->trigger();
         QCOMPARE(h.session->items().count(Level::Document), before);
         QVERIFY(QApplication::activeModalWidget() == nullptr);
+        QTemporaryDir dir;
+        writeFiles(dir.path(), {"scan.jpg"});
+        for (int run = 0; run < 2; ++run)
+            importFiles(h, "mnuPopupFolderImportFiles", dir.path());
+        QCOMPARE(documentNames(*h.session, 2), QStringList({"scan.jpg"}));
+        QCOMPARE(
+            h.session->pages().count(h.session->items().childNamed(Level::Document, 2, "scan.jpg")),
+            1);
     }
 
     // Export to a place where nothing can be written: the report counts no page and names
@@ -307,7 +285,7 @@ private slots:
         h.load();
         QTemporaryDir out;
         // A file stands where the output directory would be made.
-        QVERIFY(test::ExchangeFixture::writeBytes(out.filePath("blocked"), "in the way"));
+        QVERIFY(ExchangeFixture::writeBytes(out.filePath("blocked"), "in the way"));
         const QString target = out.filePath("blocked/backup");
         h.prompter.expect("'" + target + "' does not exist.  Do you want to create it?",
                           Prompter::Answer::Yes);

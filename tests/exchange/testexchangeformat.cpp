@@ -1,5 +1,3 @@
-#include <QTest>
-
 #include "exchange/exchangereader.h"
 #include "exchange/exchangewriter.h"
 #include "exchange/filetypefilter.h"
@@ -8,6 +6,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::fetch;
 using test::row;
 
 // The names, manifests and encodings of the exchange directory, writer against reader.
@@ -17,9 +16,7 @@ class TestExchangeFormat : public QObject
 private slots:
     void names_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QString>("clean");
-        QTest::addColumn<QString>("documentDir");
+        test::columns<QString, QString, QString>({"name", "clean", "documentDir"});
         row("plain", "Taxes 2025", "Taxes 2025", "Taxes 2025");
         row("periods go", "Bank.Accounts", "BankAccounts", "Bank");
         row("document extension", "Bill.2.pdf", "Bill2pdf", "Bill2");
@@ -33,18 +30,15 @@ private slots:
     }
     void names()
     {
-        QFETCH(QString, name);
-        QFETCH(QString, clean);
-        QFETCH(QString, documentDir);
+        auto [name, clean, documentDir] =
+            fetch<QString, QString, QString>("name", "clean", "documentDir");
         QCOMPARE(ExchangeWriter::cleanFileName(name), clean);
         QCOMPARE(ExchangeWriter::documentDirectoryName(name), documentDir);
     }
 
     void descriptions_data()
     {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<QString>("encoded");
-        QTest::addColumn<QString>("back");
+        test::columns<QString, QString, QString>({"stored", "encoded", "back"});
         row("none", "", "", "");
         row("CR LF", "one\r\ntwo", "one|two", "one\r\ntwo");
         row("LF as typed here", "one\ntwo\nthree", "one|two|three", "one\r\ntwo\r\nthree");
@@ -55,9 +49,8 @@ private slots:
     }
     void descriptions()
     {
-        QFETCH(QString, stored);
-        QFETCH(QString, encoded);
-        QFETCH(QString, back);
+        auto [stored, encoded, back] =
+            fetch<QString, QString, QString>("stored", "encoded", "back");
         QCOMPARE(ExchangeWriter::encodeDescription(stored), encoded);
         QCOMPARE(ExchangeReader::decodeDescription(encoded), back);
         // The manifest holds it on one line and reads it back.
@@ -68,37 +61,32 @@ private slots:
 
     void pageFileNames_data()
     {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("file");
-        QTest::newRow("computed") << "/h/Pages/0000000/7.jpg" << 3 << "Page 3.jpg";
-        QTest::newRow("upper case") << "/scans/IMG_1.JPG" << 12 << "Page 12.jpg";
-        QTest::newRow("jpeg keeps its name") << "/scans/photo.jpeg" << 2 << "photo.jpeg";
-        QTest::newRow("tiff") << "/scans/june.tif" << 1 << "june.tif";
-        QTest::newRow("shortcut") << "/docs/notes.pdf" << 4 << "notes.pdf";
+        test::columns<QString, int, QString>({"stored", "number", "file"});
+        row("computed", "/h/Pages/0000000/7.jpg", 3, "Page 3.jpg");
+        row("upper case", "/scans/IMG_1.JPG", 12, "Page 12.jpg");
+        row("jpeg keeps its name", "/scans/photo.jpeg", 2, "photo.jpeg");
+        row("tiff", "/scans/june.tif", 1, "june.tif");
+        row("shortcut", "/docs/notes.pdf", 4, "notes.pdf");
     }
     void pageFileNames()
     {
-        QFETCH(QString, stored);
-        QFETCH(int, number);
-        QFETCH(QString, file);
+        auto [stored, number, file] = fetch<QString, int, QString>("stored", "number", "file");
         QCOMPARE(ExchangeWriter::pageFileName(stored, number), file);
     }
 
     void pageNumbers_data()
     {
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<int>("number"); // -1: none
-        QTest::newRow("page") << "Page 12.jpg" << 12;
-        QTest::newRow("any case") << "PAGE 5.JPG" << 5;
-        QTest::newRow("no number") << "Page x.jpg" << 0;
-        QTest::newRow("no blank") << "Page5.jpg" << -1;
-        QTest::newRow("other") << "scan 3.jpg" << -1;
+        // number -1: none
+        test::columns<QString, int>({"file", "number"});
+        row("page", "Page 12.jpg", 12);
+        row("any case", "PAGE 5.JPG", 5);
+        row("no number", "Page x.jpg", 0);
+        row("no blank", "Page5.jpg", -1);
+        row("other", "scan 3.jpg", -1);
     }
     void pageNumbers()
     {
-        QFETCH(QString, file);
-        QFETCH(int, number);
+        auto [file, number] = fetch<QString, int>("file", "number");
         const std::optional<qint32> found = ExchangeReader::pageNumberOf(file);
         QCOMPARE(found ? *found : -1, number);
     }
@@ -125,30 +113,26 @@ private slots:
 
     void amountsReadBackAsWritten_data()
     {
-        QTest::addColumn<double>("amount");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("cents") << 1234.5 << "1234.5";
-        QTest::newRow("negative") << -12.25 << "-12.25";
-        QTest::newRow("whole") << 99.0 << "99";
+        test::columns<double, QString>({"amount", "text"});
+        row("cents", 1234.5, "1234.5");
+        row("negative", -12.25, "-12.25");
+        row("whole", 99.0, "99");
         // Forms a shorter writing would give with an exponent, which the reader stops at.
-        QTest::newRow("a hundred-thousandth") << 0.00001 << "0.00001";
-        QTest::newRow("very large") << 1e20 << "100000000000000000000";
-        QTest::newRow("a sum that is not its digits") << 0.1 + 0.2 << "0.30000000000000004";
+        row("a hundred-thousandth", 0.00001, "0.00001");
+        row("very large", 1e20, "100000000000000000000");
+        row("a sum that is not its digits", 0.1 + 0.2, "0.30000000000000004");
     }
     void amountsReadBackAsWritten()
     {
-        QFETCH(double, amount);
-        QFETCH(QString, text);
+        auto [amount, text] = fetch<double, QString>("amount", "text");
         QCOMPARE(ExchangeWriter::amountText(amount), text);
         QCOMPARE(ItemRules::leadingNumber(ExchangeWriter::amountText(amount)), amount);
     }
 
     void readerIsForgiving_data()
     {
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QString>("date");
-        QTest::addColumn<QString>("description");
-        QTest::addColumn<QString>("amount");
+        test::columns<QStringList, QString, QString, QString>(
+            {"lines", "date", "description", "amount"});
         row("any order, any case, blanks trimmed",
             QStringList{"  [AMOUNT] ", " 12.50 ", "", "[description]", "  Hello  ", "",
                         "[DateOnDocument]", "1/2/2025"},
@@ -161,10 +145,8 @@ private slots:
     }
     void readerIsForgiving()
     {
-        QFETCH(QStringList, lines);
-        QFETCH(QString, date);
-        QFETCH(QString, description);
-        QFETCH(QString, amount);
+        auto [lines, date, description, amount] =
+            fetch<QStringList, QString, QString, QString>("lines", "date", "description", "amount");
         const DocumentValues values = ExchangeReader::parseDocument(lines);
         QCOMPARE(values.date, date);
         QCOMPARE(values.description, description);
@@ -173,40 +155,34 @@ private slots:
 
     void descriptionFile_data()
     {
-        QTest::addColumn<QStringList>("lines");
-        QTest::addColumn<QString>("description");
-        QTest::newRow("as written") << QStringList{"[Description]", "a|b"} << "a\r\nb";
-        QTest::newRow("upper case key, blank lines between")
-            << QStringList{"[DESCRIPTION]", "", "   ", "  text  "} << "text";
-        QTest::newRow("no key") << QStringList{"text"} << "";
-        QTest::newRow("empty file") << QStringList{} << "";
+        test::columns<QStringList, QString>({"lines", "description"});
+        row("as written", QStringList{"[Description]", "a|b"}, "a\r\nb");
+        row("upper case key, blank lines between",
+            QStringList{"[DESCRIPTION]", "", "   ", "  text  "}, "text");
+        row("no key", QStringList{"text"}, "");
+        row("empty file", QStringList{}, "");
     }
     void descriptionFile()
     {
-        QFETCH(QStringList, lines);
-        QFETCH(QString, description);
+        auto [lines, description] = fetch<QStringList, QString>("lines", "description");
         QCOMPARE(ExchangeReader::parseDescription(lines), description);
     }
 
     void exchangeFileNames_data()
     {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<bool>("exchange");
-        QTest::addColumn<bool>("loose");
-        QTest::newRow("marker") << "QMR.txt" << true << false;
-        QTest::newRow("marker upper") << "QMR.TXT" << true << false;
-        QTest::newRow("cabinet") << "cabinet.txt" << true << false;
-        QTest::newRow("drawer") << "Drawer.TXT" << true << false;
-        QTest::newRow("folder") << "Folder.txt" << true << false;
-        QTest::newRow("document is loose above documents") << "Document.txt" << true << true;
-        QTest::newRow("a page") << "Page 1.jpg" << false << true;
-        QTest::newRow("a text file") << "notes.txt" << false << true;
+        test::columns<QString, bool, bool>({"name", "exchange", "loose"});
+        row("marker", "QMR.txt", true, false);
+        row("marker upper", "QMR.TXT", true, false);
+        row("cabinet", "cabinet.txt", true, false);
+        row("drawer", "Drawer.TXT", true, false);
+        row("folder", "Folder.txt", true, false);
+        row("document is loose above documents", "Document.txt", true, true);
+        row("a page", "Page 1.jpg", false, true);
+        row("a text file", "notes.txt", false, true);
     }
     void exchangeFileNames()
     {
-        QFETCH(QString, name);
-        QFETCH(bool, exchange);
-        QFETCH(bool, loose);
+        auto [name, exchange, loose] = fetch<QString, bool, bool>("name", "exchange", "loose");
         QCOMPARE(ExchangeReader::isExchangeFile(name), exchange);
         QCOMPARE(ExchangeReader::isLooseFile(name), loose);
     }
@@ -223,25 +199,21 @@ private slots:
 
     void fileTypeFilter_data()
     {
-        QTest::addColumn<QStringList>("chosen");
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<bool>("taken");
-        QTest::newRow("all: anything") << QStringList{"*"} << "x.zzz" << true;
-        QTest::newRow("chosen type") << QStringList{"JPG"} << "x.jpg" << true;
-        QTest::newRow("case does not matter") << QStringList{"jpg"} << "X.JPG" << true;
-        QTest::newRow("other type") << QStringList{"JPG"} << "x.pdf" << false;
-        QTest::newRow("pg is found in jpg,") << QStringList{"JPG"} << "x.pg" << true;
-        QTest::newRow("g is found in jpg,") << QStringList{"JPG"} << "x.g" << true;
-        QTest::newRow("jpgx is not") << QStringList{"JPG"} << "x.jpgx" << false;
-        QTest::newRow("no extension is always taken") << QStringList{"PDF"} << "README" << true;
-        QTest::newRow("nothing chosen takes nothing") << QStringList{} << "x.jpg" << false;
-        QTest::newRow("nothing chosen, no extension") << QStringList{} << "README" << false;
+        test::columns<QStringList, QString, bool>({"chosen", "file", "taken"});
+        row("all: anything", QStringList{"*"}, "x.zzz", true);
+        row("chosen type", QStringList{"JPG"}, "x.jpg", true);
+        row("case does not matter", QStringList{"jpg"}, "X.JPG", true);
+        row("other type", QStringList{"JPG"}, "x.pdf", false);
+        row("pg is found in jpg,", QStringList{"JPG"}, "x.pg", true);
+        row("g is found in jpg,", QStringList{"JPG"}, "x.g", true);
+        row("jpgx is not", QStringList{"JPG"}, "x.jpgx", false);
+        row("no extension is always taken", QStringList{"PDF"}, "README", true);
+        row("nothing chosen takes nothing", QStringList{}, "x.jpg", false);
+        row("nothing chosen, no extension", QStringList{}, "README", false);
     }
     void fileTypeFilter()
     {
-        QFETCH(QStringList, chosen);
-        QFETCH(QString, file);
-        QFETCH(bool, taken);
+        auto [chosen, file, taken] = fetch<QStringList, QString, bool>("chosen", "file", "taken");
         const FileTypeFilter filter =
             chosen == QStringList{"*"} ? FileTypeFilter() : FileTypeFilter::of(chosen);
         QCOMPARE(filter.accepts(file), taken);

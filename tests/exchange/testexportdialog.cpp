@@ -3,7 +3,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 
 #include "exchange/dialogprogress.h"
 #include "exchange/exportdialog.h"
@@ -12,6 +11,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::fetch;
 using test::row;
 using test::TestFileSystem;
 
@@ -40,10 +40,9 @@ class TestExportDialog : public QObject
 private slots:
     void refusalsAndQuestions_data()
     {
-        QTest::addColumn<QString>("path"); // "@home" stands for the home, "@out" outside
-        QTest::addColumn<QStringList>("texts");
-        QTest::addColumn<QList<int>>("answers");
-        QTest::addColumn<bool>("exported");
+        // path: "@home" stands for the home, "@out" outside
+        test::columns<QString, QStringList, QList<int>, bool>(
+            {"path", "texts", "answers", "exported"});
         const QString within = "You cannot export a cabinet to a path within the Quillmere "
                                "system.\nPlease select another location that is not within "
                                "the application path of:\n'@home'.";
@@ -62,10 +61,8 @@ private slots:
     }
     void refusalsAndQuestions()
     {
-        QFETCH(QString, path);
-        QFETCH(QStringList, texts);
-        QFETCH(QList<int>, answers);
-        QFETCH(bool, exported);
+        auto [path, texts, answers, exported] =
+            fetch<QString, QStringList, QList<int>, bool>("path", "texts", "answers", "exported");
         ExchangeFixture f;
         f.filledCabinet("Papers", 1, 2);
         const QString home = f.home.path();
@@ -118,20 +115,24 @@ private slots:
         f.session->locks().recordOpen(2);
         ExportDialog dialog(f.context());
         QCOMPARE(dialog.findChild<QComboBox*>("cboCabinet")->count(), 3);
+        // Escape while idle closes it.
+        dialog.show();
+        QTest::keyClick(&dialog, Qt::Key_Escape);
+        QVERIFY(!dialog.isVisible());
+        QCOMPARE(dialog.result(), int(QDialog::Rejected));
+        QVERIFY(f.prompter.verify());
     }
 
     void emptyCabinet_data()
     {
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<bool>("written");
-        QTest::newRow("yes") << int(Prompter::Answer::Yes) << true;
-        QTest::newRow("no") << int(Prompter::Answer::No) << false;
-        QTest::newRow("cancel") << int(Prompter::Answer::Cancel) << false;
+        test::columns<int, bool>({"answer", "written"});
+        row("yes", int(Prompter::Answer::Yes), true);
+        row("no", int(Prompter::Answer::No), false);
+        row("cancel", int(Prompter::Answer::Cancel), false);
     }
     void emptyCabinet()
     {
-        QFETCH(int, answer);
-        QFETCH(bool, written);
+        auto [answer, written] = fetch<int, bool>("answer", "written");
         ExchangeFixture f;
         const qint32 cab = f.store->cabinet("Empty");
         f.store->folder(f.store->drawer(cab, "Drawer"), "Folder");
@@ -147,18 +148,14 @@ private slots:
 
     void cancelAsksThenStops_data()
     {
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<int>("copied");
-        QTest::addColumn<QString>("report");
+        test::columns<int, int, QString>({"answer", "copied", "report"});
         row("yes stops", int(Prompter::Answer::Yes), 2,
             "Export not complete. 2 pages copied before it ended.");
         row("no goes on", int(Prompter::Answer::No), 6, "Export complete. 6 pages copied.");
     }
     void cancelAsksThenStops()
     {
-        QFETCH(int, answer);
-        QFETCH(int, copied);
-        QFETCH(QString, report);
+        auto [answer, copied, report] = fetch<int, int, QString>("answer", "copied", "report");
         ExchangeFixture f;
         f.filledCabinet("Papers", 3, 2);
         TestFileSystem fs;
@@ -177,23 +174,12 @@ private slots:
         QVERIFY(!dialog.isExporting());
     }
 
-    void escapeWhileIdleCloses()
-    {
-        ExchangeFixture f;
-        ExportDialog dialog(f.context());
-        dialog.show();
-        QTest::keyClick(&dialog, Qt::Key_Escape);
-        QVERIFY(!dialog.isVisible());
-        QCOMPARE(dialog.result(), int(QDialog::Rejected));
-        QVERIFY(f.prompter.verify());
-    }
-
     void failedCopies_data()
     {
-        QTest::addColumn<QList<int>>("failing"); // copies that fail
-        QTest::addColumn<int>("answer");         // to "Please insert disk #2"; -1: not a full disk
-        QTest::addColumn<QString>("report");     // "@doc" for the cabinet's folder
-        QTest::addColumn<int>("onDisk");
+        // failing: copies that fail
+        // answer: to "Please insert disk #2"; -1: not a full disk
+        // report: "@doc" for the cabinet's folder
+        test::columns<QList<int>, int, QString, int>({"failing", "answer", "report", "onDisk"});
         const int ok = int(Prompter::Answer::Ok), cancel = int(Prompter::Answer::Cancel);
         const QString full = ": No space left on device";
         row("cancel ends it", QList<int>{3}, cancel,
@@ -217,10 +203,8 @@ private slots:
     }
     void failedCopies()
     {
-        QFETCH(QList<int>, failing);
-        QFETCH(int, answer);
-        QFETCH(QString, report);
-        QFETCH(int, onDisk);
+        auto [failing, answer, report, onDisk] =
+            fetch<QList<int>, int, QString, int>("failing", "answer", "report", "onDisk");
         ExchangeFixture f;
         f.filledCabinet("Papers", 3, 2);
         TestFileSystem fs;

@@ -1,7 +1,6 @@
 #include <QComboBox>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTest>
 
 #include "core/pagenotifier.h"
 #include "exchange/importdialog.h"
@@ -10,6 +9,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::fetch;
 using test::row;
 using test::TestFileSystem;
 
@@ -35,6 +35,14 @@ struct Arrivals : PageNotifier
     void picturesArrived() override { ++arrived; }
 };
 
+// A home with the cabinet "Target" and an exchange directory "ex" of `pages` pages.
+struct ImportFixture : ExchangeFixture
+{
+    qint32 target = store->cabinet("Target");
+    QString ex;
+    explicit ImportFixture(int pages) : ex(writeExchange(*this, "ex", pages)) {}
+};
+
 void importFrom(ImportDialog& dialog, const QString& path, const QString& disks = "1")
 {
     dialog.findChild<QLineEdit*>("txtImportPath")->setText(path);
@@ -50,12 +58,9 @@ class TestImportDialog : public QObject
 private slots:
     void checksInOrder_data()
     {
-        QTest::addColumn<QString>("path"); // "@ex": an exchange directory, "@plain": none
-        QTest::addColumn<QString>("disks");
-        QTest::addColumn<QStringList>("texts");
-        QTest::addColumn<QList<int>>("answers");
-        QTest::addColumn<QString>("disksAfter");
-        QTest::addColumn<bool>("imported");
+        // path: "@ex": an exchange directory, "@plain": none
+        test::columns<QString, QString, QStringList, QList<int>, QString, bool>(
+            {"path", "disks", "texts", "answers", "disksAfter", "imported"});
         const int ok = int(Prompter::Answer::Ok), yes = int(Prompter::Answer::Yes),
                   no = int(Prompter::Answer::No), cancel = int(Prompter::Answer::Cancel);
         const QString over = "You have designated over 10 disks to import.  Continue?";
@@ -82,18 +87,13 @@ private slots:
     }
     void checksInOrder()
     {
-        QFETCH(QString, path);
-        QFETCH(QString, disks);
-        QFETCH(QStringList, texts);
-        QFETCH(QList<int>, answers);
-        QFETCH(QString, disksAfter);
-        QFETCH(bool, imported);
-        ExchangeFixture f;
-        f.store->cabinet("Target");
-        const QString ex = writeExchange(f, "ex", 2);
+        auto [path, disks, texts, answers, disksAfter, imported] =
+            fetch<QString, QString, QStringList, QList<int>, QString, bool>(
+                "path", "disks", "texts", "answers", "disksAfter", "imported");
+        ImportFixture f(2);
         const QString plain = writeExchange(f, "plain", 1, false);
         const auto place = [&](QString text) {
-            return text.replace("@ex", ex)
+            return text.replace("@ex", f.ex)
                 .replace("@plain", plain)
                 .replace("@out", f.outside.path());
         };
@@ -110,14 +110,12 @@ private slots:
         QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), disksAfter);
         QCOMPARE(f.count("Page"), imported ? 2 : 0);
         QCOMPARE(dialog.result() == QDialog::Accepted, imported);
-        QCOMPARE(f.home.settings().get(keys::LastImportPath), imported ? ex : QString());
+        QCOMPARE(f.home.settings().get(keys::LastImportPath), imported ? f.ex : QString());
     }
 
     void stopKeepsWhatCameIn()
     {
-        ExchangeFixture f;
-        f.store->cabinet("Target");
-        const QString ex = writeExchange(f, "ex", 5);
+        ImportFixture f(5);
         TestFileSystem fs;
         ImportDialog dialog(f.context(), nullptr, &fs);
         fs.afterCopy = [&](int n) {
@@ -126,7 +124,7 @@ private slots:
         };
         f.prompter.expect("Stop the import?", Prompter::Answer::Yes);
         f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\nImport stopped by user.");
-        importFrom(dialog, ex);
+        importFrom(dialog, f.ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Page"), 2);
         const Recordset rs = f.db().openRecordset("SELECT PageId FROM Page");
@@ -139,29 +137,25 @@ private slots:
 
     void furtherDisksMerge_data()
     {
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<int>("pages");
-        QTest::newRow("second disk put in") << int(Prompter::Answer::Ok) << 3;
-        QTest::newRow("cancelled") << int(Prompter::Answer::Cancel) << 2;
+        test::columns<int, int>({"answer", "pages"});
+        row("second disk put in", int(Prompter::Answer::Ok), 3);
+        row("cancelled", int(Prompter::Answer::Cancel), 2);
     }
     void furtherDisksMerge()
     {
-        QFETCH(int, answer);
-        QFETCH(int, pages);
-        ExchangeFixture f;
-        f.store->cabinet("Target");
-        const QString ex = writeExchange(f, "ex", 2);
+        auto [answer, pages] = fetch<int, int>("answer", "pages");
+        ImportFixture f(2);
         // The second disk holds the rest of the same tree, without a marker.
         f.prompter.onAsk = [&](const QString& text) {
             if (!text.startsWith("Please insert disk"))
                 return;
-            QDir(ex).removeRecursively();
-            ExchangeFixture::writeImage(ex + "/Bank/Checking/March/Page 3.jpg");
+            QDir(f.ex).removeRecursively();
+            ExchangeFixture::writeImage(f.ex + "/Bank/Checking/March/Page 3.jpg");
         };
         f.prompter.expect("Please insert disk # 2", Prompter::Answer(answer));
         f.prompter.expect(QString("%1 files imported.\r\n0 shortcuts created.").arg(pages));
         ImportDialog dialog(f.context());
-        importFrom(dialog, ex, "2");
+        importFrom(dialog, f.ex, "2");
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // One drawer, folder and document however many disks brought them.
         QCOMPARE(f.count("Drawer"), 1);
@@ -171,9 +165,7 @@ private slots:
 
     void storeDiskFullEndsTheImport()
     {
-        ExchangeFixture f;
-        f.store->cabinet("Target");
-        const QString ex = writeExchange(f, "ex", 3);
+        ImportFixture f(3);
         TestFileSystem fs;
         fs.failCopy.insert(2, FileOutcome::Kind::DiskFull);
         ImportDialog dialog(f.context(), nullptr, &fs);
@@ -181,7 +173,7 @@ private slots:
             "Cannot write " + f.session->paths().computedPagePath(2) + ": No space left on device";
         f.prompter.expect(error);
         f.prompter.expect("1 files imported.\r\n0 shortcuts created.");
-        importFrom(dialog, ex);
+        importFrom(dialog, f.ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // The page whose file could not be stored leaves no row; the one before it stays.
         QCOMPARE(f.count("Page"), 1);
@@ -190,17 +182,16 @@ private slots:
 
     void unreadableFileIsPassedOver()
     {
-        ExchangeFixture f;
-        const qint32 target = f.store->cabinet("Target");
-        const QString ex = writeExchange(f, "ex", 3);
+        ImportFixture f(3);
         TestFileSystem fs;
-        fs.unreadable.insert(ex + "/Bank/Checking/March/Page 2.jpg");
-        fs.unreadable.insert(ex + "/Bank/Checking/March/Document.txt");
-        ExchangeFixture::writeBytes(ex + "/Bank/Checking/March/Document.txt", "[Amount]\r\n1\r\n");
+        fs.unreadable.insert(f.ex + "/Bank/Checking/March/Page 2.jpg");
+        fs.unreadable.insert(f.ex + "/Bank/Checking/March/Document.txt");
+        ExchangeFixture::writeBytes(f.ex + "/Bank/Checking/March/Document.txt",
+                                    "[Amount]\r\n1\r\n");
         f.prompter.expect("2 files imported.\r\n0 shortcuts created.");
         ImportDialog dialog(f.context(), nullptr, &fs);
-        dialog.selectCabinet(target);
-        importFrom(dialog, ex);
+        dialog.selectCabinet(f.target);
+        importFrom(dialog, f.ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Page"), 2);
         QVERIFY(f.field("SELECT Amount FROM Document").isNull());
@@ -208,29 +199,35 @@ private slots:
 
     void linksAreNamedAtTheEnd()
     {
-        ExchangeFixture f;
-        f.store->cabinet("Target");
-        const QString ex = writeExchange(f, "ex", 2);
-        const QString doc = ex + "/Bank/Checking/March";
+        ImportFixture f(2);
+        const QString doc = f.ex + "/Bank/Checking/March";
         QVERIFY(ExchangeFixture::writeImage(f.outsidePath("secret.jpg"), Qt::red));
         QVERIFY(QFile::link(f.outsidePath("secret.jpg"), doc + "/Page 3.jpg"));
-        QVERIFY(QFile::link(f.outside.path(), ex + "/Bank/Everything"));
-        f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\n\r\n'" + ex +
+        QVERIFY(QFile::link(f.outside.path(), f.ex + "/Bank/Everything"));
+        f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\n\r\n'" + f.ex +
                           "/Bank/Everything' is a link; it was not followed.\r\n'" + doc +
                           "/Page 3.jpg' is a link; it was not followed.");
         ImportDialog dialog(f.context());
-        importFrom(dialog, ex);
+        importFrom(dialog, f.ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Folder"), 1);
         QCOMPARE(f.count("Page"), 2);
     }
 
-    void lookupTakesTheMarkersDirectory()
+    // With no cabinet to take it, the dialog says so; its look-up still finds a directory.
+    void noCabinetsAndLookup()
     {
         ExchangeFixture f;
+        f.store->cabinet("Locked", "pw");
+        ImportDialog dialog(f.context());
+        QCOMPARE(dialog.findChild<QComboBox*>("cboCabinet")->currentText(),
+                 "No file cabinets to export");
+        QVERIFY(!dialog.findChild<QPushButton*>("cmdOK")->isEnabled());
+        QCOMPARE(dialog.windowTitle(), "Import Files");
+        QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), "1");
+
         const QString ex = writeExchange(f, "ex", 1);
         f.choosers.queueFileToOpen(ex + "/QMR.txt");
-        ImportDialog dialog(f.context());
         auto* box = dialog.findChild<QLineEdit*>("txtImportPath");
         box->setText(f.outside.path());
         dialog.cmdLookup();
@@ -241,18 +238,6 @@ private slots:
         // Cancel keeps the text.
         dialog.cmdLookup();
         QCOMPARE(box->text(), ex);
-    }
-
-    void noCabinetsSaysSo()
-    {
-        ExchangeFixture f;
-        f.store->cabinet("Locked", "pw");
-        ImportDialog dialog(f.context());
-        auto* list = dialog.findChild<QComboBox*>("cboCabinet");
-        QCOMPARE(list->currentText(), "No file cabinets to export");
-        QVERIFY(!dialog.findChild<QPushButton*>("cmdOK")->isEnabled());
-        QCOMPARE(dialog.windowTitle(), "Import Files");
-        QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), "1");
     }
 };
 

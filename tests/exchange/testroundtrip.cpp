@@ -1,7 +1,5 @@
 #include <QDirIterator>
-#include <QImage>
 #include <QRegularExpression>
-#include <QTest>
 
 #include "exchange/cabinetexporter.h"
 #include "exchange/cabinetimporter.h"
@@ -12,6 +10,7 @@
 
 using namespace qmr;
 using test::ExchangeFixture;
+using test::fetch;
 
 namespace {
 
@@ -90,19 +89,21 @@ class TestRoundTrip : public QObject
 {
     Q_OBJECT
 private slots:
-    void exportWritesTheFormat()
+    // The cabinet out to the format, and back into another cabinet, twice.
+    void exportThenImport()
     {
         ExchangeFixture f;
         const Cabinet c = buildCabinet(f);
+        const qint32 target = f.store->cabinet("Target");
         Exchange ex(f);
-        const ExportReport report =
+        const ExportReport exported =
             ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // The missing page file is left out and not counted.
-        QCOMPARE(report.pagesCopied, 5);
-        QCOMPARE(report.reportText(), "Export complete. 5 pages copied.");
-        QVERIFY(report.error.isEmpty());
-        QVERIFY(report.problems.isEmpty());
+        QCOMPARE(exported.pagesCopied, 5);
+        QCOMPARE(exported.reportText(), "Export complete. 5 pages copied.");
+        QVERIFY(exported.error.isEmpty());
+        QVERIFY(exported.problems.isEmpty());
 
         const QString root = f.outsidePath("out/Family Papers");
         QCOMPARE(lines(root + "/QMR.txt"),
@@ -115,19 +116,19 @@ private slots:
         QVERIFY(QFileInfo(root + "/Taxes/2025").isDir());
         const QString folder = root + "/BankAccounts/Checking";
         QCOMPARE(lines(folder + "/Folder.txt"), QStringList({"[Description]", "Folder notes"}));
-        const QString bill = folder + "/Bill2";
-        QCOMPARE(lines(bill + "/Document.txt"),
+        const QString billDir = folder + "/Bill2";
+        QCOMPARE(lines(billDir + "/Document.txt"),
                  QStringList({"[DateOnDocument]", "03/31/2026", "", "[Description]", "Paid", "",
                               "[Amount]", "1234.5"}));
         QCOMPARE(
-            QDir(bill).entryList(QDir::Files, QDir::Name),
+            QDir(billDir).entryList(QDir::Files, QDir::Name),
             QStringList({"Document.txt", "Page 1.jpg", "Page 3.jpg", "notes.pdf", "scan.jpeg"}));
         // Byte for byte.
-        QCOMPARE(ExchangeFixture::readBytes(bill + "/scan.jpeg"),
+        QCOMPARE(ExchangeFixture::readBytes(billDir + "/scan.jpeg"),
                  ExchangeFixture::readBytes(c.scanJpeg));
-        QCOMPARE(ExchangeFixture::readBytes(bill + "/notes.pdf"),
+        QCOMPARE(ExchangeFixture::readBytes(billDir + "/notes.pdf"),
                  ExchangeFixture::readBytes(c.notesPdf));
-        QCOMPARE(ExchangeFixture::readBytes(bill + "/Page 3.jpg"),
+        QCOMPARE(ExchangeFixture::readBytes(billDir + "/Page 3.jpg"),
                  ExchangeFixture::readBytes(f.session->paths().computedPagePath(2)));
         // An amount alone makes no manifest; an empty description that is not Null does.
         QVERIFY(!QFile::exists(folder + "/Only amount/Document.txt"));
@@ -142,16 +143,7 @@ private slots:
             everything << it.next();
         QCOMPARE(everything.filter("Thumbs").size(), 0);
         QCOMPARE(everything.filter(".qmrpart").size(), 0);
-    }
 
-    void importBringsItBack()
-    {
-        ExchangeFixture f;
-        const Cabinet c = buildCabinet(f);
-        const qint32 target = f.store->cabinet("Target");
-        Exchange ex(f);
-        ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
-        const QString root = f.outsidePath("out/Family Papers");
         const ImportReport report = ex.importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QVERIFY(report.error.isEmpty());
@@ -197,7 +189,6 @@ private slots:
             "ScanDate FROM Page WHERE DocumentId = ? ORDER BY Name",
             {bill});
         QCOMPARE(pages.recordCount(), 4);
-        const QString billDir = root + "/BankAccounts/Checking/Bill2";
         struct Expected
         {
             const char* name;
@@ -368,16 +359,14 @@ private slots:
 
     void emptyDirectoryAsksBeforeTheStructure_data()
     {
-        QTest::addColumn<int>("answer");
-        QTest::addColumn<int>("drawers");
+        test::columns<int, int>({"answer", "drawers"});
         test::row("yes: the structure", int(Prompter::Answer::Yes), 1);
         test::row("no: nothing", int(Prompter::Answer::No), 0);
         test::row("cancel: nothing", int(Prompter::Answer::Cancel), 0);
     }
     void emptyDirectoryAsksBeforeTheStructure()
     {
-        QFETCH(int, answer);
-        QFETCH(int, drawers);
+        auto [answer, drawers] = fetch<int, int>("answer", "drawers");
         ExchangeFixture f;
         const qint32 target = f.store->cabinet("Target");
         const QString root = f.outsidePath("ex");
@@ -387,10 +376,7 @@ private slots:
         f.prompter.expect(
             "There are no image files to import.  Import the file cabinet's structure?",
             Prompter::Answer(answer));
-        DiskFileSystem fs;
-        PromptedQuestions questions(f.prompter);
-        CabinetImporter importer(*f.session, fs, questions);
-        const ImportReport report = importer.importCabinet(target, root, 1, f.progress);
+        const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(report.reportText(), "0 files imported.\r\n0 shortcuts created.");
         QCOMPARE(f.count("Drawer"), drawers);

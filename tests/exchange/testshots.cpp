@@ -1,6 +1,5 @@
 #include <QLineEdit>
 #include <QListWidget>
-#include <QTest>
 
 #include "exchange/exportdialog.h"
 #include "exchange/filetypesdialog.h"
@@ -12,6 +11,23 @@
 using namespace qmr;
 using test::ExchangeFixture;
 using test::TestFileSystem;
+
+namespace {
+
+// Pictures of a dialog idle and at its third copy, then it runs.
+template <class Dialog> void shootAndRun(Dialog& dialog, TestFileSystem& fs, const QString& name)
+{
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    test::saveShot(&dialog, name);
+    fs.afterCopy = [&](int n) {
+        if (n == 3)
+            test::saveShot(&dialog, name + "-working");
+    };
+    dialog.cmdOK();
+}
+
+} // namespace
 
 // Pictures of the exchange dialogs, idle and at work.
 class Shots : public QObject
@@ -26,18 +42,11 @@ private slots:
         TestFileSystem fs;
         ExportDialog dialog(f.context(), nullptr, &fs);
         dialog.findChild<QLineEdit*>("txtOutputPath")->setText(f.outsidePath("backup"));
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        test::saveShot(&dialog, "dialog-export");
-        fs.afterCopy = [&](int n) {
-            if (n == 3)
-                test::saveShot(&dialog, "dialog-export-working");
-        };
         f.prompter.expect("'" + f.outsidePath("backup") +
                               "' does not exist.  Do you want to create it?",
                           Prompter::Answer::Yes);
         f.prompter.expect("Export complete. 6 pages copied.");
-        dialog.cmdOK();
+        shootAndRun(dialog, fs, "dialog-export");
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
     }
 
@@ -52,15 +61,8 @@ private slots:
         TestFileSystem fs;
         ImportDialog dialog(f.context(), nullptr, &fs);
         dialog.findChild<QLineEdit*>("txtImportPath")->setText(ex);
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        test::saveShot(&dialog, "dialog-import");
-        fs.afterCopy = [&](int n) {
-            if (n == 3)
-                test::saveShot(&dialog, "dialog-import-working");
-        };
         f.prompter.expect("6 files imported.\r\n0 shortcuts created.");
-        dialog.cmdOK();
+        shootAndRun(dialog, fs, "dialog-import");
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
     }
 

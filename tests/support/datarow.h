@@ -2,6 +2,7 @@
 
 #include <QTest>
 #include <array>
+#include <tuple>
 
 namespace qmr::test {
 
@@ -15,6 +16,12 @@ template <class... T> void columns(const std::array<const char*, sizeof...(T)>& 
 template <class... V> void row(const char* name, const V&... values)
 {
     (QTest::newRow(name) << ... << values);
+}
+
+// The current row's values of the named columns, in order: auto [a, b] = fetch<A, B>("a", "b").
+template <class... T, class... Name> std::tuple<T...> fetch(const Name&... names)
+{
+    return {*static_cast<T*>(QTest::qData(names, qMetaTypeId<T>()))...};
 }
 
 } // namespace qmr::test

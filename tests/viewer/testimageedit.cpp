@@ -1,12 +1,14 @@
 #include <QRandomGenerator>
-#include <QTest>
 
 #include "tests/support/testrunner.h"
 #include "viewer/imageedit.h"
 #include "viewer/pageimage.h"
 #include "viewer/zoomrules.h"
+#include "viewerharness.h"
 
 using namespace qmr;
+using test::fetch;
+using test::row;
 
 namespace {
 
@@ -29,45 +31,34 @@ class TestImageEdit : public QObject
 private slots:
     void cropRectFromBand_data()
     {
-        QTest::addColumn<QPoint>("press");
-        QTest::addColumn<QPoint>("moved");
-        QTest::addColumn<QRect>("rect");
-        QTest::newRow("down and right")
-            << QPoint(10, 20) << QPoint(50, 80) << QRect(10, 20, 40, 60);
-        QTest::newRow("up and left") << QPoint(50, 80) << QPoint(10, 20) << QRect(10, 20, 40, 60);
-        QTest::newRow("crossed") << QPoint(50, 20) << QPoint(10, 80) << QRect(10, 20, 40, 60);
+        test::columns<QPoint, QPoint, QRect>({"press", "moved", "rect"});
+        row("down and right", QPoint(10, 20), QPoint(50, 80), QRect(10, 20, 40, 60));
+        row("up and left", QPoint(50, 80), QPoint(10, 20), QRect(10, 20, 40, 60));
+        row("crossed", QPoint(50, 20), QPoint(10, 80), QRect(10, 20, 40, 60));
         // A press without a move: the last move point of an earlier band still counts.
-        QTest::newRow("press after an earlier band")
-            << QPoint(100, 100) << QPoint(30, 40) << QRect(30, 40, 70, 60);
-        QTest::newRow("a point") << QPoint(7, 7) << QPoint(7, 7) << QRect(7, 7, 0, 0);
+        row("press after an earlier band", QPoint(100, 100), QPoint(30, 40), QRect(30, 40, 70, 60));
+        row("a point", QPoint(7, 7), QPoint(7, 7), QRect(7, 7, 0, 0));
     }
     void cropRectFromBand()
     {
-        QFETCH(QPoint, press);
-        QFETCH(QPoint, moved);
-        QFETCH(QRect, rect);
+        auto [press, moved, rect] = fetch<QPoint, QPoint, QRect>("press", "moved", "rect");
         QCOMPARE(ImageEdit::cropRectFromBand(press, moved), rect);
     }
 
     void cropAndUndo_data()
     {
-        QTest::addColumn<int>("format");
-        QTest::addColumn<QRect>("rect");
-        QTest::addColumn<QRect>("kept");
-        QTest::newRow("colour, inside")
-            << int(QImage::Format_RGB32) << QRect(10, 20, 40, 30) << QRect(10, 20, 40, 30);
-        QTest::newRow("grey, inside")
-            << int(QImage::Format_Grayscale8) << QRect(1, 1, 98, 58) << QRect(1, 1, 98, 58);
-        QTest::newRow("reaching past the edge")
-            << int(QImage::Format_RGB32) << QRect(60, 40, 100, 100) << QRect(60, 40, 40, 20);
-        QTest::newRow("a corner") << int(QImage::Format_RGB32) << QRect(0, 0, 5, 5)
-                                  << QRect(0, 0, 5, 5);
+        test::columns<int, QRect, QRect>({"format", "rect", "kept"});
+        row("colour, inside", int(QImage::Format_RGB32), QRect(10, 20, 40, 30),
+            QRect(10, 20, 40, 30));
+        row("grey, inside", int(QImage::Format_Grayscale8), QRect(1, 1, 98, 58),
+            QRect(1, 1, 98, 58));
+        row("reaching past the edge", int(QImage::Format_RGB32), QRect(60, 40, 100, 100),
+            QRect(60, 40, 40, 20));
+        row("a corner", int(QImage::Format_RGB32), QRect(0, 0, 5, 5), QRect(0, 0, 5, 5));
     }
     void cropAndUndo()
     {
-        QFETCH(int, format);
-        QFETCH(QRect, rect);
-        QFETCH(QRect, kept);
+        auto [format, rect, kept] = fetch<int, QRect, QRect>("format", "rect", "kept");
         const QImage original = noise(100, 60, QImage::Format(format));
         QImage image = original;
         ImageEdit edit = ImageEdit::crop(rect);
@@ -83,10 +74,10 @@ private slots:
 
     void cropThatChangesNothing_data()
     {
-        QTest::addColumn<QRect>("rect");
-        QTest::newRow("empty band") << QRect(7, 7, 0, 0);
-        QTest::newRow("the whole image") << QRect(0, 0, 100, 60);
-        QTest::newRow("outside") << QRect(200, 200, 10, 10);
+        test::columns<QRect>({"rect"});
+        row("empty band", QRect(7, 7, 0, 0));
+        row("the whole image", QRect(0, 0, 100, 60));
+        row("outside", QRect(200, 200, 10, 10));
     }
     void cropThatChangesNothing()
     {
@@ -99,9 +90,9 @@ private slots:
 
     void rotateNonSquare_data()
     {
-        QTest::addColumn<int>("format");
-        QTest::newRow("colour") << int(QImage::Format_RGB32);
-        QTest::newRow("grey") << int(QImage::Format_Grayscale8);
+        test::columns<int>({"format"});
+        row("colour", int(QImage::Format_RGB32));
+        row("grey", int(QImage::Format_Grayscale8));
     }
     void rotateNonSquare()
     {
@@ -123,23 +114,18 @@ private slots:
 
     void autoTrim_data()
     {
-        QTest::addColumn<QRgb>("border");
-        QTest::addColumn<QRgb>("speck"); // a light mark in the border, within the threshold
-        QTest::addColumn<QRect>("content");
-        QTest::addColumn<QRect>("trimmed");
-        QTest::newRow("white margins") << qRgb(255, 255, 255) << qRgb(200, 200, 200)
-                                       << QRect(50, 40, 100, 80) << QRect(50, 40, 100, 80);
-        QTest::newRow("dark scanner bed") << qRgb(20, 20, 20) << qRgb(70, 70, 70)
-                                          << QRect(10, 0, 380, 290) << QRect(10, 0, 380, 290);
-        QTest::newRow("no border")
-            << qRgb(255, 255, 255) << qRgb(255, 255, 255) << QRect(0, 0, 400, 300) << QRect();
+        // speck: a light mark in the border, within the threshold
+        test::columns<QRgb, QRgb, QRect, QRect>({"border", "speck", "content", "trimmed"});
+        row("white margins", qRgb(255, 255, 255), qRgb(200, 200, 200), QRect(50, 40, 100, 80),
+            QRect(50, 40, 100, 80));
+        row("dark scanner bed", qRgb(20, 20, 20), qRgb(70, 70, 70), QRect(10, 0, 380, 290),
+            QRect(10, 0, 380, 290));
+        row("no border", qRgb(255, 255, 255), qRgb(255, 255, 255), QRect(0, 0, 400, 300), QRect());
     }
     void autoTrim()
     {
-        QFETCH(QRgb, border);
-        QFETCH(QRgb, speck);
-        QFETCH(QRect, content);
-        QFETCH(QRect, trimmed);
+        auto [border, speck, content, trimmed] =
+            fetch<QRgb, QRgb, QRect, QRect>("border", "speck", "content", "trimmed");
         QImage image(400, 300, QImage::Format_RGB32);
         image.fill(border);
         image.setPixel(399, 299, speck);
@@ -196,42 +182,35 @@ private slots:
 
     void zoomSteps_data()
     {
-        QTest::addColumn<double>("percent");
-        QTest::addColumn<double>("in"); // -1: refused
-        QTest::addColumn<double>("out");
-        QTest::newRow("one to one") << 100.0 << 125.0 << 75.0;
-        QTest::newRow("just below the top") << 9999.0 << 12498.75 << 7499.25;
-        QTest::newRow("at the top") << 10000.0 << -1.0 << 7500.0;
-        QTest::newRow("11 goes to 8.25") << 11.0 << 13.75 << 8.25;
-        QTest::newRow("at the bottom") << 10.0 << 12.5 << -1.0;
-        QTest::newRow("below the bottom") << 8.25 << 10.3125 << -1.0;
+        // in, out -1: refused
+        test::columns<double, double, double>({"percent", "in", "out"});
+        row("one to one", 100.0, 125.0, 75.0);
+        row("just below the top", 9999.0, 12498.75, 7499.25);
+        row("at the top", 10000.0, -1.0, 7500.0);
+        row("11 goes to 8.25", 11.0, 13.75, 8.25);
+        row("at the bottom", 10.0, 12.5, -1.0);
+        row("below the bottom", 8.25, 10.3125, -1.0);
     }
     void zoomSteps()
     {
-        QFETCH(double, percent);
-        QFETCH(double, in);
-        QFETCH(double, out);
+        auto [percent, in, out] = fetch<double, double, double>("percent", "in", "out");
         QCOMPARE(ZoomRules::zoomIn(percent).value_or(-1), in);
         QCOMPARE(ZoomRules::zoomOut(percent).value_or(-1), out);
     }
 
     void zoomFit_data()
     {
-        QTest::addColumn<int>("control");
-        QTest::addColumn<int>("image");
-        QTest::addColumn<double>("percent");
-        QTest::newRow("letter page in 800 pixels") << 800 << 2550 << 29.0;
-        QTest::newRow("a control of the image's width") << 1600 << 1600 << 94.0;
-        QTest::newRow("small image, large window") << 800 << 10 << 7500.0;
-        QTest::newRow("tiny image: over the top gives 100") << 1200 << 1 << 100.0;
-        QTest::newRow("huge image: under the bottom gives 100") << 100 << 20000 << 100.0;
-        QTest::newRow("no image") << 800 << 0 << 100.0;
+        test::columns<int, int, double>({"control", "image", "percent"});
+        row("letter page in 800 pixels", 800, 2550, 29.0);
+        row("a control of the image's width", 1600, 1600, 94.0);
+        row("small image, large window", 800, 10, 7500.0);
+        row("tiny image: over the top gives 100", 1200, 1, 100.0);
+        row("huge image: under the bottom gives 100", 100, 20000, 100.0);
+        row("no image", 800, 0, 100.0);
     }
     void zoomFit()
     {
-        QFETCH(int, control);
-        QFETCH(int, image);
-        QFETCH(double, percent);
+        auto [control, image, percent] = fetch<int, int, double>("control", "image", "percent");
         QCOMPARE(ZoomRules::fit(control, image), percent);
     }
 };

@@ -1,16 +1,14 @@
-#include <QDir>
 #include <QLineEdit>
-#include <QTest>
 #include <unistd.h>
 
 #include "core/settings.h"
 #include "tests/mail/mailharness.h"
 #include "tests/support/testrunner.h"
-#include "viewer/pagecanvas.h"
-#include "viewer/pageviewwindow.h"
 #include "viewerharness.h"
 
 using namespace qmr;
+using test::fetch;
+using test::ViewerHarness;
 
 namespace {
 
@@ -69,14 +67,13 @@ private slots:
     // name typed. A save that is stopped leaves the store and the files as they were.
     void save_data()
     {
-        QTest::addColumn<QString>("typed"); // %1: the storage directory
-        QTest::addColumn<QStringList>("script");
-        QTest::addColumn<bool>("saved");
-        QTest::addColumn<QString>("shown"); // the name box afterwards; stored when saved
-        QTest::addColumn<bool>("oldKept");
+        // typed %1: the storage directory
+        // shown: the name box afterwards; stored when saved
+        test::columns<QString, QStringList, bool, QString, bool>(
+            {"typed", "script", "saved", "shown", "oldKept"});
         const auto row = [](const char* tag, const QString& typed, const QStringList& script,
                             bool saved, const QString& shown, bool oldKept = true) {
-            QTest::newRow(tag) << typed << script << saved << shown << oldKept;
+            test::row(tag, typed, script, saved, shown, oldKept);
         };
         const QString renamedNo = kRenamed.arg("%1/first.jpg") + "=N";
         row("directory only", "%1/", {"Please enter a filename.=OK"}, false, "%1/");
@@ -104,16 +101,14 @@ private slots:
     }
     void save()
     {
-        QFETCH(QString, typed);
-        QFETCH(QStringList, script);
-        QFETCH(bool, saved);
-        QFETCH(QString, shown);
-        QFETCH(bool, oldKept);
-        test::ViewerHarness h;
+        auto [typed, script, saved, shown, oldKept] =
+            fetch<QString, QStringList, bool, QString, bool>("typed", "script", "saved", "shown",
+                                                             "oldKept");
+        ViewerHarness h;
         const QString dir = h.outside.path();
-        QVERIFY(test::ViewerHarness::writePicture(h.outsideFile("other.jpg"), {50, 50}, Qt::red));
+        QVERIFY(ViewerHarness::writePicture(h.outsideFile("other.jpg"), {50, 50}, Qt::red));
         QVERIFY(QDir(dir).mkpath("Thumbs"));
-        QVERIFY(test::ViewerHarness::writePicture(dir + "/Thumbs/first.jpg", {10, 10}, Qt::red));
+        QVERIFY(ViewerHarness::writePicture(dir + "/Thumbs/first.jpg", {10, 10}, Qt::red));
         const QByteArray other = h.fileBytes(h.outsideFile("other.jpg"));
         const QByteArray first = h.fileBytes(h.outsideFile("first.jpg"));
         const PageRow before = h.row(h.named);
@@ -153,22 +148,18 @@ private slots:
 
     void quality_data()
     {
-        QTest::addColumn<bool>("add");
-        QTest::addColumn<QString>("kind"); // TWAINImageType
-        QTest::addColumn<int>("factor");
-        QTest::newRow("re-save of a document page: the picture's quality")
-            << false << "document" << 30;
-        QTest::newRow("new document page") << true << "document" << 50;
-        QTest::newRow("new picture") << true << "picture" << 30;
+        // kind: TWAINImageType
+        test::columns<bool, QString, int>({"add", "kind", "factor"});
+        test::row("re-save of a document page: the picture's quality", false, "document", 30);
+        test::row("new document page", true, "document", 50);
+        test::row("new picture", true, "picture", 30);
     }
     void quality()
     {
-        QFETCH(bool, add);
-        QFETCH(QString, kind);
-        QFETCH(int, factor);
-        test::ViewerHarness h;
+        auto [add, kind, factor] = fetch<bool, QString, int>("add", "kind", "factor");
+        ViewerHarness h;
         h.home.settings().set(keys::ImageType, kind);
-        const QImage image = test::ViewerHarness::picture({320, 240}, Qt::blue);
+        const QImage image = ViewerHarness::picture({320, 240}, Qt::blue);
         std::unique_ptr<PageViewWindow> w;
         if (add) {
             w = std::make_unique<PageViewWindow>(h.context());
@@ -184,14 +175,14 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         const qint32 id = w->location().pageId;
         QCOMPARE(h.fileBytes(h.session->paths().computedPagePath(id)),
-                 test::ViewerHarness::jpegBytes(w->pageImage().image(), factor));
+                 ViewerHarness::jpegBytes(w->pageImage().image(), factor));
     }
 
     void saveKeepsTheFullImage()
     {
-        test::ViewerHarness h;
+        ViewerHarness h;
         const QString page = h.session->paths().computedPagePath(h.singlePage);
-        QVERIFY(test::ViewerHarness::writePicture(page, {2000, 1000}, Qt::black));
+        QVERIFY(ViewerHarness::writePicture(page, {2000, 1000}, Qt::black));
         auto w = h.openViewer(h.singlePage);
         for (int i = 0; i < 2; ++i) {
             h.prompter.expect(kAutoAssign, Answer::Yes);
@@ -208,7 +199,7 @@ private slots:
 
     void readOnlyDirectory()
     {
-        test::ViewerHarness h;
+        ViewerHarness h;
         const QString dir = h.outside.path();
         const QString first = h.outsideFile("first.jpg");
         const QByteArray bytes = h.fileBytes(first);
@@ -242,22 +233,22 @@ private slots:
 
     void addMakesItsRowsOnce_data()
     {
-        QTest::addColumn<QString>("target"); // a key of the store's own for the others
-        QTest::addColumn<int>("number");     // 0: refused with "Error!" and no row
-        QTest::newRow("document with pages 4, 5, 5") << "numbers" << 6;
-        QTest::newRow("empty document") << "empty" << 1;
-        QTest::newRow("beside a page") << "page" << 6;
-        QTest::newRow("folder") << "folder" << 1;
-        QTest::newRow("root") << "ROOT" << 0;
-        QTest::newRow("cabinet") << "CAB1" << 0;
-        QTest::newRow("drawer") << "DRW1" << 0;
-        QTest::newRow("a page that is gone") << "PAG999" << 0;
+        // target: a key of the store's own for the others
+        // number 0: refused with "Error!" and no row
+        test::columns<QString, int>({"target", "number"});
+        test::row("document with pages 4, 5, 5", "numbers", 6);
+        test::row("empty document", "empty", 1);
+        test::row("beside a page", "page", 6);
+        test::row("folder", "folder", 1);
+        test::row("root", "ROOT", 0);
+        test::row("cabinet", "CAB1", 0);
+        test::row("drawer", "DRW1", 0);
+        test::row("a page that is gone", "PAG999", 0);
     }
     void addMakesItsRowsOnce()
     {
-        QFETCH(QString, target);
-        QFETCH(int, number);
-        test::ViewerHarness h;
+        auto [target, number] = fetch<QString, int>("target", "number");
+        ViewerHarness h;
         const NodeKey key = target == "numbers"  ? NodeKey::of(Level::Document, h.numbers)
                             : target == "empty"  ? NodeKey::of(Level::Document, h.empty)
                             : target == "page"   ? NodeKey::of(Level::Page, h.twinB)
@@ -266,8 +257,7 @@ private slots:
         Database& db = h.session->db();
         const int pages = db.scalar("SELECT COUNT(*) FROM Page").toInt();
         const int documents = db.scalar("SELECT COUNT(*) FROM Document").toInt();
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        PageViewWindow& w = h.newViewer();
         if (number == 0) {
             h.prompter.expect("Error!");
             QVERIFY(!w.beginAdd(key));
@@ -282,7 +272,7 @@ private slots:
         const PageRow made = h.row(w.location().pageId);
         QCOMPARE(made.scanDate, QDate::currentDate());
         QCOMPARE(made.fileType, QString("JPG"));
-        w.setAcquiredImage(test::ViewerHarness::picture({300, 200}, Qt::blue));
+        w.setAcquiredImage(ViewerHarness::picture({300, 200}, Qt::blue));
         w.showAndLoad();
         QTRY_VERIFY(w.canvas()->isEnabled());
         QCOMPARE(w.canvas()->image().size(), QSize(300, 200)); // no file: the scan's image stays
@@ -309,33 +299,39 @@ private slots:
                      QString("New document"));
     }
 
-    // What a run that is made to end keeps of a new page: its image, until it is saved.
-    void unsavedPictureOfANewPage()
+    // New pages: a document asked for before the scan, what a run that is made to end keeps
+    // of a new page (its image, until it is saved), and the folder's notice by mail.
+    void addingPages()
     {
-        test::ViewerHarness h;
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
-        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.empty)));
-        QVERIFY(w.unsavedPicture().isNull()); // nothing came yet
-        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
-        w.showAndLoad();
-        QTRY_VERIFY(w.canvas()->isEnabled());
-        QCOMPARE(w.unsavedPicture().size(), QSize(30, 20));
-        QVERIFY(w.preResolveDbId());
+        ViewerHarness h;
+        h.home.settings().setMode(keys::GetDocInfo, DocInfoTime::BeforeScan);
+        PageViewWindow& w = h.newViewer();
+        QVERIFY(w.beginAdd(NodeKey::of(Level::Folder, h.letters)));
+        const qint32 doc = w.location().documentId;
+        QCOMPARE(h.nav.calls,
+                 QStringList{QString("DOC%1 New document<%2").arg(doc).arg(h.letters)});
+        w.setAcquiredImage(ViewerHarness::picture({30, 20}, Qt::blue));
         QCOMPARE(w.save(), PageSaver::Result::Saved);
-        QVERIFY(w.unsavedPicture().isNull());
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-    }
+        // A further scan goes into the document made for this one.
+        QCOMPARE(w.key(), NodeKey::of(Level::Document, doc));
 
-    void addMailsTheFolderNotice()
-    {
-        test::ViewerHarness h;
+        PageViewWindow& u = h.newViewer();
+        QVERIFY(u.beginAdd(NodeKey::of(Level::Document, h.empty)));
+        QVERIFY(u.unsavedPicture().isNull()); // nothing came yet
+        u.setAcquiredImage(ViewerHarness::picture({30, 20}, Qt::blue));
+        u.showAndLoad();
+        QTRY_VERIFY(u.canvas()->isEnabled());
+        QCOMPARE(u.unsavedPicture().size(), QSize(30, 20));
+        QVERIFY(u.preResolveDbId());
+        QCOMPARE(u.save(), PageSaver::Result::Saved);
+        QVERIFY(u.unsavedPicture().isNull());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+
         test::SendmailStandIn sendmail;
         test::sendmailAt(sendmail.program, "scanner@example.org").write(h.home.settings());
         h.prompter.expect("Message sent.");
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
-        QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.namedDocument)));
+        PageViewWindow& v = h.newViewer();
+        QVERIFY(v.beginAdd(NodeKey::of(Level::Document, h.namedDocument)));
         // Announced as the row is made, before any image exists.
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         const test::ParsedMessage m(sendmail.message());
@@ -343,26 +339,10 @@ private slots:
         QVERIFY(test::ParsedMessage::unquote(m.body).contains("Document: Named\r\n\r\nNew page "
                                                               "scanned.  Page # 2"));
         // Later resolves make no new row, and so send no second notice.
-        QVERIFY(w.preResolveDbId());
-        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
-        QVERIFY(w.preResolveDbId());
+        QVERIFY(v.preResolveDbId());
+        v.setAcquiredImage(ViewerHarness::picture({30, 20}, Qt::blue));
+        QVERIFY(v.preResolveDbId());
         QCOMPARE(h.prompter.seen().size(), 1);
-    }
-
-    void addDocumentAskedBeforeTheScan()
-    {
-        test::ViewerHarness h;
-        h.home.settings().setMode(keys::GetDocInfo, DocInfoTime::BeforeScan);
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
-        QVERIFY(w.beginAdd(NodeKey::of(Level::Folder, h.letters)));
-        const qint32 doc = w.location().documentId;
-        QCOMPARE(h.nav.calls,
-                 QStringList{QString("DOC%1 New document<%2").arg(doc).arg(h.letters)});
-        w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
-        QCOMPARE(w.save(), PageSaver::Result::Saved);
-        // A further scan goes into the document made for this one.
-        QCOMPARE(w.key(), NodeKey::of(Level::Document, doc));
     }
 
     // Leaving a new page offers to throw it away, with its row and any file at its path (an
@@ -370,30 +350,26 @@ private slots:
     // does not ask.
     void cancelOfANewPage_data()
     {
-        QTest::addColumn<QString>("answer"); // "": the page was saved first
-        QTest::addColumn<bool>("closed");
-        QTest::addColumn<bool>("removed");
-        QTest::newRow("no") << "N" << false << false;
-        QTest::newRow("cancel") << "C" << false << false;
-        QTest::newRow("yes") << "Y" << true << true;
-        QTest::newRow("after a save") << QString() << true << false;
+        // answer "": the page was saved first
+        test::columns<QString, bool, bool>({"answer", "closed", "removed"});
+        test::row("no", "N", false, false);
+        test::row("cancel", "C", false, false);
+        test::row("yes", "Y", true, true);
+        test::row("after a save", QString(), true, false);
     }
     void cancelOfANewPage()
     {
-        QFETCH(QString, answer);
-        QFETCH(bool, closed);
-        QFETCH(bool, removed);
-        test::ViewerHarness h;
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        auto [answer, closed, removed] = fetch<QString, bool, bool>("answer", "closed", "removed");
+        ViewerHarness h;
+        PageViewWindow& w = h.newViewer();
         QVERIFY(w.beginAdd(NodeKey::of(Level::Document, h.empty)));
         const qint32 id = w.location().pageId;
         const QString file = h.session->paths().computedPagePath(id);
         QVERIFY(h.session->paths().ensurePathInHome(file));
-        QVERIFY(test::ViewerHarness::writePicture(file, {20, 20}, Qt::red));
+        QVERIFY(ViewerHarness::writePicture(file, {20, 20}, Qt::red));
         w.show();
         if (answer.isEmpty()) {
-            w.setAcquiredImage(test::ViewerHarness::picture({30, 20}, Qt::blue));
+            w.setAcquiredImage(ViewerHarness::picture({30, 20}, Qt::blue));
             QCOMPARE(w.save(), PageSaver::Result::Saved);
         } else {
             expect(h.prompter, {"Cancel saving this new page?=" + answer});
@@ -408,34 +384,31 @@ private slots:
 
     void saveAs_data()
     {
-        QTest::addColumn<QString>("chosen"); // %1 the outside directory, %2 the home; "" cancel
-        QTest::addColumn<QStringList>("script");
-        QTest::addColumn<bool>("written");
-        QTest::newRow("cancelled") << QString() << QStringList() << false;
-        QTest::newRow("new file") << "%1/copies/copy.jpg" << QStringList() << true;
-        QTest::newRow("inside the home")
-            << "%2/Pages/copy.jpg"
-            << QStringList{"You cannot save an image to a path within the Quillmere system.\n"
-                           "Please select another location that is not within the application "
-                           "path of:\n'%2'.=OK"}
-            << false;
-        QTest::newRow("existing, no")
-            << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=N"} << false;
-        QTest::newRow("existing, cancel")
-            << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=C"} << false;
-        QTest::newRow("existing, yes")
-            << "%1/first.jpg" << QStringList{"'%1/first.jpg' exists.  Overwrite?=Y"} << true;
+        // chosen: %1 the outside directory, %2 the home; "" cancel
+        test::columns<QString, QStringList, bool>({"chosen", "script", "written"});
+        test::row("cancelled", QString(), QStringList(), false);
+        test::row("new file", "%1/copies/copy.jpg", QStringList(), true);
+        test::row("inside the home", "%2/Pages/copy.jpg",
+                  QStringList{"You cannot save an image to a path within the Quillmere system.\n"
+                              "Please select another location that is not within the application "
+                              "path of:\n'%2'.=OK"},
+                  false);
+        test::row("existing, no", "%1/first.jpg",
+                  QStringList{"'%1/first.jpg' exists.  Overwrite?=N"}, false);
+        test::row("existing, cancel", "%1/first.jpg",
+                  QStringList{"'%1/first.jpg' exists.  Overwrite?=C"}, false);
+        test::row("existing, yes", "%1/first.jpg",
+                  QStringList{"'%1/first.jpg' exists.  Overwrite?=Y"}, true);
         // A link planted at the chosen name: it is replaced, and the page's file it points at
         // stays as it was.
-        QTest::newRow("a link, yes")
-            << "%1/link.jpg" << QStringList{"'%1/link.jpg' exists.  Overwrite?=Y"} << true;
+        test::row("a link, yes", "%1/link.jpg", QStringList{"'%1/link.jpg' exists.  Overwrite?=Y"},
+                  true);
     }
     void saveAs()
     {
-        QFETCH(QString, chosen);
-        QFETCH(QStringList, script);
-        QFETCH(bool, written);
-        test::ViewerHarness h;
+        auto [chosen, script, written] =
+            fetch<QString, QStringList, bool>("chosen", "script", "written");
+        ViewerHarness h;
         const QString dir = h.outside.path();
         h.home.settings().set(keys::LastSaveAsPath, dir + "/earlier/");
         const PageRow before = h.row(h.singlePage);

@@ -1,22 +1,20 @@
 #include <QAction>
-#include <QApplication>
 #include <QClipboard>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
-#include <QPainter>
 #include <QPushButton>
-#include <QTest>
 
 #include "tests/support/testrunner.h"
-#include "viewer/pagecanvas.h"
-#include "viewer/pageviewwindow.h"
 #include "viewer/viewerpageopener.h"
 #include "viewer/viewsettingsdialog.h"
 #include "viewer/zoomrules.h"
 #include "viewerharness.h"
 
 using namespace qmr;
+using test::fetch;
+using test::row;
+using test::ViewerHarness;
 
 namespace {
 
@@ -37,16 +35,10 @@ private slots:
     // A lower number comes before a twin: back from the second 5 lands on 4.
     void neighbours_data()
     {
-        QTest::addColumn<QString>("page");
-        QTest::addColumn<int>("number");
-        QTest::addColumn<QString>("previous"); // "" for none: the button is disabled
-        QTest::addColumn<QString>("next");
-        QTest::addColumn<QString>("backAfterNext"); // where Next and then Previous lead
-        const auto row = [](const char* tag, const char* page, int number, const char* previous,
-                            const char* next, const char* back) {
-            QTest::newRow(tag) << QString(page) << number << QString(previous) << QString(next)
-                               << QString(back);
-        };
+        // previous: "" for none: the button is disabled
+        // backAfterNext: where Next and then Previous lead
+        test::columns<QString, int, QString, QString, QString>(
+            {"page", "number", "previous", "next", "backAfterNext"});
         row("4", "numbered4", 4, "", "twinA", "numbered4");
         row("first 5", "twinA", 5, "numbered4", "twinB", "numbered4");
         row("second 5", "twinB", 5, "numbered4", "", "numbered4");
@@ -54,12 +46,10 @@ private slots:
     }
     void neighbours()
     {
-        QFETCH(QString, page);
-        QFETCH(int, number);
-        QFETCH(QString, previous);
-        QFETCH(QString, next);
-        QFETCH(QString, backAfterNext);
-        test::ViewerHarness h;
+        auto [page, number, previous, next, backAfterNext] =
+            fetch<QString, int, QString, QString, QString>("page", "number", "previous", "next",
+                                                           "backAfterNext");
+        ViewerHarness h;
         const QHash<QString, qint32> ids{{"numbered4", h.numbered4},
                                          {"twinA", h.twinA},
                                          {"twinB", h.twinB},
@@ -80,9 +70,11 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
-    void openShowsThePage()
+    // One store through the viewer on a page: opening, the zoom's limits, band and crops,
+    // turns and trims, the clipboard, leaving with an edit, and a page whose file is gone.
+    void viewingAndEditing()
     {
-        test::ViewerHarness h;
+        ViewerHarness h;
         auto w = h.openViewer(h.singlePage);
         QCOMPARE(w->mode(), ViewerMode::Edit);
         QCOMPARE(w->canvas()->image().size(), QSize(850, 1100));
@@ -96,13 +88,98 @@ private slots:
         auto n = h.openViewer(h.named);
         QVERIFY(control<QLineEdit>(n.get(), "txtFilename")->isVisible());
         QCOMPARE(control<QLineEdit>(n.get(), "txtFilename")->text(), h.outsideFile("first.jpg"));
-    }
 
-    void missingFileGivesAnEmptyViewer()
-    {
-        test::ViewerHarness h;
+        // 600 x 400, white around a frame
+        QAction* undo = control<QAction>(n.get(), "mnuEditUndo");
+        QVERIFY(!undo->isEnabled());
+        n->cmdRotateClockwise();
+        QCOMPARE(n->pageImage().image().size(), QSize(400, 600));
+        QVERIFY(n->imageChanged());
+        QCOMPARE(n->canvas()->zoomPercent(), 100.0);
+        QVERIFY(undo->isEnabled());
+        n->cmdAutoTrim();
+        const QSize trimmed = n->pageImage().image().size();
+        QVERIFY2(trimmed.width() < 400 && trimmed.height() < 600,
+                 qPrintable(QString("%1x%2").arg(trimmed.width()).arg(trimmed.height())));
+        undo->trigger();
+        QCOMPARE(n->pageImage().image().size(), QSize(400, 600));
+        undo->trigger();
+        QCOMPARE(n->pageImage().image().size(), QSize(600, 400));
+        QVERIFY(!undo->isEnabled());
+
+        n = h.openViewer(h.named);
+        n->mnuEditCopy();
+        QCOMPARE(QApplication::clipboard()->image().size(), QSize(600, 400));
+        const QImage other = ViewerHarness::picture(QSize(90, 70), Qt::red);
+        QApplication::clipboard()->setImage(other);
+        n->mnuEditPaste();
+        QCOMPARE(n->pageImage().image().size(), QSize(90, 70));
+        QCOMPARE(n->pageImage().image().pixel(45, 35),
+                 other.convertToFormat(QImage::Format_RGB32).pixel(45, 35));
+        n->mnuEditUndo();
+        QCOMPARE(n->pageImage().image().size(), QSize(600, 400));
+        // Nothing on the clipboard: nothing happens.
+        QApplication::clipboard()->clear();
+        n->mnuEditPaste();
+        QCOMPARE(n->pageImage().image().size(), QSize(600, 400));
+        QVERIFY(!n->pageImage().canUndo());
+
+        w = h.openViewer(h.singlePage);
+        int presses = 0;
+        double last = 0;
+        while (w->canvas()->zoomPercent() != last && presses < 100) {
+            last = w->canvas()->zoomPercent();
+            w->cmdZoomOut();
+            ++presses;
+        }
+        // 100, 75, 56.25 ... 13.35, 10.01, 7.51: the press at 7.51 is refused.
+        QCOMPARE(presses, 10);
+        QVERIFY(qAbs(w->canvas()->zoomPercent() - 100 * std::pow(0.75, 9)) < 1e-9);
+        while (w->canvas()->zoomPercent() < 10000)
+            w->cmdZoomIn();
+        const double top = w->canvas()->zoomPercent();
+        w->cmdZoomIn();
+        QCOMPARE(w->canvas()->zoomPercent(), top);
+
+        w = h.openViewer(h.singlePage);
+        PageCanvas* c = w->canvas();
+        const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
+        const QPoint origin = c->imagePointAt(base);
+        ViewerHarness::band(c, base, {base + QPoint(60, 40), base + QPoint(120, 90)});
+        QVERIFY(c->bandActive());
+        QCOMPARE(c->bandStart(), origin);
+        QCOMPARE(c->bandEnd(), origin + QPoint(120, 90));
+        w->cmdCrop();
+        QCOMPARE(w->pageImage().image().size(), QSize(120, 90));
+        QVERIFY(!c->bandActive());
+        // A second crop needs a new band.
+        w->cmdCrop();
+        QCOMPARE(w->pageImage().image().size(), QSize(120, 90));
+        // A press without a move keeps the last move point: the crop runs to it.
+        const QPoint at = c->imagePointAt(c->viewport()->rect().center() - QPoint(20, 10));
+        const QPoint viewAt = c->viewport()->rect().center() - QPoint(20, 10);
+        ViewerHarness::band(c, viewAt);
+        const QRect expected = ImageEdit::cropRectFromBand(at, origin + QPoint(120, 90))
+                                   .intersected(QRect(0, 0, 120, 90));
+        w->cmdCrop();
+        QCOMPARE(w->pageImage().image().size(), expected.size());
+        w->mnuEditUndo();
+        w->mnuEditUndo();
+        QCOMPARE(w->pageImage().image().size(), QSize(850, 1100));
+        QVERIFY(!w->imageChanged()); // crops leave the flag alone
+
+        w = h.openViewer(h.singlePage);
+        w->cmdRotateClockwise();
+        // An edit not saved is asked about; Discard drops the change on the screen.
+        h.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
+        QTest::keyClick(w.get(), Qt::Key_Escape);
+        QVERIFY(!w->isVisible());
+        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
+        QCOMPARE(QImage(h.session->paths().computedPagePath(h.singlePage)).size(),
+                 QSize(850, 1100));
+
         QVERIFY(QFile::remove(h.session->paths().computedPagePath(h.twinA)));
-        auto w = h.openViewer(h.numbered4);
+        w = h.openViewer(h.numbered4);
         QVERIFY(w->canvas()->hasImage());
         // Moving on to a page without its file must not leave the last picture standing in.
         w->cmdNext();
@@ -116,16 +193,16 @@ private slots:
     // viewer: each row chooses the next setting in the dialog.
     void zoomDefault_data()
     {
-        QTest::addColumn<int>("index");
-        QTest::newRow("none") << 0;
-        QTest::newRow("fit width") << 1;
-        QTest::newRow("fit height") << 2;
+        test::columns<int>({"index"});
+        row("none", 0);
+        row("fit width", 1);
+        row("fit height", 2);
     }
     void zoomDefault()
     {
         QFETCH(int, index);
         const QStringList settings{"NONE", "FITWIDTH", "FITHEIGHT"};
-        test::ViewerHarness h;
+        ViewerHarness h;
         h.view->setZoomDefault(settings[index]);
         auto w = h.openViewer(h.singlePage);
         PageCanvas* c = w->canvas();
@@ -147,98 +224,20 @@ private slots:
         QCOMPARE(c->zoomPercent(), expected(chosen));
     }
 
-    void zoomLimits()
-    {
-        test::ViewerHarness h;
-        auto w = h.openViewer(h.singlePage);
-        int presses = 0;
-        double last = 0;
-        while (w->canvas()->zoomPercent() != last && presses < 100) {
-            last = w->canvas()->zoomPercent();
-            w->cmdZoomOut();
-            ++presses;
-        }
-        // 100, 75, 56.25 ... 13.35, 10.01, 7.51: the press at 7.51 is refused.
-        QCOMPARE(presses, 10);
-        QVERIFY(qAbs(w->canvas()->zoomPercent() - 100 * std::pow(0.75, 9)) < 1e-9);
-        while (w->canvas()->zoomPercent() < 10000)
-            w->cmdZoomIn();
-        const double top = w->canvas()->zoomPercent();
-        w->cmdZoomIn();
-        QCOMPARE(w->canvas()->zoomPercent(), top);
-    }
-
-    void bandAndCrop()
-    {
-        test::ViewerHarness h;
-        auto w = h.openViewer(h.singlePage);
-        PageCanvas* c = w->canvas();
-        const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
-        const QPoint origin = c->imagePointAt(base);
-        test::ViewerHarness::band(c, base, {base + QPoint(60, 40), base + QPoint(120, 90)});
-        QVERIFY(c->bandActive());
-        QCOMPARE(c->bandStart(), origin);
-        QCOMPARE(c->bandEnd(), origin + QPoint(120, 90));
-        w->cmdCrop();
-        QCOMPARE(w->pageImage().image().size(), QSize(120, 90));
-        QVERIFY(!c->bandActive());
-        // A second crop needs a new band.
-        w->cmdCrop();
-        QCOMPARE(w->pageImage().image().size(), QSize(120, 90));
-        // A press without a move keeps the last move point: the crop runs to it.
-        const QPoint at = c->imagePointAt(c->viewport()->rect().center() - QPoint(20, 10));
-        const QPoint viewAt = c->viewport()->rect().center() - QPoint(20, 10);
-        test::ViewerHarness::band(c, viewAt);
-        const QRect expected = ImageEdit::cropRectFromBand(at, origin + QPoint(120, 90))
-                                   .intersected(QRect(0, 0, 120, 90));
-        w->cmdCrop();
-        QCOMPARE(w->pageImage().image().size(), expected.size());
-        w->mnuEditUndo();
-        w->mnuEditUndo();
-        QCOMPARE(w->pageImage().image().size(), QSize(850, 1100));
-        QVERIFY(!w->imageChanged()); // crops leave the flag alone
-    }
-
-    void rotateTrimAndUndo()
-    {
-        test::ViewerHarness h;
-        auto w = h.openViewer(h.named); // 600 x 400, white around a frame
-        QAction* undo = control<QAction>(w.get(), "mnuEditUndo");
-        QVERIFY(!undo->isEnabled());
-        w->cmdRotateClockwise();
-        QCOMPARE(w->pageImage().image().size(), QSize(400, 600));
-        QVERIFY(w->imageChanged());
-        QCOMPARE(w->canvas()->zoomPercent(), 100.0);
-        QVERIFY(undo->isEnabled());
-        w->cmdAutoTrim();
-        const QSize trimmed = w->pageImage().image().size();
-        QVERIFY2(trimmed.width() < 400 && trimmed.height() < 600,
-                 qPrintable(QString("%1x%2").arg(trimmed.width()).arg(trimmed.height())));
-        undo->trigger();
-        QCOMPARE(w->pageImage().image().size(), QSize(400, 600));
-        undo->trigger();
-        QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
-        QVERIFY(!undo->isEnabled());
-    }
-
     // Every edit and its undo keep the scan's resolution, which decides the printed size, and
     // a save writes it into the file.
     void editsKeepTheResolution_data()
     {
-        QTest::addColumn<QString>("edit");
-        QTest::addColumn<QSize>("after");
-        QTest::addColumn<QSize>("afterUndo");
-        QTest::newRow("crop") << "crop" << QSize(120, 90) << QSize(600, 400);
-        QTest::newRow("automatic trim") << "trim" << QSize(288, 208) << QSize(600, 400);
-        QTest::newRow("quarter turn") << "rotate" << QSize(400, 600) << QSize(600, 400);
-        QTest::newRow("paste") << "paste" << QSize(90, 70) << QSize(600, 400);
+        test::columns<QString, QSize, QSize>({"edit", "after", "afterUndo"});
+        row("crop", "crop", QSize(120, 90), QSize(600, 400));
+        row("automatic trim", "trim", QSize(288, 208), QSize(600, 400));
+        row("quarter turn", "rotate", QSize(400, 600), QSize(600, 400));
+        row("paste", "paste", QSize(90, 70), QSize(600, 400));
     }
     void editsKeepTheResolution()
     {
-        QFETCH(QString, edit);
-        QFETCH(QSize, after);
-        QFETCH(QSize, afterUndo);
-        test::ViewerHarness h;
+        auto [edit, after, afterUndo] = fetch<QString, QSize, QSize>("edit", "after", "afterUndo");
+        ViewerHarness h;
         // A 300 dpi scan: white around a block that lies on the JPEG's grid, so that the trim
         // finds its edges exactly.
         QImage scan(600, 400, QImage::Format_RGB32);
@@ -253,14 +252,14 @@ private slots:
         const auto apply = [&] {
             if (edit == "crop") {
                 const QPoint base = c->viewport()->rect().center() - QPoint(150, 100);
-                test::ViewerHarness::band(c, base, {base + QPoint(120, 90)});
+                ViewerHarness::band(c, base, {base + QPoint(120, 90)});
                 w->cmdCrop();
             } else if (edit == "trim") {
                 w->cmdAutoTrim();
             } else if (edit == "rotate") {
                 w->cmdRotateClockwise();
             } else {
-                QApplication::clipboard()->setImage(test::ViewerHarness::picture(after, Qt::red));
+                QApplication::clipboard()->setImage(ViewerHarness::picture(after, Qt::red));
                 w->mnuEditPaste();
             }
         };
@@ -287,63 +286,22 @@ private slots:
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
     }
 
-    void clipboard()
-    {
-        test::ViewerHarness h;
-        auto w = h.openViewer(h.named);
-        w->mnuEditCopy();
-        QCOMPARE(QApplication::clipboard()->image().size(), QSize(600, 400));
-        const QImage other = test::ViewerHarness::picture(QSize(90, 70), Qt::red);
-        QApplication::clipboard()->setImage(other);
-        w->mnuEditPaste();
-        QCOMPARE(w->pageImage().image().size(), QSize(90, 70));
-        QCOMPARE(w->pageImage().image().pixel(45, 35),
-                 other.convertToFormat(QImage::Format_RGB32).pixel(45, 35));
-        w->mnuEditUndo();
-        QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
-        // Nothing on the clipboard: nothing happens.
-        QApplication::clipboard()->clear();
-        w->mnuEditPaste();
-        QCOMPARE(w->pageImage().image().size(), QSize(600, 400));
-        QVERIFY(!w->pageImage().canUndo());
-    }
-
-    void escapeCloses()
-    {
-        test::ViewerHarness h;
-        auto w = h.openViewer(h.singlePage);
-        w->cmdRotateClockwise();
-        // An edit not saved is asked about; Discard drops the change on the screen.
-        h.prompter.expect("Save the changes to page 1?", Prompter::Answer::No);
-        QTest::keyClick(w.get(), Qt::Key_Escape);
-        QVERIFY(!w->isVisible());
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        QCOMPARE(QImage(h.session->paths().computedPagePath(h.singlePage)).size(),
-                 QSize(850, 1100));
-    }
-
     void opener_data()
     {
-        QTest::addColumn<QString>("kind"); // how the page is stored
-        QTest::addColumn<QString>("message");
-        QTest::addColumn<bool>("viewer");
-        QTest::addColumn<bool>("program");
-        const auto row = [](const char* kind, const char* message, bool viewer, bool program) {
-            QTest::newRow(kind) << QString(kind) << QString(message) << viewer << program;
-        };
-        row("page", "", true, false);
-        row("missing page", "Missing file '%1'.", false, false);
-        row("shortcut", "", false, true);
-        row("missing shortcut", "Missing file '%1'.", false, false);
-        row("nameless shortcut", "This shortcut has no filename.", false, false);
+        // kind: how the page is stored
+        test::columns<QString, QString, bool, bool>({"kind", "message", "viewer", "program"});
+        row("page", "page", "", true, false);
+        row("missing page", "missing page", "Missing file '%1'.", false, false);
+        row("shortcut", "shortcut", "", false, true);
+        row("missing shortcut", "missing shortcut", "Missing file '%1'.", false, false);
+        row("nameless shortcut", "nameless shortcut", "This shortcut has no filename.", false,
+            false);
     }
     void opener()
     {
-        QFETCH(QString, kind);
-        QFETCH(QString, message);
-        QFETCH(bool, viewer);
-        QFETCH(bool, program);
-        test::ViewerHarness h;
+        auto [kind, message, viewer, program] =
+            fetch<QString, QString, bool, bool>("kind", "message", "viewer", "program");
+        ViewerHarness h;
         qint32 id = h.singlePage;
         QString path = h.session->paths().computedPagePath(id);
         if (kind == "missing page") {

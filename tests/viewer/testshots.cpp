@@ -1,10 +1,5 @@
-#include <QPainter>
-#include <QTest>
-
 #include "tests/support/shots.h"
 #include "tests/support/testrunner.h"
-#include "viewer/pagecanvas.h"
-#include "viewer/pageviewwindow.h"
 #include "viewer/viewsettingsdialog.h"
 #include "viewerharness.h"
 
@@ -53,14 +48,28 @@ class Shots : public QObject
 {
     Q_OBJECT
 private slots:
+    // The view settings and a named page first, while the zoom is the one a home starts with.
     void viewer()
     {
         test::ViewerHarness h;
+        ViewSettingsDialog dialog(*h.view);
+        dialog.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+        test::saveShot(&dialog, "dialog-view-settings");
+
+        QVERIFY(letter({1275, 1650}).save(h.outsideFile("first.jpg"), "JPG", 85));
+        PageViewWindow& named = h.newViewer();
+        named.resize(980, 720);
+        named.openPage(h.named);
+        QVERIFY(QTest::qWaitForWindowExposed(&named));
+        QTRY_VERIFY(named.canvas()->hasImage());
+        named.cmdZoomFitHeight();
+        test::saveShot(&named, "viewer-named-fit-height");
+
         QVERIFY(letter({2550, 3300})
                     .save(h.session->paths().computedPagePath(h.singlePage), "JPG", 85));
         h.view->setZoomDefault("FITWIDTH");
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
+        PageViewWindow& w = h.newViewer();
         w.resize(980, 720);
         w.openPage(h.singlePage);
         QVERIFY(QTest::qWaitForWindowExposed(&w));
@@ -82,29 +91,6 @@ private slots:
                           Prompter::Answer::Yes);
         QCOMPARE(w.save(), PageSaver::Result::Saved);
         test::saveShot(&w, "viewer-saved");
-    }
-
-    void viewerNamedPage()
-    {
-        test::ViewerHarness h;
-        QVERIFY(letter({1275, 1650}).save(h.outsideFile("first.jpg"), "JPG", 85));
-        PageViewWindow w(h.context());
-        w.setAttribute(Qt::WA_DeleteOnClose, false);
-        w.resize(980, 720);
-        w.openPage(h.named);
-        QVERIFY(QTest::qWaitForWindowExposed(&w));
-        QTRY_VERIFY(w.canvas()->hasImage());
-        w.cmdZoomFitHeight();
-        test::saveShot(&w, "viewer-named-fit-height");
-    }
-
-    void viewSettings()
-    {
-        test::ViewerHarness h;
-        ViewSettingsDialog dialog(*h.view);
-        dialog.show();
-        QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        test::saveShot(&dialog, "dialog-view-settings");
     }
 };
 

@@ -1,8 +1,8 @@
 #pragma once
 
+#include <QApplication>
 #include <QBuffer>
 #include <QDir>
-#include <QApplication>
 #include <QFile>
 #include <QImage>
 #include <QImageWriter>
@@ -11,6 +11,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 #include <memory>
+#include <vector>
 
 #include "core/progress.h"
 #include "core/viewsettings.h"
@@ -18,6 +19,7 @@
 #include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/commandharness.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/navrecorder.h"
 #include "tests/support/scriptedchoosers.h"
@@ -42,6 +44,7 @@ struct ViewerHarness : CommandHarness<>
     qint32 numbers = -1, single = -1, empty = -1;
     qint32 numbered4 = -1, twinA = -1, twinB = -1, singlePage = -1;
     qint32 namedCabinet = -1, mailed = -1, namedDocument = -1, named = -1;
+    std::vector<std::unique_ptr<PageViewWindow>> windows; // gone before the session
 
     ViewerHarness()
     {
@@ -78,6 +81,14 @@ struct ViewerHarness : CommandHarness<>
     QString outsideFile(const QString& name) const { return outside.filePath(name); }
     PageRow row(qint32 pageId) const { return session->pages().page(pageId).value_or(PageRow()); }
     int pageCount(qint32 documentId) const { return session->pages().count(documentId); }
+
+    // A viewer of the harness's own, kept after closing.
+    PageViewWindow& newViewer()
+    {
+        windows.push_back(std::make_unique<PageViewWindow>(context()));
+        windows.back()->setAttribute(Qt::WA_DeleteOnClose, false);
+        return *windows.back();
+    }
 
     // A viewer on a page, kept after closing, with the image following the window once the
     // events of showing are done.
