@@ -6,9 +6,12 @@
 #include <cstring>
 
 #include "core/apphome.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
+using qmr::test::row;
 
 class TestAppHome : public QObject
 {
@@ -18,14 +21,12 @@ private slots:
     // value that is not one of --home's must not be taken for the home.
     void fromArguments_data()
     {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QString>("home");
-        QTest::newRow("--home DIR") << QStringList{"--home", "/h"} << "/h";
-        QTest::newRow("--home=DIR") << QStringList{"--home=/h"} << "/h";
-        QTest::newRow("--home last of several")
-            << QStringList{"--export", "C", "/out", "--home", "/h"} << "/h";
-        QTest::newRow("other options only") << QStringList{"--export", "C", "/out"} << "/env";
-        QTest::newRow("--home without its value") << QStringList{"--check", "--home"} << "/env";
+        columns<QStringList, QString>({"arguments", "home"});
+        row("--home DIR", QStringList{"--home", "/h"}, "/h");
+        row("--home=DIR", QStringList{"--home=/h"}, "/h");
+        row("--home last of several", QStringList{"--export", "C", "/out", "--home", "/h"}, "/h");
+        row("other options only", QStringList{"--export", "C", "/out"}, "/env");
+        row("--home without its value", QStringList{"--check", "--home"}, "/env");
     }
     void fromArguments()
     {
@@ -41,9 +42,7 @@ private slots:
     {
         QTemporaryDir dir;
         const QString file = dir.filePath("in the way");
-        QFile f(file);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.close();
+        QVERIFY(QFile(file).open(QIODevice::WriteOnly));
         const Attempt<> made = AppHome(file + "/home").ensureExists();
         QVERIFY(!made.ok());
         QCOMPARE(made.why(), QStringLiteral("%1 (%2)").arg(strerror(ENOTDIR), file));

@@ -12,9 +12,11 @@
 #include <vector>
 
 #include "core/directfile.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
 
 namespace {
 
@@ -84,8 +86,7 @@ private slots:
     // cache has let the file go.
     void copiedByteForByte_data()
     {
-        QTest::addColumn<qsizetype>("size");
-        QTest::addColumn<bool>("fromDisk");
+        columns<qsizetype, bool>({"size", "fromDisk"});
         const QList<QPair<const char*, qsizetype>> sizes = {
             {"empty", 0},
             {"one byte", 1},
@@ -138,7 +139,7 @@ private slots:
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 2);
     }
 
-    void aFailedWriteLeavesNothingAndSaysWhy()
+    void aFailedReadOrWriteLeavesNothingAndSaysWhy()
     {
         QTemporaryDir dir;
         const QString source = dir.filePath("scan.jpg");
@@ -152,6 +153,11 @@ private slots:
         QVERIFY(!written);
         QCOMPARE(written.why(), QString::fromLocal8Bit(std::strerror(ENOENT)));
         QVERIFY(!QFile::exists(dir.filePath("gone")));
+        // A file that cannot be read is refused, with a reason.
+        QFile notOpen(dir.filePath("never.jpg"));
+        const Attempt<DirectFile> read = DirectFile::read(notOpen);
+        QVERIFY(!read);
+        QVERIFY(!read.why().isEmpty());
     }
 
     // Read through its open handle when its name no longer leads to it.
@@ -179,15 +185,6 @@ private slots:
         QCOMPARE(place(PartFile::Placing::NoReplace), DirectFile::Outcome::TargetExists);
         QCOMPARE(readFile(target), QByteArray("another page"));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
-    }
-
-    void aFileThatCannotBeReadIsRefused()
-    {
-        QTemporaryDir dir;
-        QFile notOpen(dir.filePath("never.jpg"));
-        const Attempt<DirectFile> read = DirectFile::read(notOpen);
-        QVERIFY(!read);
-        QVERIFY(!read.why().isEmpty());
     }
 };
 

@@ -1,9 +1,12 @@
 #include <QTest>
 
 #include "core/nameorder.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
+using qmr::test::row;
 
 class TestNameOrder : public QObject
 {
@@ -11,20 +14,13 @@ class TestNameOrder : public QObject
 private slots:
     void compareNames_data()
     {
-        QTest::addColumn<QString>("a");
-        QTest::addColumn<QString>("b");
-        QTest::addColumn<int>("sign");
-        QTest::newRow("case only") << "tax RETURNS"
-                                   << "Tax Returns" << 0;
-        QTest::newRow("accent before the next letter") << "école"
-                                                       << "Emma" << -1;
-        QTest::newRow("accented after plain") << "école"
-                                              << "Ecole" << 1;
+        columns<QString, QString, int>({"a", "b", "sign"});
+        row("case only", "tax RETURNS", "Tax Returns", 0);
+        row("accent before the next letter", "école", "Emma", -1);
+        row("accented after plain", "école", "Ecole", 1);
         // Where code-point order says the opposite: a capital stands before every small letter.
-        QTest::newRow("capital of a later letter") << "B"
-                                                   << "a" << 1;
-        QTest::newRow("small of an earlier letter") << "a"
-                                                    << "B" << -1;
+        row("capital of a later letter", "B", "a", 1);
+        row("small of an earlier letter", "a", "B", -1);
     }
     void compareNames()
     {

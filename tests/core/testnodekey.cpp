@@ -6,6 +6,7 @@
 
 using qmr::test::row;
 using namespace qmr;
+using qmr::test::columns;
 
 class TestNodeKey : public QObject
 {
@@ -13,13 +14,9 @@ class TestNodeKey : public QObject
 private slots:
     void parse_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("prefix");
-        QTest::addColumn<int>("id");
+        columns<QString, QString, int>({"text", "prefix", "id"});
         QTest::addColumn<int>("level"); // -1 for none
-        QTest::addColumn<int>("foundLevel");
-        QTest::addColumn<bool>("root");
-        QTest::addColumn<bool>("foundRoot");
+        columns<int, bool, bool>({"foundLevel", "root", "foundRoot"});
 
         row("cabinet 12", "CAB12", "CAB", 12, 0, -1, false, false);
         row("cabinet 1", "CAB1", "CAB", 1, 0, -1, false, false);

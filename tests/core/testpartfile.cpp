@@ -5,9 +5,12 @@
 #include <QTest>
 
 #include "core/partfile.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
+using qmr::test::row;
 
 namespace {
 
@@ -38,14 +41,13 @@ private slots:
     void placing_data()
     {
         QTest::addColumn<QString>("standing"); // "", "file" or "link"
-        QTest::addColumn<bool>("replace");
-        QTest::addColumn<bool>("placed");
-        QTest::newRow("a free place, kept") << "" << false << true;
-        QTest::newRow("a free place, replaced") << "" << true << true;
-        QTest::newRow("a file, kept") << "file" << false << false;
-        QTest::newRow("a file, replaced") << "file" << true << true;
-        QTest::newRow("a link, kept") << "link" << false << false;
-        QTest::newRow("a link, replaced") << "link" << true << true;
+        columns<bool, bool>({"replace", "placed"});
+        row("a free place, kept", "", false, true);
+        row("a free place, replaced", "", true, true);
+        row("a file, kept", "file", false, false);
+        row("a file, replaced", "file", true, true);
+        row("a link, kept", "link", false, false);
+        row("a link, replaced", "link", true, true);
     }
 
     // What stands at the target is replaced only when asked, a link among it never written
@@ -90,7 +92,7 @@ private slots:
     }
 
     // A part that is given up, or whose writer fails, leaves nothing behind.
-    void nothingIsLeftBehind()
+    void nothingIsLeftBehindAndNoNameIsTaken()
     {
         QTemporaryDir dir;
         const QString target = dir.filePath("page.jpg");
@@ -109,13 +111,8 @@ private slots:
         PartFile nowhere(dir.filePath("no/such/dir/page.jpg"));
         QVERIFY(!nowhere.open());
         QCOMPARE(nowhere.error(), ENOENT);
-    }
-
-    // Where the file system cannot rename without replacing, a hard link does the same; a
-    // taken name is refused either way.
-    void renameNoReplace()
-    {
-        QTemporaryDir dir;
+        // Where the file system cannot rename without replacing, a hard link does the same; a
+        // taken name is refused either way.
         const QString from = dir.filePath("a");
         const QString to = dir.filePath("b");
         QVERIFY(writeFile(from, "a"));

@@ -3,15 +3,18 @@
 #include "core/settings.h"
 #include "core/viewsettings.h"
 #include "tests/support/testhome.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
+using qmr::test::row;
 
 class TestSettings : public QObject
 {
     Q_OBJECT
 private slots:
-    void absentEmptyAndDefaults()
+    void keysAndDefaults()
     {
         test::TestHome home;
         Settings& s = home.settings();
@@ -22,72 +25,20 @@ private slots:
         QVERIFY(s.contains("EmailSystem"));
         // An empty value is a value: the default does not come back.
         QCOMPARE(s.getSetting("EmailSystem", "MAPI"), QString());
-        s.saveSetting("Printer", "Desk Jet");
-        QCOMPARE(home.reopenSettings().getSetting("Printer"), QStringLiteral("Desk Jet"));
-    }
-
-    void keysLiveInTheSettingsGroup()
-    {
-        test::TestHome home;
-        home.settings().saveSetting("FirstShow", "N");
-        home.settings().sync();
+        // Kept in the file's own group.
+        s.saveSetting("FirstShow", "N");
+        s.sync();
         QSettings raw(home.settingsPath(), QSettings::IniFormat);
         QCOMPARE(raw.value("Settings/FirstShow").toString(), QStringLiteral("N"));
-    }
-
-    void displayCountClamp_data()
-    {
-        QTest::addColumn<QString>("stored");
-        QTest::addColumn<int>("expected");
-        QTest::newRow("absent") << QString() << 20;
-        QTest::newRow("zero") << "0" << 1;
-        QTest::newRow("negative") << "-5" << 1;
-        QTest::newRow("one") << "1" << 1;
-        QTest::newRow("sixty-four") << "64" << 64;
-        QTest::newRow("five hundred") << "500" << 64;
-        QTest::newRow("twelve") << "12" << 12;
-    }
-    void displayCountClamp()
-    {
-        QFETCH(QString, stored);
-        QFETCH(int, expected);
-        test::TestHome home;
-        if (!stored.isNull())
-            home.settings().saveSetting("DisplayCount", stored);
-        QCOMPARE(home.settings().displayCount(), expected);
-        // The clamp never rewrites the stored value.
-        QCOMPARE(home.settings().getSetting("DisplayCount"), stored);
-    }
-
-    void savePlacement_data()
-    {
-        QTest::addColumn<int>("state");
-        QTest::addColumn<bool>("rectangleWritten");
-        QTest::newRow("normal") << 0 << true;
-        QTest::newRow("minimised") << 1 << false;
-        QTest::newRow("maximised") << 2 << false;
-    }
-    void savePlacement()
-    {
-        QFETCH(int, state);
-        QFETCH(bool, rectangleWritten);
-        test::TestHome home;
-        Settings& s = home.settings();
-        s.savePlacement("frmNavTree", Placement{10, 20, 300, 400, state});
-        QCOMPARE(s.getSetting("frmNavTree.WindowState"), QString::number(state));
-        for (const char* key :
-             {"frmNavTree.Top", "frmNavTree.Left", "frmNavTree.Height", "frmNavTree.Width"})
-            QCOMPARE(s.contains(QLatin1String(key)), rectangleWritten);
-        if (rectangleWritten) {
-            QCOMPARE(s.getSetting("frmNavTree.Top"), QStringLiteral("10"));
-            QCOMPARE(s.getSetting("frmNavTree.Width"), QStringLiteral("400"));
-        }
-    }
-
-    void restorePlacement()
-    {
-        test::TestHome home;
-        Settings& s = home.settings();
+        // Named keys with their defaults.
+        QCOMPARE(s.get(keys::SmtpPort), QStringLiteral("25"));
+        QCOMPARE(s.number(keys::TreeWidth), 3000.0);
+        s.set(keys::TreeWidth, "wide");
+        QCOMPARE(s.number(keys::TreeWidth), 3000.0); // not a number: the default
+        s.set(keys::TreeWidth, "2250.5");
+        QCOMPARE(s.number(keys::TreeWidth), 2250.5);
+        QCOMPARE(s.getSetting("tvwMainWidth"), QStringLiteral("2250.5"));
+        // A window's placement.
         const Placement current{1, 2, 3, 4, 0};
         // Nothing stored: the current values stay.
         Placement p = s.restorePlacement("frmNavTree", current);
@@ -115,15 +66,63 @@ private slots:
         p = s.restorePlacement("frmNavTree", current, false);
         QCOMPARE(p.height, 3);
         QCOMPARE(p.width, 4);
+        s.saveSetting("Printer", "Desk Jet");
+        QCOMPARE(home.reopenSettings().getSetting("Printer"), QStringLiteral("Desk Jet"));
+    }
+
+    void displayCountClamp_data()
+    {
+        columns<QString, int>({"stored", "expected"});
+        row("absent", QString(), 20);
+        row("zero", "0", 1);
+        row("negative", "-5", 1);
+        row("one", "1", 1);
+        row("sixty-four", "64", 64);
+        row("five hundred", "500", 64);
+        row("twelve", "12", 12);
+    }
+    void displayCountClamp()
+    {
+        QFETCH(QString, stored);
+        QFETCH(int, expected);
+        test::TestHome home;
+        if (!stored.isNull())
+            home.settings().saveSetting("DisplayCount", stored);
+        QCOMPARE(home.settings().displayCount(), expected);
+        // The clamp never rewrites the stored value.
+        QCOMPARE(home.settings().getSetting("DisplayCount"), stored);
+    }
+
+    void savePlacement_data()
+    {
+        columns<int, bool>({"state", "rectangleWritten"});
+        row("normal", 0, true);
+        row("minimised", 1, false);
+        row("maximised", 2, false);
+    }
+    void savePlacement()
+    {
+        QFETCH(int, state);
+        QFETCH(bool, rectangleWritten);
+        test::TestHome home;
+        Settings& s = home.settings();
+        s.savePlacement("frmNavTree", Placement{10, 20, 300, 400, state});
+        QCOMPARE(s.getSetting("frmNavTree.WindowState"), QString::number(state));
+        for (const char* key :
+             {"frmNavTree.Top", "frmNavTree.Left", "frmNavTree.Height", "frmNavTree.Width"})
+            QCOMPARE(s.contains(QLatin1String(key)), rectangleWritten);
+        if (rectangleWritten) {
+            QCOMPARE(s.getSetting("frmNavTree.Top"), QStringLiteral("10"));
+            QCOMPARE(s.getSetting("frmNavTree.Width"), QStringLiteral("400"));
+        }
     }
 
     void viewSettingsClampAndWriteAtOnce_data()
     {
-        QTest::addColumn<int>("asked");
-        QTest::addColumn<int>("kept");
-        QTest::newRow("more at 64 stays") << 65 << 64;
-        QTest::newRow("less at 1 stays") << 0 << 1;
-        QTest::newRow("in range") << 21 << 21;
+        columns<int, int>({"asked", "kept"});
+        row("more at 64 stays", 65, 64);
+        row("less at 1 stays", 0, 1);
+        row("in range", 21, 21);
     }
     void viewSettingsClampAndWriteAtOnce()
     {
@@ -148,19 +147,6 @@ private slots:
         QCOMPARE(next.zoomDefault(), QStringLiteral("FITWIDTH"));
     }
 
-    void namedKeysKeepTheirDefaults()
-    {
-        test::TestHome home;
-        Settings& s = home.settings();
-        QCOMPARE(s.get(keys::SmtpPort), QStringLiteral("25"));
-        QCOMPARE(s.number(keys::TreeWidth), 3000.0);
-        s.set(keys::TreeWidth, "wide");
-        QCOMPARE(s.number(keys::TreeWidth), 3000.0); // not a number: the default
-        s.set(keys::TreeWidth, "2250.5");
-        QCOMPARE(s.number(keys::TreeWidth), 2250.5);
-        QCOMPARE(s.getSetting("tvwMainWidth"), QStringLiteral("2250.5"));
-    }
-
     // Yes-or-no and mode keys read as values and write the file's own words.
     void typedKeysReadAndWriteTheFilesWords_data()
     {
@@ -168,16 +154,13 @@ private slots:
         QTest::addColumn<bool>("duplex");    // default true
         QTest::addColumn<bool>("feeder");    // default false
         QTest::addColumn<int>("afterScan");
-        QTest::newRow("absent: the defaults")
-            << "-" << true << false << int(AfterScanMode::OpenViewer);
-        QTest::newRow("Y") << "Y" << true << true << int(AfterScanMode::OpenViewer);
-        QTest::newRow("N") << "N" << false << false << int(AfterScanMode::OpenViewer);
-        QTest::newRow("another word is no")
-            << "yes" << false << false << int(AfterScanMode::OpenViewer);
-        QTest::newRow("empty is no") << "" << false << false << int(AfterScanMode::OpenViewer);
-        QTest::newRow("RETURN") << "RETURN" << false << false << int(AfterScanMode::Return);
-        QTest::newRow("the word as written only")
-            << "return" << false << false << int(AfterScanMode::OpenViewer);
+        row("absent: the defaults", "-", true, false, int(AfterScanMode::OpenViewer));
+        row("Y", "Y", true, true, int(AfterScanMode::OpenViewer));
+        row("N", "N", false, false, int(AfterScanMode::OpenViewer));
+        row("another word is no", "yes", false, false, int(AfterScanMode::OpenViewer));
+        row("empty is no", "", false, false, int(AfterScanMode::OpenViewer));
+        row("RETURN", "RETURN", false, false, int(AfterScanMode::Return));
+        row("the word as written only", "return", false, false, int(AfterScanMode::OpenViewer));
     }
     void typedKeysReadAndWriteTheFilesWords()
     {

@@ -2,9 +2,12 @@
 #include <QTest>
 
 #include "core/textfile.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
+using qmr::test::row;
 
 class TestTextFile : public QObject
 {
@@ -12,20 +15,18 @@ class TestTextFile : public QObject
 private slots:
     void decode_data()
     {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QString>("text");
-        QTest::newRow("utf-8 accent") << QByteArray("Caf\xc3\xa9") << QString::fromUtf8("Café");
-        QTest::newRow("old code page accent") << QByteArray("Caf\xe9") << QString::fromUtf8("Café");
-        QTest::newRow("old code page quotes and euro")
-            << QByteArray("\x93Tax\x94 \x80 5") << QString::fromUtf8("“Tax” € 5");
-        QTest::newRow("byte-order mark dropped") << QByteArray("\xef\xbb\xbf"
-                                                               "DRW=Bank")
-                                                 << QStringLiteral("DRW=Bank");
-        QTest::newRow("utf-8 emoji")
-            << QByteArray("\xf0\x9f\x93\x81 Files") << QString::fromUtf8("📁 Files");
-        QTest::newRow("truncated utf-8 falls back")
-            << QByteArray("Na\xc3") << QString::fromUtf8("NaÃ");
-        QTest::newRow("empty") << QByteArray() << QString();
+        columns<QByteArray, QString>({"bytes", "text"});
+        row("utf-8 accent", QByteArray("Caf\xc3\xa9"), QString::fromUtf8("Café"));
+        row("old code page accent", QByteArray("Caf\xe9"), QString::fromUtf8("Café"));
+        row("old code page quotes and euro", QByteArray("\x93Tax\x94 \x80 5"),
+            QString::fromUtf8("“Tax” € 5"));
+        row("byte-order mark dropped",
+            QByteArray("\xef\xbb\xbf"
+                       "DRW=Bank"),
+            QStringLiteral("DRW=Bank"));
+        row("utf-8 emoji", QByteArray("\xf0\x9f\x93\x81 Files"), QString::fromUtf8("📁 Files"));
+        row("truncated utf-8 falls back", QByteArray("Na\xc3"), QString::fromUtf8("NaÃ"));
+        row("empty", QByteArray(), QString());
     }
     void decode()
     {
@@ -36,18 +37,17 @@ private slots:
 
     void splitLines_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QStringList>("lines");
-        QTest::newRow("crlf") << "a\r\nb\r\n" << QStringList{"a", "b"};
-        QTest::newRow("lf, no last end") << "a\nb" << QStringList{"a", "b"};
-        QTest::newRow("lone cr") << "a\rb" << QStringList{"a", "b"};
-        QTest::newRow("empty lines kept") << "a\n\n\nb\n" << QStringList{"a", "", "", "b"};
-        QTest::newRow("nothing") << "" << QStringList{};
+        columns<QString, QStringList>({"text", "lines"});
+        row("crlf", "a\r\nb\r\n", QStringList{"a", "b"});
+        row("lf, no last end", "a\nb", QStringList{"a", "b"});
+        row("lone cr", "a\rb", QStringList{"a", "b"});
+        row("empty lines kept", "a\n\n\nb\n", QStringList{"a", "", "", "b"});
+        row("nothing", "", QStringList{});
         // A text that is a view of a longer one ends where its size says, not at a line end
         // that follows in memory.
         static constexpr char16_t kLonger[] = u"a\n\n";
-        QTest::newRow("view ends before a line end")
-            << QString::fromRawData(reinterpret_cast<const QChar*>(kLonger), 2) << QStringList{"a"};
+        row("view ends before a line end",
+            QString::fromRawData(reinterpret_cast<const QChar*>(kLonger), 2), QStringList{"a"});
     }
     void splitLines()
     {

@@ -40,13 +40,9 @@ struct FindFixture
         db.execute("UPDATE Document SET Amount = 15 WHERE DocumentId = 2");
         db.execute("UPDATE Folder SET Description = 'Everyday account' WHERE FolderId = 1");
         db.execute("UPDATE Folder SET Description = 'Rainy day money' WHERE FolderId = 2");
-        const qint32 checkup = s.document(4, "Checkup", QDate(2025, 6, 1), 80.0);
-        page(checkup, 1, QDate(2025, 6, 2), 5000);
-        const qint32 fees = s.document(1, "Checking fees", QDate(2026, 2, 1), 12.0);
-        page(fees, 1, QDate(2026, 2, 3), 3000);
-        const qint32 office = s.cabinet("Office");
-        const qint32 clients = s.drawer(office, "Clients");
-        const qint32 acme = s.folder(clients, "Acme");
+        page(s.document(4, "Checkup", QDate(2025, 6, 1), 80.0), 1, QDate(2025, 6, 2), 5000);
+        page(s.document(1, "Checking fees", QDate(2026, 2, 1), 12.0), 1, QDate(2026, 2, 3), 3000);
+        const qint32 acme = s.folder(s.drawer(s.cabinet("Office"), "Clients"), "Acme");
         const qint32 bill = s.document(acme, "Acme tax bill", QDate(2004, 3, 15), 15.0);
         page(bill, 1, QDate(2004, 1, 10), 150);
         page(bill, 2, QDate(2004, 2, 20), 900);

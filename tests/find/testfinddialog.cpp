@@ -11,6 +11,7 @@
 #include <QTimer>
 #include <functional>
 #include <optional>
+#include <tuple>
 
 #include "core/findrecord.h"
 #include "core/foundresults.h"
@@ -26,6 +27,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
 using test::row;
 
 namespace {
@@ -70,14 +72,15 @@ struct DialogHarness
     std::unique_ptr<FindDialog> dialog;
 
     explicit DialogHarness(test::FindFixture& fixture,
-                           const std::function<void(FindRecord&)>& prepare = {})
+                           const std::function<void(FindRecord&)>& prepare = {},
+                           bool withResults = true)
         : session(fixture.open())
     {
         if (prepare)
             prepare(state.findRecord());
         view = std::make_unique<ViewSettings>(fixture.home.settings());
         context.emplace(CommandContext{session, state, prompter, choosers, progress, *view});
-        dialog = std::make_unique<FindDialog>(*context, &results);
+        dialog = std::make_unique<FindDialog>(*context, withResults ? &results : nullptr);
     }
     template <typename T> T* child(const char* name) const
     {
@@ -127,13 +130,12 @@ private slots:
         QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
         m_fixture.build();
         // A drawer with no folders, and a cabinet with no drawers.
-        const qint32 archive = m_fixture.store->drawer(3, "Archive");
-        Q_UNUSED(archive);
+        m_fixture.store->drawer(3, "Archive");
         m_fixture.store->cabinet("Empty");
     }
     void cleanupTestCase() { QLocale::setDefault(QLocale::c()); }
 
-    void controlsAndCaptions()
+    void controlsCaptionsAndDefaults()
     {
         DialogHarness h(m_fixture);
         QCOMPARE(h.dialog->objectName(), QString("frmFind"));
@@ -170,11 +172,7 @@ private slots:
             QVERIFY(h.child<QDateEdit>(name));
         QCOMPARE(h.dialog->timer().interval(), 500);
         QVERIFY(h.dialog->timer().isActive());
-    }
-
-    void defaults()
-    {
-        DialogHarness h(m_fixture);
+        // The defaults of a first search.
         QCOMPARE(h.box("txtKeywords")->text(), QString());
         QVERIFY(h.child<QRadioButton>("optKeywords(0)")->isChecked());
         QVERIFY(!h.child<QRadioButton>("optKeywords(1)")->isChecked());
@@ -196,17 +194,12 @@ private slots:
     {
         DialogHarness h(m_fixture, [](FindRecord& r) {
             r.keywords = "tax  bill";
-            r.matchAny = 0;
-            r.matchAll = 1;
-            r.cabinetName = "Home Papers";
-            r.drawerName = "Bank";
-            r.folderName = "Savings";
-            r.scanFrom = QDate(2004, 1, 1);
-            r.docThru = QDate(2005, 6, 30);
-            r.fileSizeFrom = 1500;
-            r.fileSizeThru = 2000000;
-            r.amountFrom = 1234.5;
-            r.amountThru = 1234567.891;
+            std::tie(r.matchAny, r.matchAll) = std::pair(0, 1);
+            std::tie(r.cabinetName, r.drawerName, r.folderName) =
+                std::tuple("Home Papers", "Bank", "Savings");
+            std::tie(r.scanFrom, r.docThru) = std::pair(QDate(2004, 1, 1), QDate(2005, 6, 30));
+            std::tie(r.fileSizeFrom, r.fileSizeThru) = std::pair(1500, 2000000);
+            std::tie(r.amountFrom, r.amountThru) = std::pair(1234.5, 1234567.891);
         });
         QCOMPARE(h.box("txtKeywords")->text(), QString("tax  bill"));
         QVERIFY(h.child<QRadioButton>("optKeywords(1)")->isChecked());
@@ -233,9 +226,8 @@ private slots:
     {
         // A saved place that is not offered (locked, or gone) leaves "(All)".
         DialogHarness h(m_fixture, [](FindRecord& r) {
-            r.cabinetName = "Private";
-            r.drawerName = "Health";
-            r.folderName = "Doctor";
+            std::tie(r.cabinetName, r.drawerName, r.folderName) =
+                std::tuple("Private", "Health", "Doctor");
         });
         QCOMPARE(h.combo("cboCabinet")->currentText(), QString("(All)"));
         QCOMPARE(h.combo("cboDrawer")->currentText(), QString("(All)"));
@@ -363,9 +355,7 @@ private slots:
 
     void numbersThatAreNoNumbers_data()
     {
-        QTest::addColumn<QString>("box");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("message");
+        columns<QString, QString, QString>({"box", "text", "message"});
         const QString amount = "The amount must be a number.";
         const QString size = "The file size must be a number of bytes.";
         row("amount from", "txtAmtFrom", "12abc", amount);
@@ -396,25 +386,45 @@ private slots:
         QCOMPARE(h.results.calls, (QStringList{"clear", "show 6"}));
     }
 
-    void nothingFound()
+    // The dialog closes after every search, the old result gone first. A combo changed since
+    // the last poll is not seen: the search uses the old id. A drawer with "(All)" folders
+    // searches its whole cabinet.
+    void searches_data()
     {
+        columns<QString, QString, QString, bool, QString, QStringList>(
+            {"keywords", "cabinet", "drawer", "poll", "message", "calls"});
+        row("nothing found", "zebra", "", "", false, "Nothing found.", QStringList{"clear"});
+        row("an empty folder", "rainy", "", "", false, "", QStringList{"clear", "show "});
+        row("cabinet not polled", "statement bill", "Office", "", false, "",
+            QStringList{"clear", "show 1,6"});
+        row("cabinet polled", "statement bill", "Office", "", true, "",
+            QStringList{"clear", "show 6"});
+        // "March statement" lies in the drawer Bank, and comes all the same.
+        row("drawer, folder (All)", "statement return", "Home Papers", "Taxes", true, "",
+            QStringList{"clear", "show 1,3"});
+    }
+    void searches()
+    {
+        QFETCH(QString, keywords);
+        QFETCH(QString, cabinet);
+        QFETCH(QString, drawer);
+        QFETCH(bool, poll);
+        QFETCH(QString, message);
+        QFETCH(QStringList, calls);
         DialogHarness h(m_fixture);
-        h.box("txtKeywords")->setText("zebra");
-        h.prompter.expect("Nothing found.");
+        h.box("txtKeywords")->setText(keywords);
+        if (!cabinet.isEmpty())
+            h.select("cboCabinet", cabinet, poll);
+        if (!drawer.isEmpty())
+            h.select("cboDrawer", drawer, poll);
+        if (!message.isEmpty())
+            h.prompter.expect(message);
         h.child<QPushButton>("cmdFind")->click();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        // The dialog closes after every search; the old result went first.
         QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
-        QCOMPARE(h.results.calls, QStringList{"clear"});
-    }
-
-    void emptyFolderHit()
-    {
-        DialogHarness h(m_fixture);
-        h.box("txtKeywords")->setText("rainy");
-        h.child<QPushButton>("cmdFind")->click();
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report())); // no message
-        QCOMPARE(h.results.calls, (QStringList{"clear", "show "}));
+        QCOMPARE(h.results.calls, calls);
+        if (!cabinet.isEmpty())
+            QCOMPARE(h.state.findRecord().cabinetName, cabinet);
     }
 
     void comboPoll()
@@ -504,37 +514,30 @@ private slots:
         QCOMPARE(h.dialog->combos().cabinetId(), 0);
     }
 
-    void findDoesNotPoll()
+    // On a shown, active dialog: the keys that change tabs, then the helpers that fill Thru
+    // from From.
+    void tabKeysAndHelpers()
     {
-        // A combo changed since the last poll is not seen: the search uses the old id.
         DialogHarness h(m_fixture);
-        h.box("txtKeywords")->setText("statement bill");
-        h.select("cboCabinet", "Office");
-        h.child<QPushButton>("cmdFind")->click();
-        QCOMPARE(h.results.calls, (QStringList{"clear", "show 1,6"}));
-        QCOMPARE(h.state.findRecord().cabinetName, QString("Office"));
-        // After a poll the same search keeps to the cabinet.
-        DialogHarness again(m_fixture);
-        again.box("txtKeywords")->setText("statement bill");
-        again.select("cboCabinet", "Office", true);
-        again.child<QPushButton>("cmdFind")->click();
-        QCOMPARE(again.results.calls, (QStringList{"clear", "show 6"}));
-    }
+        h.dialog->show();
+        QVERIFY(QTest::qWaitForWindowExposed(h.dialog.get()));
+        QApplication::setActiveWindow(h.dialog.get());
+        QVERIFY(QTest::qWaitForWindowActive(h.dialog.get()));
+        h.box("txtKeywords")->setFocus();
+        QTest::keyClick(h.box("txtKeywords"), Qt::Key_PageUp, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 2);
+        QVERIFY(QApplication::focusWidget());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 0);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 1);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 2);
+        // From a date picker too.
+        h.date("dtScanFrom")->setFocus();
+        QTest::keyClick(h.date("dtScanFrom"), Qt::Key_PageDown, Qt::ControlModifier);
+        QCOMPARE(h.tab(), 0);
 
-    void drawerWithFolderAllSearchesTheCabinet()
-    {
-        DialogHarness h(m_fixture);
-        h.box("txtKeywords")->setText("statement return");
-        h.select("cboCabinet", "Home Papers", true);
-        h.select("cboDrawer", "Taxes", true);
-        h.child<QPushButton>("cmdFind")->click();
-        // "March statement" lies in the drawer Bank, and comes all the same.
-        QCOMPARE(h.results.calls, (QStringList{"clear", "show 1,3"}));
-    }
-
-    void dateHelper()
-    {
-        DialogHarness h(m_fixture);
         QDateEdit* from = h.date("dtScanFrom");
         QDateEdit* thru = h.date("dtScanThru");
         from->setDate(QDate(2004, 1, 1));
@@ -550,78 +553,37 @@ private slots:
         h.date("dtDocFrom")->setDate(QDate(2010, 5, 5));
         QCOMPARE(h.date("dtDocThru")->date(), QDate(2010, 5, 5));
         QCOMPARE(thru->date(), QDate(2004, 12, 31));
-    }
 
-    void amountHelper()
-    {
-        DialogHarness h(m_fixture);
-        h.dialog->show();
-        QVERIFY(QTest::qWaitForWindowExposed(h.dialog.get()));
-        QApplication::setActiveWindow(h.dialog.get());
         h.child<QTabWidget>("tabFind")->setCurrentIndex(2);
-        QLineEdit* from = h.box("txtAmtFrom");
-        QLineEdit* thru = h.box("txtAmtThru");
-        from->setFocus();
-        from->setText("12.50");
+        QLineEdit* amountFrom = h.box("txtAmtFrom");
+        QLineEdit* amountThru = h.box("txtAmtThru");
+        amountFrom->setFocus();
+        amountFrom->setText("12.50");
         h.box("txtFileSizeFrom")->setFocus();
-        QCOMPARE(thru->text(), QString("12.50"));
+        QCOMPARE(amountThru->text(), QString("12.50"));
         // A Thru amount of its own stays.
-        thru->setText("99");
-        from->setFocus();
-        from->setText("20");
+        amountThru->setText("99");
+        amountFrom->setFocus();
+        amountFrom->setText("20");
         h.box("txtFileSizeFrom")->setFocus();
-        QCOMPARE(thru->text(), QString("99"));
+        QCOMPARE(amountThru->text(), QString("99"));
         // The size boxes have no such helper.
         h.box("txtFileSizeFrom")->setText("100");
-        from->setFocus();
+        amountFrom->setFocus();
         QCOMPARE(h.box("txtFileSizeThru")->text(), QString("0"));
-        h.dialog->reject();
-    }
-
-    void tabKeys()
-    {
-        DialogHarness h(m_fixture);
-        h.dialog->show();
-        QVERIFY(QTest::qWaitForWindowExposed(h.dialog.get()));
-        QApplication::setActiveWindow(h.dialog.get());
-        QVERIFY(QTest::qWaitForWindowActive(h.dialog.get()));
-        h.box("txtKeywords")->setFocus();
-        QTest::keyClick(h.box("txtKeywords"), Qt::Key_PageUp, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 2);
-        QWidget* focused = QApplication::focusWidget();
-        QVERIFY(focused);
-        QTest::keyClick(focused, Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 0);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 1);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 2);
-        // From a date picker too.
-        h.date("dtScanFrom")->setFocus();
-        QTest::keyClick(h.date("dtScanFrom"), Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 0);
         h.dialog->reject();
     }
 
     void emptyStore()
     {
-        test::TestHome home;
-        Session session(home.home(), home.settings());
-        RunState state;
-        StoreSchema::openDatabase(session.db(), home.home());
-        test::ScriptedPrompter prompter;
-        test::ScriptedChoosers choosers;
-        SilentProgress progress;
-        ViewSettings view(home.settings());
-        const CommandContext context{session, state, prompter, choosers, progress, view};
-        FindDialog dialog(context, nullptr);
-        auto* cabinet = dialog.findChild<QComboBox*>("cboCabinet");
-        QCOMPARE(items(cabinet), QStringList{"No file cabinets to find"});
-        QVERIFY(!cabinet->isEnabled());
-        QVERIFY(!dialog.findChild<QPushButton*>("cmdFind")->isEnabled());
-        dialog.pollCombos();
-        QCOMPARE(dialog.combos().idsText(), QString("0:0:0"));
-        QVERIFY(prompter.verify());
+        test::FindFixture bare; // never built: its store is made empty when opened
+        DialogHarness h(bare, {}, false);
+        QCOMPARE(items(h.combo("cboCabinet")), QStringList{"No file cabinets to find"});
+        QVERIFY(!h.combo("cboCabinet")->isEnabled());
+        QVERIFY(!h.child<QPushButton>("cmdFind")->isEnabled());
+        h.dialog->pollCombos();
+        QCOMPARE(h.dialog->combos().idsText(), QString("0:0:0"));
+        QVERIFY(h.prompter.verify());
     }
 };
 

@@ -1,4 +1,5 @@
 #include <QTest>
+#include <tuple>
 
 #include "core/findrecord.h"
 #include "core/runstate.h"
@@ -7,6 +8,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using qmr::test::columns;
 using test::row;
 
 Q_DECLARE_METATYPE(qmr::FindRecord)
@@ -38,6 +40,21 @@ FindRecord keywords(const QString& text, bool any = true)
     return r;
 }
 
+// The keywords that only documents match, with one range set: "scan", "doc", "amount" or "size".
+FindRecord ranged(const QString& range, const QVariant& from, const QVariant& thru,
+                  FindRecord r = keywords("statement fees bill letter"))
+{
+    if (range == "scan")
+        std::tie(r.scanFrom, r.scanThru) = std::pair(from.toDate(), thru.toDate());
+    else if (range == "doc")
+        std::tie(r.docFrom, r.docThru) = std::pair(from.toDate(), thru.toDate());
+    else if (range == "amount")
+        std::tie(r.amountFrom, r.amountThru) = std::pair(from.toDouble(), thru.toDouble());
+    else
+        std::tie(r.fileSizeFrom, r.fileSizeThru) = std::pair(from.toInt(), thru.toInt());
+    return r;
+}
+
 } // namespace
 
 class TestFindSearch : public QObject
@@ -51,9 +68,7 @@ private slots:
 
     void search_data()
     {
-        QTest::addColumn<FindRecord>("criteria");
-        QTest::addColumn<int>("cabinet");
-        QTest::addColumn<int>("folder");
+        columns<FindRecord, int, int>({"criteria", "cabinet", "folder"});
         QTest::addColumn<QStringList>("documents"); // found, without duplicates, sorted
         QTest::addColumn<int>("count");             // the sum of the passes' record counts
 
@@ -93,85 +108,60 @@ private slots:
         row("date range alone, one cabinet", dates, 3, 0, QStringList{"DOC6"}, 2);
 
         // Advanced criteria with keywords that only documents match.
-        FindRecord scan = keywords("statement fees bill letter");
-        scan.scanFrom = QDate(2026, 2, 1);
-        scan.scanThru = QDate(2026, 2, 28);
-        row("scan date", scan, 0, 0, QStringList{"DOC5"}, 1);
-        scan.scanThru = QDate(2026, 2, 3); // the day itself, at midnight
-        row("scan date, last day", scan, 0, 0, QStringList{"DOC5"}, 1);
-        scan.scanFrom = QDate(2026, 2, 3);
-        row("scan date, one day", scan, 0, 0, QStringList{"DOC5"}, 1);
-        scan.scanFrom = scan.scanThru = QDate(2026, 2, 4);
-        row("scan date, the day after", scan, 0, 0, QStringList{}, 0);
-        scan.scanFrom = QDate(2026, 2, 3);
-        scan.scanThru = scan.defaultThru; // one limit at its default counts
-        row("scan date, first day, default thru", scan, 0, 0, QStringList{"DOC1", "DOC5"}, 2);
-        scan.scanFrom = scan.defaultFrom;
-        scan.scanThru = QDate(2004, 1, 10);
-        row("scan date, default from, last day", scan, 0, 0, QStringList{"DOC6"}, 1);
+        const auto day = [](int y, int m, int d) { return QDate(y, m, d); };
+        const QString scan = "scan", doc = "doc", amount = "amount", size = "size";
+        const FindRecord defaults;
+        row("scan date", ranged(scan, day(2026, 2, 1), day(2026, 2, 28)), 0, 0, QStringList{"DOC5"},
+            1);
+        // The day itself, at midnight.
+        row("scan date, last day", ranged(scan, day(2026, 2, 1), day(2026, 2, 3)), 0, 0,
+            QStringList{"DOC5"}, 1);
+        row("scan date, one day", ranged(scan, day(2026, 2, 3), day(2026, 2, 3)), 0, 0,
+            QStringList{"DOC5"}, 1);
+        row("scan date, the day after", ranged(scan, day(2026, 2, 4), day(2026, 2, 4)), 0, 0,
+            QStringList{}, 0);
+        // One limit at its default counts.
+        row("scan date, first day, default thru",
+            ranged(scan, day(2026, 2, 3), defaults.defaultThru), 0, 0, QStringList{"DOC1", "DOC5"},
+            2);
+        row("scan date, default from, last day",
+            ranged(scan, defaults.defaultFrom, day(2004, 1, 10)), 0, 0, QStringList{"DOC6"}, 1);
         // A range that does not count asks nothing: documents without pages come too.
         const QStringList everyMatch{"DOC1", "DOC2", "DOC5", "DOC6"};
-        scan.scanFrom = QDate(2026, 3, 1);
-        scan.scanThru = QDate(2026, 2, 1);
-        row("scan date, from past thru", scan, 0, 0, everyMatch, 4);
-        FindRecord doc = keywords("statement fees bill letter");
-        doc.docFrom = QDate(2004, 3, 1);
-        doc.docThru = QDate(2004, 4, 1);
-        row("date on document", doc, 0, 0, QStringList{"DOC6"}, 1);
-        doc.docFrom = doc.docThru = QDate(2026, 2, 1);
-        row("date on document, one day", doc, 0, 0, QStringList{"DOC5"}, 1);
-        doc.docFrom = QDate(2026, 2, 2);
-        row("date on document, from past thru", doc, 0, 0, everyMatch, 4);
-        FindRecord amount = keywords("statement fees bill letter");
-        amount.amountFrom = 10;
-        amount.amountThru = 20;
+        row("scan date, from past thru", ranged(scan, day(2026, 3, 1), day(2026, 2, 1)), 0, 0,
+            everyMatch, 4);
+        row("date on document", ranged(doc, day(2004, 3, 1), day(2004, 4, 1)), 0, 0,
+            QStringList{"DOC6"}, 1);
+        row("date on document, one day", ranged(doc, day(2026, 2, 1), day(2026, 2, 1)), 0, 0,
+            QStringList{"DOC5"}, 1);
+        row("date on document, from past thru", ranged(doc, day(2026, 2, 2), day(2026, 2, 1)), 0, 0,
+            everyMatch, 4);
         // O'Brien's letter has the amount 15 but no page: not found this way.
-        row("amount, pages needed", amount, 0, 0, QStringList{"DOC5", "DOC6"}, 2);
-        amount.amountFrom = amount.amountThru = 12;
-        row("amount, one value", amount, 0, 0, QStringList{"DOC5"}, 1);
-        amount.amountThru = 15;
-        row("amount, both limits", amount, 0, 0, QStringList{"DOC5", "DOC6"}, 2);
-        amount.amountFrom = -20;
-        amount.amountThru = -0.25;
-        row("amount, below zero", amount, 0, 0, QStringList{}, 0);
-        amount.amountFrom = 20;
-        amount.amountThru = 10;
-        row("amount, from past thru", amount, 0, 0, everyMatch, 4);
-        FindRecord size = keywords("statement fees bill letter");
-        size.fileSizeFrom = 100;
-        size.fileSizeThru = 200;
+        row("amount, pages needed", ranged(amount, 10.0, 20.0), 0, 0, QStringList{"DOC5", "DOC6"},
+            2);
+        row("amount, one value", ranged(amount, 12.0, 12.0), 0, 0, QStringList{"DOC5"}, 1);
+        row("amount, both limits", ranged(amount, 12.0, 15.0), 0, 0, QStringList{"DOC5", "DOC6"},
+            2);
+        row("amount, below zero", ranged(amount, -20.0, -0.25), 0, 0, QStringList{}, 0);
+        row("amount, from past thru", ranged(amount, 20.0, 10.0), 0, 0, everyMatch, 4);
         // Two pages of the bill would give it twice without DISTINCT; only one matches.
-        row("file size", size, 0, 0, QStringList{"DOC6"}, 1);
-        size.fileSizeThru = 1000;
-        row("file size, two pages, one row", size, 0, 0, QStringList{"DOC6"}, 1);
-        size.fileSizeFrom = 0;
-        size.fileSizeThru = 150;
-        row("file size, from 0", size, 0, 0, QStringList{"DOC6"}, 1);
-        size.fileSizeFrom = 3000;
-        size.fileSizeThru = 4000;
-        row("file size, both limits", size, 0, 0, QStringList{"DOC1", "DOC5"}, 2);
-        size.fileSizeFrom = 4001;
-        size.fileSizeThru = 3000;
-        row("file size, from past thru", size, 0, 0, everyMatch, 4);
+        row("file size", ranged(size, 100, 200), 0, 0, QStringList{"DOC6"}, 1);
+        row("file size, two pages, one row", ranged(size, 100, 1000), 0, 0, QStringList{"DOC6"}, 1);
+        row("file size, from 0", ranged(size, 0, 150), 0, 0, QStringList{"DOC6"}, 1);
+        row("file size, both limits", ranged(size, 3000, 4000), 0, 0, QStringList{"DOC1", "DOC5"},
+            2);
+        row("file size, from past thru", ranged(size, 4001, 3000), 0, 0, everyMatch, 4);
         // The pages that meet the scan date must meet the size too.
-        size = scan;
-        size.scanFrom = QDate(2004, 1, 1);
-        size.scanThru = QDate(2004, 1, 31);
-        size.fileSizeFrom = 900;
-        size.fileSizeThru = 900;
-        row("scan date and size, not one page", size, 0, 0, QStringList{}, 0);
-        FindRecord all = keywords("tax bill");
-        all.scanFrom = QDate(2004, 1, 1);
-        all.scanThru = QDate(2004, 2, 1);
-        all.docFrom = QDate(2004, 3, 1);
-        all.docThru = QDate(2004, 4, 1);
-        all.amountFrom = 10;
-        all.amountThru = 20;
-        all.fileSizeFrom = 100;
-        all.fileSizeThru = 200;
+        row("scan date and size, not one page",
+            ranged(size, 900, 900, ranged(scan, day(2004, 1, 1), day(2004, 1, 31))), 0, 0,
+            QStringList{}, 0);
+        const FindRecord all = ranged(
+            size, 100, 200,
+            ranged(amount, 10.0, 20.0,
+                   ranged(doc, day(2004, 3, 1), day(2004, 4, 1),
+                          ranged(scan, day(2004, 1, 1), day(2004, 2, 1), keywords("tax bill")))));
         row("all options", all, 3, 5, QStringList{"DOC6"}, 1);
-        all.amountThru = 14.99;
-        row("all options, amount out", all, 3, 5, QStringList{}, 0);
+        row("all options, amount out", ranged(amount, 10.0, 14.99, all), 3, 5, QStringList{}, 0);
     }
     void search()
     {
@@ -188,12 +178,14 @@ private slots:
         QCOMPARE(outcome.foundCount, count);
     }
 
-    void foundByBothPasses()
+    // On one session: both passes of a search, the page filter a search leaves, and a locked
+    // cabinet once opened.
+    void oneSession()
     {
         Session& session = m_fixture.open();
         RunState state;
-        const FindOutcome outcome =
-            FindSearch(session, state.foundSet()).run(keywords("checking"), 0, 0);
+        FindSearch search(session, state.foundSet());
+        const FindOutcome outcome = search.run(keywords("checking"), 0, 0);
         // Document pass first, then the folder's documents.
         QCOMPARE(foundKeys(outcome).count("DOC5"), 2);
         QCOMPARE(foundKeys(outcome).first(), QString("DOC5"));
@@ -201,31 +193,12 @@ private slots:
         QCOMPARE((QList<int>{d.cabinetId, d.drawerId, d.folderId}), (QList<int>{1, 1, 1}));
         QCOMPARE((QStringList{d.cabinetName, d.drawerName, d.folderName, d.documentName}),
                  (QStringList{"Home Papers", "Bank", "Checking", "Checking fees"}));
-    }
 
-    void lockedCabinetOnceOpened()
-    {
-        Session& session = m_fixture.open();
-        RunState state;
-        FindSearch search(session, state.foundSet());
-        QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 3}));
-        session.locks().recordOpen(2);
-        QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 2, 3}));
-        QCOMPARE(sortedUnique(foundKeys(search.run(keywords("checkup"), 0, 0))),
-                 QStringList{"DOC4"});
-    }
-
-    void pageFilterOfTheSearch()
-    {
-        Session& session = m_fixture.open();
-        RunState state;
-        FindRecord r = keywords("bill");
-        r.scanFrom = QDate(2004, 2, 1);
-        r.scanThru = QDate(2004, 2, 20);
-        r.fileSizeFrom = 500;
-        r.fileSizeThru = 900;
+        FindRecord r =
+            ranged("size", 500, 900,
+                   ranged("scan", QDate(2004, 2, 1), QDate(2004, 2, 20), keywords("bill")));
         r.amountThru = 100; // not about pages
-        FindSearch(session, state.foundSet()).run(r, 0, 0);
+        search.run(r, 0, 0);
         PageFilter asked;
         asked.scanDate = ValueRange<QDate>{QDate(2004, 2, 1), QDate(2004, 2, 20)};
         asked.fileSize = ValueRange<qint64>{500, 900};
@@ -241,17 +214,22 @@ private slots:
         asked.scanDate->thru = QDate(2004, 2, 19);
         QVERIFY(session.pages().pages(6, asked).isEmpty());
         // A new search empties it first.
-        FindSearch(session, state.foundSet()).run(keywords("bill"), 0, 0);
+        search.run(keywords("bill"), 0, 0);
         QVERIFY(state.foundSet().pageFilter.isEmpty());
+
+        QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 3}));
+        session.locks().recordOpen(2);
+        QCOMPARE(search.cabinetsToSearch(0), (QVector<qint32>{1, 2, 3}));
+        QCOMPARE(sortedUnique(foundKeys(search.run(keywords("checkup"), 0, 0))),
+                 QStringList{"DOC4"});
     }
 
     void noCabinetsFindsNothing()
     {
-        test::TestHome home;
-        Session session(home.home(), home.settings());
+        test::FindFixture bare; // never built: its store is made empty when opened
         RunState state;
-        StoreSchema::openDatabase(session.db(), home.home());
-        const FindOutcome outcome = FindSearch(session, state.foundSet()).run(FindRecord(), 0, 0);
+        const FindOutcome outcome =
+            FindSearch(bare.open(), state.foundSet()).run(FindRecord(), 0, 0);
         QCOMPARE(outcome.foundCount, 0);
         QVERIFY(outcome.documents.isEmpty());
     }

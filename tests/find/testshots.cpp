@@ -1,6 +1,4 @@
 #include <QApplication>
-#include <QComboBox>
-#include <QDateEdit>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QTabWidget>
@@ -8,7 +6,6 @@
 #include <QTimer>
 
 #include "find/finddialog.h"
-#include "find/locationcombos.h"
 #include "tests/navigator/navharness.h"
 #include "tests/support/shots.h"
 #include "tests/support/testrunner.h"
@@ -36,12 +33,10 @@ private slots:
         FindDialog dialog(h.navigator().context(), nullptr, h.window.get());
         dialog.show();
         QVERIFY(QTest::qWaitForWindowExposed(&dialog));
-        auto* tabs = dialog.findChild<QTabWidget*>("tabFind");
-        const char* names[] = {"dialog-find-keywords", "dialog-find-location",
-                               "dialog-find-advanced"};
-        for (int tab = 0; tab < 3; ++tab) {
-            tabs->setCurrentIndex(tab);
-            test::saveShot(&dialog, names[tab]);
+        int tab = 0;
+        for (const char* name : {"keywords", "location", "advanced"}) {
+            dialog.findChild<QTabWidget*>("tabFind")->setCurrentIndex(tab++);
+            test::saveShot(&dialog, QString("dialog-find-%1").arg(name));
         }
         dialog.reject();
     }

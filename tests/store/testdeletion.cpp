@@ -15,6 +15,7 @@
 
 using qmr::test::row;
 using namespace qmr;
+using qmr::test::columns;
 using test::RecordingProgress;
 
 namespace {
@@ -52,18 +53,18 @@ struct DeletionStore
         store->pageRow(2, 1);
     }
     Database& db() { return store->db(); }
+    Deletion deletion() { return Deletion(db(), *paths); }
+    RecordingProgress recorded;
     int count(const char* table)
     {
         return db().scalar(QString("SELECT COUNT(*) FROM %1").arg(table)).toInt();
     }
     QString counts()
     {
-        return QString("%1/%2/%3/%4/%5")
-            .arg(count("Cabinet"))
-            .arg(count("Drawer"))
-            .arg(count("Folder"))
-            .arg(count("Document"))
-            .arg(count("Page"));
+        QStringList counts;
+        for (const char* table : {"Cabinet", "Drawer", "Folder", "Document", "Page"})
+            counts << QString::number(count(table));
+        return counts.join('/');
     }
     // Page ids whose image and thumbnail files are both on disk.
     QList<int> pagesWithFiles()
@@ -85,11 +86,9 @@ class TestDeletion : public QObject
 private slots:
     void everyLevel_data()
     {
-        QTest::addColumn<int>("level");
-        QTest::addColumn<int>("id");
+        columns<int, int>({"level", "id"});
         QTest::addColumn<QString>("counts"); // cabinets/drawers/folders/documents/pages left
-        QTest::addColumn<QList<int>>("filesLeft");
-        QTest::addColumn<QStringList>("progress");
+        columns<QList<int>, QStringList>({"filesLeft", "progress"});
         const QString files = "Delete page files";
         row("cabinet", 0, 1, "1/1/1/0/0", QList<int>{},
             QStringList{"start Delete cabinet 1..8", "Delete drawer", files, files, files, files,
@@ -121,12 +120,10 @@ private slots:
         DeletionStore s;
         QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/5"));
         QCOMPARE(s.pagesWithFiles(), (QList<int>{1, 2, 3}));
-        Deletion deletion(s.db(), *s.paths);
-        RecordingProgress recorded;
-        recorded.start(Deletion::progressTitle(Level(level)), 1,
-                       deletion.progressMaximum(Level(level), id));
-        deletion.deleteItem(Level(level), id, recorded);
-        QCOMPARE(recorded.log, progress);
+        s.recorded.start(Deletion::progressTitle(Level(level)), 1,
+                         s.deletion().progressMaximum(Level(level), id));
+        s.deletion().deleteItem(Level(level), id, s.recorded);
+        QCOMPARE(s.recorded.log, progress);
         QCOMPARE(s.counts(), counts);
         QCOMPARE(s.pagesWithFiles(), filesLeft);
         // The shortcut's file and thumbnail are not the program's to delete.
@@ -140,12 +137,10 @@ private slots:
     void severalPages()
     {
         DeletionStore s;
-        Deletion deletion(s.db(), *s.paths);
-        RecordingProgress recorded;
-        QCOMPARE(deletion.progressMaximum(Level::Page, -1, 3), 9);
+        QCOMPARE(s.deletion().progressMaximum(Level::Page, -1, 3), 9);
         // The shortcut, a page with files and one whose files were never there: no failure.
-        deletion.deletePages({4, 1, 5}, recorded);
-        QCOMPARE(recorded.log,
+        s.deletion().deletePages({4, 1, 5}, s.recorded);
+        QCOMPARE(s.recorded.log,
                  (QStringList{"Delete page file", "Delete page file", "Delete page file",
                               "Delete page record", "Delete page record", "Delete page record"}));
         QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/2"));
@@ -165,9 +160,7 @@ private slots:
         QVERIFY(writeFile(thumb + "/inside"));
         const QString dir = s.paths->computedPageDirectory(1);
         QFile::setPermissions(dir, QFile::ReadOwner | QFile::ExeOwner);
-        Deletion deletion(s.db(), *s.paths);
-        RecordingProgress recorded;
-        deletion.deleteItem(Level::Document, 1, recorded);
+        s.deletion().deleteItem(Level::Document, 1, s.recorded);
         QFile::setPermissions(dir, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
         QCOMPARE(s.counts(), QStringLiteral("2/3/4/2/3")); // the rows went all the same
         QVERIFY(QFileInfo(thumb).isDir());
@@ -181,9 +174,7 @@ private slots:
         DeletionStore s;
         s.db().execute("CREATE TRIGGER keep BEFORE DELETE ON Drawer "
                        "BEGIN SELECT RAISE(ABORT, 'drawers are kept'); END");
-        Deletion deletion(s.db(), *s.paths);
-        RecordingProgress recorded;
-        QVERIFY_THROWS_EXCEPTION(StoreError, deletion.deleteItem(Level::Drawer, 1, recorded));
+        QVERIFY_THROWS_EXCEPTION(StoreError, s.deletion().deleteItem(Level::Drawer, 1, s.recorded));
         QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/5"));
         QCOMPARE(s.db().transactionDepth(), 0);
     }

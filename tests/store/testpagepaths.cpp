@@ -1,16 +1,14 @@
-#include <QDir>
-#include <QFile>
+#include <QFileInfo>
 #include <QTest>
 
-#include "store/database.h"
 #include "store/pagepaths.h"
-#include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 #include "tests/support/datarow.h"
 
 using qmr::test::row;
 using namespace qmr;
+using qmr::test::columns;
 
 class TestPagePaths : public QObject
 {
@@ -18,9 +16,7 @@ class TestPagePaths : public QObject
 private slots:
     void computed_data()
     {
-        QTest::addColumn<int>("id");
-        QTest::addColumn<QString>("page");
-        QTest::addColumn<QString>("thumb");
+        columns<int, QString, QString>({"id", "page", "thumb"});
         row("7", 7, "Pages/0000000/7.jpg", "Thumbs/0000000/7.jpg");
         row("999", 999, "Pages/0000000/999.jpg", "Thumbs/0000000/999.jpg");
         row("1000", 1000, "Pages/0000001/1000.jpg", "Thumbs/0000001/1000.jpg");
@@ -45,10 +41,7 @@ private slots:
 
     void storedFilename_data()
     {
-        QTest::addColumn<QString>("filename");
-        QTest::addColumn<QString>("pageDir");
-        QTest::addColumn<QString>("thumbDir");
-        QTest::addColumn<QString>("thumb");
+        columns<QString, QString, QString, QString>({"filename", "pageDir", "thumbDir", "thumb"});
         row("scan", "/data/scans/june.tif", "/data/scans", "/data/scans/Thumbs",
             "/data/scans/Thumbs/june.tif");
         row("top level", "/x.jpg", "/", "/Thumbs", "/Thumbs/x.jpg");
@@ -71,9 +64,7 @@ private slots:
 
     void parts_data()
     {
-        QTest::addColumn<QString>("path");
-        QTest::addColumn<QString>("dir");
-        QTest::addColumn<QString>("file");
+        columns<QString, QString, QString>({"path", "dir", "file"});
         row("file", "/a/b/c.jpg", "/a/b/", "c.jpg");
         row("root file", "/x.jpg", "/", "x.jpg");
         row("bare", "x.jpg", "", "");
@@ -114,7 +105,7 @@ private slots:
         QVERIFY(PagePaths::ensurePathExists(home.file(path)));
     }
 
-    void ensurePathExistsBelowADottedHome()
+    void ensurePathExistsBelowADottedHomeAndAtTheEdges()
     {
         test::TestHome outer;
         const AppHome home(outer.file(".local/share/Quillmere"));
@@ -130,16 +121,11 @@ private slots:
         QVERIFY(paths.ensurePathInHome(home.file("export.v2/inner")));
         QVERIFY(QFileInfo(home.file("export.v2")).isDir());
         QVERIFY(!QFileInfo::exists(home.file("export.v2/inner")));
-    }
-
-    void ensurePathExistsEdges()
-    {
         QVERIFY(PagePaths::ensurePathExists("/"));
         QVERIFY(PagePaths::ensurePathExists(QString()));
-        test::TestHome home;
         // A file where a directory should be: the answer is false, not a crash.
-        QVERIFY(home.writeFile("blocker", {}));
-        QVERIFY(!PagePaths::ensurePathExists(home.file("blocker/sub/x.jpg")));
+        QVERIFY(outer.writeFile("blocker", {}));
+        QVERIFY(!PagePaths::ensurePathExists(outer.file("blocker/sub/x.jpg")));
     }
 };
 

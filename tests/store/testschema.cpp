@@ -14,6 +14,7 @@
 
 using qmr::test::row;
 using namespace qmr;
+using qmr::test::columns;
 
 namespace {
 
@@ -42,18 +43,25 @@ void makeStoreAt(const AppHome& home, int version)
     StoreSchema::updateDatabase(db, version);
 }
 
+// A new store in a home of its own.
+struct FreshStore
+{
+    test::TestHome home;
+    Database db;
+    FreshStore() { StoreSchema::openDatabase(db, home.home()); }
+};
+
 } // namespace
 
 class TestSchema : public QObject
 {
     Q_OBJECT
 private slots:
-    void freshStore()
+    void freshStoreAndItsTransactions()
     {
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
-        QVERIFY(QFile::exists(home.file("qmr.mdb")));
+        FreshStore fresh;
+        Database& db = fresh.db;
+        QVERIFY(QFile::exists(fresh.home.file("qmr.mdb")));
         QCOMPARE(StoreSchema::readVersion(db), 4);
         QCOMPARE(versionRows(db), 1);
         QCOMPARE(columnCount(db, "Cabinet"), 6);
@@ -66,16 +74,64 @@ private slots:
         QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
         // A parent that does not exist is the program's business, not the store's.
         db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (999, 'Orphan')");
+        // Transactions nest.
+        auto count = [&] { return db.scalar("SELECT count(*) FROM Cabinet").toInt(); };
+        {
+            Database::Transaction outer(db);
+            db.execute("INSERT INTO Cabinet (Name) VALUES ('Outer')");
+            {
+                Database::Transaction inner(db);
+                QCOMPARE(db.transactionDepth(), 2);
+                db.execute("INSERT INTO Cabinet (Name) VALUES ('Inner, undone')");
+            } // rolled back: only the inner work goes
+            QCOMPARE(count(), 1);
+            {
+                Database::Transaction inner(db);
+                db.execute("INSERT INTO Cabinet (Name) VALUES ('Inner, kept')");
+                inner.commit();
+            }
+            outer.commit();
+        }
+        QCOMPARE(db.transactionDepth(), 0);
+        QCOMPARE(count(), 2);
+        {
+            Database::Transaction outer(db);
+            {
+                Database::Transaction inner(db);
+                db.execute("INSERT INTO Cabinet (Name) VALUES ('Gone with the outer')");
+                inner.commit();
+            }
+        } // the outer one rolls back what the inner one committed
+        QCOMPARE(count(), 2);
+        // A failing statement inside an inner group leaves the outer group usable.
+        {
+            Database::Transaction outer(db);
+            try {
+                Database::Transaction inner(db);
+                db.execute("INSERT INTO NoSuchTable VALUES (1)");
+                inner.commit();
+            } catch (const StoreError&) {
+            }
+            db.execute("INSERT INTO Cabinet (Name) VALUES ('After the failure')");
+            outer.commit();
+        }
+        QCOMPARE(count(), 3);
+        // A failed statement in a single group takes the group's earlier work with it.
+        try {
+            Database::Transaction tx(db);
+            db.execute("INSERT INTO Cabinet (Name) VALUES ('A')");
+            db.execute("INSERT INTO NoSuchTable VALUES (1)");
+            tx.commit();
+        } catch (const StoreError&) {
+        }
+        QCOMPARE(count(), 3);
     }
 
     void upgradeFromEachVersion_data()
     {
         QTest::addColumn<int>("from");
-        row("0", 0);
-        row("1", 1);
-        row("2", 2);
-        row("3", 3);
-        row("4", 4);
+        for (int from = 0; from <= 4; ++from)
+            QTest::addRow("%d", from) << from;
     }
     void upgradeFromEachVersion()
     {
@@ -192,12 +248,21 @@ private slots:
         QVERIFY_THROWS_EXCEPTION(StoreError, StoreSchema::openDatabase(db, home.home()));
     }
 
-    void namesRoundTripAndCompareWithoutCase()
+    void namesSortRoundTripAndCompareWithoutCase()
     {
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
+        FreshStore fresh;
+        Database& db = fresh.db;
         ItemStore items(db);
+        const QStringList names{"zürich", "Émile",   "Zed",   "émile", "Emma",
+                                "ecole",  "Eleanor", "apple", "Banana"};
+        for (const QString& n : names)
+            items.insertItem(Level::Cabinet, -1, n);
+        QStringList sorted;
+        for (const ItemRow& row : items.children(Level::Cabinet, -1))
+            sorted << row.name;
+        // Case never separates two names; accented letters stand beside their base letter.
+        QCOMPARE(sorted, (QStringList{"apple", "Banana", "ecole", "Eleanor", "Émile", "émile",
+                                      "Emma", "Zed", "zürich"}));
         const QString name = QStringLiteral("O'Brien's \"Müller\" cabinet");
         const qint32 id = items.insertItem(Level::Cabinet, -1, name);
         QCOMPARE(items.item(Level::Cabinet, id).name, name);
@@ -210,8 +275,7 @@ private slots:
 
     void likeComparesWithoutCase_data()
     {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("pattern");
+        columns<QString, QString>({"text", "pattern"});
         QTest::addColumn<QString>("escape"); // "" for none
         QTest::addColumn<int>("matches");    // -1: Null
         row("ascii, other case", "Tax bill 2004", "%TAX%", "", 1);
@@ -239,9 +303,8 @@ private slots:
         QFETCH(QString, pattern);
         QFETCH(QString, escape);
         QFETCH(int, matches);
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
+        FreshStore fresh;
+        Database& db = fresh.db;
         const QVariant value = text.isNull() ? QVariant() : QVariant(text);
         const QVariant result =
             escape.isEmpty() ? db.scalar("SELECT ? LIKE ?", {value, pattern})
@@ -251,8 +314,7 @@ private slots:
 
     void overLongValuesAreRefused_data()
     {
-        QTest::addColumn<QString>("sql");
-        QTest::addColumn<QString>("message");
+        columns<QString, QString>({"sql", "message"});
         row("cabinet name", "INSERT INTO Cabinet (Name) VALUES (?)",
             "a cabinet's name can have at most 80 characters");
         row("folder email", "INSERT INTO Folder (DrawerId, Email) VALUES (1, ?)",
@@ -264,9 +326,8 @@ private slots:
     {
         QFETCH(QString, sql);
         QFETCH(QString, message);
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
+        FreshStore fresh;
+        Database& db = fresh.db;
         try {
             db.execute(sql, {QString(300, QLatin1Char('n'))});
             QFAIL("an over-long value was stored");
@@ -288,9 +349,8 @@ private slots:
     // and keeps what it held.
     void fullStoreSaysSo()
     {
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
+        FreshStore fresh;
+        Database& db = fresh.db;
         ItemStore items(db);
         items.insertItem(Level::Cabinet, -1, QStringLiteral("Kept"));
         const int pages = db.scalar(QStringLiteral("PRAGMA page_count")).toInt();
@@ -366,81 +426,6 @@ private slots:
         QVERIFY(items.nameTaken(Level::Drawer, 1, QString::fromUtf8("école"), -1));
         QVERIFY(!items.nameTaken(Level::Drawer, 1, "Ecole", -1)); // an accent is no case
         QVERIFY(!items.nameTaken(Level::Drawer, 2, QString::fromUtf8("école"), -1));
-    }
-
-    void namesSortAsPeopleReadThem()
-    {
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
-        ItemStore items(db);
-        const QStringList names{"zürich", "Émile",   "Zed",   "émile", "Emma",
-                                "ecole",  "Eleanor", "apple", "Banana"};
-        for (const QString& n : names)
-            items.insertItem(Level::Cabinet, -1, n);
-        QStringList sorted;
-        for (const ItemRow& row : items.children(Level::Cabinet, -1))
-            sorted << row.name;
-        // Case never separates two names; accented letters stand beside their base letter.
-        QCOMPARE(sorted, (QStringList{"apple", "Banana", "ecole", "Eleanor", "Émile", "émile",
-                                      "Emma", "Zed", "zürich"}));
-    }
-
-    void transactionsNest()
-    {
-        test::TestHome home;
-        Database db;
-        StoreSchema::openDatabase(db, home.home());
-        auto count = [&] { return db.scalar("SELECT count(*) FROM Cabinet").toInt(); };
-        {
-            Database::Transaction outer(db);
-            db.execute("INSERT INTO Cabinet (Name) VALUES ('Outer')");
-            {
-                Database::Transaction inner(db);
-                QCOMPARE(db.transactionDepth(), 2);
-                db.execute("INSERT INTO Cabinet (Name) VALUES ('Inner, undone')");
-            } // rolled back: only the inner work goes
-            QCOMPARE(count(), 1);
-            {
-                Database::Transaction inner(db);
-                db.execute("INSERT INTO Cabinet (Name) VALUES ('Inner, kept')");
-                inner.commit();
-            }
-            outer.commit();
-        }
-        QCOMPARE(db.transactionDepth(), 0);
-        QCOMPARE(count(), 2);
-        {
-            Database::Transaction outer(db);
-            {
-                Database::Transaction inner(db);
-                db.execute("INSERT INTO Cabinet (Name) VALUES ('Gone with the outer')");
-                inner.commit();
-            }
-        } // the outer one rolls back what the inner one committed
-        QCOMPARE(count(), 2);
-        // A failing statement inside an inner group leaves the outer group usable.
-        {
-            Database::Transaction outer(db);
-            try {
-                Database::Transaction inner(db);
-                db.execute("INSERT INTO NoSuchTable VALUES (1)");
-                inner.commit();
-            } catch (const StoreError&) {
-            }
-            db.execute("INSERT INTO Cabinet (Name) VALUES ('After the failure')");
-            outer.commit();
-        }
-        QCOMPARE(count(), 3);
-        // A failed statement in a single group takes the group's earlier work with it.
-        try {
-            Database::Transaction tx(db);
-            db.execute("INSERT INTO Cabinet (Name) VALUES ('A')");
-            db.execute("INSERT INTO NoSuchTable VALUES (1)");
-            tx.commit();
-        } catch (const StoreError&) {
-        }
-        QCOMPARE(count(), 3);
     }
 
     void cachedStatementsSeeNewColumns()

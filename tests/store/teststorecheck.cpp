@@ -178,33 +178,9 @@ private slots:
     }
 
     // A new page's place holding a file no row refers to is cleared; one that a row refers to
-    // is refused, and its file stays.
-    void aNewPagesPlace()
-    {
-        test::TestHome home;
-        test::FixtureStore store(home.home());
-        const qint32 doc =
-            store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
-        const qint32 kept = store.page(doc, 1, QSize(50, 50));
-        const qint32 fresh = store.pageRow(doc, 2);
-        const PagePaths paths(home.home());
-        PageStore pages(store.db());
-        const QString place = paths.computedPagePath(fresh);
-        QVERIFY(writeFile(place, "left by a killed run"));
-        QCOMPARE(PagePlace::clear(pages, paths, fresh, place), QString());
-        QVERIFY(!QFile::exists(place));
-        QCOMPARE(PagePlace::clear(pages, paths, fresh, place), QString());
-
-        const QString taken = paths.computedPagePath(kept);
-        const QByteArray bytes = readFile(taken);
-        const QString refused = PagePlace::clear(pages, paths, fresh, taken);
-        QVERIFY2(refused.contains(QString("page %1").arg(kept)), qPrintable(refused));
-        QCOMPARE(readFile(taken), bytes);
-    }
-
-    // After a start: leftovers from before it and files of no page go, a page added meanwhile
-    // keeps its file, and pages without a file are found.
-    void theSweep()
+    // is refused, and its file stays. After a start: leftovers from before it and files of no
+    // page go, a page added meanwhile keeps its file, and pages without a file are found.
+    void aNewPagesPlaceAndTheSweep()
     {
         test::TestHome home;
         test::FixtureStore store(home.home());
@@ -213,6 +189,20 @@ private slots:
         const qint32 kept = store.page(doc, 1, QSize(50, 50));
         const qint32 bare = store.pageRow(doc, 2);
         const PagePaths paths(home.home());
+        PageStore pages(store.db());
+        const QString place = paths.computedPagePath(bare);
+        QVERIFY(writeFile(place, "left by a killed run"));
+        QCOMPARE(PagePlace::clear(pages, paths, bare, place), QString());
+        QVERIFY(!QFile::exists(place));
+        QCOMPARE(PagePlace::clear(pages, paths, bare, place), QString());
+
+        const QString taken = paths.computedPagePath(kept);
+        const QByteArray bytes = readFile(taken);
+        const QString refused = PagePlace::clear(pages, paths, bare, taken);
+        QVERIFY2(refused.contains(QString("page %1").arg(kept)), qPrintable(refused));
+        QCOMPARE(readFile(taken), bytes);
+
+        // The sweep after a start.
         const QString orphan = paths.computedPagePath(bare + 10);
         const QString orphanThumb = paths.computedThumbPath(bare + 10);
         const QString oldPart = paths.computedPagePath(bare + 11) + ".0badf00d.qmrpart";

@@ -5,6 +5,7 @@
 #include "store/wordindex.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
+#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -44,46 +45,32 @@ class TestWordIndex : public QObject
 private slots:
     void findsWhatTheRowsHold_data()
     {
-        QTest::addColumn<QString>("change");
-        QTest::addColumn<QString>("keywords");
-        QTest::addColumn<QStringList>("expected");
+        columns<QString, QString, QStringList>({"change", "keywords", "expected"});
         const QString renamed =
             "UPDATE Document SET Name = 'Water bill' WHERE Name = 'Gas invoice'";
         const QString described =
             "UPDATE Document SET Description = 'summer cooling' WHERE Name = 'Gas invoice'";
-        QTest::newRow("a word") << ""
-                                << "invoice" << QStringList{"Gas invoice"};
-        QTest::newRow("another case") << ""
-                                      << "INVOICE" << QStringList{"Gas invoice"};
-        QTest::newRow("a description") << ""
-                                       << "heating" << QStringList{"Gas invoice"};
-        QTest::newRow("long s") << ""
-                                << "hasen" << QStringList{"Ha\u017Fen farm"};
-        QTest::newRow("Kelvin sign") << ""
-                                     << "kitchen" << QStringList{"\u212Aitchen"};
-        QTest::newRow("quotes") << ""
-                                << "\"big\"" << QStringList{"The \"big\" one"};
-        QTest::newRow("two letters") << ""
-                                     << "as" << QStringList{"Gas invoice", "Ha\u017Fen farm"};
-        QTest::newRow("two words")
-            << ""
-            << "farm kitchen" << QStringList{"Ha\u017Fen farm", "\u212Aitchen"};
-        QTest::newRow("renamed: old name") << renamed << "invoice" << QStringList{};
-        QTest::newRow("renamed: new name") << renamed << "water" << QStringList{"Water bill"};
-        QTest::newRow("described: old text") << described << "heating" << QStringList{};
-        QTest::newRow("described: new text")
-            << described << "cooling" << QStringList{"Gas invoice"};
-        QTest::newRow("deleted") << "DELETE FROM Document WHERE Name = 'Gas invoice'"
-                                 << "gas" << QStringList{};
-        QTest::newRow("added") << "INSERT INTO Document (FolderId, Name) SELECT FolderId, 'Gas "
-                                  "meter' FROM Folder"
-                               << "gas" << QStringList{"Gas invoice", "Gas meter"};
-        QTest::newRow("folder described")
-            << "UPDATE Folder SET Description = 'old receipts'"
-            << "receipts"
-            << QStringList{"Gas invoice", "Ha\u017Fen farm", "The \"big\" one", "\u212Aitchen"};
-        QTest::newRow("folder renamed: old name") << "UPDATE Folder SET Name = 'Bills'"
-                                                  << "letters" << QStringList{};
+        row("a word", "", "invoice", QStringList{"Gas invoice"});
+        row("another case", "", "INVOICE", QStringList{"Gas invoice"});
+        row("a description", "", "heating", QStringList{"Gas invoice"});
+        row("long s", "", "hasen", QStringList{"Ha\u017Fen farm"});
+        row("Kelvin sign", "", "kitchen", QStringList{"\u212Aitchen"});
+        row("quotes", "", "\"big\"", QStringList{"The \"big\" one"});
+        row("two letters", "", "as", QStringList{"Gas invoice", "Ha\u017Fen farm"});
+        row("two words", "", "farm kitchen", QStringList{"Ha\u017Fen farm", "\u212Aitchen"});
+        row("renamed: old name", renamed, "invoice", QStringList{});
+        row("renamed: new name", renamed, "water", QStringList{"Water bill"});
+        row("described: old text", described, "heating", QStringList{});
+        row("described: new text", described, "cooling", QStringList{"Gas invoice"});
+        row("deleted", "DELETE FROM Document WHERE Name = 'Gas invoice'", "gas", QStringList{});
+        row("added",
+            "INSERT INTO Document (FolderId, Name) SELECT FolderId, 'Gas "
+            "meter' FROM Folder",
+            "gas", QStringList{"Gas invoice", "Gas meter"});
+        row("folder described", "UPDATE Folder SET Description = 'old receipts'", "receipts",
+            QStringList{"Gas invoice", "Ha\u017Fen farm", "The \"big\" one", "\u212Aitchen"});
+        row("folder renamed: old name", "UPDATE Folder SET Name = 'Bills'", "letters",
+            QStringList{});
     }
     void findsWhatTheRowsHold()
     {
