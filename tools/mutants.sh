@@ -118,17 +118,23 @@ build = os.path.join(scratch, "build")
 os.makedirs(scratch, exist_ok=True)
 # A copy of the tree, so that the working tree is never touched and a stopped run leaves
 # nothing mutated behind.
-for f in subprocess.run(["git", "ls-files"], cwd=root, capture_output=True, text=True).stdout.split("\n"):
-    if not f:
-        continue
+tracked = {f for f in subprocess.run(["git", "ls-files"], cwd=root, capture_output=True,
+                                     text=True).stdout.split("\n") if f}
+for f in sorted(tracked):
     a, b = os.path.join(root, f), os.path.join(src, f)
     if os.path.isfile(a) and not (os.path.exists(b) and open(a, "rb").read() == open(b, "rb").read()):
         os.makedirs(os.path.dirname(b), exist_ok=True)
         shutil.copy2(a, b)
-if not os.path.exists(os.path.join(build, "build.ninja")):
-    launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
-    subprocess.run(["cmake", "-S", src, "-B", build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=RelWithDebInfo"] + launcher,
-                   check=True, stdout=subprocess.DEVNULL)
+# A file gone from the tree goes from the copy too: a test class moved into another file
+# would otherwise be built twice.
+for folder, _, names in os.walk(src):
+    for name in names:
+        if os.path.relpath(os.path.join(folder, name), src) not in tracked:
+            os.remove(os.path.join(folder, name))
+# Configured every run, so that the folders' file lists follow files added and removed.
+launcher = ["-DCMAKE_CXX_COMPILER_LAUNCHER=ccache"] if shutil.which("ccache") else []
+subprocess.run(["cmake", "-S", src, "-B", build, "-G", "Ninja", "-DCMAKE_BUILD_TYPE=RelWithDebInfo"] + launcher,
+               check=True, stdout=subprocess.DEVNULL)
 targets = sorted({"test_" + folder_of(p) for p, *_ in chosen})
 print("Building the unmutated tree...", flush=True)
 if subprocess.run(["cmake", "--build", build, "--target"] + targets, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode != 0:
