@@ -33,47 +33,40 @@ class TestDeleteCommand : public QObject
 private slots:
     void everyLevelFromTheTree_data()
     {
-        // `gone`: the tree's node, with its found copy; `counts`: rows left, cabinets to pages;
-        // `selected`: the tree's node afterwards; `starts`: what the progress was started with.
-        columns<QStringList, QString, QString, QString, QString, QString, QStringList>(
-            {"clicks", "action", "question", "gone", "counts", "selected", "starts"});
-        row("cabinet", QStringList{"CAB1"}, "mnuPopupCabinetDelete", "Delete 'Home Papers'?",
-            "CAB1", "1/1/1/0/0", "ROOT",
+        // `clicks`, by ',', end on the item deleted; `counts`: rows left, cabinets to pages;
+        // `starts`: what the progress was started with.
+        columns<QString, QString, QString, QStringList>({"clicks", "question", "counts", "starts"});
+        row("cabinet", "CAB1", "Delete 'Home Papers'?", "1/1/1/0/0",
             QStringList{"start Delete cabinet 1..2", "start Delete cabinet 1..6"});
-        row("drawer", QStringList{"CAB1", "DRW1"}, "mnuPopupDrawerDelete", "Delete 'Bank'?", "DRW1",
-            "2/2/2/1/1", "CAB1", QStringList{"start Delete drawer 1..5"});
-        row("folder", QStringList{"CAB1", "DRW1", "FLD1"}, "mnuPopupFolderDelete",
-            "Delete 'Checking'?", "FLD1", "2/3/3/1/1", "DRW1",
+        row("drawer", "CAB1,DRW1", "Delete 'Bank'?", "2/2/2/1/1",
+            QStringList{"start Delete drawer 1..5"});
+        row("folder", "CAB1,DRW1,FLD1", "Delete 'Checking'?", "2/3/3/1/1",
             QStringList{"start Delete folder 1..4"});
-        row("document", QStringList{"CAB1", "DRW1", "FLD1", "DOC1"}, "mnuPopupDocumentDelete",
-            "Delete 'March statement'?", "DOC1", "2/3/4/2/1", "FLD1",
+        row("document", "CAB1,DRW1,FLD1,DOC1", "Delete 'March statement'?", "2/3/4/2/1",
             QStringList{"start Delete document 1..4"});
     }
     void everyLevelFromTheTree()
     {
-        const auto [clicks, action, question, gone, counts, selected, starts] =
-            fetch<QStringList, QString, QString, QString, QString, QString, QStringList>(
-                {"clicks", "action", "question", "gone", "counts", "selected", "starts"});
+        const auto [path, question, counts, starts] = fetch<QString, QString, QString, QStringList>(
+            {"clicks", "question", "counts", "starts"});
+        const QStringList clicks = path.split(',');
+        const NodeKey key = NodeKey::parse(clicks.last());
         SampleWindow h;
         h.addFoundBranch();
         h.clickPath(clicks);
-        const PagePaths& paths = h.session->paths();
-        QVERIFY(QFile::exists(paths.computedPagePath(1)));
         h.prompter.expect(question, Prompter::Answer::Yes);
-        h.trigger(action);
+        h.trigger(QString("mnuPopup%1Delete").arg(levelInfo(*key.level()).word));
         QMR_VERIFY_PROMPTS(h);
         QCOMPARE(::counts(h), counts);
         QCOMPARE(h.progress.starts(), starts);
         QCOMPARE(h.progress.log.last(), QStringLiteral("end"));
-        QVERIFY(!h.tree()->node(gone));
-        const NodeKey key = NodeKey::parse(gone);
+        QVERIFY(!h.tree()->node(key.text()));
         QVERIFY(!h.tree()->node(NodeKey::found(*key.level(), key.id()).text()));
         // The window has moved up to the parent, which lists what is left.
-        QCOMPARE(h.tree()->selectedKey(), selected);
+        QCOMPARE(h.tree()->selectedKey(),
+                 clicks.size() > 1 ? clicks.at(clicks.size() - 2) : "ROOT");
         QVERIFY(h.window->list()->isVisible());
         QVERIFY(!h.window->list()->itemOf(key));
-        QVERIFY(!QFile::exists(paths.computedPagePath(1)));
-        QVERIFY(!QFile::exists(paths.computedThumbPath(1)));
         // The focus is back in the tree, which spoke last.
         QCOMPARE(QApplication::focusWidget(), static_cast<QWidget*>(h.tree()));
     }
@@ -105,83 +98,62 @@ private slots:
         h.selectInList("Private", true);
         h.trigger("mnuPopupCabinetDelete");
         QMR_VERIFY_PROMPTS(h);
+        QCOMPARE(h.choosers.passwordAsks(), 3);
         QCOMPARE(counts(h), QStringLiteral("1/2/2/3/3"));
         QCOMPARE(h.listTexts(), QStringList{"Home Papers"});
         QVERIFY(!h.tree()->node("CAB2"));
     }
 
-    void noCancelAndClosingChangeNothing_data()
-    {
-        columns<int>({"answer"});
-        row("no", int(Prompter::Answer::No));
-        row("cancel", int(Prompter::Answer::Cancel));
-    }
-    void noCancelAndClosingChangeNothing()
-    {
-        const auto [answer] = fetch<int>({"answer"});
-        SampleWindow h({"CAB1", "DRW1", "FLD1", "DOC1"});
-        h.setSource(ContextSource::Tree);
-        for (const char* action : {"mnuPopupDocumentDelete", "mnuPopupPageDelete"}) {
-            h.prompter.reset();
-            h.prompter.expect(action[8] == 'D' ? "Delete 'March statement'?" : "Delete 'Page 1'?",
-                              Prompter::Answer(answer));
-            currentPage(h, 0);
-            h.trigger(action);
-            QMR_VERIFY_PROMPTS(h);
-        }
-        QCOMPARE(counts(h), QStringLiteral("2/3/4/3/3"));
-        QVERIFY(h.tree()->node("DOC1"));
-        QCOMPARE(pageRows(h), 2);
-        QVERIFY(QFile::exists(h.session->paths().computedPagePath(1)));
-        QVERIFY(h.progress.log.isEmpty());
-    }
-
-    void pages_data()
-    {
-        // `all`: every page selected, else the second one current; `left`: rows of the pane.
-        columns<int, bool, QString, int, QString>({"source", "all", "question", "left", "start"});
-        row("several from the page list", int(ContextSource::PageList), true, "Delete 3 pages?", 0,
-            "start Delete page 1..9");
-        row("one from the page list", int(ContextSource::PageList), false, "Delete 'Page 2'?", 2,
-            "start Delete page 1..3");
-        row("the current one from the tree", int(ContextSource::Tree), true, "Delete 'Page 1'?", 2,
-            "start Delete page 1..3");
-    }
+    // No and Cancel change nothing; Yes deletes, from the tree its current page, from the
+    // page list the one current or all selected; another document's page stays.
     void pages()
     {
-        const auto [source, all, question, left, start] =
-            fetch<int, bool, QString, int, QString>({"source", "all", "question", "left", "start"});
         NavHarness h;
-        h.loadWith([](FixtureStore& store) { store.page(1, 3); });
+        h.loadWith([](FixtureStore& store) {
+            store.page(1, 3);
+            store.page(1, 4);
+        });
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
-        QCOMPARE(pageRows(h), 3);
-        currentPage(h, all ? 0 : 1);
-        if (all)
-            h.pageView()->selectAll();
-        h.setSource(ContextSource(source));
-        h.prompter.expect(question, Prompter::Answer::Yes);
-        h.trigger("mnuPopupPageDelete");
-        QMR_VERIFY_PROMPTS(h);
-        QCOMPARE(h.progress.starts(), QStringList{start});
-        QCOMPARE(pageRows(h), left);
-        QCOMPARE(h.session->pages().count(1), left);
-        QCOMPARE(h.session->pages().count(3), 1); // another document's page stays
+        h.setSource(ContextSource::Tree);
+        for (const auto answer : {Prompter::Answer::No, Prompter::Answer::Cancel}) {
+            for (const char* action : {"mnuPopupDocumentDelete", "mnuPopupPageDelete"}) {
+                h.prompter.expect(
+                    action[8] == 'D' ? "Delete 'March statement'?" : "Delete 'Page 1'?", answer);
+                currentPage(h, 0);
+                h.trigger(action);
+                QMR_VERIFY_PROMPTS(h);
+            }
+        }
+        QCOMPARE(counts(h), QStringLiteral("2/3/4/3/5"));
+        QVERIFY(h.tree()->node("DOC1"));
+        QVERIFY(QFile::exists(h.session->paths().computedPagePath(1)));
+        QVERIFY(h.progress.log.isEmpty());
+        QCOMPARE(pageRows(h), 4);
+        for (const auto& [source, all, question, left, start] :
+             {std::tuple{ContextSource::Tree, true, "Delete 'Page 1'?", 3, "1..3"},
+              std::tuple{ContextSource::PageList, false, "Delete 'Page 3'?", 2, "1..3"},
+              std::tuple{ContextSource::PageList, true, "Delete 2 pages?", 0, "1..6"}}) {
+            currentPage(h, all ? 0 : 1);
+            if (all)
+                h.pageView()->selectAll();
+            h.setSource(source);
+            h.prompter.expect(question, Prompter::Answer::Yes);
+            h.trigger("mnuPopupPageDelete");
+            QMR_VERIFY_PROMPTS(h);
+            QCOMPARE(h.progress.starts().last(), QString("start Delete page ") + start);
+            QCOMPARE(pageRows(h), left);
+            QCOMPARE(h.session->pages().count(1), left);
+        }
+        QCOMPARE(h.session->pages().count(3), 1);
     }
 
-    void shortcutPageKeepsItsFile()
+    // A shortcut is named as one; that its file stays is the store's to check.
+    void shortcutPage()
     {
         NavHarness h;
-        QTemporaryDir outside;
-        const QString file = outside.filePath("reply.pdf");
-        QFile f(file);
-        QVERIFY(f.open(QIODevice::WriteOnly) && f.write("%PDF") == 4);
-        f.close();
         qint32 id = -1;
         h.loadWith([&](FixtureStore& store) {
-            store.db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, "
-                               "Filetype) VALUES (2, 0, ?, 'Y', 'pdf')",
-                               {file});
-            id = store.db().lastInsertId();
+            id = qmr::test::shortcutPage(store, 2, 0, "/home/u/reply.pdf");
         });
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC2"});
         currentPage(h, 0);
@@ -191,7 +163,6 @@ private slots:
         h.trigger("mnuPopupPageDelete");
         QMR_VERIFY_PROMPTS(h);
         QVERIFY(!h.session->pages().page(id));
-        QVERIFY(QFile::exists(file));
     }
 
     void pageNames_data()

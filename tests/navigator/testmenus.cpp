@@ -65,14 +65,17 @@ class TestMenus : public QObject
 private slots:
     void commandKeys_data()
     {
+        // Entries without their "mnuPopup".
         columns<int, QString, QString, QString>({"control", "key", "insert", "remove"});
-        // Entries without their "mnuPopup". A level's rows that insertAndDeleteKeys and the
-        // Insert rows of TestCommands run in the window are not repeated here.
         row("tree root", tree, "ROOT", "CabinetNewCabinet", "");
         row("tree found root", tree, "ROOTFOUND", "", "");
+        row("tree cabinet", tree, "CAB1", "DrawerNewDrawer", "CabinetDelete");
         row("tree drawer", tree, "DRW1", "FolderNewFolder", "DrawerDelete");
+        row("tree folder", tree, "FLD1", "FolderNewDocument", "FolderDelete");
         row("tree document", tree, "DOC1", "DocumentNewDocument", "DocumentDelete");
+        row("list cabinet", list, "CAB1", "CabinetNewCabinet", "CabinetDelete");
         row("list drawer", list, "DRW1", "DrawerNewDrawer", "DrawerDelete");
+        row("list folder", list, "FLD1", "FolderNewFolder", "FolderDelete");
         row("list document", list, "DOC1", "DocumentScanPage", "DocumentDelete");
         row("list found cabinet", list, "FCB1", "", "");
         row("list nothing", list, "", "", "");
@@ -94,8 +97,7 @@ private slots:
         columns<QStringList, QString, QString, int, int, int>(
             {"clicks", "rightClick", "listItem", "source", "level", "id"});
         const QStringList drawer{"CAB1", "DRW1"};
-        row("tree click: the selected node", drawer, "", "", tree, 1, 1);
-        row("tree click: another level has none", drawer, "", "", tree, 0, -1);
+        // What a click on the tree names is TestNavTree::clicksFillTheNextLevelAndTheRecord's.
         row("list: its selected item", QStringList{"CAB1"}, "", "Taxes", list, 1, 2);
         row("list: the tree's node is not the list's level", QStringList{"CAB1"}, "", "Taxes", list,
             0, -1);
@@ -140,7 +142,6 @@ private slots:
         row("list cabinet", QStringList{"ROOT"}, "list:Home Papers", 0, 0, "mnuPopupCabinet", "");
         row("list locked cabinet", QStringList{"ROOT"}, "list:Private", 0, 0, "", "");
         row("list drawer", QStringList{"CAB1"}, "list:Taxes", 0, 0, "mnuPopupDrawer", "");
-        row("list folder", QStringList{"CAB1", "DRW1"}, "list:Savings", 0, 0, "mnuPopupFolder", "");
         row("list document", folder, "list:O'Brien's letter", 0, 0, "mnuPopupDocument", "");
         const QStringList drawer{"CAB1", "DRW1"};
         const int shift = int(Qt::ShiftModifier);
@@ -202,44 +203,40 @@ private slots:
         }
     }
 
-    void pagePopup_data()
-    {
-        columns<QString, int, QStringList, QString>({"document", "row", "visible", "deleteText"});
-        QStringList all{"Open", "Print", "Renumber", "Delete",
-                        "Cut",  "Copy",  "Paste",    "Properties"};
-        row("no pages", "DOC2", -1, QStringList{"Cut", "Copy", "Paste"}, "");
-        row("a page", "DOC1", 0, all, "Delete");
-        all.removeAll("Print");
-        all.removeAll("Renumber");
-        row("a shortcut", "DOC3", 1, all, "Delete shortcut");
-    }
+    // A right click on a page selects it, one on the empty list nothing; the entries follow
+    // what is selected.
     void pagePopup()
     {
-        auto [document, row, visible, deleteText] =
-            fetch<QString, int, QStringList, QString>({"document", "row", "visible", "deleteText"});
         NavHarness h;
         h.loadWith([](FixtureStore& store) {
             store.db().execute("INSERT INTO Page (DocumentId, PageNumber, Filename, ShortcutYN, "
                                "Filetype) VALUES (3, 2, '/srv/letters/reply.pdf', 'Y', 'pdf')");
         });
-        h.clickPath({"CAB1", "DRW1", "FLD1"});
-        if (document == "DOC3")
-            h.clickPath({"DRW2", "FLD3"});
-        h.click(document);
-        QAbstractItemView* pane = h.pageView();
-        // A right click on a page selects it; one on the empty list selects nothing.
-        const QPoint at =
-            row >= 0 ? pane->visualRect(pane->model()->index(row, 0)).center() : QPoint(5, 5);
-        const Shown shown =
-            popupOf([&] { QTest::mouseClick(pane->viewport(), Qt::RightButton, {}, at); });
-        QCOMPARE(shown.menu, QStringLiteral("mnuPopupPage"));
-        for (QString& entry : visible)
-            entry.prepend("mnuPopupPage");
-        QCOMPARE(shown.visible, visible);
-        QVERIFY(!shown.enabled.contains("mnuPopupPagePaste"));
-        if (!deleteText.isEmpty())
-            QCOMPARE(shown.texts.value("mnuPopupPageDelete"), deleteText);
-        QCOMPARE(h.navigator().target().source(), ContextSource::PageList);
+        const QStringList all{"Open", "Print", "Renumber", "Delete",
+                              "Cut",  "Copy",  "Paste",    "Properties"};
+        QStringList shortcut = all;
+        shortcut.removeAll("Print");
+        shortcut.removeAll("Renumber");
+        for (const auto& [clicks, row, visible, deleteText] :
+             {std::tuple{"CAB1,DRW1,FLD1,DOC2", -1, QStringList{"Cut", "Copy", "Paste"}, ""},
+              std::tuple{"DOC1", 0, all, "Delete"},
+              std::tuple{"DRW2,FLD3,DOC3", 1, shortcut, "Delete shortcut"}}) {
+            h.clickPath(QString(clicks).split(','));
+            QAbstractItemView* pane = h.pageView();
+            const QPoint at =
+                row >= 0 ? pane->visualRect(pane->model()->index(row, 0)).center() : QPoint(5, 5);
+            const Shown shown =
+                popupOf([&] { QTest::mouseClick(pane->viewport(), Qt::RightButton, {}, at); });
+            QCOMPARE(shown.menu, QStringLiteral("mnuPopupPage"));
+            QStringList names;
+            for (const QString& entry : visible)
+                names << "mnuPopupPage" + entry;
+            QCOMPARE(shown.visible, names);
+            QVERIFY(!shown.enabled.contains("mnuPopupPagePaste"));
+            if (*deleteText)
+                QCOMPARE(shown.texts.value("mnuPopupPageDelete"), QString(deleteText));
+            QCOMPARE(h.navigator().target().source(), ContextSource::PageList);
+        }
     }
 
     void pasteFollowsTheClipboard()
@@ -262,52 +259,42 @@ private slots:
         QVERIFY(!menus.action("mnuPopupDocumentPaste")->isEnabled());
     }
 
-    void insertAndDeleteKeys_data()
-    {
-        // What the key brings: the question, or "dialog:" and the dialog's caption.
-        columns<QStringList, QString, int, QString>({"clicks", "listItem", "key", "shown"});
-        const int del = int(Qt::Key_Delete);
-        const int ins = int(Qt::Key_Insert);
-        const QStringList folder{"CAB1", "DRW1", "FLD1"};
-        row("tree cabinet, Delete", QStringList{"CAB1"}, "", del, "Delete 'Home Papers'?");
-        row("tree folder, Delete", folder, "", del, "Delete 'Checking'?");
-        row("tree document, Delete", QStringList{"CAB1", "DRW1", "FLD1", "DOC1"}, "", del,
-            "Delete 'March statement'?");
-        row("tree root, Delete", QStringList{"ROOT"}, "", del, "");
-        row("list drawer, Delete", QStringList{"CAB1"}, "Taxes", del, "Delete 'Taxes'?");
-        row("list document, Delete", folder, "O'Brien's letter", del, "Delete 'O'Brien's letter'?");
-        row("tree root, Insert", QStringList{"ROOT"}, "", ins, "dialog:Add File Cabinet");
-        row("tree folder, Insert", folder, "", ins, "dialog:Add Document");
-        row("list cabinet, Insert", QStringList{"ROOT"}, "Home Papers", ins,
-            "dialog:Add File Cabinet");
-        row("list folder, Insert", QStringList{"CAB1", "DRW1"}, "Savings", ins,
-            "dialog:Add Folder");
-    }
+    // Insert and Delete run the entry of the control's item (the table is CommandKeys'):
+    // a question, answered No, or a dialog, closed; the focus is then back on the control.
     void insertAndDeleteKeys()
     {
-        const auto [clicks, listItem, key, shown] =
-            fetch<QStringList, QString, int, QString>({"clicks", "listItem", "key", "shown"});
-        SampleWindow h(clicks);
-        QWidget* control = h.tree();
-        if (!listItem.isEmpty()) {
-            h.selectInList(listItem);
-            control = h.window->list();
+        SampleWindow h;
+        // The nodes clicked (by ','), the list's item (else the tree's node), the key, and the
+        // question, or "dialog:" and the dialog's caption.
+        for (const auto& [clicks, listItem, key, shown] :
+             {std::tuple{"CAB1,DRW1,FLD1,DOC1", "", Qt::Key_Delete, "Delete 'March statement'?"},
+              std::tuple{"ROOT", "", Qt::Key_Delete, ""},
+              std::tuple{"CAB1,DRW1,FLD1", "O'Brien's letter", Qt::Key_Delete,
+                         "Delete 'O'Brien's letter'?"},
+              std::tuple{"CAB1,DRW1,FLD1", "", Qt::Key_Insert, "dialog:Add Document"},
+              std::tuple{"CAB1,DRW1", "Savings", Qt::Key_Insert, "dialog:Add Folder"}}) {
+            h.clickPath(QString(clicks).split(','));
+            QWidget* control = h.tree();
+            if (*listItem) {
+                h.selectInList(listItem);
+                control = h.window->list();
+            }
+            const QString expected(shown);
+            QString caption;
+            if (expected.startsWith("dialog:"))
+                whenModal(h.window.get(), [&caption](QWidget* d) {
+                    caption = d->windowTitle();
+                    d->close();
+                });
+            else if (!expected.isEmpty())
+                h.prompter.expect(expected, Prompter::Answer::No);
+            control->setFocus();
+            QTest::keyClick(control, key);
+            QMR_VERIFY_PROMPTS(h);
+            if (expected.startsWith("dialog:"))
+                QCOMPARE(caption, expected.mid(7));
+            QCOMPARE(h.window->focusWidget(), control);
         }
-        QString caption;
-        if (shown.startsWith("dialog:"))
-            whenModal(h.window.get(), [&caption](QWidget* d) {
-                caption = d->windowTitle();
-                d->close();
-            });
-        else if (!shown.isEmpty())
-            h.prompter.expect(shown, Prompter::Answer::No);
-        control->setFocus();
-        QTest::keyClick(control, Qt::Key(key));
-        QMR_VERIFY_PROMPTS(h);
-        if (shown.startsWith("dialog:"))
-            QCOMPARE(caption, shown.mid(7));
-        // The key ends with the focus back on its control.
-        QCOMPARE(h.window->focusWidget(), control);
     }
 };
 

@@ -125,10 +125,9 @@ private slots:
         QCOMPARE(status(h), QString(" Showing 10 images (page 1 of 3)"));
         QCOMPARE(h.pageTexts(), pageRange(1, 10));
         QCOMPARE(enabledButtons(h), QString("cmdNext,cmdLast"));
+        // The blocks' arithmetic is TestPageTiles::steps'; here the buttons and keys reach it.
         button(h, "cmdNext")->click();
         QCOMPARE(h.pageTexts(), pageRange(11, 20));
-        QCOMPARE(status(h), QString(" Showing 10 images (page 2 of 3)"));
-        QCOMPARE(enabledButtons(h), QString("cmdFirst,cmdPrev,cmdNext,cmdLast"));
         // The keys of the list act as the buttons do.
         QWidget* list = h.pageView();
         QTest::keyClick(list, Qt::Key_End);
@@ -159,26 +158,17 @@ private slots:
         button(h, "cmdShowMore")->click();
         QCOMPARE(h.pageTexts(), pageRange(16, 25));
         QCOMPARE(status(h), QString(" Showing 11 images (page 2 of 3)"));
-    }
-
-    void showMoreAndLessAreSaved()
-    {
-        NavHarness h;
-        showBig(h, 70, "500"); // comes up as 64
-        QCOMPARE(status(h), QString(" Showing 64 images (page 1 of 2)"));
-        button(h, "cmdShowMore")->click();
-        QCOMPARE(h.pageTexts().size(), 64);
+        // The block's size is kept for the next start; its limits are TestPageTiles'.
         button(h, "cmdShowLess")->click();
         button(h, "cmdShowLess")->click();
-        QCOMPARE(h.pageTexts(), pageRange(1, 62));
-        QCOMPARE(h.view->displayCount(), 62);
-        QCOMPARE(h.home.settings().get(keys::DisplayCount), QString("62"));
+        QCOMPARE(h.view->displayCount(), 9);
+        QCOMPARE(h.home.settings().get(keys::DisplayCount), QString("9"));
     }
 
     void theListViewShowsTheWholeDocument()
     {
         NavHarness h;
-        showBig(h, 120);
+        const qint32 doc = showBig(h, 120);
         button(h, "cmdNext")->click();
         QCOMPARE(status(h), QString(" Showing 20 images (page 2 of 6)"));
 
@@ -215,9 +205,18 @@ private slots:
         QCOMPARE(list->mode(), PageListView::Mode::Thumbnails);
         QCOMPARE(h.pageTexts(), pageRange(1, 20));
         QTRY_COMPARE(arrow->geometry().center().x(), imgThumbnail->geometry().center().x());
+        // A refresh shows the block of the page it names.
+        const qint32 last = FixtureStore(h.home.home()).pageRow(doc, 121);
+        h.navigator().refreshPages(doc, last);
+        QCOMPARE(status(h), QString(" Showing 20 images (page 7 of 7)"));
+        QCOMPARE(h.pageTexts(), QStringList{"Page 121"});
+        QCOMPARE(h.window->pageList()->selectedPageIds(), QVector<qint32>{last});
     }
 
-    void thumbnailsAreMadeOnFirstDisplay()
+    // Thumbnails are made when the pane first shows their pages, without a message: a page
+    // whose file has gone shows as missing; a PDF shortcut shows its first page, or its
+    // type's icon when it cannot be drawn (which PDFs cannot is TestPageTiles').
+    void tilesOnFirstDisplay()
     {
         NavHarness h;
         FixtureStore store(h.home.home());
@@ -226,70 +225,42 @@ private slots:
         const qint32 wide = darkPage(h, store, doc, 1, QSize(1100, 550));
         const qint32 gone = store.pageRow(doc, 2);
         const qint32 tall = darkPage(h, store, doc, 3);
+        const QStringList pdfs{h.home.file("printed.pdf"), h.home.file("garbage.pdf")};
+        QVERIFY(TestPdfs::printed(pdfs[0], {{"Northwind", "heating"}, {"Second"}}));
+        QVERIFY(TestPdfs::refused("garbage", pdfs[1]));
+        shortcutPage(store, doc, 4, pdfs[0]);
+        shortcutPage(store, doc, 5, pdfs[1]);
         QVERIFY(showStored(h, doc));
         QCoreApplication::processEvents();
-        QCOMPARE(h.pageTexts(), QStringList({"Page 1", "Page 2", "Page 3"}));
+        QCOMPARE(h.pageTexts(),
+                 QStringList({"Page 1", "Page 2", "Page 3", "printed.pdf", "garbage.pdf"}));
         const PagePaths paths(h.home.home());
-        for (const qint32 id : {wide, tall})
-            QCOMPARE(QImage(paths.computedThumbPath(id)).size(), QSize(100, 100));
-        QVERIFY(!QFile::exists(paths.computedThumbPath(gone)));
         const PageListView* list = h.window->pageList()->list();
-        // The picture at the top left of the tile, the rest white.
-        const QImage wideTile = iconImage(list, 0);
-        QVERIFY(!isWhite(wideTile.pixel(50, 20)));
-        QVERIFY(isWhite(wideTile.pixel(50, 80)));
-        const QImage tallTile = iconImage(list, 2);
-        QVERIFY(!isWhite(tallTile.pixel(30, 50)));
-        QVERIFY(isWhite(tallTile.pixel(90, 50)));
-        // The page whose file has gone is shown as missing, without a message.
-        const QImage missing = iconImage(list, 1);
-        QVERIFY(!isWhite(missing.pixel(50, 50)));
+        for (const auto& [id, row] : {std::pair{wide, 0}, std::pair{tall, 2}}) {
+            QCOMPARE(QImage(paths.computedThumbPath(id)).size(), QSize(100, 100));
+            QVERIFY(!isWhite(iconImage(list, row).pixel(30, 30)));
+        }
+        QVERIFY(!QFile::exists(paths.computedThumbPath(gone)));
+        QVERIFY(!isWhite(iconImage(list, 1).pixel(50, 50)));
         const QString tip =
             list->currentView()->model()->index(1, 0).data(Qt::ToolTipRole).toString();
         QVERIFY2(tip.contains("missing: " + paths.computedPagePath(gone)), qPrintable(tip));
-        QMR_VERIFY_PROMPTS(h);
-    }
-
-    // A PDF shortcut's tile is its first page once that is drawn; a PDF that cannot be drawn
-    // keeps its type's icon in the middle of the tile, without a message.
-    void pdfShortcutTiles_data() { TestPdfs::addKindRows(); }
-    void pdfShortcutTiles()
-    {
-        QFETCH(QString, kind);
-        NavHarness h;
-        FixtureStore store(h.home.home());
-        store.fillSample();
-        const qint32 doc = store.document(1, "Letters");
-        QVERIFY(QDir().mkpath(h.home.file("elsewhere")));
-        const QString target = h.home.file("elsewhere/letter.pdf");
-        const bool printed = kind == "printed";
-        QVERIFY(printed ? TestPdfs::printed(target, {{"Northwind", "heating"}, {"Second"}})
-                        : TestPdfs::refused(kind, target));
-        shortcutPage(store, doc, 1, target);
-        QVERIFY(showStored(h, doc));
-        QCOMPARE(h.pageTexts(), QStringList({"letter.pdf"}));
-        const PageListView* list = h.window->pageList()->list();
-        const QImage tile = iconImage(list, 0);
-        // Outside the middle, where an icon stands, a drawn page has its print; an icon
-        // leaves the tile white there.
-        int darkOutside = 0;
-        int white = 0;
-        for (int y = 2; y < 98; ++y)
-            for (int x = 2; x < 98; ++x) {
-                white += isWhite(tile.pixel(x, y));
-                const bool middle = x >= 30 && x < 70 && y >= 30 && y < 70;
-                darkOutside += !middle && !isWhite(tile.pixel(x, y));
-            }
-        QVERIFY(white > 96 * 96 / 2);
-        QVERIFY(white < 96 * 96); // not a blank tile: the icon, or the print, is drawn
-        QCOMPARE(darkOutside > 0, printed);
-        // Within its frame, the tile is the type's icon or anything but.
         NavIcons icons;
-        const QImage generic = ShortcutIcons(icons.icon("page"))
-                                   .tile(target)
-                                   .convertToFormat(QImage::Format_RGB32)
-                                   .copy(1, 1, 98, 98);
-        QCOMPARE(tile.copy(1, 1, 98, 98) == generic, !printed);
+        for (int i = 0; i < 2; ++i) {
+            const QImage tile = iconImage(list, 3 + i);
+            // Outside the middle, where an icon stands, a drawn page has its print.
+            int darkOutside = 0;
+            for (int y = 2; y < 98; ++y)
+                for (int x = 2; x < 98; ++x)
+                    darkOutside +=
+                        (x < 30 || x >= 70 || y < 30 || y >= 70) && !isWhite(tile.pixel(x, y));
+            QCOMPARE(darkOutside > 0, i == 0);
+            const QImage generic = ShortcutIcons(icons.icon("page"))
+                                       .tile(pdfs[i])
+                                       .convertToFormat(QImage::Format_RGB32)
+                                       .copy(1, 1, 98, 98);
+            QCOMPARE(tile.copy(1, 1, 98, 98) == generic, i == 1);
+        }
         QMR_VERIFY_PROMPTS(h);
     }
 
@@ -402,17 +373,6 @@ private slots:
         opener.openPage(999); // a page that is gone from the store says nothing
         QMR_VERIFY_PROMPTS(h);
         QCOMPARE(h.choosers.edited(), opened ? QStringList{path} : QStringList());
-    }
-
-    void aRefreshShowsTheBlockOfTheSelectedPage()
-    {
-        NavHarness h;
-        const qint32 doc = showBig(h, 30, "10");
-        const qint32 last = FixtureStore(h.home.home()).pageRow(doc, 31);
-        h.navigator().refreshPages(doc, last);
-        QCOMPARE(status(h), QString(" Showing 10 images (page 4 of 4)"));
-        QCOMPARE(h.pageTexts(), QStringList{"Page 31"});
-        QCOMPARE(h.window->pageList()->selectedPageIds(), QVector<qint32>{last});
     }
 
     void everyKeyDrawsAtEverySize_data()
