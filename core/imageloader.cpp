@@ -81,6 +81,13 @@ LoadedImage ImageLoader::read(QImageReader& reader)
     // A picture that stated no size is held to the bound as it is kept.
     if (const std::optional<QString> refused = sizeRefusal(image.size(), image.format()))
         return {QImage(), *refused, true};
+    // A damaged file's pixels may name colours its table does not hold; drawn or scaled, the
+    // table would be read past its end. The missing colours are added (transparent, so paper).
+    const int colours = image.format() == QImage::Format_Indexed8 ? 256
+                        : image.depth() == 1                      ? 2
+                                                                  : 0;
+    if (image.colorCount() < colours)
+        image.setColorCount(colours);
     return {image, QString(), false};
 }
 

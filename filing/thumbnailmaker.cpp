@@ -77,7 +77,9 @@ QImage ThumbnailMaker::reduce(QImageReader& reader)
     if (!ImageLoader::checkSize(reader))
         return QImage();
     const QSize stored = reader.size();
-    if (stored.isValid()) {
+    // Only a decoder that reduces by itself is asked for the size: any other reads the whole
+    // picture and scales it inside the read, before its colours could be looked at.
+    if (stored.isValid() && reader.supportsOption(QImageIOHandler::ScaledSize)) {
         // The size is the stored one. A photo its camera notes as taken turned comes out
         // turned, and its tile has the turned shape.
         const bool turned = reader.transformation() & QImageIOHandler::TransformationRotate90;

@@ -43,6 +43,36 @@ private slots:
         QCOMPARE(sized ? QString() : sized.why(), reason);
         QCOMPARE(QImageReader::allocationLimit(), ImageLoader::kLimitMb);
     }
+
+    // A BMP whose pixels name colour 245 of a table of one (found by the fuzzer: scaling it
+    // read past the table and crashed). It opens with a whole table, and scales.
+    void pixelsBeyondTheColourTable()
+    {
+        const auto le = [](quint32 value, int bytes) {
+            QByteArray b;
+            for (int i = 0; i < bytes; ++i)
+                b += char((value >> (8 * i)) & 0xFF);
+            return b;
+        };
+        const QByteArray rows(40 * 7, '\xF5'); // 39 pixels a row, rounded up to four bytes
+        const QByteArray table = le(0x00FF0000, 4);
+        const QByteArray info = le(40, 4) + le(39, 4) + le(7, 4) + le(1, 2) + le(8, 2) + le(0, 4) +
+                                le(quint32(rows.size()), 4) + le(2835, 4) + le(2835, 4) + le(1, 4) +
+                                le(0, 4);
+        const quint32 offset = 14 + 40 + quint32(table.size());
+        QByteArray bmp = "BM" + le(offset + quint32(rows.size()), 4) + le(0, 4) + le(offset, 4) +
+                         info + table + rows;
+        QBuffer buffer(&bmp);
+        buffer.open(QIODevice::ReadOnly);
+        QImageReader reader(&buffer);
+        const QImage image = ImageLoader::read(reader).image;
+        QCOMPARE(image.size(), QSize(39, 7));
+        QCOMPARE(image.format(), QImage::Format_Indexed8);
+        QCOMPARE(image.pixelIndex(0, 0), 245);
+        QCOMPARE(image.colorCount(), 256);
+        QCOMPARE(image.scaled(20, 4, Qt::IgnoreAspectRatio, Qt::SmoothTransformation).size(),
+                 QSize(20, 4));
+    }
 };
 
 QMR_TEST(TestImageLoader)
