@@ -2,6 +2,8 @@
 
 #include <QCoreApplication>
 #include <QSet>
+#include <charconv>
+#include <cstring>
 
 #include "core/nodekey.h"
 #include "navigator/navtree.h"
@@ -42,8 +44,22 @@ void FoundBranch::show(const QVector<FoundDocument>& documents)
         ids.insert(id);
         return true;
     };
-    const auto key = [](Level level, qint32 id) {
-        return QLatin1String(levelInfo(level).foundPrefix) + QString::number(id);
+    // Documents come place by place, so a place's key is made once for the run of its
+    // documents, and each key with one allocation: a search can find a hundred thousand.
+    qint32 lastIds[4] = {-1, -1, -1, -1};
+    QString lastKeys[4];
+    const auto key = [&lastIds, &lastKeys](Level level, qint32 id) -> const QString& {
+        const int l = int(level);
+        if (lastIds[l] != id) {
+            char text[16];
+            const char* prefix = levelInfo(level).foundPrefix;
+            const std::size_t length = std::strlen(prefix);
+            std::memcpy(text, prefix, length);
+            const auto end = std::to_chars(text + length, text + sizeof text, id).ptr;
+            lastIds[l] = id;
+            lastKeys[l] = QString::fromLatin1(text, end - text);
+        }
+        return lastKeys[l];
     };
     for (const FoundDocument& d : documents) {
         // A found cabinet was open to the search, so it never shows the lock.

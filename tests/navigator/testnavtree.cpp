@@ -74,6 +74,20 @@ private slots:
         QCOMPARE(tree.nodeCount(), 3);
         QVERIFY(!tree.node("DRW5") && !tree.node("FDC8"));
         QVERIFY(tree.addNode("ROOT", "CAB1", "back", {}));
+        // A rename, from code or in place, takes the node to its new place among its siblings.
+        QVERIFY(tree.setNodeText("CAB2", "aardvark"));
+        tree.node("CAB12")->setData(0, Qt::EditRole, "zulu");
+        QCoreApplication::processEvents();
+        QCOMPARE(itemTexts(tree.node("ROOT")), (QStringList{"aardvark", "back", "zulu"}));
+        // One node of many goes alone; its siblings stay found by their keys.
+        for (int i = 100; i < 140; ++i)
+            tree.addNode("CAB2", QString("DRW%1").arg(i), QString("d%1").arg(i), {});
+        tree.addNode("DRW120", "FLD1", "inside", {});
+        tree.removeNode("DRW120");
+        QCOMPARE(tree.nodeCount(), 43);
+        QVERIFY(!tree.node("DRW120") && !tree.node("FLD1"));
+        QCOMPARE(NavTree::keyOf(tree.node("DRW121")), QStringLiteral("DRW121"));
+        QCOMPARE(tree.parentKey("DRW119"), QStringLiteral("CAB2"));
     }
 
     // The column fits the names in view, and widens for a longer one scrolled into view.
