@@ -82,7 +82,9 @@ LoadedImage ImageLoader::read(QImageReader& reader)
     if (const std::optional<QString> refused = sizeRefusal(image.size(), image.format()))
         return {QImage(), *refused, true};
     // A damaged file's pixels may name colours its table does not hold; drawn or scaled, the
-    // table would be read past its end. The missing colours are added (transparent, so paper).
+    // table would be read past its end. The missing colours are added as transparent black:
+    // such pixels show as paper where the page is drawn on white, and black where the picture
+    // is converted to a format without alpha.
     const int colours = image.format() == QImage::Format_Indexed8 ? 256
                         : image.depth() == 1                      ? 2
                                                                   : 0;

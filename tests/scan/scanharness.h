@@ -16,6 +16,7 @@
 #include "scan/scanflow.h"
 #include "tests/support/commandharness.h"
 #include "tests/support/fixturestore.h"
+#include "viewer/pageviewwindow.h"
 
 namespace qmr::test {
 
@@ -119,6 +120,9 @@ struct ScanHarness : CommandHarness<ScriptedPrompter, PressableProgress>, ScanFi
         source = std::make_unique<SaneSource>();
         flow = std::make_unique<ScanFlow>(context(), *source);
     }
+    // A viewer left open (a test that failed before closing it) has no parent here: it goes
+    // with its store, not after it, where its timers would reach the next test.
+    ~ScanHarness() { delete flow->viewer(); }
 
     Settings& settings() { return home.settings(); }
     // Scans into the node; true when the texts expected came, in order, and no other.
