@@ -4,6 +4,7 @@
 #include <QSet>
 #include <charconv>
 #include <cstring>
+#include <optional>
 
 #include "core/nodekey.h"
 #include "navigator/navtree.h"
@@ -46,7 +47,7 @@ void FoundBranch::show(const QVector<FoundDocument>& documents)
     };
     // Documents come place by place, so a place's key is made once for the run of its
     // documents, and each key with one allocation: a search can find a hundred thousand.
-    qint32 lastIds[4] = {-1, -1, -1, -1};
+    std::optional<qint32> lastIds[4];
     QString lastKeys[4];
     const auto key = [&lastIds, &lastKeys](Level level, qint32 id) -> const QString& {
         const int l = int(level);

@@ -14,14 +14,19 @@ namespace {
 constexpr int kKeyRole = Qt::UserRole + 1;
 
 // Children sort by text without regard to case, the way people read a list of names. The key,
-// the name and the icon are members, not values of the item: a large Found branch is made,
-// sorted and taken away in a fraction of the time (a value is copied at each reading).
+// the name and the icon are members, read from there: reading a value of the item made a
+// copy, at every comparison of a sort, and a large Found branch is made, sorted and taken
+// away in a fraction of the time. Names are strings and icons are icons here; no other kind
+// of value is ever set on a node.
 class NavItem : public QTreeWidgetItem
 {
 public:
     NavItem(const QString& key, const QString& name, const QIcon& icon)
         : QTreeWidgetItem(UserType), m_key(key), m_name(name), m_icon(icon)
     {
+        // No copy in the item's own values (an eighth of a large search's time): the item has
+        // no column of its own until it is renamed, and the toolkit here reports a flag change
+        // all the same. The tree test checks that report.
     }
     const QString& key() const { return m_key; }
     QVariant data(int column, int role) const override
@@ -34,7 +39,8 @@ public:
             return m_icon;
         return QTreeWidgetItem::data(column, role);
     }
-    // A rename in place comes here as well; the item's own store tells the view.
+    // setText(), setIcon() and any write through the model come here; the base then tells
+    // the view.
     void setData(int column, int role, const QVariant& value) override
     {
         if (column == 0 && (role == Qt::DisplayRole || role == Qt::EditRole))

@@ -79,6 +79,11 @@ private slots:
         tree.node("CAB12")->setData(0, Qt::EditRole, "zulu");
         QCoreApplication::processEvents();
         QCOMPARE(itemTexts(tree.node("ROOT")), (QStringList{"aardvark", "back", "zulu"}));
+        // A node's flags changed in the tree are reported, as any other change (the nodes keep
+        // no value in the toolkit's own store, which a later toolkit may want for this).
+        QSignalSpy changed(&tree, &QTreeWidget::itemChanged);
+        tree.node("CAB2")->setFlags(Qt::ItemIsSelectable | Qt::ItemIsEnabled | Qt::ItemIsEditable);
+        QCOMPARE(changed.count(), 1);
         // One node of many goes alone; its siblings stay found by their keys.
         for (int i = 100; i < 140; ++i)
             tree.addNode("CAB2", QString("DRW%1").arg(i), QString("d%1").arg(i), {});
