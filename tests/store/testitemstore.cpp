@@ -98,12 +98,14 @@ private slots:
         QCOMPARE(items.folderOfDocument(9999), -1);
         QCOMPARE(items.parentOf(Level::Cabinet, cab), -1);
 
-        store.drawer(cab, "b second");
-        store.drawer(cab, "A first");
+        const qint32 second = store.drawer(cab, "b second");
+        const qint32 first = store.drawer(cab, "A first");
         const QVector<ItemRow> drawers = items.children(Level::Drawer, cab);
         QCOMPARE(drawers.size(), 3);
         QCOMPARE(drawers.at(0).name, QStringLiteral("A first"));
+        QCOMPARE(drawers.at(0).id, first);
         QCOMPARE(drawers.at(1).name, QStringLiteral("b second"));
+        QCOMPARE(drawers.at(1).id, second);
         QCOMPARE(items.children(Level::Document, fld).at(0).date, QDate(2026, 1, 2));
         QCOMPARE(items.item(Level::Folder, 777).id, -1);
 
@@ -130,6 +132,7 @@ private slots:
         QVERIFY(pages.page(pag)->hasFileSize);
         QVERIFY(!pages.page(9999));
         QCOMPARE(pages.page(pag)->fileType, QStringLiteral("JPG"));
+        QCOMPARE(pages.page(pag)->scanDate, QDate(2026, 3, 14));
         // Neighbours in page order: by number, then by id among equal numbers.
         const qint32 twin = store.pageRow(doc, 1), last = store.pageRow(doc, 2);
         QCOMPARE(pages.previousPageId(doc, 2, last), twin);

@@ -70,6 +70,21 @@ class TestStoreCheck : public QObject
 {
     Q_OBJECT
 private slots:
+    void summaryText_data()
+    {
+        test::columns<int, int, QString>({"problems", "repaired", "text"});
+        row("none", 0, 0, "No problems found.");
+        row("one", 1, 0, "1 problem found.");
+        row("two, one repaired", 2, 1, "2 problems found, 1 repaired.");
+    }
+    void summaryText()
+    {
+        QFETCH(int, problems);
+        QFETCH(int, repaired);
+        QFETCH(QString, text);
+        QCOMPARE((StoreCheck::Summary{problems, repaired}.text()), text);
+    }
+
     void damage_data()
     {
         QTest::addColumn<QString>("damage");
