@@ -108,6 +108,14 @@ private slots:
         QCOMPARE(failed.error(), ENOSPC);
         QVERIFY(QDir(dir.path()).entryList(QDir::Files | QDir::System).isEmpty());
 
+        // A rename that fails (the name is a directory's) takes the written part away at once.
+        QVERIFY(QDir(dir.path()).mkpath("taken/inside"));
+        PartFile refused(dir.filePath("taken"));
+        QVERIFY(refused.open());
+        QVERIFY(refused.write("whole", 5));
+        QCOMPARE(refused.place(PartFile::Placing::Replace), PartFile::Placed::Failed);
+        QVERIFY(QDir(dir.path()).entryList(QDir::Files | QDir::Hidden | QDir::System).isEmpty());
+
         PartFile nowhere(dir.filePath("no/such/dir/page.jpg"));
         QVERIFY(!nowhere.open());
         QCOMPARE(nowhere.error(), ENOENT);
