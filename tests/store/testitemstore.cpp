@@ -144,6 +144,7 @@ private slots:
         QCOMPARE(pages.pagesInRange(doc, 1, 1).size(), 1);
         const Recordset rs = store.db().openRecordset("SELECT Name FROM Cabinet", {});
         QVERIFY_THROWS_EXCEPTION(StoreError, rs.value(rs.recordCount(), 0));
+        QVERIFY_THROWS_EXCEPTION(StoreError, rs.value(0, 1)); // one column: 0 only
         // A document with no pages is not repaginated at all.
         CountingProgress progress;
         PageStore(store.db()).repaginateDocument(42, "None", progress);
