@@ -30,8 +30,7 @@ private slots:
     }
     void fromArguments()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(QString, home);
+        auto [arguments, home] = test::fetch<QStringList, QString>("arguments", "home");
         const QByteArray saved = qgetenv("QUILLMERE_HOME");
         const auto restore = qScopeGuard([&] { qputenv("QUILLMERE_HOME", saved); });
         qputenv("QUILLMERE_HOME", "/env");

@@ -12,11 +12,12 @@
 #include <vector>
 
 #include "core/directfile.h"
+#include "coreharness.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using qmr::test::columns;
+using namespace qmr::test;
 
 namespace {
 
@@ -27,18 +28,6 @@ QByteArray noise(qsizetype size)
     for (char& c : bytes)
         c = char(generator.bounded(256));
     return bytes;
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
-
-QByteArray readFile(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(unreadable)");
 }
 
 // Writes a file's pages to the disk and asks the cache to let them go, so that the next read
@@ -102,8 +91,7 @@ private slots:
     }
     void copiedByteForByte()
     {
-        QFETCH(qsizetype, size);
-        QFETCH(bool, fromDisk);
+        auto [size, fromDisk] = test::fetch<qsizetype, bool>("size", "fromDisk");
         QTemporaryDir dir;
         const QByteArray bytes = noise(size);
         const QString source = dir.filePath("Bob's scan.jpg");
@@ -139,29 +127,9 @@ private slots:
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 2);
     }
 
-    void aFailedReadOrWriteLeavesNothingAndSaysWhy()
-    {
-        QTemporaryDir dir;
-        const QString source = dir.filePath("scan.jpg");
-        QVERIFY(writeFile(source, noise(5000)));
-        QFile in(source);
-        QVERIFY(in.open(QIODevice::ReadOnly));
-        const Attempt<DirectFile> whole = DirectFile::read(in);
-        QVERIFY(whole);
-        const Attempt<DirectFile::Outcome> written =
-            whole.value().writeTo(dir.filePath("gone/page.jpg"), PartFile::Placing::Replace);
-        QVERIFY(!written);
-        QCOMPARE(written.why(), QString::fromLocal8Bit(std::strerror(ENOENT)));
-        QVERIFY(!QFile::exists(dir.filePath("gone")));
-        // A file that cannot be read is refused, with a reason.
-        QFile notOpen(dir.filePath("never.jpg"));
-        const Attempt<DirectFile> read = DirectFile::read(notOpen);
-        QVERIFY(!read);
-        QVERIFY(!read.why().isEmpty());
-    }
-
-    // Read through its open handle when its name no longer leads to it.
-    void aFileGoneAfterItsOpeningIsReadAllTheSame()
+    // Read through its open handle when its name no longer leads to it; a read or a write
+    // that fails leaves nothing and says why.
+    void aFileGoneIsReadAndAFailureLeavesNothing()
     {
         QTemporaryDir dir;
         const QByteArray bytes = noise(2 * DirectFile::kBlock + 9);
@@ -184,7 +152,17 @@ private slots:
         QVERIFY(writeFile(target, "another page"));
         QCOMPARE(place(PartFile::Placing::NoReplace), DirectFile::Outcome::TargetExists);
         QCOMPARE(readFile(target), QByteArray("another page"));
+        const Attempt<DirectFile::Outcome> written =
+            whole.value().writeTo(dir.filePath("gone/page.jpg"), PartFile::Placing::Replace);
+        QVERIFY(!written);
+        QCOMPARE(written.why(), QString::fromLocal8Bit(std::strerror(ENOENT)));
+        QVERIFY(!QFile::exists(dir.filePath("gone")));
         QCOMPARE(QDir(dir.path()).entryList(QDir::Files).size(), 1);
+        // A file that cannot be read is refused, with a reason.
+        QFile notOpen(dir.filePath("never.jpg"));
+        const Attempt<DirectFile> read = DirectFile::read(notOpen);
+        QVERIFY(!read);
+        QVERIFY(!read.why().isEmpty());
     }
 };
 

@@ -38,10 +38,8 @@ private slots:
     }
     void ranges()
     {
-        QFETCH(QString, range);
-        QFETCH(QString, from);
-        QFETCH(QString, thru);
-        QFETCH(bool, counts);
+        auto [range, from, thru, counts] =
+            test::fetch<QString, QString, QString, bool>("range", "from", "thru", "counts");
         FindRecord record;
         record.initFindDefaults();
         QCOMPARE(record.scanFrom, record.defaultFrom);
@@ -89,9 +87,8 @@ private slots:
     }
     void keywordPieces()
     {
-        QFETCH(QString, keywords);
-        QFETCH(int, matchAny);
-        QFETCH(QStringList, pieces);
+        auto [keywords, matchAny, pieces] =
+            test::fetch<QString, int, QStringList>("keywords", "matchAny", "pieces");
         FindRecord record;
         record.initFindDefaults();
         record.keywords = keywords;

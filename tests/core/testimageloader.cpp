@@ -3,13 +3,15 @@
 #include <QTest>
 
 #include "core/imageloader.h"
+#include "coreharness.h"
 #include "tests/support/bigpictures.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using qmr::test::row;
 using test::BigPictures;
+using test::le;
+using test::row;
 
 // Which stated sizes the program refuses to open, before anything is decoded.
 class TestImageLoader : public QObject
@@ -18,8 +20,8 @@ class TestImageLoader : public QObject
 private slots:
     void checkSize_data()
     {
-        QTest::addColumn<QByteArray>("picture");
-        QTest::addColumn<QString>("reason"); // "" when it opens
+        // reason: "" when it opens
+        test::columns<QByteArray, QString>({"picture", "reason"});
         row("A3 at 600 dpi", BigPictures::jpegStating(BigPictures::kA3), "");
         row("a gigabyte exactly", BigPictures::jpegStating(QSize(16384, 16384)), "");
         row("a row beyond a gigabyte", BigPictures::jpegStating(QSize(16384, 16385)),
@@ -34,8 +36,7 @@ private slots:
     }
     void checkSize()
     {
-        QFETCH(QByteArray, picture);
-        QFETCH(QString, reason);
+        auto [picture, reason] = test::fetch<QByteArray, QString>("picture", "reason");
         QBuffer buffer(&picture);
         buffer.open(QIODevice::ReadOnly);
         QImageReader reader(&buffer);
@@ -48,12 +49,6 @@ private slots:
     // read past the table and crashed). It opens with a whole table, and scales.
     void pixelsBeyondTheColourTable()
     {
-        const auto le = [](quint32 value, int bytes) {
-            QByteArray b;
-            for (int i = 0; i < bytes; ++i)
-                b += char((value >> (8 * i)) & 0xFF);
-            return b;
-        };
         const QByteArray rows(40 * 7, '\xF5'); // 39 pixels a row, rounded up to four bytes
         const QByteArray table = le(0x00FF0000, 4);
         const QByteArray info = le(40, 4) + le(39, 4) + le(7, 4) + le(1, 2) + le(8, 2) + le(0, 4) +

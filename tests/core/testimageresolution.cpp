@@ -1,22 +1,16 @@
 #include <QTest>
 
 #include "core/imageresolution.h"
+#include "coreharness.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
+using test::be;
 using test::columns;
 using test::row;
 
 namespace {
-
-QByteArray be(quint32 value, int bytes)
-{
-    QByteArray b;
-    for (int i = bytes - 1; i >= 0; --i)
-        b += char((value >> (8 * i)) & 0xFF);
-    return b;
-}
 
 // A JPEG head: the start marker, one segment of `marker` holding `data`, then the picture.
 QByteArray jpeg(quint8 marker, const QByteArray& data, bool whole = true)
@@ -66,10 +60,8 @@ private slots:
     }
     void header()
     {
-        QFETCH(QByteArray, head);
-        QFETCH(bool, known);
-        QFETCH(int, x);
-        QFETCH(int, y);
+        auto [head, known, x, y] =
+            test::fetch<QByteArray, bool, int, int>("head", "known", "x", "y");
         FileResolution result{7, 7};
         QCOMPARE(ImageResolution::readHeader(head, result), known);
         QCOMPARE(result.x, x);

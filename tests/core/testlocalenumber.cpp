@@ -1,8 +1,8 @@
 #include <QTest>
 
 #include "core/localenumber.h"
-#include "tests/support/testrunner.h"
 #include "tests/support/datarow.h"
+#include "tests/support/testrunner.h"
 
 using qmr::test::row;
 using namespace qmr;
@@ -36,10 +36,8 @@ private slots:
     }
     void read()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, text);
-        QFETCH(bool, isNumber);
-        QFETCH(double, value);
+        auto [locale, text, isNumber, value] =
+            test::fetch<QString, QString, bool, double>("locale", "text", "isNumber", "value");
         const std::optional<double> read = LocaleNumber(QLocale(locale)).read(text);
         QCOMPARE(read.has_value(), isNumber);
         if (isNumber)
@@ -55,9 +53,8 @@ private slots:
     }
     void writeReadsBack()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, written);
-        QFETCH(QString, message);
+        auto [locale, written, message] =
+            test::fetch<QString, QString, QString>("locale", "written", "message");
         const LocaleNumber numbers{QLocale(locale)};
         QCOMPARE(numbers.write(1234567.891, 2), written);
         QCOMPARE(*numbers.read(written), 1234567.89);

@@ -24,9 +24,7 @@ private slots:
     }
     void compareNames()
     {
-        QFETCH(QString, a);
-        QFETCH(QString, b);
-        QFETCH(int, sign);
+        auto [a, b, sign] = test::fetch<QString, QString, int>("a", "b", "sign");
         const int c = qmr::compareNames(a, b);
         QCOMPARE((c > 0) - (c < 0), sign);
         QCOMPARE(nameLess(a, b), sign < 0 || (sign == 0 && a < b));

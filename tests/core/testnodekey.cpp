@@ -1,8 +1,8 @@
 #include <QTest>
 
 #include "core/nodekey.h"
-#include "tests/support/testrunner.h"
 #include "tests/support/datarow.h"
+#include "tests/support/testrunner.h"
 
 using qmr::test::row;
 using namespace qmr;
@@ -14,9 +14,9 @@ class TestNodeKey : public QObject
 private slots:
     void parse_data()
     {
-        columns<QString, QString, int>({"text", "prefix", "id"});
-        QTest::addColumn<int>("level"); // -1 for none
-        columns<int, bool, bool>({"foundLevel", "root", "foundRoot"});
+        // level, foundLevel: -1 for none
+        columns<QString, QString, int, int, int, bool, bool>(
+            {"text", "prefix", "id", "level", "foundLevel", "root", "foundRoot"});
 
         row("cabinet 12", "CAB12", "CAB", 12, 0, -1, false, false);
         row("cabinet 1", "CAB1", "CAB", 1, 0, -1, false, false);
@@ -37,13 +37,9 @@ private slots:
     }
     void parse()
     {
-        QFETCH(QString, text);
-        QFETCH(QString, prefix);
-        QFETCH(int, id);
-        QFETCH(int, level);
-        QFETCH(int, foundLevel);
-        QFETCH(bool, root);
-        QFETCH(bool, foundRoot);
+        auto [text, prefix, id, level, foundLevel, root, foundRoot] =
+            test::fetch<QString, QString, int, int, int, bool, bool>(
+                "text", "prefix", "id", "level", "foundLevel", "root", "foundRoot");
         const NodeKey key = NodeKey::parse(text);
         QCOMPARE(key.text(), text);
         QCOMPARE(key.prefix(), prefix);

@@ -39,8 +39,7 @@ private slots:
     }
     void parse()
     {
-        QFETCH(QString, typed);
-        QFETCH(QString, terms);
+        auto [typed, terms] = test::fetch<QString, QString>("typed", "terms");
         QCOMPARE(shown(PageWords::parse(typed)), terms);
     }
 
@@ -58,8 +57,7 @@ private slots:
     }
     void matchedWords()
     {
-        QFETCH(QString, typed);
-        QFETCH(QList<int>, matched);
+        auto [typed, matched] = test::fetch<QString, QList<int>>("typed", "matched");
         const QStringList page = {"total", "amount", "due", "42", "eur", "total"};
         QCOMPARE(PageWords::parse(typed).matchedWords(page), matched);
     }

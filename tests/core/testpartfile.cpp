@@ -5,26 +5,14 @@
 #include <QTest>
 
 #include "core/partfile.h"
+#include "coreharness.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using qmr::test::columns;
-using qmr::test::row;
+using namespace qmr::test;
 
 namespace {
-
-QByteArray readFile(const QString& path)
-{
-    QFile f(path);
-    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray("(unreadable)");
-}
-
-bool writeFile(const QString& path, const QByteArray& bytes)
-{
-    QFile f(path);
-    return f.open(QIODevice::WriteOnly) && f.write(bytes) == bytes.size();
-}
 
 QStringList partsIn(const QString& dir)
 {
@@ -40,8 +28,8 @@ class TestPartFile : public QObject
 private slots:
     void placing_data()
     {
-        QTest::addColumn<QString>("standing"); // "", "file" or "link"
-        columns<bool, bool>({"replace", "placed"});
+        // standing: "", "file" or "link"
+        columns<QString, bool, bool>({"standing", "replace", "placed"});
         row("a free place, kept", "", false, true);
         row("a free place, replaced", "", true, true);
         row("a file, kept", "file", false, false);
@@ -54,9 +42,8 @@ private slots:
     // through, and a refused placing leaves the file aside for a second try.
     void placing()
     {
-        QFETCH(QString, standing);
-        QFETCH(bool, replace);
-        QFETCH(bool, placed);
+        auto [standing, replace, placed] =
+            test::fetch<QString, bool, bool>("standing", "replace", "placed");
         QTemporaryDir dir;
         const QString target = dir.filePath("page.jpg");
         const QString outside = dir.filePath("outside.txt");

@@ -2,8 +2,8 @@
 
 #include "core/settings.h"
 #include "core/viewsettings.h"
-#include "tests/support/testhome.h"
 #include "tests/support/datarow.h"
+#include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -40,32 +40,21 @@ private slots:
         QCOMPARE(s.getSetting("tvwMainWidth"), QStringLiteral("2250.5"));
         // A window's placement.
         const Placement current{1, 2, 3, 4, 0};
+        const auto restored = [&](bool resizable = true) {
+            const Placement p = s.restorePlacement("frmNavTree", current, resizable);
+            return QList<int>{p.top, p.left, p.height, p.width, p.windowState};
+        };
         // Nothing stored: the current values stay.
-        Placement p = s.restorePlacement("frmNavTree", current);
-        QCOMPARE(p.top, 1);
-        QCOMPARE(p.width, 4);
-
+        QCOMPARE(restored(), QList<int>({1, 2, 3, 4, 0}));
         s.savePlacement("frmNavTree", Placement{50, 60, 700, 800, 0});
         s.savePlacement("frmNavTree", Placement{0, 0, 0, 0, 1}); // closed minimised
-        p = s.restorePlacement("frmNavTree", current);
-        QCOMPARE(p.windowState, 0); // never comes back minimised
-        QCOMPARE(p.top, 50);
-        QCOMPARE(p.left, 60);
-        QCOMPARE(p.height, 700);
-        QCOMPARE(p.width, 800);
-
+        QCOMPARE(restored(), QList<int>({50, 60, 700, 800, 0})); // never comes back minimised
         // A bad value leaves that one field alone.
         s.saveSetting("frmNavTree.Left", "wide");
         s.saveSetting("frmNavTree.WindowState", "2");
-        p = s.restorePlacement("frmNavTree", current);
-        QCOMPARE(p.left, 2);
-        QCOMPARE(p.top, 50);
-        QCOMPARE(p.windowState, 2);
-
+        QCOMPARE(restored(), QList<int>({50, 2, 700, 800, 2}));
         // A fixed window keeps its size.
-        p = s.restorePlacement("frmNavTree", current, false);
-        QCOMPARE(p.height, 3);
-        QCOMPARE(p.width, 4);
+        QCOMPARE(restored(false), QList<int>({50, 2, 3, 4, 2}));
         s.saveSetting("Printer", "Desk Jet");
         QCOMPARE(home.reopenSettings().getSetting("Printer"), QStringLiteral("Desk Jet"));
     }
@@ -83,8 +72,7 @@ private slots:
     }
     void displayCountClamp()
     {
-        QFETCH(QString, stored);
-        QFETCH(int, expected);
+        auto [stored, expected] = test::fetch<QString, int>("stored", "expected");
         test::TestHome home;
         if (!stored.isNull())
             home.settings().saveSetting("DisplayCount", stored);
@@ -102,8 +90,7 @@ private slots:
     }
     void savePlacement()
     {
-        QFETCH(int, state);
-        QFETCH(bool, rectangleWritten);
+        auto [state, rectangleWritten] = test::fetch<int, bool>("state", "rectangleWritten");
         test::TestHome home;
         Settings& s = home.settings();
         s.savePlacement("frmNavTree", Placement{10, 20, 300, 400, state});
@@ -126,8 +113,7 @@ private slots:
     }
     void viewSettingsClampAndWriteAtOnce()
     {
-        QFETCH(int, asked);
-        QFETCH(int, kept);
+        auto [asked, kept] = test::fetch<int, int>("asked", "kept");
         test::TestHome home;
         home.settings().saveSetting("ThumbSide", "200");
         ViewSettings view(home.settings());
@@ -150,10 +136,8 @@ private slots:
     // Yes-or-no and mode keys read as values and write the file's own words.
     void typedKeysReadAndWriteTheFilesWords_data()
     {
-        QTest::addColumn<QString>("stored"); // "-": absent
-        QTest::addColumn<bool>("duplex");    // default true
-        QTest::addColumn<bool>("feeder");    // default false
-        QTest::addColumn<int>("afterScan");
+        // stored "-": absent; the defaults are duplex, no feeder
+        columns<QString, bool, bool, int>({"stored", "duplex", "feeder", "afterScan"});
         row("absent: the defaults", "-", true, false, int(AfterScanMode::OpenViewer));
         row("Y", "Y", true, true, int(AfterScanMode::OpenViewer));
         row("N", "N", false, false, int(AfterScanMode::OpenViewer));
@@ -164,10 +148,8 @@ private slots:
     }
     void typedKeysReadAndWriteTheFilesWords()
     {
-        QFETCH(QString, stored);
-        QFETCH(bool, duplex);
-        QFETCH(bool, feeder);
-        QFETCH(int, afterScan);
+        auto [stored, duplex, feeder, afterScan] =
+            test::fetch<QString, bool, bool, int>("stored", "duplex", "feeder", "afterScan");
         test::TestHome home;
         Settings& s = home.settings();
         if (stored != "-")

@@ -30,8 +30,7 @@ private slots:
     }
     void decode()
     {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QString, text);
+        auto [bytes, text] = test::fetch<QByteArray, QString>("bytes", "text");
         QCOMPARE(TextFile::decode(bytes), text);
     }
 
@@ -51,8 +50,7 @@ private slots:
     }
     void splitLines()
     {
-        QFETCH(QString, text);
-        QFETCH(QStringList, lines);
+        auto [text, lines] = test::fetch<QString, QStringList>("text", "lines");
         QCOMPARE(TextFile::splitLines(text), lines);
     }
 
