@@ -71,7 +71,7 @@ private slots:
     }
 
     // One store through the viewer on a page: opening, the zoom's limits, band and crops,
-    // turns and trims, the clipboard, leaving with an edit, and a page whose file is gone.
+    // a turn, the clipboard, leaving with an edit, and a page whose file is gone.
     void viewingAndEditing()
     {
         ViewerHarness h;
@@ -97,17 +97,10 @@ private slots:
         QVERIFY(n->imageChanged());
         QCOMPARE(n->canvas()->zoomPercent(), 100.0);
         QVERIFY(undo->isEnabled());
-        n->cmdAutoTrim();
-        const QSize trimmed = n->pageImage().image().size();
-        QVERIFY2(trimmed.width() < 400 && trimmed.height() < 600,
-                 qPrintable(QString("%1x%2").arg(trimmed.width()).arg(trimmed.height())));
-        undo->trigger();
-        QCOMPARE(n->pageImage().image().size(), QSize(400, 600));
         undo->trigger();
         QCOMPARE(n->pageImage().image().size(), QSize(600, 400));
         QVERIFY(!undo->isEnabled());
 
-        n = h.openViewer(h.named);
         n->mnuEditCopy();
         QCOMPARE(QApplication::clipboard()->image().size(), QSize(600, 400));
         const QImage other = ViewerHarness::picture(QSize(90, 70), Qt::red);
@@ -212,7 +205,6 @@ private slots:
                             : 100.0;
         };
         QCOMPARE(c->zoomPercent(), expected(index));
-        QCOMPARE(expected(index) < 100, index > 0);
         w->cmdZoomIn();
         QCOMPARE(c->zoomPercent(), expected(index) * 1.25);
         ViewSettingsDialog dialog(*h.view);

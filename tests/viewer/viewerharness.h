@@ -13,18 +13,10 @@
 #include <memory>
 #include <vector>
 
-#include "core/progress.h"
-#include "core/viewsettings.h"
 #include "filing/thumbnailmaker.h"
-#include "store/schema.h"
-#include "store/session.h"
 #include "tests/support/commandharness.h"
 #include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/navrecorder.h"
-#include "tests/support/scriptedchoosers.h"
-#include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 #include "viewer/pagecanvas.h"
 #include "viewer/pageviewwindow.h"
 
@@ -80,7 +72,6 @@ struct ViewerHarness : CommandHarness<>
 
     QString outsideFile(const QString& name) const { return outside.filePath(name); }
     PageRow row(qint32 pageId) const { return session->pages().page(pageId).value_or(PageRow()); }
-    int pageCount(qint32 documentId) const { return session->pages().count(documentId); }
 
     // A viewer of the harness's own, kept after closing.
     PageViewWindow& newViewer()
