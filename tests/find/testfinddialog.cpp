@@ -141,10 +141,10 @@ private slots:
         QCOMPARE(h.dialog->objectName(), QString("frmFind"));
         QCOMPARE(h.dialog->windowTitle(), QString("Find"));
         auto* tabs = h.child<QTabWidget>("tabFind");
-        QCOMPARE(tabs->count(), 3);
-        QCOMPARE(tabs->tabText(0), QString("Keywords"));
-        QCOMPARE(tabs->tabText(1), QString("Location"));
-        QCOMPARE(tabs->tabText(2), QString("Advanced"));
+        QStringList tabTexts;
+        for (int i = 0; i < tabs->count(); ++i)
+            tabTexts << tabs->tabText(i);
+        QCOMPARE(tabTexts, (QStringList{"Keywords", "Location", "Advanced"}));
         const std::pair<const char*, const char*> captions[] = {
             {"lblKeywords", "Keywords:"},
             {"lblCabinet", "Cabinet:"},
@@ -165,17 +165,11 @@ private slots:
         QCOMPARE(h.child<QPushButton>("cmdFind")->text(), QString("&Find"));
         QCOMPARE(h.child<QPushButton>("cmdReset")->text(), QString("&Reset"));
         QCOMPARE(h.child<QPushButton>("cmdCancel")->text(), QString("Cancel"));
-        for (const char* name :
-             {"txtKeywords", "txtFileSizeFrom", "txtFileSizeThru", "txtAmtFrom", "txtAmtThru"})
-            QVERIFY(h.child<QLineEdit>(name));
-        for (const char* name : {"dtScanFrom", "dtScanThru", "dtDocFrom", "dtDocThru"})
-            QVERIFY(h.child<QDateEdit>(name));
         QCOMPARE(h.dialog->timer().interval(), 500);
         QVERIFY(h.dialog->timer().isActive());
         // The defaults of a first search.
         QCOMPARE(h.box("txtKeywords")->text(), QString());
         QVERIFY(h.child<QRadioButton>("optKeywords(0)")->isChecked());
-        QVERIFY(!h.child<QRadioButton>("optKeywords(1)")->isChecked());
         QCOMPARE(h.tab(), 0);
         // A locked cabinet is not offered.
         QCOMPARE(items(h.combo("cboCabinet")),
@@ -203,7 +197,6 @@ private slots:
         });
         QCOMPARE(h.box("txtKeywords")->text(), QString("tax  bill"));
         QVERIFY(h.child<QRadioButton>("optKeywords(1)")->isChecked());
-        QVERIFY(!h.child<QRadioButton>("optKeywords(0)")->isChecked());
         QCOMPARE(h.combo("cboCabinet")->currentText(), QString("Home Papers"));
         QCOMPARE(h.combo("cboDrawer")->currentText(), QString("Bank"));
         QCOMPARE(h.combo("cboFolder")->currentText(), QString("Savings"));
@@ -527,12 +520,10 @@ private slots:
         QTest::keyClick(h.box("txtKeywords"), Qt::Key_PageUp, Qt::ControlModifier);
         QCOMPARE(h.tab(), 2);
         QVERIFY(QApplication::focusWidget());
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 0);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 1);
-        QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
-        QCOMPARE(h.tab(), 2);
+        for (const int next : {0, 1, 2}) {
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_PageDown, Qt::ControlModifier);
+            QCOMPARE(h.tab(), next);
+        }
         // From a date picker too.
         h.date("dtScanFrom")->setFocus();
         QTest::keyClick(h.date("dtScanFrom"), Qt::Key_PageDown, Qt::ControlModifier);

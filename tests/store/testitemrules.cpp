@@ -17,17 +17,11 @@ private slots:
         columns<QString, bool, bool>({"text", "badName", "badPath"});
         row("plain", "Bank statements 2025", false, false);
         row("apostrophe", "O'Brien", false, false);
-        row("dot", "letter.jpg", true, false);
-        row("backslash", "a\\b", true, true);
-        row("colon", "a:b", true, false);
-        row("slash", "a/b", true, false);
-        row("star", "a*", true, true);
-        row("question", "why?", true, true);
-        row("quote", "say \"hi\"", true, true);
-        row("less", "<a", true, true);
-        row("greater", "a>", true, true);
-        row("pipe", "a|b", true, true);
         row("empty", "", false, false);
+        // Each character no name may hold; of them a path may hold "/", ":" and ".".
+        for (const QChar c : QStringLiteral("\\/:*?\"<>|."))
+            QTest::addRow("a%cb", c.toLatin1())
+                << QString("a%1b").arg(c) << true << !QStringLiteral("/:.").contains(c);
     }
     void characterSets()
     {
@@ -56,7 +50,6 @@ private slots:
     {
         columns<QString, bool, bool, QDate>({"text", "blank", "valid", "date"});
         row("three blanks", "   ", true, true, QDate());
-        row("empty", "", true, true, QDate());
         row("mm/dd/yyyy", "03/14/2026", false, true, QDate(2026, 3, 14));
         row("m/d/yyyy", "3/4/2026", false, true, QDate(2026, 3, 4));
         row("m/d/yy", "3/4/26", false, true, QDate(2026, 3, 4));
@@ -111,7 +104,6 @@ private slots:
         row("no dot", "scanjpg", true);
         row("no dot, bmp", "scanbmp", true);
         row("png", "scan.png", false);
-        row("pdf", "scan.pdf", false);
         row("jpg directory", "/a.jpg/readme.txt", false);
         row("empty", "", false);
     }

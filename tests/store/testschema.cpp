@@ -34,6 +34,18 @@ int versionRows(Database& db)
     return db.scalar(QStringLiteral("SELECT count(*) FROM Version")).toInt();
 }
 
+// The store as this program makes it, one version row and every table at its current shape.
+void expectCurrent(Database& db)
+{
+    QCOMPARE(StoreSchema::readVersion(db), 4);
+    QCOMPARE(versionRows(db), 1);
+    const std::pair<const char*, int> tables[] = {{"Cabinet", 6},  {"Drawer", 4}, {"Folder", 5},
+                                                  {"Document", 6}, {"Page", 13},  {"Version", 1}};
+    for (const auto& [table, columns] : tables)
+        QCOMPARE(columnCount(db, table), columns);
+    QVERIFY(hasIndex(db, "Page_DocumentScan"));
+}
+
 // A store as an older program left it: the tables of version 0, brought to `version`.
 void makeStoreAt(const AppHome& home, int version)
 {
@@ -62,16 +74,7 @@ private slots:
         FreshStore fresh;
         Database& db = fresh.db;
         QVERIFY(QFile::exists(fresh.home.file("qmr.mdb")));
-        QCOMPARE(StoreSchema::readVersion(db), 4);
-        QCOMPARE(versionRows(db), 1);
-        QCOMPARE(columnCount(db, "Cabinet"), 6);
-        QCOMPARE(columnCount(db, "Drawer"), 4);
-        QCOMPARE(columnCount(db, "Folder"), 5);
-        QCOMPARE(columnCount(db, "Document"), 6);
-        QCOMPARE(columnCount(db, "Page"), 13);
-        QCOMPARE(columnCount(db, "Version"), 1);
-        QVERIFY(hasIndex(db, "Page_DocumentScan"));
-        QCOMPARE(db.scalar("SELECT count(*) FROM Cabinet").toInt(), 0);
+        expectCurrent(db);
         // A parent that does not exist is the program's business, not the store's.
         db.execute("INSERT INTO Drawer (CabinetId, Name) VALUES (999, 'Orphan')");
         // Transactions nest.
@@ -152,12 +155,7 @@ private slots:
         }
         Database db;
         StoreSchema::openDatabase(db, home.home());
-        QCOMPARE(StoreSchema::readVersion(db), 4);
-        QCOMPARE(versionRows(db), 1);
-        QCOMPARE(columnCount(db, "Cabinet"), 6);
-        QCOMPARE(columnCount(db, "Folder"), 5);
-        QCOMPARE(columnCount(db, "Page"), 13);
-        QVERIFY(hasIndex(db, "Page_DocumentScan"));
+        expectCurrent(db);
         if (from < 2) // pages older than the file type get "JPG"
             QCOMPARE(db.scalar("SELECT Filetype FROM Page").toString(), QStringLiteral("JPG"));
     }
@@ -186,8 +184,7 @@ private slots:
         }
         Database db;
         StoreSchema::openDatabase(db, home.home());
-        QCOMPARE(StoreSchema::readVersion(db), 4);
-        QCOMPARE(versionRows(db), 1);
+        expectCurrent(db);
     }
 
     void emptyMdbIsCopied()
