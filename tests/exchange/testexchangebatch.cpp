@@ -46,32 +46,54 @@ class TestExchangeBatch : public QObject
 {
     Q_OBJECT
 private slots:
-    void exportRefusals_data()
+    void refusals_data()
     {
-        test::columns<QString, QString, QString>({"cabinet", "dir", "error"}); // dir: @home, @out
-        row("no such cabinet", "Nope", "@out", "There is no file cabinet named 'Nope'.");
-        row("locked", "Locked", "@out",
+        // dir: "@home" the home, "@out" an empty directory, "@ex" an exchange directory
+        test::columns<bool, QString, QString, QString>({"import", "cabinet", "dir", "error"});
+        row("export: no such cabinet", false, "Nope", "@out",
+            "There is no file cabinet named 'Nope'.");
+        row("export: locked", false, "Locked", "@out",
             "The file cabinet 'Locked' has a password; it can be exported only in the "
             "program's window.");
-        row("inside the home", "Papers", "@home/x",
-            "You cannot export a cabinet to a path within the Quillmere system.");
-        row("no path", "Papers", "  ", "No output path was given.");
+        row("export: inside the home", false, "Papers", "@home/x",
+            "You cannot export a cabinet to a path within the Quillmere system.\nPlease select "
+            "another location that is not within the application path of:\n'@home'.");
+        row("export: no path", false, "Papers", "  ", "No output path was given.");
+        row("import: missing", true, "Target", "@out/none", "'@out/none' does not exist.");
+        row("import: no marker", true, "Target", "@out",
+            "Missing QMR.TXT. This file designates the starting point of a previously "
+            "exported file cabinet.");
+        row("import: no cabinet", true, "Nope", "@ex", "There is no file cabinet named 'Nope'.");
+        row("import: locked", true, "Locked", "@ex",
+            "The file cabinet 'Locked' has a password; it can be imported into only in the "
+            "program's window.");
     }
-    void exportRefusals()
+    void refusals()
     {
-        const auto [cabinet, dir, error] =
-            fetch<QString, QString, QString>("cabinet", "dir", "error");
+        const auto [import, cabinet, dir, error] =
+            fetch<bool, QString, QString, QString>("import", "cabinet", "dir", "error");
         ExchangeFixture f;
         f.filledCabinet("Papers", 1, 1);
+        f.store->cabinet("Target");
         f.store->cabinet("Locked", "pw");
-        const Run run = exportCabinet(
-            f, cabinet,
-            QString(dir).replace("@home", f.home.path()).replace("@out", f.outside.path()));
+        QTemporaryDir exchange;
+        const QString ex = exchange.filePath("ex");
+        ExchangeFixture::writeBytes(ex + "/QMR.txt", "");
+        ExchangeFixture::writeImage(ex + "/D/F/Doc/Page 1.jpg");
+        const auto place = [&](QString t) {
+            return t.replace("@home", f.home.path())
+                .replace("@ex", ex)
+                .replace("@out", f.outside.path());
+        };
+        const Run run =
+            import ? importCabinet(f, place(dir), cabinet) : exportCabinet(f, cabinet, place(dir));
         QCOMPARE(run.status, 1);
-        QVERIFY2(run.err.startsWith("quillmere: " + error), qPrintable(run.err));
+        QCOMPARE(run.err, "quillmere: " + place(error) + "\n");
         QVERIFY(run.out.isEmpty());
+        // Nothing written, nothing made.
         QCOMPARE(QDir(f.outside.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
                  QStringList());
+        QCOMPARE(f.count("Drawer"), 1);
         QVERIFY(f.prompter.verify());
     }
 
@@ -104,38 +126,6 @@ private slots:
         QCOMPARE(run.status, 0);
         QCOMPARE(run.out, "0 files imported.\r\n0 shortcuts created.\n");
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-    }
-
-    void importRefusals_data()
-    {
-        // dir: "@ex" an exchange directory, "@out" none
-        test::columns<QString, QString, QString>({"dir", "cabinet", "error"});
-        row("missing", "@out/none", "Target", "'@out/none' does not exist.");
-        row("no marker", "@out", "Target",
-            "Missing QMR.TXT. This file designates the starting point of a previously "
-            "exported file cabinet.");
-        row("no cabinet", "@ex", "Nope", "There is no file cabinet named 'Nope'.");
-        row("locked", "@ex", "Locked",
-            "The file cabinet 'Locked' has a password; it can be imported into only in the "
-            "program's window.");
-    }
-    void importRefusals()
-    {
-        const auto [dir, cabinet, error] =
-            fetch<QString, QString, QString>("dir", "cabinet", "error");
-        ExchangeFixture f;
-        f.store->cabinet("Target");
-        f.store->cabinet("Locked", "pw");
-        const QString ex = f.outsidePath("ex");
-        ExchangeFixture::writeBytes(ex + "/QMR.txt", "");
-        ExchangeFixture::writeImage(ex + "/D/F/Doc/Page 1.jpg");
-        const auto place = [&](QString t) {
-            return t.replace("@ex", ex).replace("@out", f.outside.path());
-        };
-        const Run run = importCabinet(f, place(dir), cabinet);
-        QCOMPARE(run.status, 1);
-        QCOMPARE(run.err, "quillmere: " + place(error) + "\n");
-        QCOMPARE(f.count("Drawer"), 0);
     }
 
     void failuresAreNamed()

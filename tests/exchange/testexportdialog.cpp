@@ -146,78 +146,67 @@ private slots:
         QCOMPARE(QFileInfo(f.outsidePath("Empty")).exists(), written);
     }
 
-    void cancelAsksThenStops_data()
+    void stopsAndFailedCopies_data()
     {
-        test::columns<int, int, QString>({"answer", "copied", "report"});
-        row("yes stops", int(Prompter::Answer::Yes), 2,
-            "Export not complete. 2 pages copied before it ended.");
-        row("no goes on", int(Prompter::Answer::No), 6, "Export complete. 6 pages copied.");
-    }
-    void cancelAsksThenStops()
-    {
-        auto [answer, copied, report] = fetch<int, int, QString>("answer", "copied", "report");
-        ExchangeFixture f;
-        f.filledCabinet("Papers", 3, 2);
-        TestFileSystem fs;
-        ExportDialog dialog(f.context(), nullptr, &fs);
-        fs.afterCopy = [&](int n) {
-            if (n == 2) {
-                QVERIFY(dialog.isExporting());
-                dialog.findChild<QPushButton*>("cmdCancel")->click();
-            }
-        };
-        f.prompter.expect("Stop the export?", Prompter::Answer(answer));
-        f.prompter.expect(report);
-        exportTo(dialog, f.outside.path());
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(filesBelow(f.outside.path(), "Page*"), copied);
-        QVERIFY(!dialog.isExporting());
-    }
-
-    void failedCopies_data()
-    {
-        // failing: copies that fail
-        // answer: to "Please insert disk #2"; -1: not a full disk
-        // report: "@doc" for the cabinet's folder
-        test::columns<QList<int>, int, QString, int>({"failing", "answer", "report", "onDisk"});
-        const int ok = int(Prompter::Answer::Ok), cancel = int(Prompter::Answer::Cancel);
+        // failing: copies that fail, the disk full unless `full` is false
+        // cancelAt: the copy after which Cancel is pressed, 0 for none
+        // texts: "@doc" for the cabinet's folder
+        test::columns<QList<int>, bool, int, QStringList, QList<int>, int>(
+            {"failing", "full", "cancelAt", "texts", "answers", "onDisk"});
+        const int ok = int(Prompter::Answer::Ok), yes = int(Prompter::Answer::Yes),
+                  no = int(Prompter::Answer::No), cancel = int(Prompter::Answer::Cancel);
+        const QString stop = "Stop the export?", disk2 = "Please insert disk #2";
         const QString full = ": No space left on device";
-        row("cancel ends it", QList<int>{3}, cancel,
-            "Export not complete. 2 pages copied before it ended.\r\n\r\nCannot write "
-            "@doc/Document 2/Page 1.jpg" +
-                full,
-            2);
-        row("ok copies the same page again", QList<int>{3}, ok, "Export complete. 6 pages copied.",
-            6);
+        row("cancel, yes stops", QList<int>{}, true, 2,
+            QStringList{stop, "Export not complete. 2 pages copied before it ended."},
+            QList<int>{yes, ok}, 2);
+        row("cancel, no goes on", QList<int>{}, true, 2,
+            QStringList{stop, "Export complete. 6 pages copied."}, QList<int>{no, ok}, 6);
+        row("disk full, cancel ends it", QList<int>{3}, true, 0,
+            QStringList{disk2, "Export not complete. 2 pages copied before it ended.\r\n\r\n"
+                               "Cannot write @doc/Document 2/Page 1.jpg" +
+                                   full},
+            QList<int>{cancel, ok}, 2);
+        row("disk full, ok copies the same page again", QList<int>{3}, true, 0,
+            QStringList{disk2, "Export complete. 6 pages copied."}, QList<int>{ok, ok}, 6);
         // Asked once only: a second full disk is passed over, and named.
-        row("later failures are not asked about", QList<int>{3, 6}, ok,
-            "Export complete. 5 pages copied.\r\n\r\nCannot write @doc/Document 3/Page 1.jpg" +
-                full,
-            5);
+        row("later failures are not asked about", QList<int>{3, 6}, true, 0,
+            QStringList{disk2, "Export complete. 5 pages copied.\r\n\r\nCannot write "
+                               "@doc/Document 3/Page 1.jpg" +
+                                   full},
+            QList<int>{ok, ok}, 5);
         // Any other failure ends the export with the report.
-        row("another failure ends it", QList<int>{4}, -1,
-            "Export not complete. 3 pages copied before it ended.\r\n\r\nCannot write "
-            "@doc/Document 2/Page 2.jpg" +
-                full,
-            3);
+        row("another failure ends it", QList<int>{4}, false, 0,
+            QStringList{"Export not complete. 3 pages copied before it ended.\r\n\r\nCannot "
+                        "write @doc/Document 2/Page 2.jpg" +
+                        full},
+            QList<int>{ok}, 3);
     }
-    void failedCopies()
+    void stopsAndFailedCopies()
     {
-        auto [failing, answer, report, onDisk] =
-            fetch<QList<int>, int, QString, int>("failing", "answer", "report", "onDisk");
+        auto [failing, full, cancelAt, texts, answers, onDisk] =
+            fetch<QList<int>, bool, int, QStringList, QList<int>, int>(
+                "failing", "full", "cancelAt", "texts", "answers", "onDisk");
         ExchangeFixture f;
         f.filledCabinet("Papers", 3, 2);
         TestFileSystem fs;
         for (const int n : failing)
-            fs.failCopy.insert(n, answer < 0 ? FileOutcome::Kind::WriteFailed
-                                             : FileOutcome::Kind::DiskFull);
-        if (answer >= 0)
-            f.prompter.expect("Please insert disk #2", Prompter::Answer(answer));
-        f.prompter.expect(report.replace("@doc", f.outsidePath("Papers/Drawer/Folder")));
+            fs.failCopy.insert(n,
+                               full ? FileOutcome::Kind::DiskFull : FileOutcome::Kind::WriteFailed);
+        for (int i = 0; i < texts.size(); ++i)
+            f.prompter.expect(texts[i].replace("@doc", f.outsidePath("Papers/Drawer/Folder")),
+                              Prompter::Answer(answers.at(i)));
         ExportDialog dialog(f.context(), nullptr, &fs);
+        fs.afterCopy = [&](int n) {
+            if (n == cancelAt) {
+                QVERIFY(dialog.isExporting());
+                dialog.findChild<QPushButton*>("cmdCancel")->click();
+            }
+        };
         exportTo(dialog, f.outside.path());
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(filesBelow(f.outside.path(), "Page*"), onDisk);
+        QVERIFY(!dialog.isExporting());
         // Nothing half-written stays behind.
         QCOMPARE(filesBelow(f.outside.path(), "*.qmrpart"), 0);
     }

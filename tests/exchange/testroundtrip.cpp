@@ -100,7 +100,6 @@ private slots:
             ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         // The missing page file is left out and not counted.
-        QCOMPARE(exported.pagesCopied, 5);
         QCOMPARE(exported.reportText(), "Export complete. 5 pages copied.");
         QVERIFY(exported.error.isEmpty());
         QVERIFY(exported.problems.isEmpty());
@@ -148,8 +147,6 @@ private slots:
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QVERIFY(report.error.isEmpty());
         QVERIFY2(report.problems.isEmpty(), qPrintable(report.problems.join("; ")));
-        QCOMPARE(report.filesImported, 4);
-        QCOMPARE(report.shortcutsCreated, 1);
         QCOMPARE(report.reportText(), "4 files imported.\r\n1 shortcuts created.");
 
         // The cabinet directory's name plays no part: the target keeps its own name, and
@@ -333,8 +330,7 @@ private slots:
         ExchangeFixture::writeImage(doc + "/SCAN.BMP");
         const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(report.filesImported, 2);
-        QCOMPARE(report.shortcutsCreated, 0);
+        QCOMPARE(report.reportText(), "2 files imported.\r\n0 shortcuts created.");
         QCOMPARE(f.field("SELECT Description FROM Cabinet WHERE CabinetId = ?", {target}),
                  QString::fromUtf8("Café € 5\r\nnaïve"));
         ItemStore& items = f.session->items();
