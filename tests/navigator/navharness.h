@@ -9,11 +9,8 @@
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
-#include <array>
 #include <functional>
 #include <memory>
-#include <tuple>
-#include <utility>
 
 #include "core/textfile.h"
 #include "filing/thumbnailcache.h"
@@ -37,17 +34,6 @@
 #include "tests/support/treepoint.h"
 
 namespace qmr::test {
-
-// The current data row's values of the named columns, in the order named:
-// const auto [a, b] = fetch<int, QString>({"a", "b"});
-template <class... T> std::tuple<T...> fetch(const std::array<const char*, sizeof...(T)>& names)
-{
-    return [&]<std::size_t... I>(std::index_sequence<I...>)
-    {
-        return std::tuple<T...>{*static_cast<T*>(QTest::qData(names[I], qMetaTypeId<T>()))...};
-    }
-    (std::index_sequence_for<T...>{});
-}
 
 // The texts of an item's children, in the order shown.
 inline QStringList itemTexts(const QTreeWidgetItem* item)
@@ -80,8 +66,6 @@ struct NavHarness : CommandHarness<ScriptedPrompter, RecordingProgress>
     std::unique_ptr<DrawerTemplates> templates;
     std::unique_ptr<NavWindow> window;
 
-    // Opens the store, for a test that fills it before load().
-    void openStore() { openSession(); }
     void load(bool show = true)
     {
         if (!session)

@@ -48,8 +48,8 @@ private slots:
     void newItemsFindTheirParent()
     {
         const auto [clicks, select, entry, level, parent] =
-            fetch<QString, QString, QString, int, int>(
-                {"clicks", "select", "entry", "level", "parent"});
+            fetch<QString, QString, QString, int, int>("clicks", "select", "entry", "level",
+                                                       "parent");
         SampleWindow h(clicks.split(','));
         h.session->locks().recordOpen(2);
         if (!select.isEmpty() && h.select(select) == h.window->list())

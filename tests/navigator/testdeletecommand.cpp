@@ -47,8 +47,8 @@ private slots:
     }
     void everyLevelFromTheTree()
     {
-        const auto [path, question, counts, starts] = fetch<QString, QString, QString, QStringList>(
-            {"clicks", "question", "counts", "starts"});
+        const auto [path, question, counts, starts] =
+            fetch<QString, QString, QString, QStringList>("clicks", "question", "counts", "starts");
         const QStringList clicks = path.split(',');
         const NodeKey key = NodeKey::parse(clicks.last());
         SampleWindow h;
@@ -105,13 +105,16 @@ private slots:
     }
 
     // No and Cancel change nothing; Yes deletes, from the tree its current page, from the
-    // page list the one current or all selected; another document's page stays.
+    // page list the one current or all selected; another document's page stays. A shortcut is
+    // named as one; that its file stays is the store's to check.
     void pages()
     {
         NavHarness h;
-        h.loadWith([](FixtureStore& store) {
+        qint32 shortcut = -1;
+        h.loadWith([&shortcut](FixtureStore& store) {
             store.page(1, 3);
             store.page(1, 4);
+            shortcut = shortcutPage(store, 2, 0, "/home/u/reply.pdf");
         });
         h.clickPath({"CAB1", "DRW1", "FLD1", "DOC1"});
         h.setSource(ContextSource::Tree);
@@ -124,7 +127,7 @@ private slots:
                 QMR_VERIFY_PROMPTS(h);
             }
         }
-        QCOMPARE(counts(h), QStringLiteral("2/3/4/3/5"));
+        QCOMPARE(counts(h), QStringLiteral("2/3/4/3/6"));
         QVERIFY(h.tree()->node("DOC1"));
         QVERIFY(QFile::exists(h.session->paths().computedPagePath(1)));
         QVERIFY(h.progress.log.isEmpty());
@@ -145,40 +148,25 @@ private slots:
             QCOMPARE(h.session->pages().count(1), left);
         }
         QCOMPARE(h.session->pages().count(3), 1);
-    }
-
-    // A shortcut is named as one; that its file stays is the store's to check.
-    void shortcutPage()
-    {
-        NavHarness h;
-        qint32 id = -1;
-        h.loadWith([&](FixtureStore& store) {
-            id = qmr::test::shortcutPage(store, 2, 0, "/home/u/reply.pdf");
-        });
-        h.clickPath({"CAB1", "DRW1", "FLD1", "DOC2"});
+        h.click("DOC2");
         currentPage(h, 0);
         h.setSource(ContextSource::PageList);
-        QCOMPARE(h.navigator().selectedPageIds(), QVector<qint32>{id});
+        QCOMPARE(h.navigator().selectedPageIds(), QVector<qint32>{shortcut});
         h.prompter.expect("Delete shortcut to 'reply.pdf'?", Prompter::Answer::Yes);
         h.trigger("mnuPopupPageDelete");
         QMR_VERIFY_PROMPTS(h);
-        QVERIFY(!h.session->pages().page(id));
+        QVERIFY(!h.session->pages().page(shortcut));
     }
 
-    void pageNames_data()
-    {
-        columns<bool, int, QString, QString>({"shortcut", "number", "filename", "name"});
-        row("numbered", false, 7, "", "Page 7");
-        row("own file, numbered", false, 2, "/srv/a/scan.jpg", "Page 2");
-        row("own file, number 0", false, 0, "/srv/a/scan.jpg", "scan.jpg");
-        row("shortcut", true, 0, "/home/u/reply.pdf", "reply.pdf");
-    }
+    // A page with a file of its own is named by its number, or by its file's name at number 0.
     void pageNames()
     {
         PageRow page;
-        std::tie(page.shortcut, page.pageNumber, page.filename) =
-            fetch<bool, int, QString>({"shortcut", "number", "filename"});
-        QTEST(DeleteCommand::pageName(page), "name");
+        page.filename = QStringLiteral("/srv/a/scan.jpg");
+        page.pageNumber = 2;
+        QCOMPARE(DeleteCommand::pageName(page), QStringLiteral("Page 2"));
+        page.pageNumber = 0;
+        QCOMPARE(DeleteCommand::pageName(page), QStringLiteral("scan.jpg"));
     }
 };
 

@@ -84,7 +84,7 @@ private slots:
     void commandKeys()
     {
         const auto [control, key, insert, remove] =
-            fetch<int, QString, QString, QString>({"control", "key", "insert", "remove"});
+            fetch<int, QString, QString, QString>("control", "key", "insert", "remove");
         const auto named = [](const QString& e) { return e.isEmpty() ? e : "mnuPopup" + e; };
         QCOMPARE(CommandKeys::insertCommand(ContextSource(control), NodeKey::parse(key)),
                  named(insert));
@@ -110,8 +110,8 @@ private slots:
     void targetRule()
     {
         const auto [clicks, rightClick, listItem, source, level] =
-            fetch<QStringList, QString, QString, int, int>(
-                {"clicks", "rightClick", "listItem", "source", "level"});
+            fetch<QStringList, QString, QString, int, int>("clicks", "rightClick", "listItem",
+                                                           "source", "level");
         SampleWindow h(clicks);
         if (!rightClick.isEmpty()) {
             // A right click menus the selected node, which the click path left selected.
@@ -155,8 +155,8 @@ private slots:
     void popups()
     {
         const auto [clicks, target, key, modifiers, menu] =
-            fetch<QStringList, QString, int, int, QString>(
-                {"clicks", "target", "key", "modifiers", "menu"});
+            fetch<QStringList, QString, int, int, QString>("clicks", "target", "key", "modifiers",
+                                                           "menu");
         SampleWindow h;
         h.addFoundBranch();
         h.clickPath(clicks);

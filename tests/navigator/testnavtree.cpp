@@ -159,7 +159,7 @@ private slots:
     }
     void clicksFillTheNextLevelAndTheRecord()
     {
-        const auto [clicks, list] = fetch<QString, QStringList>({"path", "list"});
+        const auto [clicks, list] = fetch<QString, QStringList>("path", "list");
         const QStringList path = clicks.split(',');
         const NodeKey key = NodeKey::parse(path.last());
         const int level = key.level() ? int(*key.level()) : -1;
@@ -281,8 +281,8 @@ private slots:
     void restoreWalk()
     {
         const auto [saved, selected, menu, level, list] =
-            fetch<QString, QString, QString, int, QStringList>(
-                {"saved", "selected", "menu", "level", "list"});
+            fetch<QString, QString, QString, int, QStringList>("saved", "selected", "menu", "level",
+                                                               "list");
         NavHarness h;
         h.home.settings().saveSetting("LastNavTreeNodeKey", saved);
         h.loadSample();
@@ -375,7 +375,7 @@ private slots:
     void windowKeys()
     {
         const auto [key, modifiers, text, answer, exits] =
-            fetch<int, int, QString, int, bool>({"key", "modifiers", "text", "answer", "exits"});
+            fetch<int, int, QString, int, bool>("key", "modifiers", "text", "answer", "exits");
         if (key == Qt::Key_F1 &&
             QFile::exists(QCoreApplication::applicationDirPath() + "/qmrhelp.txt"))
             QSKIP("A help file stands beside the test.");

@@ -103,32 +103,24 @@ private slots:
         NavHarness h;
         h.loadSample(false);
         const CommandContext services = h.window->navigator().context();
-        struct Shot
-        {
-            Level level;
-            qint32 id; // -1: Add
-            int tab;
-            const char* name;
-        };
-        const Shot shots[] = {
-            {Level::Cabinet, 1, 0, "dialog-cabinet"},
-            {Level::Cabinet, 1, 1, "dialog-cabinet-storage"},
-            {Level::Cabinet, 1, 2, "dialog-cabinet-statistics"},
-            {Level::Cabinet, -1, 0, "dialog-cabinet-add"},
-            {Level::Drawer, 1, 1, "dialog-drawer-statistics"},
-            {Level::Folder, 3, 0, "dialog-folder"},
-            {Level::Folder, 1, 1, "dialog-folder-statistics"},
-            {Level::Document, 1, 0, "dialog-document"},
-            {Level::Document, 1, 1, "dialog-document-statistics"},
-        };
-        for (const Shot& shot : shots) {
-            ItemDialog dialog(shot.level, services);
-            if (shot.id < 0)
+        // The level, the item (-1: Add), the tab and the file's name.
+        for (const auto& [level, id, tab, name] :
+             {std::tuple{Level::Cabinet, 1, 0, "dialog-cabinet"},
+              std::tuple{Level::Cabinet, 1, 1, "dialog-cabinet-storage"},
+              std::tuple{Level::Cabinet, 1, 2, "dialog-cabinet-statistics"},
+              std::tuple{Level::Cabinet, -1, 0, "dialog-cabinet-add"},
+              std::tuple{Level::Drawer, 1, 1, "dialog-drawer-statistics"},
+              std::tuple{Level::Folder, 3, 0, "dialog-folder"},
+              std::tuple{Level::Folder, 1, 1, "dialog-folder-statistics"},
+              std::tuple{Level::Document, 1, 0, "dialog-document"},
+              std::tuple{Level::Document, 1, 1, "dialog-document-statistics"}}) {
+            ItemDialog dialog(level, services);
+            if (id < 0)
                 dialog.setAdd(-1);
             else
-                QVERIFY(dialog.setEdit(shot.id));
-            dialog.findChild<QTabWidget*>("tabMain")->setCurrentIndex(shot.tab);
-            shoot(dialog, shot.name);
+                QVERIFY(dialog.setEdit(id));
+            dialog.findChild<QTabWidget*>("tabMain")->setCurrentIndex(tab);
+            shoot(dialog, name);
         }
         ItemDialog drawer(Level::Drawer, services);
         drawer.setAdd(1);
