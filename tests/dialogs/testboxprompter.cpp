@@ -54,9 +54,8 @@ private slots:
     }
     void answers()
     {
-        QFETCH(int, buttons);
-        QFETCH(int, action);
-        QFETCH(int, defaultAnswer);
+        auto [buttons, action, defaultAnswer] =
+            test::fetch<int, int, int>("buttons", "action", "defaultAnswer");
         using SB = QMessageBox::StandardButton;
         using B = Prompter::Buttons;
         const QHash<int, QList<SB>> kinds{

@@ -127,12 +127,9 @@ private slots:
     }
     void storedAsTypedOrRefused()
     {
-        QFETCH(int, level);
-        QFETCH(QString, mode);
-        QFETCH(QString, field);
-        QFETCH(QString, typed);
-        QFETCH(QString, stored);
-        QFETCH(QString, message);
+        auto [level, mode, field, typed, stored, message] =
+            test::fetch<int, QString, QString, QString, QString, QString>(
+                "level", "mode", "field", "typed", "stored", "message");
         DialogHarness h;
         ItemStore items(h.db());
         const Level lv = Level(level);

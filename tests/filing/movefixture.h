@@ -80,7 +80,6 @@ private:
 // are made in `outside`.
 struct MoveBench : CommandHarness<>
 {
-    NavRecorder& navigator = nav;
     RecordingMoveView moves;
     RecordingNotifier notices;
     CommandContext* context = nullptr; // the moves' own, with the notifier on it

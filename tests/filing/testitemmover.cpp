@@ -77,8 +77,7 @@ private slots:
     }
     void eachMove()
     {
-        QFETCH(DropSource, source);
-        QFETCH(QStringList, move);
+        auto [source, move] = fetch<DropSource, QStringList>("source", "move");
         MoveBench b;
         b.state.selection().lastNodeKey = QStringLiteral("DOC3");
         b.choosers.queuePassword(QStringLiteral("secret"));
@@ -91,7 +90,7 @@ private slots:
 
         QCOMPARE(parentKeyOf(*b.session, moved), move.at(2));
         QTEST(b.moves.calls, "view");
-        QTEST(b.navigator.calls, "navigator");
+        QTEST(b.nav.calls, "navigator");
         QCOMPARE(into.text(), move.at(1));
         QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
         // A page that arrives is announced, at the end of its new document; its file stays.
@@ -135,8 +134,7 @@ private slots:
     }
     void drawerMoveAsksThePasswordFirst()
     {
-        QFETCH(QVariant, typed);
-        QFETCH(QStringList, messages);
+        auto [typed, messages] = fetch<QVariant, QStringList>("typed", "messages");
         MoveBench b;
         b.choosers.queuePassword(typed.isNull() ? std::nullopt
                                                 : std::optional<QString>(typed.toString()));
@@ -220,10 +218,8 @@ private slots:
     }
     void cabinetPasswords()
     {
-        QFETCH(QString, password);
-        QFETCH(QVariant, typed);
-        QFETCH(bool, opens);
-        QFETCH(bool, denied);
+        auto [password, typed, opens, denied] =
+            fetch<QString, QVariant, bool, bool>("password", "typed", "opens", "denied");
         MoveBench b;
         const qint32 id = cabinet(b, "Locked", password);
         if (password.isEmpty())
@@ -236,12 +232,12 @@ private slots:
         QCOMPARE(openCabinet(b, id), opens);
         QVERIFY2(b.prompter.verify(), qPrintable(b.prompter.report()));
         QCOMPARE(b.session->locks().isCabinetOpen(id), opens);
-        QCOMPARE(b.navigator.calls, opens ? QStringList{QString("OPEN%1").arg(id)} : QStringList{});
+        QCOMPARE(b.nav.calls, opens ? QStringList{QString("OPEN%1").arg(id)} : QStringList{});
         if (opens) {
             // Once open, no second question and no second rebuild.
             QVERIFY(openCabinet(b, id));
             QCOMPARE(b.choosers.passwordAsks(), password.isEmpty() ? 0 : 1);
-            QCOMPARE(b.navigator.calls.size(), 1);
+            QCOMPARE(b.nav.calls.size(), 1);
         }
     }
 

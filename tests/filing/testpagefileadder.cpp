@@ -10,9 +10,9 @@
 
 #include "core/commandtarget.h"
 #include "filing/clipboardfiles.h"
+#include "filing/filedrop.h"
 #include "filing/pageclipboard.h"
 #include "movefixture.h"
-#include "filing/filedrop.h"
 #include "store/database.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
@@ -94,10 +94,8 @@ private slots:
     }
     void aFileBecomesAPage()
     {
-        QFETCH(QString, name);
-        QFETCH(QByteArray, format);
-        QFETCH(bool, shortcut);
-        QFETCH(QString, type);
+        auto [name, format, shortcut, type] =
+            fetch<QString, QByteArray, bool, QString>("name", "format", "shortcut", "type");
         QCOMPARE(PageFileAdder::isShortcutFile(name), shortcut);
         QCOMPARE(PageFileAdder::fileType(name), type);
         QVERIFY(PageFileAdder::isImportableFile(name));
@@ -157,7 +155,7 @@ private slots:
         QCOMPARE(rows.size(), before + 2);
         QCOMPARE(rows.at(before).pageNumber, 3);
         QCOMPARE(rows.at(before + 1).pageNumber, 4);
-        QCOMPARE(b.navigator.calls, QStringList{"SHOWDOC1"});
+        QCOMPARE(b.nav.calls, QStringList{"SHOWDOC1"});
     }
 
     void aFileGoneBeforeItsCopyLeavesNoPage()
@@ -291,10 +289,8 @@ private slots:
     }
     void dropIntoADocument()
     {
-        QFETCH(int, files);
-        QFETCH(QSize, size);
-        QFETCH(int, cancelAfter);
-        QFETCH(int, added);
+        auto [files, size, cancelAfter, added] =
+            fetch<int, QSize, int, int>("files", "size", "cancelAfter", "added");
         CancellingProgress progress(cancelAfter ? cancelAfter : 1 << 30);
         MoveBench b(&progress);
         QStringList paths;
@@ -358,9 +354,9 @@ private slots:
         QCOMPARE(rows.at(2).pageNumber, 2);
         QCOMPARE(rows.at(2).fileType, QStringLiteral("bmp"));
         // The document is announced once, then its pages are shown.
-        QCOMPARE(b.navigator.calls.first(), QStringLiteral("DOC%1 New document<2").arg(doc));
-        QCOMPARE(b.navigator.calls.filter(QStringLiteral("New document")).size(), 1);
-        QCOMPARE(b.navigator.calls.last(), QStringLiteral("SHOWDOC%1").arg(doc));
+        QCOMPARE(b.nav.calls.first(), QStringLiteral("DOC%1 New document<2").arg(doc));
+        QCOMPARE(b.nav.calls.filter(QStringLiteral("New document")).size(), 1);
+        QCOMPARE(b.nav.calls.last(), QStringLiteral("SHOWDOC%1").arg(doc));
         QCOMPARE(b.notices.pages.size(), 3);
         // The window's expansion is not what a file drop does.
         QVERIFY(b.moves.calls.isEmpty());
@@ -449,7 +445,7 @@ private slots:
         QCOMPARE(b.places({1, 2, 3}), (QStringList{"3:1", "3:2", "3:1"}));
         QCOMPARE(b.session->pages().count(3), 3);
         QCOMPARE(b.notices.pages, (QVector<qint32>{2, 1}));
-        QCOMPARE(b.navigator.calls, QStringList{"SHOWDOC3"});
+        QCOMPARE(b.nav.calls, QStringList{"SHOWDOC3"});
         QVERIFY(b.state.clipPages().isEmpty());
         // The next paste takes the files.
         b.clipboard->pasteIntoDocument();
@@ -465,8 +461,7 @@ private slots:
     }
     void pasteWithNothingDoesNothing()
     {
-        QFETCH(QString, tree);
-        QFETCH(bool, cut);
+        auto [tree, cut] = fetch<QString, bool>("tree", "cut");
         CancellingProgress progress(1000);
         ClipBench b(&progress);
         if (cut) {
@@ -477,7 +472,7 @@ private slots:
         b.stub.tree = NodeKey::parse(tree);
         b.clipboard->pasteIntoDocument();
         QVERIFY(progress.titles.isEmpty());
-        QVERIFY(b.navigator.calls.isEmpty());
+        QVERIFY(b.nav.calls.isEmpty());
         QVERIFY(b.prompter.seen().isEmpty());
         QCOMPARE(b.page(1).documentId, 1);
     }

@@ -30,6 +30,17 @@ bool isWhite(QRgb pixel)
     return qGray(pixel) > 215;
 }
 
+// Left half dark, right half light: a reduction that loses its way shows.
+QImage halfDark(const QSize& size)
+{
+    QImage image(size, QImage::Format_RGB32);
+    image.fill(Qt::white);
+    for (int y = 0; y < size.height(); ++y)
+        for (int x = 0; x < size.width() / 2; ++x)
+            image.setPixel(x, y, qRgb(20, 40, 90));
+    return image;
+}
+
 bool writeBytes(const QString& path, const QByteArray& bytes)
 {
     QFile file(path);
@@ -80,23 +91,21 @@ class TestPageTiles : public QObject
     Q_OBJECT
 private slots:
     // A block's missing thumbnails are made off the GUI thread; a page that cannot be made
-    // (gone, with a thumbnail that cannot be read, or no picture) leaves the rest of the block.
+    // (gone, with a thumbnail that cannot be read) leaves the rest of the block.
     void missingThumbnailsAreMadeOnFirstRequest()
     {
         CacheBench b;
         const auto landscape = b.page(1, QSize(400, 200));
         const auto portrait = b.page(3, QSize(200, 400));
-        const auto garbage = b.page(4, QSize(10, 10));
-        QVERIFY(writeBytes(garbage.pagePath, "not a picture"));
         const ThumbnailCache::Request gone{2, b.dir.filePath("Pages/2.jpg"),
                                            b.dir.filePath("Thumbs/2.jpg")};
         QDir().mkpath(b.dir.filePath("Thumbs"));
         QVERIFY(writeBytes(gone.thumbPath, "half a file"));
         // Nothing is at hand: all come later.
-        QVERIFY(b.cache.request({landscape, gone, portrait, garbage}).isEmpty());
-        QCOMPARE(b.cache.outstanding(), 4);
+        QVERIFY(b.cache.request({landscape, gone, portrait}).isEmpty());
+        QCOMPARE(b.cache.outstanding(), 3);
         QVERIFY(b.waitForBlock());
-        QCOMPARE(b.ready.size(), 4);
+        QCOMPARE(b.ready.size(), 3);
         QCOMPARE(b.done.size(), 1);
         const QHash<qint32, QImage> tiles = b.tiles();
         QCOMPARE(tiles.value(1).size(), QSize(100, 100));
@@ -111,9 +120,7 @@ private slots:
         for (const auto& r : {landscape, portrait})
             QCOMPARE(QImage(r.thumbPath).size(), QSize(100, 100));
         QVERIFY(tiles.contains(2) && tiles.value(2).isNull());
-        QVERIFY(tiles.contains(4) && tiles.value(4).isNull());
         QVERIFY(!QFile::exists(gone.thumbPath));
-        QVERIFY(!QFile::exists(garbage.thumbPath));
     }
 
     // A thumbnail on disk is served at once, and read again once it changes.
@@ -305,8 +312,8 @@ private slots:
 
     void goneOrUnreadablePageLeavesNoThumbnail_data()
     {
-        columns<QByteArray>({"content"}); // empty: no page file at all
-        row("gone", QByteArray());
+        // A page that is gone: missingThumbnailsAreMadeOnFirstRequest.
+        columns<QByteArray>({"content"});
         row("not an image", QByteArray("this is no picture"));
         // Which stated sizes are too large to open is the image loader's rule.
         row("JPEG too large to open", BigPictures::bomb());
@@ -316,8 +323,7 @@ private slots:
         QFETCH(QByteArray, content);
         QTemporaryDir dir;
         const QString src = dir.filePath("page.jpg");
-        if (!content.isEmpty())
-            QVERIFY(writeBytes(src, content));
+        QVERIFY(writeBytes(src, content));
         const QString dst = dir.filePath("thumb.jpg");
         QImage(10, 10, QImage::Format_RGB32).save(dst, "JPG"); // a stale one
         QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
@@ -356,18 +362,10 @@ private slots:
     }
     void everyWayToTheSameTile()
     {
-        QFETCH(QString, format);
-        QFETCH(QSize, page);
-        QFETCH(QSize, reduced);
+        auto [format, page, reduced] = fetch<QString, QSize, QSize>("format", "page", "reduced");
         QTemporaryDir dir;
-        // Left half dark, right half light: a reduction that loses its way shows.
-        QImage image(page, QImage::Format_RGB32);
-        image.fill(Qt::white);
-        for (int y = 0; y < page.height(); ++y)
-            for (int x = 0; x < page.width() / 2; ++x)
-                image.setPixel(x, y, qRgb(20, 40, 90));
         const QString src = dir.filePath("page." + format.toLower());
-        QVERIFY(image.save(src, qPrintable(format)));
+        QVERIFY(halfDark(page).save(src, qPrintable(format)));
         QCOMPARE(QFileInfo(src).size() > ThumbnailMaker::kReadWhole,
                  QByteArray(QTest::currentDataTag()).contains("beyond"));
         QFile file(src);
@@ -404,14 +402,9 @@ private slots:
     {
         QTemporaryDir dir;
         // Stored 400x200, left half dark; turned a quarter clockwise, the dark half is on top.
-        QImage image(400, 200, QImage::Format_RGB32);
-        image.fill(Qt::white);
-        for (int y = 0; y < 200; ++y)
-            for (int x = 0; x < 200; ++x)
-                image.setPixel(x, y, qRgb(20, 40, 90));
         QBuffer plain;
         plain.open(QIODevice::WriteOnly);
-        QVERIFY(image.save(&plain, "JPG"));
+        QVERIFY(halfDark(QSize(400, 200)).save(&plain, "JPG"));
         // An APP1 segment with one orientation entry (6: turn a quarter clockwise) after SOI.
         const QByteArray exif = QByteArray::fromHex("FFE10022"
                                                     "457869660000"
@@ -491,9 +484,7 @@ private slots:
     }
     void steps()
     {
-        QFETCH(int, pages);
-        QFETCH(int, count);
-        QFETCH(QString, presses);
+        auto [pages, count, presses] = fetch<int, int, QString>("pages", "count", "presses");
         const QHash<QString, bool (PagePaging::*)()> buttons{
             {"next", &PagePaging::next},     {"prev", &PagePaging::prev},
             {"first", &PagePaging::first},   {"last", &PagePaging::last},
@@ -547,9 +538,7 @@ private slots:
     }
     void entryTexts()
     {
-        QFETCH(int, number);
-        QFETCH(QString, stored);
-        QFETCH(bool, shortcut);
+        auto [number, stored, shortcut] = fetch<int, QString, bool>("number", "stored", "shortcut");
         PageRow row;
         row.id = 7;
         row.pageNumber = number;
