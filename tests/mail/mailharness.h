@@ -82,20 +82,17 @@ struct ParsedMessage : MessagePart
         const qsizetype at = type.indexOf("boundary=\"") + 10;
         if (at < 10)
             return;
+        // A part runs from its boundary line to the line break before the next boundary.
         const QByteArray boundary = "--" + type.mid(at, type.indexOf('"', at) - at);
-        QByteArray current;
-        bool inPart = false;
-        for (QByteArray line : body.split('\n')) {
-            if (line.endsWith('\r'))
-                line.chop(1);
-            if (line == boundary || line == boundary + "--") {
-                if (inPart)
-                    parts << split(current);
-                current.clear();
-                inPart = line == boundary;
-            } else if (inPart) {
-                current += line + "\r\n";
-            }
+        qsizetype from = body.indexOf(boundary + "\r\n");
+        while (from >= 0) {
+            const qsizetype start = from + boundary.size() + 2;
+            from = body.indexOf("\r\n" + boundary, start) + 2;
+            if (from < 2)
+                return;
+            parts << split(body.mid(start, from - start));
+            if (body.mid(from + boundary.size(), 2) != "\r\n")
+                return; // the last boundary, ended by "--"
         }
     }
 

@@ -82,12 +82,9 @@ private slots:
     }
     void send()
     {
-        QFETCH(QString, route);
-        QFETCH(QString, sendTo);
-        QFETCH(QString, from);
-        QFETCH(bool, onlyThisPage);
-        QFETCH(QString, message);
-        QFETCH(int, parts);
+        const auto [route, sendTo, from, onlyThisPage, message, parts] =
+            test::fetch<QString, QString, QString, bool, QString, int>(
+                "route", "sendTo", "from", "onlyThisPage", "message", "parts");
         test::TestHome home;
         test::ScriptedPrompter prompter;
         test::SmtpSink sink;
@@ -188,8 +185,7 @@ private slots:
     }
     void settingsDialogLoadsAndSaves()
     {
-        QFETCH(QString, stored);
-        QFETCH(int, index);
+        const auto [stored, index] = test::fetch<QString, int>("stored", "index");
         test::TestHome home;
         test::ScriptedPrompter prompter;
         home.settings().set(keys::EmailSystem, stored);

@@ -42,8 +42,7 @@ private slots:
     }
     void send()
     {
-        QFETCH(QString, route);
-        QFETCH(QString, message);
+        const auto [route, message] = test::fetch<QString, QString>("route", "message");
         const bool sent = message.startsWith("^Message sent");
         QTemporaryDir dir;
         const QString page = dir.filePath("1.jpg"), letter = dir.filePath("letter.pdf");
@@ -118,15 +117,10 @@ private slots:
     }
     void smtpAddresses()
     {
-        QFETCH(QString, server);
-        QFETCH(int, port);
-        QFETCH(QString, security);
-        QFETCH(QString, url);
         MailSettings m;
-        m.smtpServer = server;
-        m.smtpPort = port;
-        m.smtpSecurity = security;
-        QCOMPARE(SmtpTransport(m).url(), url);
+        std::tie(m.smtpServer, m.smtpPort, m.smtpSecurity) =
+            test::fetch<QString, int, QString>("server", "port", "security");
+        QTEST(SmtpTransport(m).url(), "url");
     }
 };
 

@@ -63,12 +63,9 @@ private slots:
     }
     void sendPageNotice()
     {
-        QFETCH(QString, folderAddress);
-        QFETCH(QString, from);
-        QFETCH(bool, mailSystem);
-        QFETCH(bool, shortcut);
-        QFETCH(QString, logged);
-        QFETCH(QString, last);
+        const auto [folderAddress, from, mailSystem, shortcut, logged, last] =
+            test::fetch<QString, QString, bool, bool, QString, QString>(
+                "folderAddress", "from", "mailSystem", "shortcut", "logged", "last");
         NoticeStore s(folderAddress);
         const qint32 page = shortcut ? s.shortcut : s.page;
         const std::optional<PageNotice::Notice> notice = PageNotice::compose(*s.session, page);

@@ -35,8 +35,7 @@ private slots:
     }
     void passwordPlace()
     {
-        QFETCH(QString, bus);
-        QFETCH(QString, place);
+        const auto [bus, place] = test::fetch<QString, QString>("bus", "place");
         QTemporaryDir dir;
         test::PrivateKeyring keyring(dir.path());
         QLocalServer silent; // takes connections and never says a word

@@ -7,13 +7,13 @@
 #include <QRegularExpression>
 #include <functional>
 
-#include "core/progress.h"
 #include "print/printtarget.h"
 #include "store/pagepaths.h"
 #include "tests/support/commandharness.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/modalwatch.h"
-#include "tests/support/datarow.h"
+#include "tests/support/recordingprogress.h"
 
 namespace qmr::test {
 
@@ -76,61 +76,42 @@ public:
     std::function<void()> onDraw;
 };
 
-// A progress whose person presses Cancel after `cancelAfter` steps.
-class CancellingProgress : public Progress
+// A progress that notes what it is told, whose person presses Cancel after `cancelAfter`
+// steps.
+class CancellingProgress : public RecordingProgress
 {
 public:
     explicit CancellingProgress(int cancelAfter) : m_cancelAfter(cancelAfter) {}
-    void start(const QString& t, int minimum, int maximum) override
-    {
-        title = t;
-        min = minimum;
-        max = maximum;
-        m_stopped = false;
-    }
-    void step(const QString& status) override
-    {
-        steps << status;
-        if (int(steps.size()) >= m_cancelAfter)
-            m_stopped = true;
-    }
-    void end() override
-    {
-        m_stopped = true;
-        ++ends;
-    }
     void showCancel() override { cancelShown = true; }
-    bool stopped() const override { return m_stopped; }
+    // The log holds the start line and then a line a step.
+    bool stopped() const override
+    {
+        return RecordingProgress::stopped() || log.size() > m_cancelAfter;
+    }
 
-    QString title;
-    int min = 0, max = 0, ends = 0;
     bool cancelShown = false;
-    QStringList steps;
 
 private:
     int m_cancelAfter;
-    bool m_stopped = true;
 };
 
 // A store with one document ("Tax return") of pages whose pictures are real files, and the
 // seams of a command.
 struct PrintHarness : CommandHarness<>
 {
-    std::unique_ptr<FixtureStore> store;
+    FixtureStore store{home.home()};
     qint32 document = -1;
 
     PrintHarness()
     {
-        store = std::make_unique<FixtureStore>(home.home());
-        const qint32 cabinet = store->cabinet("Home");
-        const qint32 folder = store->folder(store->drawer(cabinet, "Taxes"), "2025");
-        document = store->document(folder, "Tax return");
+        const qint32 folder = store.folder(store.drawer(store.cabinet("Home"), "Taxes"), "2025");
+        document = store.document(folder, "Tax return");
         openSession();
     }
     // A page of the document whose picture lies at its computed path.
-    qint32 page(int number, const QSize& size, int dpiX, int dpiY, qint32 documentId = -1)
+    qint32 page(int number, const QSize& size, int dpiX, int dpiY)
     {
-        const qint32 id = store->pageRow(documentId < 0 ? document : documentId, number);
+        const qint32 id = store.pageRow(document, number);
         if (!writePicture(session->paths().computedPagePath(id), size, dpiX, dpiY))
             qWarning("cannot write the picture of page %d", id);
         return id;

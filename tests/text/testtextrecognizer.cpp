@@ -62,9 +62,9 @@ private slots:
     void nothingWrittenGivesNoWords_data()
     {
         columns<QString>({"page"});
-        row("blank", QString("blank"));
-        row("a photograph", QString("photograph"));
-        row("no picture", QString("none"));
+        row("blank", "blank");
+        row("a photograph", "photograph");
+        row("no picture", "none");
     }
     void nothingWrittenGivesNoWords()
     {
@@ -101,10 +101,8 @@ private slots:
     }
     void languages()
     {
-        QFETCH(QString, locale);
-        QFETCH(QString, installed);
-        QFETCH(QString, chosen);
-        QCOMPARE(TextRecognizer::defaultLanguages(QLocale(locale), installed.split(' ')), chosen);
+        const auto [locale, installed] = fetch<QString, QString>("locale", "installed");
+        QTEST(TextRecognizer::defaultLanguages(QLocale(locale), installed.split(' ')), "chosen");
     }
 
     void aMissingPackIsNamed()
@@ -133,13 +131,15 @@ private slots:
             "The language pack for deu is not installed");
         row("none at all", "eng", QStringList{}, QStringList{},
             "No language pack for reading text is installed");
+        // A pack with a script, and one the program has no name for.
+        row("names for people", "chi_sim+xqz", QStringList{"chi_sim", "xqz"},
+            QStringList{"Chinese (chi_sim)", "xqz"}, "");
     }
     void offersThePacksInstalled()
     {
-        QFETCH(QString, chosen);
-        QFETCH(QStringList, installed);
-        QFETCH(QStringList, checked);
-        QFETCH(QString, missing);
+        const auto [chosen, installed, checked, missing] =
+            fetch<QString, QStringList, QStringList, QString>("chosen", "installed", "checked",
+                                                              "missing");
         TextSettingsDialog dialog(chosen, installed);
         auto* list = dialog.findChild<QListWidget*>("lstLanguages");
         QCOMPARE(list->count(), installed.size());
@@ -169,20 +169,6 @@ private slots:
         QCOMPARE(again.languages(), QString("fra+deu"));
         again.findChild<QListWidget*>("lstLanguages")->item(1)->setCheckState(Qt::Checked);
         QCOMPARE(again.languages(), QString("fra+deu+eng"));
-    }
-
-    void namesPacksForPeople_data()
-    {
-        columns<QString, QString>({"pack", "name"});
-        row("three letters", "deu", "German (deu)");
-        row("with a script", "chi_sim", "Chinese (chi_sim)");
-        row("unknown", "xqz", "xqz");
-    }
-    void namesPacksForPeople()
-    {
-        QFETCH(QString, pack);
-        QFETCH(QString, name);
-        QCOMPARE(TextSettingsDialog::displayName(pack), name);
     }
 };
 
