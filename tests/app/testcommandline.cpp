@@ -82,10 +82,9 @@ private slots:
     }
     void parse()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(int, action);
-        QFETCH(QStringList, values);
-        QFETCH(QString, message);
+        const auto [arguments, action, values, message] =
+            test::fetch<QStringList, int, QStringList, QString>("arguments", "action", "values",
+                                                                "message");
         const CommandLineRequest r = CommandLine::parse(QStringList{"quillmere"} + arguments);
         QCOMPARE(int(r.action), action);
         QCOMPARE(QStringList({r.home, r.cabinet, r.directory}), values);

@@ -66,7 +66,6 @@ private slots:
     void iconAtEverySize()
     {
         const QIcon icon = AppIcon::icon();
-        QVERIFY(!icon.isNull());
         for (const int side : AppIcon::sizes()) {
             const QImage image =
                 icon.pixmap(side, side).toImage().convertToFormat(QImage::Format_ARGB32);
@@ -157,9 +156,9 @@ private slots:
     }
     void browseButtonsAskTheFolderChooser()
     {
-        QFETCH(QString, entry);
-        QFETCH(QString, box);
-        QFETCH(QString, answer);
+        const auto [entry, box, answer, start, boxAfter, remembered] =
+            test::fetch<QString, QString, QString, QString, QString, QString>(
+                "entry", "box", "answer", "start", "boxAfter", "remembered");
         QTemporaryDir places;
         const auto place = [&](const QString& name) -> QString {
             if (name.isEmpty())
@@ -214,9 +213,6 @@ private slots:
         });
         run.window()->menus().action(entry)->trigger();
 
-        QFETCH(QString, start);
-        QFETCH(QString, boxAfter);
-        QFETCH(QString, remembered);
         QCOMPARE(opened, "Select Path|" + place(start) + "|1");
         QCOMPARE(shown, place(boxAfter));
         QCOMPARE(run.home.settings().get(keys::PathSelect), place(remembered));

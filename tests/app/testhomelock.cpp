@@ -2,18 +2,18 @@
 #include <QDateTime>
 #include <QDeadlineTimer>
 #include <QDirIterator>
-#include <QScopeGuard>
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QSysInfo>
 #include <cerrno>
 #include <csignal>
 #include <cstring>
 #include <fcntl.h>
 #include <linux/capability.h>
+#include <optional>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
-#include <optional>
 #include <unistd.h>
 
 #include "core/homelock.h"
@@ -69,11 +69,6 @@ qint64 holderPid(const QString& lockPath)
     QLockFile reader(lockPath);
     qint64 pid = 0;
     return reader.getLockInfo(&pid, nullptr, nullptr) ? pid : -1;
-}
-
-QString systemText(int error)
-{
-    return QString::fromLocal8Bit(std::strerror(error));
 }
 
 // Root passes every permission check; without CAP_DAC_OVERRIDE in its effective set it meets
@@ -211,10 +206,8 @@ private slots:
     }
     void lockLeftInTheHome()
     {
-        QFETCH(QString, holder);
-        QFETCH(QString, host);
-        QFETCH(int, ageSeconds);
-        QFETCH(bool, refused);
+        const auto [holder, host, ageSeconds, refused] =
+            test::fetch<QString, QString, int, bool>("holder", "host", "ageSeconds", "refused");
         test::AppRun run;
         const QString lock = run.home.file(HomeLock::fileName());
         const bool here = host == "this";
@@ -309,19 +302,17 @@ private slots:
         QTemporaryDir dir;
         test::AppRun other; // its settings, messages and choosers; the home is this one
         const QString home = dir.filePath("home");
+        const int error = kind == "file" ? ENOTDIR : kind == "read-only" ? EACCES : EFBIG;
+        const QString reason = QString::fromLocal8Bit(std::strerror(error));
         QString expected;
         if (kind == "file") {
-            QFile f(home);
-            QVERIFY(f.open(QIODevice::WriteOnly));
-            f.close();
-            expected =
-                QString("Cannot create the directory %1: %2.").arg(home, systemText(ENOTDIR));
+            QVERIFY(QFile(home).open(QIODevice::WriteOnly));
+            expected = QString("Cannot create the directory %1: %2.").arg(home, reason);
         } else {
             QVERIFY(QDir().mkpath(home));
             expected = QString("The home %1 cannot be locked for this run: the lock file %2 "
                                "cannot be made: %3.")
-                           .arg(home, home + "/" + HomeLock::fileName(),
-                                systemText(kind == "read-only" ? EACCES : EFBIG));
+                           .arg(home, home + "/" + HomeLock::fileName(), reason);
         }
         const auto writable = qScopeGuard(
             [&] { QFile::setPermissions(home, QFile::permissions(home) | QFile::WriteOwner); });
@@ -360,8 +351,7 @@ private slots:
     }
     void signalStopsABatchRun()
     {
-        QFETCH(QString, command);
-        QFETCH(int, signalNumber);
+        const auto [command, signalNumber] = test::fetch<QString, int>("command", "signalNumber");
         test::TestHome home;
         QTemporaryDir config, out;
         {

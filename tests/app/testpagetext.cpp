@@ -56,6 +56,21 @@ struct ReadingRun : test::AppRun
             QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
         return startup->start();
     }
+
+    // The viewer that Return in the page pane opens on the page, once it shows the picture.
+    PageViewWindow* openPage(qint32 page)
+    {
+        PageViewWindow* viewer = nullptr;
+        if (!pages()->selectPage(page))
+            return nullptr;
+        QTest::keyClick(pageView(), Qt::Key_Return);
+        const auto shown = [&] {
+            viewer = window()->findChild<PageViewWindow*>();
+            return viewer && viewer->isVisible() && viewer->location().pageId == page &&
+                   viewer->canvas()->hasImage();
+        };
+        return QTest::qWaitFor(shown, 60000) ? viewer : nullptr;
+    }
 };
 
 } // namespace
@@ -96,16 +111,8 @@ private slots:
         QCOMPARE(marked, (QList<qint32>{run.filed.at(1), run.filed.at(3)}));
 
         // Opened as a person opens it: the word is boxed where it is printed, twice.
-        QVERIFY(run.pages()->selectPage(run.filed.at(1)));
-        QTest::keyClick(run.pageView(), Qt::Key_Return);
-        PageViewWindow* viewer = nullptr;
-        QVERIFY(QTest::qWaitFor(
-            [&] {
-                viewer = run.window()->findChild<PageViewWindow*>();
-                return viewer && viewer->location().pageId == run.filed.at(1) &&
-                       viewer->canvas()->hasImage();
-            },
-            60000));
+        PageViewWindow* viewer = run.openPage(run.filed.at(1));
+        QVERIFY(viewer);
         const QList<QRect> boxes = viewer->canvas()->marks();
         QCOMPARE(boxes.size(), 2);
         // "Northwind" begins the first line at (150, 150) and ends the second's words.
@@ -180,14 +187,7 @@ private slots:
         run.click(run.path);
         QTRY_COMPARE(run.pages()->count(), 4);
         QVERIFY(!run.pages()->matchedAt(1));
-        QVERIFY(run.pages()->selectPage(run.filed.at(1)));
-        QTest::keyClick(run.pageView(), Qt::Key_Return);
-        QVERIFY(QTest::qWaitFor(
-            [&] {
-                viewer = run.window()->findChild<PageViewWindow*>();
-                return viewer && viewer->isVisible() && viewer->canvas()->hasImage();
-            },
-            60000));
+        QVERIFY(viewer = run.openPage(run.filed.at(1)));
         QVERIFY(viewer->canvas()->marks().isEmpty());
         QVERIFY(!viewer->findChild<QPushButton*>("cmdNextMatch")->isVisible());
         QVERIFY2(run.prompter.verify(), qPrintable(run.prompter.report()));

@@ -29,7 +29,6 @@ private slots:
     {
         test::AppRun run;
         QVERIFY(run.start());
-        QVERIFY(QFile::exists(run.home.file("qmr.mdb")));
         NavWindow* w = run.window();
         QVERIFY(w->isFirstShow());
         QVERIFY(w->isMaximized());
@@ -140,9 +139,8 @@ private slots:
     }
     void progressBar()
     {
-        QFETCH(int, maximum);
-        QFETCH(int, steps);
-        QFETCH(double, fraction);
+        const auto [maximum, steps, fraction] =
+            test::fetch<int, int, double>("maximum", "steps", "fraction");
         ProgressWindow w;
         w.start("Working", 0, maximum);
         for (int i = 0; i < steps; ++i)
@@ -196,10 +194,10 @@ private slots:
     void signalWhileBusy_data()
     {
         // What the program is doing when it is asked to quit.
-        QTest::addColumn<QString>("busy");
-        QTest::newRow("a question waits") << "question";
-        QTest::newRow("a dialog is open") << "dialog";
-        QTest::newRow("a walk that offers Cancel") << "walk";
+        test::columns<QString>({"busy"});
+        test::row("a question waits", QString("question"));
+        test::row("a dialog is open", QString("dialog"));
+        test::row("a walk that offers Cancel", QString("walk"));
     }
     void signalWhileBusy()
     {

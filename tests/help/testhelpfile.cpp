@@ -56,9 +56,7 @@ private slots:
     }
     void pages()
     {
-        QFETCH(int, topic);
-        QFETCH(int, page);
-        QFETCH(bool, found);
+        const auto [topic, page, found] = test::fetch<int, int, bool>("topic", "page", "found");
         const std::optional<QStringList> read = HelpFile::readPage(kSample, topic, page);
         QCOMPARE(bool(read), found);
         if (found)

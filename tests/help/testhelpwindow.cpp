@@ -115,7 +115,6 @@ private slots:
         onTable();
         QTest::mouseClick(w.line(0), Qt::LeftButton);
         QCOMPARE(w.topicNumber(), 1);
-        QCOMPARE(w.topicTitle(), QString("Tree"));
         QCOMPARE(text(&w, "lblTitle"), QString("Tree"));
         page(nullptr, 1, "Tree page one\nsecond line");
         QCOMPARE(shown(&w).mid(0, 4), QStringList({"cmdTOC", "cmdPrev", "cmdNext", "lblPage"}));
@@ -203,11 +202,8 @@ private slots:
     {
         QTemporaryDir exe, data, home;
         const HelpLocator locator(exe.path(), {data.path()}, home.path());
-        QCOMPARE(locator.candidates(),
-                 (QStringList{exe.filePath("qmrhelp.txt"), data.filePath("qmrhelp.txt"),
-                              home.filePath("qmrhelp.txt")}));
         QCOMPARE(locator.locate(), QString());
-        // Each one found goes before those after it.
+        // Each one found goes before those after it: the program's, the system's, the home's.
         for (const QTemporaryDir* dir : {&home, &data, &exe}) {
             TextFile::writeLines(dir->filePath("qmrhelp.txt"), {"[toc]"});
             QCOMPARE(locator.locate(), dir->filePath("qmrhelp.txt"));
@@ -266,12 +262,8 @@ private slots:
     {
         test::columns<qint64, QString, QString>({"count", "locale", "shown"});
         test::row("no digit is required", qint64(0), QString("C"), QString());
-        for (const auto& [count, shown] : {std::pair<qint64, const char*>{7, "7"},
-                                           {999, "999"},
-                                           {1000, "1,000"},
-                                           {1234567, "1,234,567"},
-                                           {123456789012, "123,456,789,012"}})
-            test::row(shown, count, QString("C"), QString(shown));
+        for (const char* shown : {"7", "999", "1,000", "1,234,567", "123,456,789,012"})
+            test::row(shown, QString(shown).remove(',').toLongLong(), QString("C"), QString(shown));
         test::row("German groups", qint64(1234567), QString("de_DE"), QString("1.234.567"));
     }
     void pageCountFormat()
@@ -295,8 +287,6 @@ private slots:
         HelpCommands commands(h.context(), HelpLocator(exe.path(), {data.path()}, home.path()));
         CommandTable table;
         commands.addTo(table);
-        QVERIFY(table.contains("mnuHelpHelpTopics"));
-        QVERIFY(table.contains("mnuHelpAbout"));
 
         h.prompter.expect("Cannot find help file QMRHELP.TXT.");
         table.value("mnuHelpHelpTopics")();

@@ -9,7 +9,6 @@ using namespace qmr;
 using K = qmr::FrameFormat::Kind;
 
 Q_DECLARE_METATYPE(qmr::FrameFormat::Kind)
-Q_DECLARE_METATYPE(qmr::FrameFormat)
 
 namespace {
 
@@ -104,11 +103,9 @@ private slots:
     }
     void frames()
     {
-        QFETCH(QList<K>, passes);
-        QFETCH(int, depth);
-        QFETCH(int, padding);
-        QFETCH(bool, knownLines);
-        QFETCH(int, chunk);
+        const auto [passes, depth, padding, knownLines, chunk] =
+            test::fetch<QList<K>, int, int, bool, int>("passes", "depth", "padding", "knownLines",
+                                                       "chunk");
         const int width = 13, height = 7;
         FrameAssembler assembler;
         for (K kind : passes) {
@@ -149,21 +146,18 @@ private slots:
     // Formats the page cannot be made of are refused with a reason; so is nothing at all.
     void refused_data()
     {
-        QTest::addColumn<FrameFormat>("format");
-        FrameFormat f = formatOf(K::Grey, 8, 10, 10, 0);
-        f.depth = 4;
-        QTest::newRow("4 bits") << f;
-        f = formatOf(K::Rgb, 8, 10, 10, 0);
-        f.bytesPerLine = 29;
-        QTest::newRow("lines shorter than their pixels") << f;
-        f = formatOf(K::Grey, 8, 10, 10, 0);
-        f.kind = K::Other;
-        QTest::newRow("infrared and such") << f;
-        QTest::newRow("no pixels") << formatOf(K::Grey, 8, 0, 10, 0);
+        test::columns<K, int, int, int>({"kind", "depth", "width", "bytesPerLine"});
+        test::row("4 bits", K::Grey, 4, 10, 10);
+        test::row("lines shorter than their pixels", K::Rgb, 8, 10, 29);
+        test::row("infrared and such", K::Other, 8, 10, 10);
+        test::row("no pixels", K::Grey, 8, 0, 0);
     }
     void refused()
     {
-        QFETCH(FrameFormat, format);
+        FrameFormat format;
+        std::tie(format.kind, format.depth, format.pixelsPerLine, format.bytesPerLine) =
+            test::fetch<K, int, int, int>("kind", "depth", "width", "bytesPerLine");
+        format.lines = 10;
         FrameAssembler assembler;
         const Attempt<> begun = assembler.beginFrame(format);
         QVERIFY(!begun);

@@ -6,6 +6,7 @@
 
 using namespace qmr;
 using qmr::test::columns;
+using qmr::test::fetch;
 using qmr::test::row;
 using Values = QStringList;
 
@@ -65,10 +66,8 @@ private slots:
     }
     void nearestValue()
     {
-        QFETCH(ScanOption, option);
-        QFETCH(double, wanted);
-        QFETCH(double, chosen);
-        QCOMPARE(OptionMatch::nearestValue(option, wanted), chosen);
+        const auto [option, wanted] = fetch<ScanOption, double>("option", "wanted");
+        QTEST(OptionMatch::nearestValue(option, wanted), "chosen");
     }
 
     void meaningOfMode_data()
@@ -90,8 +89,7 @@ private slots:
     void meaningOfMode()
     {
         QFETCH(QString, value);
-        QFETCH(QString, meaning);
-        QCOMPARE(colourName(OptionMatch::meaningOfMode(value)), meaning);
+        QTEST(colourName(OptionMatch::meaningOfMode(value)), "meaning");
     }
 
     void chooseMode_data()
@@ -116,13 +114,10 @@ private slots:
     }
     void chooseMode()
     {
-        QFETCH(QStringList, values);
-        QFETCH(ScanColour, wanted);
-        QFETCH(QString, value);
-        QFETCH(QString, gives);
+        const auto [values, wanted] = fetch<QStringList, ScanColour>("values", "wanted");
         const OptionMatch::ModeChoice choice = OptionMatch::chooseMode(values, wanted);
-        QCOMPARE(choice.value, value);
-        QCOMPARE(colourName(choice.colour), gives);
+        QTEST(choice.value, "value");
+        QTEST(colourName(choice.colour), "gives");
     }
 
     void chooseSource_data()
@@ -147,16 +142,12 @@ private slots:
     }
     void chooseSource()
     {
-        QFETCH(QStringList, values);
-        QFETCH(bool, feeder);
-        QFETCH(bool, duplex);
-        QFETCH(QString, value);
-        QFETCH(bool, fed);
-        QFETCH(bool, bothSides);
+        const auto [values, feeder, duplex] =
+            fetch<QStringList, bool, bool>("values", "feeder", "duplex");
         const OptionMatch::SourceChoice choice = OptionMatch::chooseSource(values, feeder, duplex);
-        QCOMPARE(choice.value, value);
-        QCOMPARE(choice.feeder, fed);
-        QCOMPARE(choice.duplex, bothSides);
+        QTEST(choice.value, "value");
+        QTEST(choice.feeder, "fed");
+        QTEST(choice.duplex, "bothSides");
     }
 };
 

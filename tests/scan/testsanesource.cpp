@@ -12,9 +12,9 @@
 #include <thread>
 #include <unistd.h>
 
+#include "core/brokenpipes.h"
 #include "hangingsane.h"
 #include "sanetestbackend.h"
-#include "core/brokenpipes.h"
 #include "scan/sanesource.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
@@ -23,6 +23,7 @@ using namespace qmr;
 using Options = QList<QPair<QString, QVariant>>;
 using Reason = qmr::ScanEnd::Reason;
 using qmr::test::columns;
+using qmr::test::fetch;
 using qmr::test::row;
 
 Q_DECLARE_METATYPE(qmr::ScanColour)
@@ -152,8 +153,7 @@ private slots:
     }
     void deviceList()
     {
-        QFETCH(QStringList, conf);
-        QFETCH(QStringList, names);
+        const auto [conf, names] = fetch<QStringList, QStringList>("conf", "names");
         test::SaneTestBackend backend(conf);
         SaneSource source;
         QSignalSpy found(&source, &ScanSource::devicesFound);
@@ -192,12 +192,9 @@ private slots:
     }
     void pages()
     {
-        QFETCH(ScanColour, colour);
-        QFETCH(QString, option);
-        QFETCH(QVariant, value);
-        QFETCH(QString, mode);
-        QFETCH(QString, bits);
-        QFETCH(QImage::Format, format);
+        const auto [colour, option, value, mode, bits, format] =
+            fetch<ScanColour, QString, QVariant, QString, QString, QImage::Format>(
+                "colour", "option", "value", "mode", "bits", "format");
         test::SaneTestBackend backend({kPicture});
         const QImage expected = backend.scanimage(
             {"-d", "test:0", "--resolution", "50", "--mode", mode, "--depth", bits});
@@ -256,12 +253,9 @@ private slots:
     }
     void runs()
     {
-        QFETCH(QString, device);
-        QFETCH(bool, feeder);
-        QFETCH(QString, code);
-        QFETCH(int, failAfter);
-        QFETCH(QString, status);
-        QFETCH(int, pages);
+        const auto [device, feeder, code, failAfter, status, pages] =
+            fetch<QString, bool, QString, int, QString, int>("device", "feeder", "code",
+                                                             "failAfter", "status", "pages");
         const bool midSheet = code == QLatin1String("cancel");
         const bool cancel = code.startsWith(QLatin1String("cancel"));
         const bool fails = !code.isEmpty() && !cancel;
@@ -430,8 +424,7 @@ private slots:
     }
     void options()
     {
-        QFETCH(int, asked);
-        QFETCH(double, taken);
+        const auto [asked, taken] = fetch<int, double>("asked", "taken");
         test::SaneTestBackend backend;
         SaneSource source;
         Spies spy(source);

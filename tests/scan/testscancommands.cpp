@@ -69,12 +69,9 @@ private slots:
     }
     void commands()
     {
-        QFETCH(Level, level);
-        QFETCH(QString, command);
-        QFETCH(QString, message);
-        QFETCH(QString, before);
-        QFETCH(QString, kind);
-        QFETCH(int, pages);
+        const auto [level, command, message, before, pages] =
+            fetch<Level, QString, QString, QString, int>("level", "command", "message", "before",
+                                                         "pages");
         WindowStore w(before);
         w.clickDownTo(level);
         if (!message.isEmpty())
@@ -93,7 +90,7 @@ private slots:
             w.h.window->menus().run(QStringLiteral("mnuPopupDocumentScanPage"));
         }
         QVERIFY2(w.h.prompter.verify(), qPrintable(w.h.prompter.report()));
-        QCOMPARE(w.h.home.settings().get(keys::ImageType), kind);
+        QTEST(w.h.home.settings().get(keys::ImageType), "kind");
         const QVector<PageRow> rows = w.pagesOfFive();
         QCOMPARE(rows.size(), pages);
         QCOMPARE(rows.last().pageNumber, pages);

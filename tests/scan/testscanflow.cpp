@@ -50,13 +50,9 @@ private slots:
     }
     void scanIntoStore()
     {
-        QFETCH(bool, intoFolder);
-        QFETCH(QString, kind);
-        QFETCH(QString, scanType);
-        QFETCH(bool, feeder);
-        QFETCH(int, pages);
-        QFETCH(int, dpi);
-        QFETCH(bool, grey);
+        const auto [intoFolder, kind, scanType, feeder, pages, dpi, grey] =
+            fetch<bool, QString, QString, bool, int, int, bool>("intoFolder", "kind", "scanType",
+                                                                "feeder", "pages", "dpi", "grey");
         ScanHarness h;
         Settings& s = h.settings();
         s.set(keys::ImageType, kind);
@@ -118,9 +114,7 @@ private slots:
     }
     void editing()
     {
-        QFETCH(bool, feeder);
-        QFETCH(int, closeAt);
-        QFETCH(int, saved);
+        auto [feeder, closeAt, saved] = fetch<bool, int, int>("feeder", "closeAt", "saved");
         ScanHarness h;
         h.settings().setMode(keys::AfterScan, AfterScanMode::OpenViewer);
         h.settings().setFlag(keys::ScanFeeder, feeder);
@@ -189,13 +183,9 @@ private slots:
     }
     void stops()
     {
-        QFETCH(QString, kind);
-        QFETCH(QString, scanner);
-        QFETCH(QString, camera);
-        QFETCH(bool, intoFolder);
-        QFETCH(QString, status);
-        QFETCH(int, failAfter);
-        QFETCH(QString, message);
+        const auto [kind, scanner, camera, intoFolder, status, failAfter, message] =
+            fetch<QString, QString, QString, bool, QString, int, QString>(
+                "kind", "scanner", "camera", "intoFolder", "status", "failAfter", "message");
         const bool cancel = status == QLatin1String("cancel");
         // A sheet takes a while to come, so that Cancel lands while one is read.
         ScanHarness h(status.isEmpty() ? QStringList()
@@ -260,8 +250,7 @@ private slots:
     }
     void dialogBeforeTheScan()
     {
-        QFETCH(QString, dialog);
-        QFETCH(bool, goOn);
+        const auto [dialog, goOn] = fetch<QString, bool>("dialog", "goOn");
         const bool details = dialog == QLatin1String("qmr::ItemDialog");
         const bool options = dialog == QLatin1String("qmr::ScanOptionsDialog");
         const bool first = dialog == QLatin1String("qmr::ScanSettingsDialog");
