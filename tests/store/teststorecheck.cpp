@@ -1,8 +1,11 @@
 #include <QDir>
 #include <QFile>
+#include <QLoggingCategory>
 #include <QSignalSpy>
 #include <QTest>
+#include <functional>
 #include <sys/stat.h>
+#include <utility>
 #include <utime.h>
 
 #include "store/database.h"
@@ -11,10 +14,10 @@
 #include "store/pageplace.h"
 #include "store/pagestore.h"
 #include "store/storecheck.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testrunner.h"
-#include "tests/support/datarow.h"
 
 using qmr::test::row;
 using namespace qmr;
@@ -63,6 +66,22 @@ Checked check(Database& db, const PagePaths& paths, bool repair)
     c.summary = check.run(repair, [&c](const QString& problem, bool) { c.problems << problem; });
     return c;
 }
+
+// Runs an action from inside the sweep's turn, at its first removal: the log line of a removal
+// is the one moment a test can reach between two of its decisions.
+struct FirstRemoval
+{
+    static inline std::function<void()> action;
+    static inline QtMessageHandler previous = nullptr;
+
+    static void handle(QtMsgType type, const QMessageLogContext& context, const QString& text)
+    {
+        if (action && text.startsWith(QLatin1String("Removed")))
+            std::exchange(action, nullptr)();
+        if (previous)
+            previous(type, context, text);
+    }
+};
 
 } // namespace
 
@@ -247,6 +266,40 @@ private slots:
         QVERIFY(QFile::exists(paths.computedThumbPath(kept)));
         QCOMPARE(sweep.removed(), 3);
         QCOMPARE(sweep.missingPages(), QVector<qint32>{bare});
+    }
+    // A file is weighed against the rows as they stand when its turn comes, not when the
+    // directories were read: a page given a row while the sweep runs keeps its file.
+    void aRowAddedWhileTheSweepRunsKeepsItsFile()
+    {
+        test::TestHome home;
+        test::FixtureStore store(home.home());
+        const qint32 doc =
+            store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
+        const PagePaths paths(home.home());
+        const QList<qint32> ids{1000, 1001};
+        for (const qint32 id : ids)
+            QVERIFY(writeFile(paths.computedPagePath(id), "x"));
+        FirstRemoval::action = [&] {
+            for (const qint32 id : ids)
+                store.db().execute(
+                    "INSERT INTO Page (PageId, DocumentId, Name, PageNumber, "
+                    "ScanDate, Filetype) VALUES (?, ?, '', 1, '2026-03-14 09:30:00', 'JPG')",
+                    {id, doc});
+        };
+        QLoggingCategory::setFilterRules("qmr.store.info=true");
+        FirstRemoval::previous = qInstallMessageHandler(&FirstRemoval::handle);
+        HomeSweep sweep(store.db(), paths, QDateTime::currentSecsSinceEpoch());
+        QSignalSpy finished(&sweep, &HomeSweep::finished);
+        sweep.start();
+        const bool ended = finished.wait(20000);
+        qInstallMessageHandler(FirstRemoval::previous);
+        QLoggingCategory::setFilterRules(QString());
+        QVERIFY(ended);
+        QVERIFY(!FirstRemoval::action); // the first removal came
+        QCOMPARE(sweep.removed(), 1);
+        QCOMPARE(int(QFile::exists(paths.computedPagePath(ids[0]))) +
+                     int(QFile::exists(paths.computedPagePath(ids[1]))),
+                 1);
     }
 };
 
