@@ -66,6 +66,7 @@ private slots:
     void iconAtEverySize()
     {
         const QIcon icon = AppIcon::icon();
+        QVERIFY(!icon.isNull());
         for (const int side : AppIcon::sizes()) {
             const QImage image =
                 icon.pixmap(side, side).toImage().convertToFormat(QImage::Format_ARGB32);

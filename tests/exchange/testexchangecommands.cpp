@@ -228,9 +228,8 @@ private slots:
         QVERIFY(QFile::link(elsewhere.filePath("secret.jpg"), dir.filePath("b.jpg")));
         QVERIFY(QFile::link(elsewhere.path(), dir.filePath("sub")));
         const QByteArray raw = QFile::encodeName(dir.path());
-        QVERIFY(
-            ExchangeFixture::writeRaw(raw + "/Rechnung M\xe4rz.jpg",
-                                      ExchangeFixture::readBytes(elsewhere.filePath("green.jpg"))));
+        const QByteArray picture = ExchangeFixture::readBytes(elsewhere.filePath("green.jpg"));
+        QVERIFY(ExchangeFixture::writeRaw(raw + "/Rechnung M\xe4rz.jpg", picture));
         QVERIFY(ExchangeFixture::writeRaw(raw + "/notiz \xe9.pdf", "text"));
         h.clickPath({"CAB1", "DRW1", "FLD2"}); // "Savings", empty
         QStringList offered;
@@ -241,8 +240,12 @@ private slots:
         importFiles(h, "mnuPopupFolderImportFiles", dir.path(), {}, "cmdAll", &offered);
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
         QCOMPARE(offered, QStringList({"JPG", "PDF"}));
-        QCOMPARE(documentNames(*h.session, 2),
-                 QStringList({"a.jpg", QString::fromUtf8("Rechnung März.jpg")}));
+        const QString old = QString::fromUtf8("Rechnung März.jpg");
+        QCOMPARE(documentNames(*h.session, 2), QStringList({"a.jpg", old}));
+        const qint32 page = h.session->pages().pageNamed(
+            h.session->items().childNamed(Level::Document, 2, old), old);
+        QVERIFY(page >= 0);
+        QCOMPARE(ExchangeFixture::readBytes(h.session->paths().computedPagePath(page)), picture);
     }
 
     // A cancelled chooser does nothing; the same file twice makes one document.

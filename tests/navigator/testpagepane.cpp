@@ -395,6 +395,7 @@ private slots:
                      qPrintable(QString("%1 at %2: %3").arg(key).arg(side).arg(share)));
         }
         NavIcons icons;
+        QVERIFY(!icons.icon(key).isNull());
         QCOMPARE(&icons.icon(key), &icons.icon(key)); // made once
     }
 };

@@ -145,6 +145,9 @@ private slots:
                               "Delete page record", "Delete page record", "Delete page record"}));
         QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/2"));
         QCOMPARE(s.pagesWithFiles(), (QList<int>{2, 3}));
+        // The shortcut's own file is the user's, and its thumbnail stays with it.
+        QVERIFY(QFile::exists(s.shortcutFile));
+        QVERIFY(QFile::exists(s.paths->thumbPath(4, s.shortcutFile)));
     }
 
     void filesThatCannotGoAreSkipped()
