@@ -22,7 +22,8 @@ class NavItem : public QTreeWidgetItem
 {
 public:
     NavItem(const QString& key, const QString& name, const QIcon& icon)
-        : QTreeWidgetItem(UserType), m_key(key), m_name(name), m_icon(icon)
+        : QTreeWidgetItem(UserType), m_key(key), m_name(name), m_plain(isPlainName(name)),
+          m_icon(icon)
     {
         // No copy in the item's own values (an eighth of a large search's time): the item has
         // no column of its own until it is renamed, and the toolkit here reports a flag change
@@ -43,22 +44,25 @@ public:
     // the view.
     void setData(int column, int role, const QVariant& value) override
     {
-        if (column == 0 && (role == Qt::DisplayRole || role == Qt::EditRole))
+        if (column == 0 && (role == Qt::DisplayRole || role == Qt::EditRole)) {
             m_name = value.toString();
-        else if (column == 0 && role == Qt::DecorationRole)
+            m_plain = isPlainName(m_name);
+        } else if (column == 0 && role == Qt::DecorationRole)
             m_icon = value.value<QIcon>();
         QTreeWidgetItem::setData(column, role, value);
     }
     bool operator<(const QTreeWidgetItem& other) const override
     {
-        return other.type() == UserType
-                   ? nameLess(m_name, static_cast<const NavItem&>(other).m_name)
-                   : nameLess(text(0), other.text(0));
+        if (other.type() != UserType)
+            return nameLess(text(0), other.text(0));
+        const NavItem& o = static_cast<const NavItem&>(other);
+        return nameLess(m_name, m_plain, o.m_name, o.m_plain);
     }
 
 private:
     const QString m_key;
     QString m_name;
+    bool m_plain; // asked once, not at each comparison of a sort
     QIcon m_icon;
 };
 
@@ -184,22 +188,34 @@ void forgetEach(QHash<QString, QTreeWidgetItem*>& nodes, const QTreeWidgetItem* 
     nodes.remove(NavTree::keyOf(item));
 }
 
+// The nodes at and below `node`, leaving out `gone` and its own.
+void keepEach(QHash<QString, QTreeWidgetItem*>& kept, QTreeWidgetItem* node,
+              const QTreeWidgetItem* gone)
+{
+    if (node == gone)
+        return;
+    kept.insert(NavTree::keyOf(node), node);
+    for (int i = 0; i < node->childCount(); ++i)
+        keepEach(kept, node->child(i), gone);
+}
+
 } // namespace
 
 void NavTree::forget(QTreeWidgetItem* item)
 {
-    // A few nodes are looked up by key. A large branch (a Found branch of thousands) goes in
-    // one pass over the index, which costs less than a look-up for each of its keys.
-    if (countNodes(item) < m_nodes.size() / 8) {
+    // A few nodes are looked up by key. When a large part of the tree goes (a Found branch of
+    // thousands), the index is made again from the nodes that stay, which costs less than a
+    // look-up for each key that goes.
+    const int count = countNodes(item);
+    if (count < m_nodes.size() / 8) {
         forgetEach(m_nodes, item);
         return;
     }
-    m_nodes.removeIf([item](const QHash<QString, QTreeWidgetItem*>::iterator& it) {
-        for (const QTreeWidgetItem* p = it.value(); p; p = p->parent())
-            if (p == item)
-                return true;
-        return false;
-    });
+    QHash<QString, QTreeWidgetItem*> kept;
+    kept.reserve(m_nodes.size() - count);
+    for (int i = 0; i < topLevelItemCount(); ++i)
+        keepEach(kept, topLevelItem(i), item);
+    m_nodes = std::move(kept);
 }
 
 void NavTree::removeNode(const QString& key)

@@ -21,6 +21,15 @@ private slots:
         // Where code-point order says the opposite: a capital stands before every small letter.
         row("capital of a later letter", "B", "a", 1);
         row("small of an earlier letter", "a", "B", -1);
+        // Letters, digits and blanks alone: blank, then digits, then letters.
+        row("blank before a letter", "a b", "ab", -1);
+        row("blank before a digit", "Invoice 9", "Invoice10", -1);
+        row("digit before a letter", "Folder 2", "Folder a", -1);
+        row("shorter first", "Folder", "folder 1", -1);
+        // Punctuation stands before letters and digits, whatever its code point.
+        row("brace before letters", "{x}", "abc", -1);
+        row("letters after a brace", "abc", "{x}", 1);
+        row("apostrophe after hyphen", "'", "-Lg", 1);
     }
     void compareNames()
     {
