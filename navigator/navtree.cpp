@@ -203,11 +203,11 @@ void keepEach(QHash<QString, QTreeWidgetItem*>& kept, QTreeWidgetItem* node,
 
 void NavTree::forget(QTreeWidgetItem* item)
 {
-    // A few nodes are looked up by key. When a large part of the tree goes (a Found branch of
-    // thousands), the index is made again from the nodes that stay, which costs less than a
-    // look-up for each key that goes.
+    // Fewer than half of the nodes are looked up by key. When most of the tree goes (a Found
+    // branch of thousands), the index is made again from the nodes that stay, which costs less
+    // than a look-up for each key that goes.
     const int count = countNodes(item);
-    if (count < m_nodes.size() / 8) {
+    if (count * 2 < m_nodes.size()) {
         forgetEach(m_nodes, item);
         return;
     }

@@ -27,6 +27,8 @@ private slots:
         row("digit before a letter", "Folder 2", "Folder a", -1);
         row("shorter first", "Folder", "folder 1", -1);
         // Punctuation stands before letters and digits, whatever its code point.
+        row("underscore before a digit", "_", "0", -1);
+        row("at sign before a digit", "@", "0", -1);
         row("brace before letters", "{x}", "abc", -1);
         row("letters after a brace", "abc", "{x}", 1);
         row("apostrophe after hyphen", "'", "-Lg", 1);
@@ -37,6 +39,9 @@ private slots:
         const int c = qmr::compareNames(a, b);
         QCOMPARE((c > 0) - (c < 0), sign);
         QCOMPARE(nameLess(a, b), sign < 0 || (sign == 0 && a < b));
+        // The general order, which plain names skip, says the same.
+        const int general = qmr::compareNames(a, false, b, false);
+        QCOMPARE((general > 0) - (general < 0), sign);
     }
 };
 

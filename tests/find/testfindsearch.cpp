@@ -193,6 +193,19 @@ private slots:
         QCOMPARE((QList<int>{d.cabinetId, d.drawerId, d.folderId}), (QList<int>{1, 1, 1}));
         QCOMPARE((QStringList{d.cabinetName, d.drawerName, d.folderName, d.documentName}),
                  (QStringList{"Home Papers", "Bank", "Checking", "Checking fees"}));
+        // Without keywords every document in scope comes, with its places, and the bill (in
+        // January's range) by both passes: seven rows.
+        FindRecord january;
+        january.scanFrom = QDate(2004, 1, 1);
+        january.scanThru = QDate(2004, 1, 31);
+        const QVector<FoundDocument> all = search.run(january, 0, 0).documents;
+        QCOMPARE(all.size(), 7);
+        const FoundDocument& bill = all.last();
+        QCOMPARE((QList<int>{bill.cabinetId, bill.drawerId, bill.folderId, bill.documentId}),
+                 (QList<int>{3, 4, 5, 6}));
+        QCOMPARE(
+            (QStringList{bill.cabinetName, bill.drawerName, bill.folderName, bill.documentName}),
+            (QStringList{"Office", "Clients", "Acme", "Acme tax bill"}));
 
         FindRecord r =
             ranged("size", 500, 900,

@@ -43,7 +43,7 @@ private slots:
             {"FCB1", "FDW2", "Taxes", {}, true, fixed},
             {"FCB1", "FDW1", "bank", {}, true, fixed},
             {"FDW1", "FFD1", "Checking", {}, true, fixed},
-            {"FFD1", "FDC7", "zeta", {}, false, fixed},
+            {"FFD1", "FDC7", "{zeta}", {}, false, fixed},
             {"FFD1", "FDC5", "Alpha", {}, false, fixed},
             {"FFD1", "FDC5", "twice", {}, false, fixed},     // key taken: left out
             {"FFD9", "FDC6", "orphan", {}, false, fixed},    // no such parent
@@ -65,7 +65,7 @@ private slots:
         QCOMPARE(expanding.count(), 5);
         // Sorted like every other node once events have run.
         QCoreApplication::processEvents();
-        QCOMPARE(itemTexts(tree.node("FFD1")), (QStringList{"Alpha", "zeta"}));
+        QCOMPARE(itemTexts(tree.node("FFD1")), (QStringList{"{zeta}", "Alpha"}));
         QCOMPARE(tree.node("FCB1")->child(0)->text(0), QString("bank"));
         QCOMPARE(tree.topLevelItem(1)->text(0), QString("Found"));
         // Gone with their parent, and the key free again.
@@ -94,6 +94,12 @@ private slots:
         QVERIFY(!tree.node("DRW120") && !tree.node("FLD1"));
         QCOMPARE(NavTree::keyOf(tree.node("DRW121")), QStringLiteral("DRW121"));
         QCOMPARE(tree.parentKey("DRW119"), QStringLiteral("CAB2"));
+        // Most of the tree goes: the nodes that stay keep their keys, wherever they stand.
+        QVERIFY(tree.addNode({}, "ROOTFOUND", "Found", {}));
+        QVERIFY(tree.addNode("ROOTFOUND", "FDC1", "kept", {}));
+        tree.removeNode("ROOT");
+        QCOMPARE(tree.nodeCount(), 2);
+        QCOMPARE(tree.parentKey("FDC1"), QStringLiteral("ROOTFOUND"));
     }
 
     // The column fits the names in view, and widens for a longer one scrolled into view.
