@@ -10,7 +10,7 @@
 
 using namespace qmr;
 using test::BigPictures;
-using test::le;
+using test::littleEndian;
 using test::row;
 
 // Which stated sizes the program refuses to open, before anything is decoded.
@@ -50,13 +50,14 @@ private slots:
     void pixelsBeyondTheColourTable()
     {
         const QByteArray rows(40 * 7, '\xF5'); // 39 pixels a row, rounded up to four bytes
-        const QByteArray table = le(0x00FF0000, 4);
-        const QByteArray info = le(40, 4) + le(39, 4) + le(7, 4) + le(1, 2) + le(8, 2) + le(0, 4) +
-                                le(quint32(rows.size()), 4) + le(2835, 4) + le(2835, 4) + le(1, 4) +
-                                le(0, 4);
+        const QByteArray table = littleEndian(0x00FF0000, 4);
+        const QByteArray info = littleEndian(40, 4) + littleEndian(39, 4) + littleEndian(7, 4) +
+                                littleEndian(1, 2) + littleEndian(8, 2) + littleEndian(0, 4) +
+                                littleEndian(quint32(rows.size()), 4) + littleEndian(2835, 4) +
+                                littleEndian(2835, 4) + littleEndian(1, 4) + littleEndian(0, 4);
         const quint32 offset = 14 + 40 + quint32(table.size());
-        QByteArray bmp = "BM" + le(offset + quint32(rows.size()), 4) + le(0, 4) + le(offset, 4) +
-                         info + table + rows;
+        QByteArray bmp = "BM" + littleEndian(offset + quint32(rows.size()), 4) +
+                         littleEndian(0, 4) + littleEndian(offset, 4) + info + table + rows;
         QBuffer buffer(&bmp);
         buffer.open(QIODevice::ReadOnly);
         QImageReader reader(&buffer);

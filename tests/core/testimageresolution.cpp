@@ -6,7 +6,7 @@
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
-using test::be;
+using test::bigEndian;
 using test::columns;
 using test::row;
 
@@ -18,7 +18,7 @@ QByteArray jpeg(quint8 marker, const QByteArray& data, bool whole = true)
     QByteArray b("\xFF\xD8", 2);
     b += char(0xFF);
     b += char(marker);
-    b += be(quint32(data.size() + 2), 2);
+    b += bigEndian(quint32(data.size() + 2), 2);
     b += data;
     if (!whole)
         return b.left(b.size() - 4); // a file that stops inside the segment
@@ -27,15 +27,16 @@ QByteArray jpeg(quint8 marker, const QByteArray& data, bool whole = true)
 
 QByteArray jfif(int units, int x, int y)
 {
-    return QByteArray("JFIF\0\x01\x02", 7) + char(units) + be(quint32(x), 2) + be(quint32(y), 2) +
-           QByteArray(2, '\0');
+    return QByteArray("JFIF\0\x01\x02", 7) + char(units) + bigEndian(quint32(x), 2) +
+           bigEndian(quint32(y), 2) + QByteArray(2, '\0');
 }
 
 QByteArray png(int unit, quint32 x, quint32 y)
 {
-    const QByteArray phys = be(x, 4) + be(y, 4) + char(unit);
-    return QByteArray("\x89PNG\r\n\x1A\n", 8) + be(13, 4) + "IHDR" + QByteArray(13, '\1') +
-           be(0, 4) + be(9, 4) + "pHYs" + phys + be(0, 4) + be(0, 4) + "IDAT" + be(0, 4);
+    const QByteArray phys = bigEndian(x, 4) + bigEndian(y, 4) + char(unit);
+    return QByteArray("\x89PNG\r\n\x1A\n", 8) + bigEndian(13, 4) + "IHDR" + QByteArray(13, '\1') +
+           bigEndian(0, 4) + bigEndian(9, 4) + "pHYs" + phys + bigEndian(0, 4) + bigEndian(0, 4) +
+           "IDAT" + bigEndian(0, 4);
 }
 
 } // namespace

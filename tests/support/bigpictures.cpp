@@ -7,6 +7,7 @@
 #include <QTemporaryDir>
 
 #include "tests/support/bigpictures.h"
+#include "tests/support/headerbytes.h"
 
 namespace qmr::test {
 
@@ -48,30 +49,17 @@ quint32 crc32(const QByteArray& bytes)
     return ~crc;
 }
 
-QByteArray bigEndian(quint32 value)
-{
-    const char bytes[] = {char(value >> 24), char(value >> 16), char(value >> 8), char(value)};
-    return QByteArray(bytes, 4);
-}
-
 QByteArray chunk(const QByteArray& type, const QByteArray& data)
 {
-    return bigEndian(quint32(data.size())) + type + data + bigEndian(crc32(type + data));
-}
-
-QByteArray littleEndian(quint32 value, int bytes)
-{
-    QByteArray out;
-    for (int i = 0; i < bytes; ++i)
-        out += char(value >> (8 * i));
-    return out;
+    return bigEndian(quint32(data.size()), 4) + type + data + bigEndian(crc32(type + data), 4);
 }
 
 } // namespace
 
 QByteArray BigPictures::pngStating(const QSize& size)
 {
-    const QByteArray header = bigEndian(quint32(size.width())) + bigEndian(quint32(size.height())) +
+    const QByteArray header = bigEndian(quint32(size.width()), 4) +
+                              bigEndian(quint32(size.height()), 4) +
                               QByteArray("\x08\x02\0\0\0", 5);
     // qCompress puts the length before the zlib stream, which PNG does not want.
     const QByteArray rows = qCompress(QByteArray(4096, '\0')).mid(4);
