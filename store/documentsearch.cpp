@@ -186,10 +186,10 @@ void readMatchingFolders(Database& db, const Conditions& folders, HitReader& rea
                   });
 }
 
-// The folder pass of every folder in scope (no keyword, no words on the pages, no one folder):
-// every document comes. The folders are read first, then the documents in one pass over their
-// table, which costs half as much as looking each one up from its folder. The documents go on
-// folder after folder, as the look-up handed them on.
+// The folder pass of every folder in scope of several cabinets (no keyword, no words on the
+// pages, no one folder): every document comes. The folders are read first, then the documents in
+// one pass over their table, which costs half as much as looking each one up from its folder. The
+// documents go on folder after folder, as the look-up handed them on.
 void readEveryFolder(Database& db, const Conditions& folders, HitReader& reader)
 {
     struct FolderHits
@@ -235,6 +235,7 @@ void readEveryFolder(Database& db, const Conditions& folders, HitReader& reader)
     for (FolderHits& f : inScope)
         f.hits->folderPass.append(std::move(f.documents));
 }
+
 } // namespace
 
 FindOutcome DocumentSearch::run(const FindCriteria& criteria, const QVector<qint32>& cabinets)
