@@ -3,6 +3,7 @@
 #include <QHash>
 #include <QStringList>
 #include <QVariantList>
+#include <iterator>
 #include <vector>
 
 #include "core/findcriteria.h"
@@ -17,9 +18,6 @@ namespace {
 
 // The columns that both passes read, in this order: the ids of the places and of the
 // document, then their names.
-const QString kColumns = QStringLiteral(
-    "Drawer.CabinetId, Folder.DrawerId, Folder.FolderId, Document.DocumentId, Cabinet.Name, "
-    "Drawer.Name, Folder.Name, Document.Name");
 enum Column {
     CabinetId,
     DrawerId,
@@ -30,6 +28,30 @@ enum Column {
     FolderName,
     DocumentName
 };
+struct ColumnInfo
+{
+    const char* expression;
+    bool ofDocument;
+};
+constexpr ColumnInfo kColumnInfo[] = {
+    {"Drawer.CabinetId", false},   {"Folder.DrawerId", false}, {"Folder.FolderId", false},
+    {"Document.DocumentId", true}, {"Cabinet.Name", false},    {"Drawer.Name", false},
+    {"Folder.Name", false},        {"Document.Name", true},
+};
+static_assert(std::size(kColumnInfo) == DocumentName + 1, "one expression for each column");
+
+// The columns as a select list. A place read alone has no document: its columns are there,
+// NULL, so that every row is read the same way.
+QString columnList(bool withDocument)
+{
+    QStringList list;
+    for (const ColumnInfo& c : kColumnInfo)
+        list << (c.ofDocument && !withDocument ? QStringLiteral("NULL")
+                                               : QString::fromLatin1(c.expression));
+    return list.join(QStringLiteral(", "));
+}
+
+const QString kColumns = columnList(true);
 
 const QString kPlaces = QStringLiteral("JOIN Drawer ON Drawer.DrawerId = Folder.DrawerId "
                                        "JOIN Cabinet ON Cabinet.CabinetId = Drawer.CabinetId");
@@ -200,10 +222,7 @@ void readEveryFolder(Database& db, const Conditions& folders, HitReader& reader)
     };
     std::vector<FolderHits> inScope;
     QHash<qint32, std::size_t> slotOf;
-    // The document columns are there, empty, so that the place is read as any row is.
-    db.forEachRow(QStringLiteral("SELECT Drawer.CabinetId, Folder.DrawerId, Folder.FolderId, "
-                                 "NULL, Cabinet.Name, Drawer.Name, Folder.Name, NULL "
-                                 "FROM Folder ") +
+    db.forEachRow(QStringLiteral("SELECT ") + columnList(false) + QStringLiteral(" FROM Folder ") +
                       kPlaces + folders.where(),
                   folders.binds, [&](const Database::Row& row) {
                       CabinetHits* hits = reader.cabinetOf(row);
