@@ -2,6 +2,8 @@
 
 #include <QCollator>
 
+#include "core/sortname.h"
+
 namespace qmr {
 
 namespace {
@@ -20,46 +22,24 @@ const QCollator& collator()
 
 } // namespace
 
-bool isPlainName(const QString& name)
-{
-    for (const QChar ch : name) {
-        const char16_t u = ch.unicode();
-        if (!((u >= u'a' && u <= u'z') || (u >= u'A' && u <= u'Z') || (u >= u'0' && u <= u'9') ||
-              u == u' '))
-            return false;
-    }
-    return true;
-}
-
 int compareNames(const QString& a, const QString& b)
 {
-    return compareNames(a, isPlainName(a), b, isPlainName(b));
+    return SortName(a).compare(SortName(b));
 }
 
-int compareNames(const QString& a, bool aPlain, const QString& b, bool bPlain)
+bool nameLess(const QString& a, const QString& b)
 {
-    // Plain names stand in the collator's order when compared by their lower-case letters
-    // (blank, then digits, then letters), so the collator need not be asked: a sort of a large
-    // found branch spent most of its time in it.
-    if (aPlain && bPlain)
-        return a.compare(b, Qt::CaseInsensitive);
+    return SortName(a) < SortName(b);
+}
+
+int compareNamesByCollator(const QString& a, const QString& b)
+{
     const int c = collator().compare(a, b);
     if (c != 0)
         return c;
     // The collator may call different texts equal (accents at its level of strength, say);
     // names that differ in more than case are different names.
     return a.compare(b, Qt::CaseInsensitive);
-}
-
-bool nameLess(const QString& a, const QString& b)
-{
-    return nameLess(a, isPlainName(a), b, isPlainName(b));
-}
-
-bool nameLess(const QString& a, bool aPlain, const QString& b, bool bPlain)
-{
-    const int c = compareNames(a, aPlain, b, bPlain);
-    return c != 0 ? c < 0 : a < b;
 }
 
 } // namespace qmr

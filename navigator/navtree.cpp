@@ -6,6 +6,7 @@
 #include <QScrollBar>
 
 #include "core/nameorder.h"
+#include "core/sortname.h"
 
 namespace qmr {
 
@@ -22,8 +23,7 @@ class NavItem : public QTreeWidgetItem
 {
 public:
     NavItem(const QString& key, const QString& name, const QIcon& icon)
-        : QTreeWidgetItem(UserType), m_key(key), m_name(name), m_plain(isPlainName(name)),
-          m_icon(icon)
+        : QTreeWidgetItem(UserType), m_key(key), m_name(name), m_icon(icon)
     {
         // No copy in the item's own values (an eighth of a large search's time): the item has
         // no column of its own until it is renamed, and the toolkit here reports a flag change
@@ -35,7 +35,7 @@ public:
         if (role == kKeyRole)
             return m_key;
         if (column == 0 && (role == Qt::DisplayRole || role == Qt::EditRole))
-            return m_name;
+            return m_name.text();
         if (column == 0 && role == Qt::DecorationRole)
             return m_icon;
         return QTreeWidgetItem::data(column, role);
@@ -44,10 +44,9 @@ public:
     // the view.
     void setData(int column, int role, const QVariant& value) override
     {
-        if (column == 0 && (role == Qt::DisplayRole || role == Qt::EditRole)) {
-            m_name = value.toString();
-            m_plain = isPlainName(m_name);
-        } else if (column == 0 && role == Qt::DecorationRole)
+        if (column == 0 && (role == Qt::DisplayRole || role == Qt::EditRole))
+            m_name = SortName(value.toString());
+        else if (column == 0 && role == Qt::DecorationRole)
             m_icon = value.value<QIcon>();
         QTreeWidgetItem::setData(column, role, value);
     }
@@ -56,13 +55,12 @@ public:
         if (other.type() != UserType)
             return nameLess(text(0), other.text(0));
         const NavItem& o = static_cast<const NavItem&>(other);
-        return nameLess(m_name, m_plain, o.m_name, o.m_plain);
+        return m_name < o.m_name;
     }
 
 private:
     const QString m_key;
-    QString m_name;
-    bool m_plain; // asked once, not at each comparison of a sort
+    SortName m_name;
     QIcon m_icon;
 };
 
