@@ -8,7 +8,8 @@
 # statement or an early return removed), builds each in a scratch copy of the tree
 # (build-mutants/), runs the test executable of the file's folder (and of a folder whose tests
 # check it too, listed below), and prints how many were killed (a test failed, or ran past the
-# time limit), how many survived (the tests passed) and the surviving mutants' lines. A mutant that does not compile counts neither way.
+# time limit), how many survived (the tests passed) and the surviving mutants' lines. A mutant
+# that does not compile counts neither way.
 #
 # Without FILE arguments it mutates the fixed list below; the same seed and list give the same
 # mutants, so scores can be compared before and after a change to the tests. --list prints the

@@ -1,7 +1,6 @@
 #include <QTest>
 
 #include "core/nameorder.h"
-#include "core/sortname.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
@@ -40,7 +39,6 @@ private slots:
         const int c = qmr::compareNames(a, b);
         QCOMPARE((c > 0) - (c < 0), sign);
         QCOMPARE(nameLess(a, b), sign < 0 || (sign == 0 && a < b));
-        QCOMPARE(SortName(a) < SortName(b), nameLess(a, b));
         // The general order, which plain names skip, says the same.
         const int general = compareNamesByCollator(a, b);
         QCOMPARE((general > 0) - (general < 0), sign);
