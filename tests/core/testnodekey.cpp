@@ -30,6 +30,7 @@ private slots:
         row("root", "ROOT", "ROO", -1, -1, -1, true, false);
         row("found root", "ROOTFOUND", "ROO", -1, -1, -1, false, true);
         row("bare prefix", "CAB", "CAB", -1, -1, -1, false, false);
+        row("bare found prefix", "FDC", "FDC", -1, -1, -1, false, false);
         row("not a number", "CABx1", "CAB", -1, -1, -1, false, false);
         row("signed", "CAB-1", "CAB", -1, -1, -1, false, false);
         row("lower case", "cab4", "cab", 4, -1, -1, false, false);

@@ -1,12 +1,13 @@
 #include <QTest>
 
 #include "core/progress.h"
+#include "store/itemstatistics.h"
 #include "store/itemstore.h"
 #include "store/pagestore.h"
 #include "store/storeerror.h"
+#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
-#include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 
 using namespace qmr;
@@ -112,6 +113,8 @@ private slots:
         // Each level's own fields, and no other level's.
         QCOMPARE(items.fields(Level::Document, doc)->dateOnDocument, QDate(2026, 1, 2));
         QCOMPARE(items.fields(Level::Drawer, drw)->name, QStringLiteral("D"));
+        store.db().execute("UPDATE Cabinet SET Storage = 1 WHERE CabinetId = ?", {cab});
+        QCOMPARE(items.fields(Level::Cabinet, cab)->storage, 1);
         QCOMPARE(items.manifest(Level::Cabinet, cab).name, QStringLiteral("C"));
         QCOMPARE(items.manifest(Level::Folder, 777).id, -1);
         // A document's manifest holds its date and amount when it has them, and only then.
@@ -140,8 +143,15 @@ private slots:
         QCOMPARE(pages.previousPageId(doc, 1, pag), -1);
         QCOMPARE(pages.nextPageId(doc, 1, pag), last);
         QCOMPARE(pages.nextPageId(doc, 2, last), -1);
-        store.db().execute("DELETE FROM Page WHERE PageId IN (?, ?)", {twin, last});
+        PageStore(store.db()).deletePage(twin);
+        PageStore(store.db()).deletePage(last);
         QCOMPARE(pages.pagesInRange(doc, 1, 1).size(), 1);
+        // What lies below the cabinet: every level counted, the amount summed.
+        const Statistics below = ItemStatistics(store.db()).of(Level::Cabinet, cab);
+        QCOMPARE(below.count(Level::Drawer), 3);
+        QCOMPARE(below.count(Level::Document), 2);
+        QCOMPARE(below.count(Level::Page), 1);
+        QCOMPARE(below.amount, 12.5);
         const Recordset rs = store.db().openRecordset("SELECT Name FROM Cabinet", {});
         QVERIFY_THROWS_EXCEPTION(StoreError, rs.value(rs.recordCount(), 0));
         QVERIFY_THROWS_EXCEPTION(StoreError, rs.value(0, 1)); // one column: 0 only

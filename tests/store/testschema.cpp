@@ -283,6 +283,7 @@ private slots:
         row("greek", "ΑΘΗΝΑ", "%αθ%", "", 1);
         row("one character", "Müller", "m_ller", "", 1);
         row("one character is one", "Müller", "m_ler", "", 0);
+        row("one character in a word", "Tax abc", "%a_c%", "", 1);
         row("anchored start, ascii", "Bill for Miller", "miller%", "", 0);
         row("anchored start", "Bill for Müller", "müller%", "", 0);
         row("percent backtracks", "äaäab", "%äab", "", 1);
@@ -423,6 +424,9 @@ private slots:
         QVERIFY(items.nameTaken(Level::Drawer, 1, QString::fromUtf8("école"), -1));
         QVERIFY(!items.nameTaken(Level::Drawer, 1, "Ecole", -1)); // an accent is no case
         QVERIFY(!items.nameTaken(Level::Drawer, 2, QString::fromUtf8("école"), -1));
+        // A drawer's name in any cabinet, leaving out the drawer itself.
+        QVERIFY(items.nameTakenAnywhere(Level::Drawer, QString::fromUtf8("ÉCOLE"), -1));
+        QVERIFY(!items.nameTakenAnywhere(Level::Drawer, QString::fromUtf8("école"), 1));
     }
 
     void cachedStatementsSeeNewColumns()
