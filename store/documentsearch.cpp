@@ -39,9 +39,6 @@ constexpr ColumnInfo kColumnInfo[] = {
     {"Folder.Name", false},        {"Document.Name", true},
 };
 static_assert(std::size(kColumnInfo) == DocumentName + 1, "one expression for each column");
-static_assert(kColumnInfo[DocumentId].ofDocument && kColumnInfo[DocumentName].ofDocument &&
-                  !kColumnInfo[FolderId].ofDocument && !kColumnInfo[FolderName].ofDocument,
-              "the document's columns are the ones a place read leaves empty");
 
 // The columns as a select list. A place read alone has no document: its columns are there,
 // NULL, so that every row is read the same way.

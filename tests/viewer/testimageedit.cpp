@@ -69,9 +69,10 @@ private slots:
         QCOMPARE(image, kept.isEmpty() ? original : original.copy(kept));
         if (kept.isEmpty())
             return;
-        // The strips and the crop together hold no more than the image did (grey rows are
-        // padded to four bytes, which the crop and its side strips may add on every row).
+        // The strips and the crop together hold the image, and no more than it did (grey rows
+        // are padded to four bytes, which the crop and its side strips may add on every row).
         const qsizetype padding = format == QImage::Format_RGB32 ? 0 : 9 * original.height();
+        QVERIFY(edit.undoBytes() + image.sizeInBytes() >= original.sizeInBytes());
         QVERIFY(edit.undoBytes() + image.sizeInBytes() <= original.sizeInBytes() + padding);
         edit.undo(image);
         QCOMPARE(image, original);
@@ -110,6 +111,9 @@ private slots:
         row("dark scanner bed", qRgb(20, 20, 20), qRgb(70, 70, 70), QRect(10, 0, 380, 290),
             QRect(10, 0, 380, 290));
         row("no border", qRgb(255, 255, 255), qRgb(255, 255, 255), QRect(0, 0, 400, 300), QRect());
+        // The border's colour is the corner's, not its neighbour's.
+        row("content next to the corner", qRgb(255, 255, 255), qRgb(200, 200, 200),
+            QRect(1, 0, 300, 200), QRect(1, 0, 300, 200));
     }
     void autoTrim()
     {
