@@ -30,15 +30,25 @@ enum Column {
 };
 struct ColumnInfo
 {
+    Column column;
     const char* expression;
     bool ofDocument;
 };
 constexpr ColumnInfo kColumnInfo[] = {
-    {"Drawer.CabinetId", false},   {"Folder.DrawerId", false}, {"Folder.FolderId", false},
-    {"Document.DocumentId", true}, {"Cabinet.Name", false},    {"Drawer.Name", false},
-    {"Folder.Name", false},        {"Document.Name", true},
+    {CabinetId, "Drawer.CabinetId", false}, {DrawerId, "Folder.DrawerId", false},
+    {FolderId, "Folder.FolderId", false},   {DocumentId, "Document.DocumentId", true},
+    {CabinetName, "Cabinet.Name", false},   {DrawerName, "Drawer.Name", false},
+    {FolderName, "Folder.Name", false},     {DocumentName, "Document.Name", true},
 };
-static_assert(std::size(kColumnInfo) == DocumentName + 1, "one expression for each column");
+// Each column stands at the position its name gives, so that a row is read by the names.
+constexpr bool inColumnOrder()
+{
+    for (std::size_t i = 0; i < std::size(kColumnInfo); ++i)
+        if (kColumnInfo[i].column != Column(i))
+            return false;
+    return std::size(kColumnInfo) == DocumentName + 1;
+}
+static_assert(inColumnOrder(), "one expression for each column, in the order of the names");
 
 // The columns as a select list. A place read alone has no document: its columns are there,
 // NULL, so that every row is read the same way.
