@@ -17,7 +17,7 @@
 set -euo pipefail
 root="$(cd "$(dirname "${BASH_SOURCE[0]}")/.." && pwd)"
 exec python3 - "$root" "$@" <<'PYTHON'
-import os, random, re, shutil, subprocess, sys, time
+import os, random, re, shutil, signal, subprocess, sys, time
 
 root = sys.argv[1]
 args = sys.argv[2:]
@@ -151,11 +151,32 @@ if subprocess.run(["cmake", "--build", build, "--target"] + targets, stdout=subp
 # Warnings stay on: tests expect some of them. A crashing mutant must not start the test
 # library's debugger for a stack dump: the debugger holds the output pipe open and the run waits.
 env = dict(os.environ, QT_QPA_PLATFORM="offscreen", QTEST_DISABLE_STACK_DUMP="1")
+
+
+def run_test(t, limit):
+    """The test's exit status, or None when it ran past `limit` seconds. The test runs in a
+    process group of its own, and the whole group goes on a timeout: a child process that
+    outlives the test (the store-kill tests start some) would otherwise hold the output pipe
+    and keep the run waiting. Its output is not kept, so no pipe can hold the run either."""
+    p = subprocess.Popen([os.path.join(build, "tests", t), "--skip=Shots"], env=env,
+                         stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
+    try:
+        return p.wait(timeout=limit)
+    except subprocess.TimeoutExpired:
+        os.killpg(p.pid, signal.SIGKILL)
+        p.wait()
+        return None
+    finally:
+        try:
+            os.killpg(p.pid, signal.SIGKILL)  # whatever the test left running
+        except ProcessLookupError:
+            pass
+
+
 baseline = {}
 for t in targets:
     start = time.time()
-    r = subprocess.run([os.path.join(build, "tests", t), "--skip=Shots"], env=env, capture_output=True)
-    if r.returncode != 0:
+    if run_test(t, None) != 0:
         sys.exit(f"{t} fails without any mutant; fix that first.")
     baseline[t] = time.time() - start
 
@@ -176,12 +197,7 @@ for k, (path, n, name, new) in enumerate(chosen, 1):
         else:
             ok = True
             for t in ts:
-                try:
-                    r = subprocess.run([os.path.join(build, "tests", t), "--skip=Shots"], env=env, capture_output=True,
-                                       timeout=max(30, 5 * baseline[t]))
-                    ok = r.returncode == 0
-                except subprocess.TimeoutExpired:
-                    ok = False
+                ok = run_test(t, max(30, 5 * baseline[t])) == 0
                 if not ok:
                     break  # killed: the other executables need not run
             if ok:
