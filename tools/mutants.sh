@@ -149,15 +149,16 @@ if subprocess.run(["cmake", "--build", build, "--target"] + targets, stdout=subp
     sys.exit("The unmutated tree does not build.")
 
 # Warnings stay on: tests expect some of them. A crashing mutant must not start the test
-# library's debugger for a stack dump: the debugger holds the output pipe open and the run waits.
+# library's debugger for a stack dump: the test would linger in it until its time ran out.
 env = dict(os.environ, QT_QPA_PLATFORM="offscreen", QTEST_DISABLE_STACK_DUMP="1")
 
 
 def run_test(t, limit):
-    """The test's exit status, or None when it ran past `limit` seconds. The test runs in a
-    process group of its own, and the whole group goes on a timeout: a child process that
-    outlives the test (the store-kill tests start some) would otherwise hold the output pipe
-    and keep the run waiting. Its output is not kept, so no pipe can hold the run either."""
+    """The test's exit status (negative for a signal), or None when it ran past `limit`
+    seconds. The test runs in a process group of its own, and the group is killed on a timeout
+    and after every run: a child process that outlives the test (the home-lock and command-line
+    tests start some) must not keep running into the next mutant. Its output is not kept, so no
+    pipe can keep the run waiting."""
     p = subprocess.Popen([os.path.join(build, "tests", t), "--skip=Shots"], env=env,
                          stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL, start_new_session=True)
     try:
