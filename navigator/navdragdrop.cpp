@@ -168,7 +168,7 @@ NodeKey NavDragDrop::keyAt(Control control, const QPoint& pos) const
 {
     switch (control) {
     case Control::Tree:
-        return NodeKey::parse(NavTree::keyOf(m_tree.itemAt(pos)));
+        return NodeKey::parse(m_tree.keyAt(pos));
     case Control::List:
         return ContainerList::keyOf(m_list.itemAt(pos));
     case Control::Pages:
@@ -213,7 +213,7 @@ void NavDragDrop::dragOver(Control control, QDropEvent* event)
     // The selection follows the pointer over the targets and stays on the last one; nothing
     // that a click does happens.
     if (control == Control::Tree)
-        m_tree.setCurrentItem(m_tree.node(target.text()));
+        m_tree.setCurrentNode(target.text());
     else if (control == Control::List && own)
         m_list.setCurrentItem(m_list.itemOf(target));
     event->setDropAction(own ? Qt::MoveAction : Qt::CopyAction);
@@ -337,7 +337,7 @@ void NavDragDrop::moveNode(const NodeKey& key, const NodeKey& newParent)
 {
     // Below a parent that is not in the tree it would stand in the wrong place: it goes,
     // and comes back when that parent is filled.
-    if (!m_tree.moveNode(key.text(), newParent.text()) && !m_tree.node(newParent.text()))
+    if (!m_tree.moveNode(key.text(), newParent.text()) && !m_tree.hasNode(newParent.text()))
         m_tree.removeNode(key.text());
 }
 

@@ -62,7 +62,7 @@ Navigator::Navigator(const CommandContext& base, NavTree& tree, ContainerList& l
     connect(&m_tree, &NavTree::nodeClicked, this, &Navigator::nodeClick);
     connect(&m_tree, &NavTree::enterPressed, this, &Navigator::nodeClick);
     connect(&m_tree, &NavTree::contextRequested, this, &Navigator::onTreeMouseUp);
-    connect(&m_tree, &QTreeWidget::itemDoubleClicked, this, &Navigator::onTreeDoubleClick);
+    connect(&m_tree, &NavTree::nodeDoubleClicked, this, &Navigator::onTreeDoubleClick);
     connect(&m_list, &ContainerList::openRequested, this, &Navigator::onListActivated);
     connect(&m_pages, &PagePane::pageActivated, this, &Navigator::openPage);
     connect(&m_pages, &PagePane::reloadRequested, this, &Navigator::reloadPages);
@@ -205,15 +205,14 @@ void Navigator::setRecordFromKey(const NodeKey& key)
     const std::optional<Level> level = key.level();
     if (!level || *level == Level::Page)
         return;
-    const QTreeWidgetItem* node = m_tree.node(key.text());
     const qint32 parent =
         *level == Level::Cabinet ? -1 : NodeKey::parse(m_tree.parentKey(key.text())).id();
-    m_context.state.selection().set(key, node ? node->text(0) : QString(), parent);
+    m_context.state.selection().set(key, m_tree.nodeText(key.text()), parent);
 }
 
-void Navigator::onTreeDoubleClick(QTreeWidgetItem* item)
+void Navigator::onTreeDoubleClick(const QString& nodeKey)
 {
-    const NodeKey key = NodeKey::parse(NavTree::keyOf(item));
+    const NodeKey key = NodeKey::parse(nodeKey);
     if (!m_nodeBusy && key.level() == Level::Document) {
         emit documentActivated(key.id());
         m_tree.setFocus();

@@ -13,7 +13,6 @@
 class QAbstractItemView;
 class QKeyEvent;
 class QListWidgetItem;
-class QTreeWidgetItem;
 
 namespace qmr {
 
@@ -108,7 +107,7 @@ private:
     void listPopup(const QPoint& at);
     void pagesPopup(const QPoint& at);
     QPoint keyboardPopupPoint(QAbstractItemView* view) const;
-    void onTreeDoubleClick(QTreeWidgetItem* item);
+    void onTreeDoubleClick(const QString& nodeKey);
     // Insert, Delete, F2 and the pop-up keys of a control; true when the key was used.
     bool onControlKey(ContextSource control, const QKeyEvent& event);
     void popup(const QString& menuName, const QPoint& at);

@@ -88,6 +88,8 @@ NavTree::NavTree(QWidget* parent) : QTreeWidget(parent)
         ++m_expandSignals;
         emit expanding(keyOf(item));
     });
+    connect(this, &QTreeWidget::itemDoubleClicked, this,
+            [this](QTreeWidgetItem* item) { emit nodeDoubleClicked(keyOf(item)); });
 }
 
 QString NavTree::keyOf(const QTreeWidgetItem* item)
@@ -279,6 +281,40 @@ bool NavTree::setNodeText(const QString& key, const QString& text)
     if (!item)
         return false;
     item->setText(0, text);
+    return true;
+}
+
+QString NavTree::nodeText(const QString& key) const
+{
+    const QTreeWidgetItem* item = m_nodes.value(key);
+    return item ? item->text(0) : QString();
+}
+
+bool NavTree::setCurrentNode(const QString& key)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return false;
+    setCurrentItem(item);
+    return true;
+}
+
+bool NavTree::setNodeEditable(const QString& key, bool editable)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return false;
+    item->setFlags(editable ? item->flags() | Qt::ItemIsEditable
+                            : item->flags() & ~Qt::ItemIsEditable);
+    return true;
+}
+
+bool NavTree::editNode(const QString& key)
+{
+    QTreeWidgetItem* item = m_nodes.value(key);
+    if (!item)
+        return false;
+    editItem(item, 0);
     return true;
 }
 

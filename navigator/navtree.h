@@ -15,6 +15,11 @@ public:
     explicit NavTree(QWidget* parent = nullptr);
 
     QTreeWidgetItem* node(const QString& key) const { return m_nodes.value(key); }
+    bool hasNode(const QString& key) const { return m_nodes.contains(key); }
+    // The node's name as shown; empty for a key the tree does not hold.
+    QString nodeText(const QString& key) const;
+    // The key of the node at a point of the viewport; empty on the free room.
+    QString keyAt(const QPoint& pos) const { return keyOf(itemAt(pos)); }
     // Adds below `parentKey` (top level when empty). Returns nullptr, and changes nothing,
     // when the key is taken or the parent is missing.
     QTreeWidgetItem* addNode(const QString& parentKey, const QString& key, const QString& text,
@@ -45,6 +50,11 @@ public:
     QString selectedKey() const;
     QString parentKey(const QString& key) const;
     bool selectNode(const QString& key);
+    // Makes a node the current one without scrolling to it (the pointer is over it).
+    bool setCurrentNode(const QString& key);
+    bool setNodeEditable(const QString& key, bool editable);
+    // Opens the in-place editor on a node's name.
+    bool editNode(const QString& key);
     // Expands a node and reports it through expanding(), whether or not it has children.
     bool expandNode(const QString& key);
     int nodeCount() const { return m_nodes.size(); }
@@ -59,6 +69,7 @@ signals:
     void nodeClicked(const QString& key);
     void contextRequested(Qt::MouseButton button);
     void enterPressed(const QString& key);
+    void nodeDoubleClicked(const QString& key);
     // A drag of the selected node is beginning; whoever runs drags takes it from here.
     void dragRequested();
 

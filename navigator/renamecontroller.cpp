@@ -134,9 +134,7 @@ bool RenameController::startListEdit()
 void RenameController::setEditable(ContextSource control, const NodeKey& key, bool editable)
 {
     if (control == ContextSource::Tree) {
-        if (QTreeWidgetItem* node = m_tree.node(key.text()))
-            node->setFlags(editable ? node->flags() | Qt::ItemIsEditable
-                                    : node->flags() & ~Qt::ItemIsEditable);
+        m_tree.setNodeEditable(key.text(), editable);
     } else if (QListWidgetItem* item = m_list.itemOf(key)) {
         item->setFlags(editable ? item->flags() | Qt::ItemIsEditable
                                 : item->flags() & ~Qt::ItemIsEditable);
@@ -152,7 +150,7 @@ bool RenameController::startEdit(ContextSource control, const NodeKey& key)
     setEditable(control, key, true);
     emit editing(true);
     if (control == ContextSource::Tree)
-        m_tree.editItem(m_tree.node(key.text()), 0);
+        m_tree.editNode(key.text());
     else
         m_list.editItem(m_list.itemOf(key));
     // The edited item is the selected one, the view's current item.

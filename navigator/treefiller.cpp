@@ -69,7 +69,7 @@ void TreeFiller::addChildNodes(Level parentLevel, qint32 parentId)
 {
     const Level level = *childLevel(parentLevel);
     const QString parentKey = NodeKey::of(parentLevel, parentId).text();
-    if (!m_tree.node(parentKey))
+    if (!m_tree.hasNode(parentKey))
         return;
     for (const ItemRow& row : m_session.items().children(level, parentId))
         m_tree.addNode(parentKey, NodeKey::of(level, row.id).text(),

@@ -26,7 +26,8 @@ enum Column {
     CabinetName,
     DrawerName,
     FolderName,
-    DocumentName
+    DocumentName,
+    ColumnCount // not a column: how many there are
 };
 struct ColumnInfo
 {
@@ -46,7 +47,7 @@ constexpr bool inColumnOrder()
     for (std::size_t i = 0; i < std::size(kColumnInfo); ++i)
         if (kColumnInfo[i].column != Column(i))
             return false;
-    return std::size(kColumnInfo) == DocumentName + 1;
+    return std::size(kColumnInfo) == ColumnCount;
 }
 static_assert(inColumnOrder(), "one expression for each column, in the order of the names");
 

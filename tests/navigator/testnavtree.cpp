@@ -100,6 +100,19 @@ private slots:
         tree.removeNode("ROOT");
         QCOMPARE(tree.nodeCount(), 2);
         QCOMPARE(tree.parentKey("FDC1"), QStringLiteral("ROOTFOUND"));
+        // The calls by key refuse a key the tree does not hold and change nothing.
+        QCOMPARE(tree.nodeText("FDC1"), QStringLiteral("kept"));
+        QVERIFY(tree.nodeText("DOC9").isEmpty() && !tree.hasNode("DOC9"));
+        QVERIFY(!tree.setCurrentNode("DOC9") && !tree.setNodeEditable("DOC9", true) &&
+                !tree.editNode("DOC9"));
+        QVERIFY(tree.selectedKey().isEmpty());
+        QVERIFY(tree.setCurrentNode("FDC1"));
+        QCOMPARE(tree.selectedKey(), QStringLiteral("FDC1"));
+        QVERIFY(tree.setNodeEditable("FDC1", true));
+        QVERIFY(tree.node("FDC1")->flags() & Qt::ItemIsEditable);
+        QVERIFY(tree.setNodeEditable("FDC1", false));
+        QVERIFY(!(tree.node("FDC1")->flags() & Qt::ItemIsEditable));
+        QVERIFY(tree.node("FDC1")->flags() & Qt::ItemIsSelectable);
     }
 
     // The column fits the names in view, and widens for a longer one scrolled into view.
