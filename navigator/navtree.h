@@ -50,7 +50,8 @@ public:
     QString selectedKey() const;
     QString parentKey(const QString& key) const;
     bool selectNode(const QString& key);
-    // Makes a node the current one without scrolling to it (the pointer is over it).
+    // Makes a node the current one, without the explicit scroll of selectNode(): the pointer
+    // is over it.
     bool setCurrentNode(const QString& key);
     bool setNodeEditable(const QString& key, bool editable);
     // Opens the in-place editor on a node's name.

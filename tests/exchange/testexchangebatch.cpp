@@ -179,6 +179,9 @@ private slots:
         QVERIFY(ExchangeFixture::writeImage(secret + "/F/Doc/Page 7.jpg", Qt::red));
         ExchangeFixture::writeBytes(ex + "/QMR.txt", "");
         QVERIFY(ExchangeFixture::writeImage(doc + "/Page 1.jpg"));
+        // A UTF-8 name whose second half of a pair lies in the range of kept bytes.
+        const QString emoji = QString::fromUtf8("Page \xF0\x9F\x92\xA9.jpg");
+        QVERIFY(ExchangeFixture::writeImage(doc + "/" + emoji));
         QVERIFY(QFile::link(secret + "/shadow.jpg", doc + "/Page 2.jpg"));
         QVERIFY(QFile::link(secret, ex + "/Linked"));
         const QByteArray old = QFile::encodeName(ex) + "/D/Geb\xfchren";
@@ -189,7 +192,7 @@ private slots:
 
         const Run run = importCabinet(f, ex, "Target");
         QCOMPARE(run.status, 1);
-        QCOMPARE(run.out, "2 files imported.\r\n0 shortcuts created.\n");
+        QCOMPARE(run.out, "3 files imported.\r\n0 shortcuts created.\n");
         for (const QString& line :
              {"'" + ex + "/Linked' is a link; it was not followed.",
               "'" + doc + "/Page 2.jpg' is a link; it was not followed.",
@@ -200,9 +203,12 @@ private slots:
             QVERIFY2(run.err.contains("quillmere: " + line + "\n"), qPrintable(run.err));
         // Nothing from outside: no drawer of the linked directory, no page of the linked file.
         QCOMPARE(f.count("Drawer"), 1);
-        QCOMPARE(f.count("Page"), 2);
+        QCOMPARE(f.count("Page"), 3);
         ItemStore& items = f.session->items();
         const qint32 drawer = items.childNamed(Level::Drawer, target, "D");
+        const qint32 utf8Doc =
+            items.childNamed(Level::Document, items.childNamed(Level::Folder, drawer, "F"), "Doc");
+        QVERIFY(f.session->pages().pageNamed(utf8Doc, emoji) >= 0);
         const qint32 folder =
             items.childNamed(Level::Folder, drawer, QString::fromUtf8("Gebühren"));
         const qint32 bill = items.childNamed(Level::Document, folder, "Doc");

@@ -100,13 +100,15 @@ private slots:
         tree.removeNode("ROOT");
         QCOMPARE(tree.nodeCount(), 2);
         QCOMPARE(tree.parentKey("FDC1"), QStringLiteral("ROOTFOUND"));
-        // The calls by key refuse a key the tree does not hold and change nothing.
+        // The calls by key reach the node, and refuse a key the tree does not hold without
+        // changing anything: the current node stays.
+        QVERIFY(tree.hasNode("FDC1") && !tree.hasNode("DOC9"));
         QCOMPARE(tree.nodeText("FDC1"), QStringLiteral("kept"));
-        QVERIFY(tree.nodeText("DOC9").isEmpty() && !tree.hasNode("DOC9"));
+        QVERIFY(tree.nodeText("DOC9").isEmpty());
+        QVERIFY(tree.setCurrentNode("FDC1"));
+        QCOMPARE(tree.selectedKey(), QStringLiteral("FDC1"));
         QVERIFY(!tree.setCurrentNode("DOC9") && !tree.setNodeEditable("DOC9", true) &&
                 !tree.editNode("DOC9"));
-        QVERIFY(tree.selectedKey().isEmpty());
-        QVERIFY(tree.setCurrentNode("FDC1"));
         QCOMPARE(tree.selectedKey(), QStringLiteral("FDC1"));
         QVERIFY(tree.setNodeEditable("FDC1", true));
         QVERIFY(tree.node("FDC1")->flags() & Qt::ItemIsEditable);

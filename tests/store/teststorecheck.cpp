@@ -229,6 +229,12 @@ private slots:
         QCOMPARE(PagePlace::clear(pages, paths, bare, place), QString());
         QVERIFY(!QFile::exists(place));
         QCOMPARE(PagePlace::clear(pages, paths, bare, place), QString());
+        // A place that cannot be cleared (a directory stands there) is refused with the reason.
+        QVERIFY(QDir().mkpath(place));
+        const QString stuck = PagePlace::clear(pages, paths, bare, place);
+        QVERIFY2(stuck.startsWith("Cannot remove " + place + ", which no page refers to: "),
+                 qPrintable(stuck));
+        QVERIFY(QDir().rmdir(place));
 
         const QString taken = paths.computedPagePath(kept);
         const QByteArray bytes = readFile(taken);
