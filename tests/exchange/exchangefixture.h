@@ -5,25 +5,17 @@
 #include <QImage>
 #include <QSet>
 #include <QTemporaryDir>
-#include <QTest>
 #include <fcntl.h>
 #include <functional>
 #include <memory>
 #include <unistd.h>
 
-#include "core/progress.h"
-#include "core/viewsettings.h"
 #include "exchange/diskfilesystem.h"
-#include "store/commandcontext.h"
-#include "store/schema.h"
 #include "store/session.h"
 #include "tests/support/commandharness.h"
 #include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
-#include "tests/support/navrecorder.h"
-#include "tests/support/scriptedchoosers.h"
 #include "tests/support/scriptedprompter.h"
-#include "tests/support/testhome.h"
 
 namespace qmr::test {
 
@@ -130,7 +122,48 @@ struct ExchangeFixture : CommandHarness<HookPrompter>
         return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
     }
 
+    // A text with "@home" (and "@HOME", upper-cased) for the home, "@out" for the outside
+    // directory, and the further marks given.
+    QString placed(QString text, const QList<std::pair<QString, QString>>& marks = {}) const
+    {
+        for (const auto& [mark, path] : marks)
+            text.replace(mark, path);
+        return text.replace("@home", home.path())
+            .replace("@HOME", home.path().toUpper())
+            .replace("@out", outside.path());
+    }
+    // The prompter expects each text, its marks placed, and gives the answer beside it.
+    void expectAll(const QStringList& texts, const QList<int>& answers,
+                   const QList<std::pair<QString, QString>>& marks = {})
+    {
+        for (int i = 0; i < texts.size(); ++i)
+            prompter.expect(placed(texts.at(i), marks), Prompter::Answer(answers.at(i)));
+    }
+
     int count(const QString& table) { return db().scalar("SELECT COUNT(*) FROM " + table).toInt(); }
+    // Drawers, folders, documents and pages in the store.
+    QList<int> counts()
+    {
+        return {count("Drawer"), count("Folder"), count("Document"), count("Page")};
+    }
+    // The item at a path of names below a cabinet: a drawer, its folder, then its document.
+    qint32 itemAt(qint32 cabinet, const QStringList& names)
+    {
+        const Level levels[] = {Level::Drawer, Level::Folder, Level::Document};
+        qint32 id = cabinet;
+        for (int i = 0; i < names.size(); ++i)
+            id = session->items().childNamed(levels[i], id, names.at(i));
+        return id;
+    }
+    QByteArray storedBytes(qint32 page)
+    {
+        return readBytes(session->paths().computedPagePath(page));
+    }
+    // One column of a row, by the table's id.
+    QVariant fieldOf(const QString& table, const QString& column, qint32 id)
+    {
+        return field(QString("SELECT %2 FROM %1 WHERE %1Id = ?").arg(table, column), {id});
+    }
     QVariant field(const QString& sql, const QVariantList& binds = {})
     {
         return db().scalar(sql, binds);

@@ -80,15 +80,10 @@ private slots:
         const QString ex = exchange.filePath("ex");
         ExchangeFixture::writeBytes(ex + "/QMR.txt", "");
         ExchangeFixture::writeImage(ex + "/D/F/Doc/Page 1.jpg");
-        const auto place = [&](QString t) {
-            return t.replace("@home", f.home.path())
-                .replace("@ex", ex)
-                .replace("@out", f.outside.path());
-        };
-        const Run run =
-            import ? importCabinet(f, place(dir), cabinet) : exportCabinet(f, cabinet, place(dir));
+        const QString path = f.placed(dir, {{"@ex", ex}});
+        const Run run = import ? importCabinet(f, path, cabinet) : exportCabinet(f, cabinet, path);
         QCOMPARE(run.status, 1);
-        QCOMPARE(run.err, "quillmere: " + place(error) + "\n");
+        QCOMPARE(run.err, "quillmere: " + f.placed(error, {{"@ex", ex}}) + "\n");
         QVERIFY(run.out.isEmpty());
         // Nothing written, nothing made.
         QCOMPARE(QDir(f.outside.path()).entryList(QDir::NoDotAndDotDot | QDir::AllEntries),
@@ -97,13 +92,19 @@ private slots:
         QVERIFY(f.prompter.verify());
     }
 
+    // Pages that share a number each keep a file of their own, and come back with it.
     void exportAndImport()
     {
         ExchangeFixture f;
-        f.filledCabinet("Papers", 2, 2);
+        const qint32 doc = f.store->document(
+            f.store->folder(f.store->drawer(f.store->cabinet("Papers"), "D"), "F"), "Doc");
+        QSet<QByteArray> files;
+        int width = 100;
+        for (const int number : {3, 1, 3, 3})
+            files << f.storedBytes(f.store->page(doc, number, QSize(width += 10, 100)));
         const qint32 empty = f.store->cabinet("Empty");
         f.store->drawer(empty, "Only a drawer");
-        f.store->cabinet("Target");
+        const qint32 target = f.store->cabinet("Target");
         // An empty cabinet exports its tree without asking; a missing directory is made.
         Run run = exportCabinet(f, "empty", f.outsidePath("new/dir"));
         QCOMPARE(run.status, 0);
@@ -116,11 +117,22 @@ private slots:
         // The progress lines go to the error stream: a line at each tenth of the way (the
         // bar of an export has one step more than pages, so it never quite fills).
         QVERIFY2(run.err.contains("[ 80%] 4/5 Copy file 4.jpg\n"), qPrintable(run.err));
+        QCOMPARE(QDir(f.outsidePath("Papers/D/F/Doc")).entryList(QDir::Files),
+                 QStringList({"Page 1.jpg", "Page 3 (2).jpg", "Page 3 (3).jpg", "Page 3.jpg"}));
 
         run = importCabinet(f, f.outsidePath("Papers"), "TARGET");
         QCOMPARE(run.status, 0);
         QCOMPARE(run.out, "4 files imported.\r\n0 shortcuts created.\n");
         QCOMPARE(f.count("Page"), 8);
+        QList<int> numbers;
+        QSet<QByteArray> imported;
+        for (const PageRow& page : f.session->pages().pages(f.itemAt(target, {"D", "F", "Doc"}))) {
+            numbers << page.pageNumber;
+            imported << f.storedBytes(page.id);
+        }
+        std::sort(numbers.begin(), numbers.end());
+        QCOMPARE(numbers, QList<int>({1, 3, 3, 3}));
+        QCOMPARE(imported, files);
         // Again: nothing new, and that is no failure.
         run = importCabinet(f, f.outsidePath("Papers"), "Target");
         QCOMPARE(run.status, 0);
@@ -204,18 +216,12 @@ private slots:
         // Nothing from outside: no drawer of the linked directory, no page of the linked file.
         QCOMPARE(f.count("Drawer"), 1);
         QCOMPARE(f.count("Page"), 3);
-        ItemStore& items = f.session->items();
-        const qint32 drawer = items.childNamed(Level::Drawer, target, "D");
-        const qint32 utf8Doc =
-            items.childNamed(Level::Document, items.childNamed(Level::Folder, drawer, "F"), "Doc");
-        QVERIFY(f.session->pages().pageNamed(utf8Doc, emoji) >= 0);
-        const qint32 folder =
-            items.childNamed(Level::Folder, drawer, QString::fromUtf8("Gebühren"));
-        const qint32 bill = items.childNamed(Level::Document, folder, "Doc");
-        const qint32 page =
-            f.session->pages().pageNamed(bill, QString::fromUtf8("Rechnung März.jpg"));
+        QVERIFY(f.session->pages().pageNamed(f.itemAt(target, {"D", "F", "Doc"}), emoji) >= 0);
+        const qint32 page = f.session->pages().pageNamed(
+            f.itemAt(target, {"D", QString::fromUtf8("Gebühren"), "Doc"}),
+            QString::fromUtf8("Rechnung März.jpg"));
         QVERIFY(page >= 0);
-        QCOMPARE(ExchangeFixture::readBytes(f.session->paths().computedPagePath(page)), picture);
+        QCOMPARE(f.storedBytes(page), picture);
     }
 
     // Nothing outside the output path changes, whatever links stand in it or in the store.
@@ -253,43 +259,6 @@ private slots:
         QCOMPARE(ExchangeFixture::readBytes(docDir + "/Page 1.jpg"),
                  ExchangeFixture::readBytes(page1));
         QVERIFY(!QFileInfo::exists(docDir + "/Page 2.jpg"));
-    }
-
-    // Pages that share a number each keep a file of their own, and come back with it.
-    void pagesSharingANumberAllComeBack()
-    {
-        ExchangeFixture f;
-        const qint32 doc = f.store->document(
-            f.store->folder(f.store->drawer(f.store->cabinet("Papers"), "D"), "F"), "Doc");
-        QSet<QByteArray> files;
-        int width = 100;
-        for (const int number : {3, 1, 3, 3})
-            files << ExchangeFixture::readBytes(f.session->paths().computedPagePath(
-                f.store->page(doc, number, QSize(width += 10, 100))));
-        const qint32 cabinet = f.store->cabinet("Target");
-
-        Run run = exportCabinet(f, "Papers", f.outside.path());
-        QCOMPARE(run.status, 0);
-        QCOMPARE(run.out, "Export complete. 4 pages copied.\n");
-        QCOMPARE(QDir(f.outsidePath("Papers/D/F/Doc")).entryList(QDir::Files),
-                 QStringList({"Page 1.jpg", "Page 3 (2).jpg", "Page 3 (3).jpg", "Page 3.jpg"}));
-        run = importCabinet(f, f.outsidePath("Papers"), "Target");
-        QCOMPARE(run.status, 0);
-        QCOMPARE(run.out, "4 files imported.\r\n0 shortcuts created.\n");
-        ItemStore& items = f.session->items();
-        const qint32 target = items.childNamed(
-            Level::Document,
-            items.childNamed(Level::Folder, items.childNamed(Level::Drawer, cabinet, "D"), "F"),
-            "Doc");
-        QList<int> numbers;
-        QSet<QByteArray> imported;
-        for (const PageRow& page : f.session->pages().pages(target)) {
-            numbers << page.pageNumber;
-            imported << ExchangeFixture::readBytes(f.session->paths().computedPagePath(page.id));
-        }
-        std::sort(numbers.begin(), numbers.end());
-        QCOMPARE(numbers, QList<int>({1, 3, 3, 3}));
-        QCOMPARE(imported, files);
     }
 
     void progressLines()

@@ -40,47 +40,59 @@ class TestExportDialog : public QObject
 private slots:
     void refusalsAndQuestions_data()
     {
-        // path: "@home" stands for the home, "@out" outside
-        test::columns<QString, QStringList, QList<int>, bool>(
-            {"path", "texts", "answers", "exported"});
+        // path: "@home" stands for the home, "@out" outside; "Empty" is a cabinet of a drawer
+        // and a folder without pages
+        test::columns<QString, QString, QStringList, QList<int>, bool, bool>(
+            {"cabinet", "path", "texts", "answers", "accepted", "written"});
         const QString within = "You cannot export a cabinet to a path within the Quillmere "
                                "system.\nPlease select another location that is not within "
                                "the application path of:\n'@home'.";
         const QString missing = "'@out/new/dir' does not exist.  Do you want to create it?";
+        const QString two = "Export complete. 2 pages copied.",
+                      none = "Export complete. 0 pages copied.";
+        const QString empty = "There are no images in this cabinet.  Export an empty cabinet?";
         const int yes = int(Prompter::Answer::Yes), no = int(Prompter::Answer::No),
                   cancel = int(Prompter::Answer::Cancel), ok = int(Prompter::Answer::Ok);
-        row("below the home", "@home/backup", QStringList{within}, QList<int>{ok}, false);
-        row("the home inside, other case", "@out/x@HOME/y", QStringList{within}, QList<int>{ok},
+        row("below the home", "Papers", "@home/backup", QStringList{within}, QList<int>{ok}, false,
             false);
-        row("missing, no", "@out/new/dir", QStringList{missing}, QList<int>{no}, false);
-        row("missing, cancel", "@out/new/dir", QStringList{missing}, QList<int>{cancel}, false);
-        row("missing, yes", "@out/new/dir",
-            QStringList{missing, "Export complete. 2 pages copied."}, QList<int>{yes, ok}, true);
-        row("there, with blanks around", "  @out  ",
-            QStringList{"Export complete. 2 pages copied."}, QList<int>{ok}, true);
+        row("the home inside, other case", "Papers", "@out/x@HOME/y", QStringList{within},
+            QList<int>{ok}, false, false);
+        row("missing, no", "Papers", "@out/new/dir", QStringList{missing}, QList<int>{no}, false,
+            false);
+        row("missing, cancel", "Papers", "@out/new/dir", QStringList{missing}, QList<int>{cancel},
+            false, false);
+        row("missing, yes", "Papers", "@out/new/dir", QStringList{missing, two},
+            QList<int>{yes, ok}, true, true);
+        row("there, with blanks around", "Papers", "  @out  ", QStringList{two}, QList<int>{ok},
+            true, true);
+        row("empty cabinet, yes", "Empty", "@out", QStringList{empty, none}, QList<int>{yes, ok},
+            true, true);
+        row("empty cabinet, no", "Empty", "@out", QStringList{empty, none}, QList<int>{no, ok},
+            true, false);
+        row("empty cabinet, cancel", "Empty", "@out", QStringList{empty, none},
+            QList<int>{cancel, ok}, true, false);
     }
     void refusalsAndQuestions()
     {
-        auto [path, texts, answers, exported] =
-            fetch<QString, QStringList, QList<int>, bool>("path", "texts", "answers", "exported");
+        auto [cabinet, path, texts, answers, accepted, written] =
+            fetch<QString, QString, QStringList, QList<int>, bool, bool>(
+                "cabinet", "path", "texts", "answers", "accepted", "written");
         ExchangeFixture f;
-        f.filledCabinet("Papers", 1, 2);
-        const QString home = f.home.path();
-        const auto place = [&](QString text) {
-            return text.replace("@home", home)
-                .replace("@HOME", home.toUpper())
-                .replace("@out", f.outside.path());
-        };
-        for (int i = 0; i < texts.size(); ++i)
-            f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
+        const qint32 papers = f.filledCabinet("Papers", 1, 2);
+        const qint32 empty = f.store->cabinet("Empty");
+        f.store->folder(f.store->drawer(empty, "Drawer"), "Folder");
+        f.expectAll(texts, answers);
         ExportDialog dialog(f.context());
-        exportTo(dialog, place(path));
+        dialog.selectCabinet(cabinet == "Empty" ? empty : papers);
+        exportTo(dialog, f.placed(path));
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(dialog.result() == QDialog::Accepted, exported);
-        const QString target = place(path).trimmed();
-        QCOMPARE(QFileInfo(target + "/Papers/QMR.txt").exists(), exported);
-        QCOMPARE(f.home.settings().get(keys::LastOutputPath), exported ? target : QString());
-        QCOMPARE(filesBelow(home, "QMR.txt"), 0);
+        QCOMPARE(dialog.result() == QDialog::Accepted, accepted);
+        const QString target = f.placed(path).trimmed();
+        QCOMPARE(QFileInfo(target + "/" + cabinet).exists(), written);
+        QCOMPARE(QFileInfo(target + "/" + cabinet + "/QMR.txt").exists(), written);
+        QCOMPARE(QFileInfo(target + "/" + cabinet + "/Drawer/Folder").isDir(), written);
+        QCOMPARE(f.home.settings().get(keys::LastOutputPath), accepted ? target : QString());
+        QCOMPARE(filesBelow(f.home.path(), "QMR.txt"), 0);
     }
 
     void cabinetList()
@@ -121,29 +133,6 @@ private slots:
         QVERIFY(!dialog.isVisible());
         QCOMPARE(dialog.result(), int(QDialog::Rejected));
         QVERIFY(f.prompter.verify());
-    }
-
-    void emptyCabinet_data()
-    {
-        test::columns<int, bool>({"answer", "written"});
-        row("yes", int(Prompter::Answer::Yes), true);
-        row("no", int(Prompter::Answer::No), false);
-        row("cancel", int(Prompter::Answer::Cancel), false);
-    }
-    void emptyCabinet()
-    {
-        auto [answer, written] = fetch<int, bool>("answer", "written");
-        ExchangeFixture f;
-        const qint32 cab = f.store->cabinet("Empty");
-        f.store->folder(f.store->drawer(cab, "Drawer"), "Folder");
-        f.prompter.expect("There are no images in this cabinet.  Export an empty cabinet?",
-                          Prompter::Answer(answer));
-        f.prompter.expect("Export complete. 0 pages copied.");
-        ExportDialog dialog(f.context());
-        exportTo(dialog, f.outside.path());
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(QFileInfo(f.outsidePath("Empty/Drawer/Folder")).isDir(), written);
-        QCOMPARE(QFileInfo(f.outsidePath("Empty")).exists(), written);
     }
 
     void stopsAndFailedCopies_data()
@@ -193,9 +182,7 @@ private slots:
         for (const int n : failing)
             fs.failCopy.insert(n,
                                full ? FileOutcome::Kind::DiskFull : FileOutcome::Kind::WriteFailed);
-        for (int i = 0; i < texts.size(); ++i)
-            f.prompter.expect(texts[i].replace("@doc", f.outsidePath("Papers/Drawer/Folder")),
-                              Prompter::Answer(answers.at(i)));
+        f.expectAll(texts, answers, {{"@doc", f.outsidePath("Papers/Drawer/Folder")}});
         ExportDialog dialog(f.context(), nullptr, &fs);
         fs.afterCopy = [&](int n) {
             if (n == cancelAt) {

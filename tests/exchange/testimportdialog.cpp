@@ -58,9 +58,9 @@ class TestImportDialog : public QObject
 private slots:
     void checksInOrder_data()
     {
-        // path: "@ex": an exchange directory, "@plain": none
-        test::columns<QString, QString, QStringList, QList<int>, QString, bool>(
-            {"path", "disks", "texts", "answers", "disksAfter", "imported"});
+        // path: "@ex": an exchange directory, "@plain": none; pages: how many came in
+        test::columns<QString, QString, QStringList, QList<int>, QString, int>(
+            {"path", "disks", "texts", "answers", "disksAfter", "pages"});
         const int ok = int(Prompter::Answer::Ok), yes = int(Prompter::Answer::Yes),
                   no = int(Prompter::Answer::No), cancel = int(Prompter::Answer::Cancel);
         const QString over = "You have designated over 10 disks to import.  Continue?";
@@ -70,152 +70,128 @@ private slots:
         const QString report = "2 files imported.\r\n0 shortcuts created.";
         const QString disk2 = "Please insert disk # 2";
         row("path first", "@out/none", "0", QStringList{"'@out/none' does not exist."},
-            QList<int>{ok}, "0", false);
-        row("then the marker", "@plain", "0", QStringList{marker}, QList<int>{ok}, "0", false);
-        row("one disk", "@ex", "1", QStringList{report}, QList<int>{ok}, "1", true);
-        row("1.9 is one", "@ex", "1.9", QStringList{report}, QList<int>{ok}, "1", true);
+            QList<int>{ok}, "0", 0);
+        row("then the marker", "@plain", "0", QStringList{marker}, QList<int>{ok}, "0", 0);
+        row("one disk", "@ex", "1", QStringList{report}, QList<int>{ok}, "1", 2);
+        row("1.9 is one", "@ex", "1.9", QStringList{report}, QList<int>{ok}, "1", 2);
+        // The second disk holds the rest of the same tree, without a marker; cancelled, the
+        // first disk's pages stay.
         row("9 asks nothing", "@ex", "9", QStringList{disk2, report}, QList<int>{cancel, ok}, "9",
-            true);
-        row("10 asks, no", "@ex", "10", QStringList{over}, QList<int>{no}, "10", false);
+            2);
+        row("a second disk put in", "@ex", "2",
+            QStringList{disk2, "3 files imported.\r\n0 shortcuts created."}, QList<int>{ok, ok},
+            "2", 3);
+        row("10 asks, no", "@ex", "10", QStringList{over}, QList<int>{no}, "10", 0);
         row("10 asks, yes", "@ex", "10", QStringList{over, disk2, report},
-            QList<int>{yes, cancel, ok}, "10", true);
+            QList<int>{yes, cancel, ok}, "10", 2);
         row("11.5 asks first, then nothing below one", "@ex", "11.5", QStringList{over},
-            QList<int>{no}, "11", false);
-        row("0", "@ex", "0", QStringList{below}, QList<int>{ok}, "0", false);
-        row("not a number", "@ex", "two", QStringList{below}, QList<int>{ok}, "0", false);
-        row("negative", "@ex", "-3", QStringList{below}, QList<int>{ok}, "-3", false);
+            QList<int>{no}, "11", 0);
+        row("0", "@ex", "0", QStringList{below}, QList<int>{ok}, "0", 0);
+        row("not a number", "@ex", "two", QStringList{below}, QList<int>{ok}, "0", 0);
+        row("negative", "@ex", "-3", QStringList{below}, QList<int>{ok}, "-3", 0);
     }
     void checksInOrder()
     {
-        auto [path, disks, texts, answers, disksAfter, imported] =
-            fetch<QString, QString, QStringList, QList<int>, QString, bool>(
-                "path", "disks", "texts", "answers", "disksAfter", "imported");
+        auto [path, disks, texts, answers, disksAfter, pages] =
+            fetch<QString, QString, QStringList, QList<int>, QString, int>(
+                "path", "disks", "texts", "answers", "disksAfter", "pages");
         ImportFixture f(2);
         const QString plain = writeExchange(f, "plain", 1, false);
-        const auto place = [&](QString text) {
-            return text.replace("@ex", f.ex)
-                .replace("@plain", plain)
-                .replace("@out", f.outside.path());
-        };
-        for (int i = 0; i < texts.size(); ++i)
-            f.prompter.expect(place(texts.at(i)), Prompter::Answer(answers.at(i)));
-        Arrivals arrivals;
-        f.context();
-        f.contexts.back().pageNotifier = &arrivals;
-        ImportDialog dialog(f.contexts.back());
-        importFrom(dialog, place(path), disks);
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(arrivals.arrived, imported ? 1 : 0);
-        QCOMPARE(arrivals.added, 0);
-        QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), disksAfter);
-        QCOMPARE(f.count("Page"), imported ? 2 : 0);
-        QCOMPARE(dialog.result() == QDialog::Accepted, imported);
-        QCOMPARE(f.home.settings().get(keys::LastImportPath), imported ? f.ex : QString());
-    }
-
-    void stopKeepsWhatCameIn()
-    {
-        ImportFixture f(5);
-        TestFileSystem fs;
-        ImportDialog dialog(f.context(), nullptr, &fs);
-        fs.afterCopy = [&](int n) {
-            if (n == 2)
-                dialog.findChild<QPushButton*>("cmdCancel")->click();
-        };
-        f.prompter.expect("Stop the import?", Prompter::Answer::Yes);
-        f.prompter.expect("2 files imported.\r\n0 shortcuts created.\r\nImport stopped by user.");
-        importFrom(dialog, f.ex);
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(f.count("Page"), 2);
-        const Recordset rs = f.db().openRecordset("SELECT PageId FROM Page");
-        for (int i = 0; i < rs.recordCount(); ++i) {
-            const qint32 id = rs.integer(i, "PageId");
-            QVERIFY(QFile::exists(f.session->paths().computedPagePath(id)));
-            QVERIFY(QFile::exists(f.session->paths().computedThumbPath(id)));
-        }
-    }
-
-    void furtherDisksMerge_data()
-    {
-        test::columns<int, int>({"answer", "pages"});
-        row("second disk put in", int(Prompter::Answer::Ok), 3);
-        row("cancelled", int(Prompter::Answer::Cancel), 2);
-    }
-    void furtherDisksMerge()
-    {
-        auto [answer, pages] = fetch<int, int>("answer", "pages");
-        ImportFixture f(2);
-        // The second disk holds the rest of the same tree, without a marker.
         f.prompter.onAsk = [&](const QString& text) {
             if (!text.startsWith("Please insert disk"))
                 return;
             QDir(f.ex).removeRecursively();
             ExchangeFixture::writeImage(f.ex + "/Bank/Checking/March/Page 3.jpg");
         };
-        f.prompter.expect("Please insert disk # 2", Prompter::Answer(answer));
-        f.prompter.expect(QString("%1 files imported.\r\n0 shortcuts created.").arg(pages));
-        ImportDialog dialog(f.context());
-        importFrom(dialog, f.ex, "2");
+        f.expectAll(texts, answers, {{"@ex", f.ex}, {"@plain", plain}});
+        Arrivals arrivals;
+        f.context();
+        f.contexts.back().pageNotifier = &arrivals;
+        ImportDialog dialog(f.contexts.back());
+        importFrom(dialog, f.placed(path, {{"@ex", f.ex}, {"@plain", plain}}), disks);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        const bool imported = pages > 0;
+        QCOMPARE(arrivals.arrived, imported ? 1 : 0);
+        QCOMPARE(arrivals.added, 0);
+        QCOMPARE(dialog.findChild<QLineEdit*>("txtDiskCount")->text(), disksAfter);
         // One drawer, folder and document however many disks brought them.
-        QCOMPARE(f.count("Drawer"), 1);
-        QCOMPARE(f.count("Document"), 1);
-        QCOMPARE(f.count("Page"), pages);
+        QCOMPARE(f.counts(), imported ? QList<int>({1, 1, 1, pages}) : QList<int>({0, 0, 0, 0}));
+        QCOMPARE(dialog.result() == QDialog::Accepted, imported);
+        QCOMPARE(f.home.settings().get(keys::LastImportPath), imported ? f.ex : QString());
     }
 
-    void storeDiskFullEndsTheImport()
+    // A stop, a full store, unreadable files and links: what came in before stays whole, and
+    // the report names the rest. "@doc" is the document's directory, "@stored2" the store's
+    // place of the second page.
+    void troublesOnTheWay_data()
     {
-        ImportFixture f(3);
-        TestFileSystem fs;
-        fs.failCopy.insert(2, FileOutcome::Kind::DiskFull);
-        ImportDialog dialog(f.context(), nullptr, &fs);
-        const QString error =
-            "Cannot write " + f.session->paths().computedPagePath(2) + ": No space left on device";
-        f.prompter.expect(error);
-        f.prompter.expect("1 files imported.\r\n0 shortcuts created.");
-        importFrom(dialog, f.ex);
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        test::columns<int, int, int, QStringList, bool, QStringList, QList<int>, QStringList>(
+            {"pages", "cancelAt", "diskFullAt", "unreadable", "links", "texts", "answers",
+             "names"});
+        const int ok = int(Prompter::Answer::Ok), yes = int(Prompter::Answer::Yes);
+        const QString link = "' is a link; it was not followed.";
+        row("stop keeps what came in", 5, 2, 0, QStringList{}, false,
+            QStringList{"Stop the import?",
+                        "2 files imported.\r\n0 shortcuts created.\r\nImport stopped by user."},
+            QList<int>{yes, ok}, QStringList{"Page 1.jpg", "Page 2.jpg"});
         // The page whose file could not be stored leaves no row; the one before it stays.
-        QCOMPARE(f.count("Page"), 1);
-        QCOMPARE(f.field("SELECT Name FROM Page"), "Page 1.jpg");
+        row("a full store ends it", 3, 0, 2, QStringList{}, false,
+            QStringList{"Cannot write @stored2: No space left on device",
+                        "1 files imported.\r\n0 shortcuts created."},
+            QList<int>{ok, ok}, QStringList{"Page 1.jpg"});
+        row("unreadable files are passed over", 3, 0, 0, QStringList{"Page 2.jpg", "Document.txt"},
+            false, QStringList{"2 files imported.\r\n0 shortcuts created."}, QList<int>{ok},
+            QStringList{"Page 1.jpg", "Page 3.jpg"});
+        // Links made out of order are named in order of their names, at the end.
+        row("links are named at the end", 2, 0, 0, QStringList{}, true,
+            QStringList{"2 files imported.\r\n0 shortcuts created.\r\n\r\n'@ex/Bank/Everything" +
+                        link + "\r\n'@doc/Page 3.jpg" + link + "\r\n'@doc/Page 7.jpg" + link +
+                        "\r\n'@doc/Page 8.jpg" + link + "\r\n'@doc/Page 9.jpg" + link},
+            QList<int>{ok}, QStringList{"Page 1.jpg", "Page 2.jpg"});
     }
-
-    void unreadableFileIsPassedOver()
+    void troublesOnTheWay()
     {
-        ImportFixture f(3);
+        auto [pages, cancelAt, diskFullAt, unreadable, links, texts, answers, names] =
+            fetch<int, int, int, QStringList, bool, QStringList, QList<int>, QStringList>(
+                "pages", "cancelAt", "diskFullAt", "unreadable", "links", "texts", "answers",
+                "names");
+        ImportFixture f(pages);
+        const QString doc = f.ex + "/Bank/Checking/March";
         TestFileSystem fs;
-        fs.unreadable.insert(f.ex + "/Bank/Checking/March/Page 2.jpg");
-        fs.unreadable.insert(f.ex + "/Bank/Checking/March/Document.txt");
-        ExchangeFixture::writeBytes(f.ex + "/Bank/Checking/March/Document.txt",
-                                    "[Amount]\r\n1\r\n");
-        f.prompter.expect("2 files imported.\r\n0 shortcuts created.");
+        if (diskFullAt)
+            fs.failCopy.insert(diskFullAt, FileOutcome::Kind::DiskFull);
+        for (const QString& name : unreadable)
+            fs.unreadable.insert(doc + "/" + name);
+        if (unreadable.contains("Document.txt"))
+            ExchangeFixture::writeBytes(doc + "/Document.txt", "[Amount]\r\n1\r\n");
+        if (links) {
+            QVERIFY(ExchangeFixture::writeImage(f.outsidePath("secret.jpg"), Qt::red));
+            for (const char* page : {"Page 3.jpg", "Page 9.jpg", "Page 7.jpg", "Page 8.jpg"})
+                QVERIFY(QFile::link(f.outsidePath("secret.jpg"), doc + "/" + page));
+            QVERIFY(QFile::link(f.outside.path(), f.ex + "/Bank/Everything"));
+        }
+        f.expectAll(
+            texts, answers,
+            {{"@ex", f.ex}, {"@doc", doc}, {"@stored2", f.session->paths().computedPagePath(2)}});
         ImportDialog dialog(f.context(), nullptr, &fs);
+        fs.afterCopy = [&](int n) {
+            if (n == cancelAt)
+                dialog.findChild<QPushButton*>("cmdCancel")->click();
+        };
         dialog.selectCabinet(f.target);
         importFrom(dialog, f.ex);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
-        QCOMPARE(f.count("Page"), 2);
-        QVERIFY(f.field("SELECT Amount FROM Document").isNull());
-    }
-
-    void linksAreNamedAtTheEnd()
-    {
-        ImportFixture f(2);
-        const QString doc = f.ex + "/Bank/Checking/March";
-        QVERIFY(ExchangeFixture::writeImage(f.outsidePath("secret.jpg"), Qt::red));
-        // Made out of order: they are named in order of their names.
-        for (const char* page : {"Page 3.jpg", "Page 9.jpg", "Page 7.jpg", "Page 8.jpg"})
-            QVERIFY(QFile::link(f.outsidePath("secret.jpg"), doc + "/" + page));
-        QVERIFY(QFile::link(f.outside.path(), f.ex + "/Bank/Everything"));
-        QString named = "2 files imported.\r\n0 shortcuts created.\r\n\r\n'" + f.ex +
-                        "/Bank/Everything' is a link; it was not followed.";
-        for (const char* page : {"Page 3.jpg", "Page 7.jpg", "Page 8.jpg", "Page 9.jpg"})
-            named += "\r\n'" + doc + "/" + page + "' is a link; it was not followed.";
-        f.prompter.expect(named);
-        ImportDialog dialog(f.context());
-        importFrom(dialog, f.ex);
-        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(f.count("Folder"), 1);
-        QCOMPARE(f.count("Page"), 2);
+        QVERIFY(f.field("SELECT Amount FROM Document").isNull());
+        const Recordset rs = f.db().openRecordset("SELECT PageId, Name FROM Page ORDER BY Name");
+        QStringList stored;
+        for (int i = 0; i < rs.recordCount(); ++i) {
+            stored << rs.text(i, "Name");
+            const qint32 id = rs.integer(i, "PageId");
+            QVERIFY(QFile::exists(f.session->paths().computedPagePath(id)));
+            QVERIFY(QFile::exists(f.session->paths().computedThumbPath(id)));
+        }
+        QCOMPARE(stored, names);
     }
 
     // With no cabinet to take it, the dialog says so; its look-up still finds a directory.

@@ -151,20 +151,19 @@ private slots:
 
         // The cabinet directory's name plays no part: the target keeps its own name, and
         // takes the description.
-        QCOMPARE(f.field("SELECT Name FROM Cabinet WHERE CabinetId = ?", {target}), "Target");
-        QCOMPARE(f.field("SELECT Description FROM Cabinet WHERE CabinetId = ?", {target}),
+        QCOMPARE(f.fieldOf("Cabinet", "Name", target), "Target");
+        QCOMPARE(f.fieldOf("Cabinet", "Description", target),
                  "Line one\r\nLine two\r\nthree\r\nfour");
         // Names come back cleaned, periods and all gone; a document loses its extension.
         ItemStore& items = f.session->items();
         const qint32 bank = items.childNamed(Level::Drawer, target, "BankAccounts");
         const qint32 taxes = items.childNamed(Level::Drawer, target, "Taxes");
         QVERIFY(bank >= 0 && taxes >= 0);
-        QVERIFY(f.field("SELECT Description FROM Drawer WHERE DrawerId = ?", {bank}).isNull());
-        QCOMPARE(f.field("SELECT Description FROM Drawer WHERE DrawerId = ?", {taxes}), "");
+        QVERIFY(f.fieldOf("Drawer", "Description", bank).isNull());
+        QCOMPARE(f.fieldOf("Drawer", "Description", taxes), "");
         QVERIFY(items.childNamed(Level::Folder, taxes, "2025") >= 0);
         const qint32 checking = items.childNamed(Level::Folder, bank, "Checking");
-        QCOMPARE(f.field("SELECT Description FROM Folder WHERE FolderId = ?", {checking}),
-                 "Folder notes");
+        QCOMPARE(f.fieldOf("Folder", "Description", checking), "Folder notes");
         const qint32 bill = items.childNamed(Level::Document, checking, "Bill2");
         QVERIFY(bill >= 0);
         const std::optional<ItemFields> billFields = items.fields(Level::Document, bill);
@@ -173,11 +172,10 @@ private slots:
         QCOMPARE(billFields->amount, 1234.5);
         // No manifest: the amount is lost. An empty amount value reads as 0.
         const qint32 only = items.childNamed(Level::Document, checking, "Only amount");
-        QVERIFY(f.field("SELECT Amount FROM Document WHERE DocumentId = ?", {only}).isNull());
+        QVERIFY(f.fieldOf("Document", "Amount", only).isNull());
         const qint32 described = items.childNamed(Level::Document, checking, "Described");
-        QCOMPARE(f.field("SELECT Amount FROM Document WHERE DocumentId = ?", {described}), 0.0);
-        QVERIFY(f.field("SELECT DateOnDocument FROM Document WHERE DocumentId = ?", {described})
-                    .isNull());
+        QCOMPARE(f.fieldOf("Document", "Amount", described), 0.0);
+        QVERIFY(f.fieldOf("Document", "DateOnDocument", described).isNull());
 
         // Pages: the file name is the page's name; "Page N" gives the number, others take the
         // next free one, in the order the files are read.
@@ -226,16 +224,12 @@ private slots:
         QVERIFY(f.nav.calls.contains(QString("DOC%1 Bill2<%2").arg(bill).arg(checking)));
 
         // A second import of the same tree creates nothing and copies nothing.
-        const int drawers = f.count("Drawer"), folders = f.count("Folder"),
-                  documents = f.count("Document"), pageRows = f.count("Page");
+        const QList<int> counts = f.counts();
         f.nav.calls.clear();
         const ImportReport again = ex.importer.importCabinet(target, root, 1, f.progress);
         QCOMPARE(again.reportText(), "0 files imported.\r\n0 shortcuts created.");
         QCOMPARE(again.filesSkipped, 5);
-        QCOMPARE(f.count("Drawer"), drawers);
-        QCOMPARE(f.count("Folder"), folders);
-        QCOMPARE(f.count("Document"), documents);
-        QCOMPARE(f.count("Page"), pageRows);
+        QCOMPARE(f.counts(), counts);
         QCOMPARE(f.nav.calls.filter(QRegularExpression("^(DRW|FLD|DOC)")).size(), 0);
         QVERIFY(f.prompter.verify());
     }
@@ -257,18 +251,16 @@ private slots:
         QCOMPARE(report.filesImported, 3);
         ItemStore& items = f.session->items();
         // At the top: "Unfiled drawer", "Unfiled folder", and a document named as the file.
-        const qint32 unfiled = items.childNamed(Level::Drawer, target, "Unfiled drawer");
-        const qint32 unfiledFolder = items.childNamed(Level::Folder, unfiled, "Unfiled folder");
-        const qint32 receipt = items.childNamed(Level::Document, unfiledFolder, "receipt.jpg");
+        const qint32 receipt =
+            f.itemAt(target, {"Unfiled drawer", "Unfiled folder", "receipt.jpg"});
         QVERIFY(receipt >= 0);
         QCOMPARE(f.session->pages().count(receipt), 1);
         // The drawer's "Unfiled folder" is made and stays empty.
-        const qint32 bank = items.childNamed(Level::Drawer, target, "Bank");
-        const qint32 bankUnfiled = items.childNamed(Level::Folder, bank, "Unfiled folder");
+        const qint32 bankUnfiled = f.itemAt(target, {"Bank", "Unfiled folder"});
         QVERIFY(bankUnfiled >= 0);
         QCOMPARE(items.children(Level::Document, bankUnfiled).size(), 0);
         // A file in a folder directory is a document of its own.
-        const qint32 checking = items.childNamed(Level::Folder, bank, "Checking");
+        const qint32 checking = f.itemAt(target, {"Bank", "Checking"});
         QVERIFY(items.childNamed(Level::Document, checking, "statement.JPG") >= 0);
         // An unreadable picture still comes in as a page, without a thumbnail; nothing below
         // a document directory is looked at.
@@ -331,15 +323,13 @@ private slots:
         const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(report.reportText(), "2 files imported.\r\n0 shortcuts created.");
-        QCOMPARE(f.field("SELECT Description FROM Cabinet WHERE CabinetId = ?", {target}),
+        QCOMPARE(f.fieldOf("Cabinet", "Description", target),
                  QString::fromUtf8("Café € 5\r\nnaïve"));
-        ItemStore& items = f.session->items();
-        const qint32 bills = items.childNamed(Level::Drawer, target, "BILLS");
-        QCOMPARE(f.field("SELECT Description FROM Drawer WHERE DrawerId = ?", {bills}), "Drawer");
-        const qint32 gas = items.childNamed(Level::Folder, bills, "gas");
-        QCOMPARE(f.field("SELECT Description FROM Folder WHERE FolderId = ?", {gas}), "Gas");
-        const qint32 january = items.childNamed(Level::Document, gas, "January");
-        const std::optional<ItemFields> fields = items.fields(Level::Document, january);
+        QCOMPARE(f.fieldOf("Drawer", "Description", f.itemAt(target, {"BILLS"})), "Drawer");
+        QCOMPARE(f.fieldOf("Folder", "Description", f.itemAt(target, {"BILLS", "gas"})), "Gas");
+        const qint32 january = f.itemAt(target, {"BILLS", "gas", "January"});
+        const std::optional<ItemFields> fields =
+            f.session->items().fields(Level::Document, january);
         QCOMPARE(fields->dateOnDocument, QDate(2025, 1, 15));
         QCOMPARE(fields->description, QString::fromUtf8("Résumé"));
         QCOMPARE(fields->amount, 45.1);
@@ -375,8 +365,7 @@ private slots:
         const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
         QCOMPARE(report.reportText(), "0 files imported.\r\n0 shortcuts created.");
-        QCOMPARE(f.count("Drawer"), drawers);
-        QCOMPARE(f.count("Document"), drawers);
+        QCOMPARE(f.counts(), QList<int>({drawers, drawers, drawers, 0}));
     }
 };
 
