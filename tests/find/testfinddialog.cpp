@@ -145,26 +145,19 @@ private slots:
         for (int i = 0; i < tabs->count(); ++i)
             tabTexts << tabs->tabText(i);
         QCOMPARE(tabTexts, (QStringList{"Keywords", "Location", "Advanced"}));
-        const std::pair<const char*, const char*> captions[] = {
-            {"lblKeywords", "Keywords:"},
-            {"lblCabinet", "Cabinet:"},
-            {"lblDrawer", "Drawer:"},
-            {"lblFolder", "Folder:"},
-            {"lblScanDate", "Scanned date:"},
-            {"lblThrough1", "through"},
-            {"lblDateOnDoc", "Date on doc:"},
-            {"lblThrough3", "through"},
-            {"lblFileSize", "File size (bytes):"},
-            {"lblThrough2", "through"},
-            {"lblAmtFrom", "Amount (dollars):"},
-            {"lblThrough4", "through"}};
-        for (const auto& [name, caption] : captions)
-            QCOMPARE(h.child<QLabel>(name)->text(), QString(caption));
-        QCOMPARE(h.child<QRadioButton>("optKeywords(0)")->text(), QString("Match any word"));
-        QCOMPARE(h.child<QRadioButton>("optKeywords(1)")->text(), QString("Match all words"));
-        QCOMPARE(h.child<QPushButton>("cmdFind")->text(), QString("&Find"));
-        QCOMPARE(h.child<QPushButton>("cmdReset")->text(), QString("&Reset"));
-        QCOMPARE(h.child<QPushButton>("cmdCancel")->text(), QString("Cancel"));
+        QStringList captions;
+        for (const char* name : {"lblKeywords", "lblCabinet", "lblDrawer", "lblFolder",
+                                 "lblScanDate", "lblThrough1", "lblDateOnDoc", "lblThrough3",
+                                 "lblFileSize", "lblThrough2", "lblAmtFrom", "lblThrough4"})
+            captions << h.child<QLabel>(name)->text();
+        for (const char* name :
+             {"optKeywords(0)", "optKeywords(1)", "cmdFind", "cmdReset", "cmdCancel"})
+            captions << h.child<QAbstractButton>(name)->text();
+        QCOMPARE(captions,
+                 (QStringList{"Keywords:", "Cabinet:", "Drawer:", "Folder:", "Scanned date:",
+                              "through", "Date on doc:", "through", "File size (bytes):", "through",
+                              "Amount (dollars):", "through", "Match any word", "Match all words",
+                              "&Find", "&Reset", "Cancel"}));
         QCOMPARE(h.dialog->timer().interval(), 500);
         QVERIFY(h.dialog->timer().isActive());
         // The defaults of a first search.
@@ -254,40 +247,6 @@ private slots:
         QVERIFY(h.dialog->timer().isActive());
     }
 
-    void emptyKeywords_data()
-    {
-        QTest::addColumn<int>("answer");
-        row("no", int(Prompter::Answer::No));
-        row("cancel", int(Prompter::Answer::Cancel));
-        row("yes", int(Prompter::Answer::Yes));
-    }
-    void emptyKeywords()
-    {
-        QFETCH(int, answer);
-        DialogHarness h(m_fixture, [](FindRecord& r) { r.cabinetName = "Office"; });
-        h.box("txtKeywords")->setText("   ");
-        h.child<QTabWidget>("tabFind")->setCurrentIndex(2);
-        h.box("txtAmtFrom")->setText("3");
-        h.prompter.expect("No keywords entered.  Search without keywords?",
-                          Prompter::Answer(answer));
-        h.child<QPushButton>("cmdFind")->click();
-        QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        QCOMPARE(h.box("txtKeywords")->text(), QString()); // trimmed in any case
-        if (answer != int(Prompter::Answer::Yes)) {
-            QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
-            QCOMPARE(h.tab(), 0);
-            QCOMPARE(h.dialog->focusWidget(), h.box("txtKeywords"));
-            QCOMPARE(h.state.findRecord().amountFrom, 0.0);
-            QVERIFY(h.results.calls.isEmpty());
-            return;
-        }
-        // Without keywords every folder of the cabinet matches: all its documents come.
-        QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
-        QCOMPARE(h.results.calls, (QStringList{"clear", "show 6"}));
-        QCOMPARE(h.state.findRecord().amountFrom, 3.0);
-        QCOMPARE(h.state.findRecord().cabinetName, QString("Office"));
-    }
-
     void searchWritesTheCriteria()
     {
         DialogHarness h(m_fixture);
@@ -346,37 +305,57 @@ private slots:
         QCOMPARE(h.state.findRecord().pageWords, QString("overdraft"));
     }
 
-    void numbersThatAreNoNumbers_data()
+    // A search the dialog refuses leaves it open at the box to mend, with nothing written;
+    // searching without keywords is asked first, and "Yes" finds every document in scope.
+    void refusedSearches_data()
     {
-        columns<QString, QString, QString>({"box", "text", "message"});
+        columns<QString, QString, QString, QString, int>(
+            {"keywords", "box", "text", "message", "answer"});
+        QTest::addColumn<int>("tab"); // where a refusal leaves the dialog; -1 when it searches
+        const QString none = "No keywords entered.  Search without keywords?";
         const QString amount = "The amount must be a number.";
         const QString size = "The file size must be a number of bytes.";
-        row("amount from", "txtAmtFrom", "12abc", amount);
-        row("amount thru", "txtAmtThru", "5 euros", amount);
-        row("size from", "txtFileSizeFrom", "1 KB", size);
-        row("size too large", "txtFileSizeThru", "3000000000", size);
+        const int ok = int(Prompter::Answer::Ok);
+        row("no keywords, no", "   ", "txtAmtFrom", "3", none, int(Prompter::Answer::No), 0);
+        row("no keywords, cancel", "   ", "txtAmtFrom", "3", none, int(Prompter::Answer::Cancel),
+            0);
+        row("no keywords, yes", "   ", "txtAmtFrom", "3", none, int(Prompter::Answer::Yes), -1);
+        row("amount from", "tax", "txtAmtFrom", "12abc", amount, ok, 2);
+        row("amount thru", "tax", "txtAmtThru", "5 euros", amount, ok, 2);
+        row("size from", "tax", "txtFileSizeFrom", "1 KB", size, ok, 2);
+        row("size too large", "tax", "txtFileSizeThru", "3000000000", size, ok, 2);
     }
-    void numbersThatAreNoNumbers()
+    void refusedSearches()
     {
-        QFETCH(QString, box);
-        QFETCH(QString, text);
-        QFETCH(QString, message);
-        DialogHarness h(m_fixture);
-        h.box("txtKeywords")->setText("tax");
+        const auto [keywords, box, text, message, answer, tab] =
+            test::fetch<QString, QString, QString, QString, int, int>("keywords", "box", "text",
+                                                                      "message", "answer", "tab");
+        DialogHarness h(m_fixture, [](FindRecord& r) { r.cabinetName = "Office"; });
+        h.box("txtKeywords")->setText(keywords);
+        h.child<QTabWidget>("tabFind")->setCurrentIndex(tab == 2 ? 0 : 2);
         h.box(qPrintable(box))->setText(text);
-        h.prompter.expect(message);
+        h.prompter.expect(message, Prompter::Answer(answer));
         h.child<QPushButton>("cmdFind")->click();
         QVERIFY2(h.prompter.verify(), qPrintable(h.prompter.report()));
-        QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
-        QCOMPARE(h.tab(), 2);
-        QCOMPARE(h.dialog->focusWidget(), h.box(qPrintable(box)));
-        QCOMPARE(h.state.findRecord().keywords, QString()); // nothing written
-        QVERIFY(h.results.calls.isEmpty());
-        // An empty box is 0.
-        h.box(qPrintable(box))->clear();
-        h.child<QPushButton>("cmdFind")->click();
+        QCOMPARE(h.box("txtKeywords")->text(), keywords.trimmed()); // trimmed in any case
+        if (tab >= 0) {
+            QCOMPARE(h.dialog->result(), int(QDialog::Rejected)); // still open
+            QCOMPARE(h.tab(), tab);
+            QCOMPARE(h.dialog->focusWidget(), h.box(tab == 0 ? "txtKeywords" : qPrintable(box)));
+            QCOMPARE(h.state.findRecord().keywords, QString()); // nothing written
+            QCOMPARE(h.state.findRecord().amountFrom, 0.0);
+            QVERIFY(h.results.calls.isEmpty());
+            if (tab == 0)
+                return;
+            // An empty box is 0.
+            h.box(qPrintable(box))->clear();
+            h.child<QPushButton>("cmdFind")->click();
+        }
+        // Without keywords every folder of the cabinet matches: all its documents come.
         QCOMPARE(h.dialog->result(), int(QDialog::Accepted));
         QCOMPARE(h.results.calls, (QStringList{"clear", "show 6"}));
+        QCOMPARE(h.state.findRecord().amountFrom, tab < 0 ? 3.0 : 0.0);
+        QCOMPARE(h.state.findRecord().cabinetName, QString("Office"));
     }
 
     // The dialog closes after every search, the old result gone first. A combo changed since
@@ -398,12 +377,9 @@ private slots:
     }
     void searches()
     {
-        QFETCH(QString, keywords);
-        QFETCH(QString, cabinet);
-        QFETCH(QString, drawer);
-        QFETCH(bool, poll);
-        QFETCH(QString, message);
-        QFETCH(QStringList, calls);
+        const auto [keywords, cabinet, drawer, poll, message, calls] =
+            test::fetch<QString, QString, QString, bool, QString, QStringList>(
+                "keywords", "cabinet", "drawer", "poll", "message", "calls");
         DialogHarness h(m_fixture);
         h.box("txtKeywords")->setText(keywords);
         if (!cabinet.isEmpty())

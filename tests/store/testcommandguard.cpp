@@ -24,8 +24,7 @@ private slots:
     }
     void failureIsTold()
     {
-        QFETCH(int, failure);
-        QFETCH(QString, told);
+        const auto [failure, told] = test::fetch<int, QString>("failure", "told");
         test::ScriptedPrompter prompter;
         if (!told.isEmpty())
             prompter.expect(told);

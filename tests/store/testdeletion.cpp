@@ -109,20 +109,28 @@ private slots:
                         "Delete document"});
         row("page", 4, 2, "2/3/4/3/4", QList<int>{1, 3},
             QStringList{"start Delete page 1..3", "Delete page file", "Delete page record"});
+        // Level -1: the shortcut, a page with files and one whose files were never there, as
+        // one deletion of several pages; no failure.
+        row("several pages", -1, 0, "2/3/4/3/2", QList<int>{2, 3},
+            QStringList{"Delete page file", "Delete page file", "Delete page file",
+                        "Delete page record", "Delete page record", "Delete page record"});
     }
     void everyLevel()
     {
-        QFETCH(int, level);
-        QFETCH(int, id);
-        QFETCH(QString, counts);
-        QFETCH(QList<int>, filesLeft);
-        QFETCH(QStringList, progress);
+        const auto [level, id, counts, filesLeft, progress] =
+            test::fetch<int, int, QString, QList<int>, QStringList>("level", "id", "counts",
+                                                                    "filesLeft", "progress");
         DeletionStore s;
         QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/5"));
         QCOMPARE(s.pagesWithFiles(), (QList<int>{1, 2, 3}));
-        s.recorded.start(Deletion::progressTitle(Level(level)), 1,
-                         s.deletion().progressMaximum(Level(level), id));
-        s.deletion().deleteItem(Level(level), id, s.recorded);
+        if (level < 0) {
+            QCOMPARE(s.deletion().progressMaximum(Level::Page, -1, 3), 9);
+            s.deletion().deletePages({4, 1, 5}, s.recorded);
+        } else {
+            s.recorded.start(Deletion::progressTitle(Level(level)), 1,
+                             s.deletion().progressMaximum(Level(level), id));
+            s.deletion().deleteItem(Level(level), id, s.recorded);
+        }
         QCOMPARE(s.recorded.log, progress);
         QCOMPARE(s.counts(), counts);
         QCOMPARE(s.pagesWithFiles(), filesLeft);
@@ -132,22 +140,6 @@ private slots:
         // Directories stay, even when emptied.
         QVERIFY(QDir(s.paths->computedPageDirectory(1)).exists());
         QVERIFY(QDir(s.paths->computedThumbDirectory(1)).exists());
-    }
-
-    void severalPages()
-    {
-        DeletionStore s;
-        QCOMPARE(s.deletion().progressMaximum(Level::Page, -1, 3), 9);
-        // The shortcut, a page with files and one whose files were never there: no failure.
-        s.deletion().deletePages({4, 1, 5}, s.recorded);
-        QCOMPARE(s.recorded.log,
-                 (QStringList{"Delete page file", "Delete page file", "Delete page file",
-                              "Delete page record", "Delete page record", "Delete page record"}));
-        QCOMPARE(s.counts(), QStringLiteral("2/3/4/3/2"));
-        QCOMPARE(s.pagesWithFiles(), (QList<int>{2, 3}));
-        // The shortcut's own file is the user's, and its thumbnail stays with it.
-        QVERIFY(QFile::exists(s.shortcutFile));
-        QVERIFY(QFile::exists(s.paths->thumbPath(4, s.shortcutFile)));
     }
 
     void filesThatCannotGoAreSkipped()

@@ -25,9 +25,8 @@ private slots:
     }
     void characterSets()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, badName);
-        QFETCH(bool, badPath);
+        const auto [text, badName, badPath] =
+            test::fetch<QString, bool, bool>("text", "badName", "badPath");
         QCOMPARE(ItemRules::containsBadCharacters(text), badName);
         QCOMPARE(ItemRules::containsBadPathCharacters(text), badPath);
         QCOMPARE(ItemRules::containsBadCharacters(ItemRules::stripBadCharacters(text)), false);
@@ -62,10 +61,8 @@ private slots:
     }
     void dates()
     {
-        QFETCH(QString, text);
-        QFETCH(bool, blank);
-        QFETCH(bool, valid);
-        QFETCH(QDate, date);
+        const auto [text, blank, valid, date] =
+            test::fetch<QString, bool, bool, QDate>("text", "blank", "valid", "date");
         QCOMPARE(ItemRules::isBlank(text), blank);
         QCOMPARE(ItemRules::isValidDate(text), valid);
         QCOMPARE(ItemRules::dateOrZero(text), date);
@@ -90,8 +87,7 @@ private slots:
     }
     void leadingNumber()
     {
-        QFETCH(QString, text);
-        QFETCH(double, number);
+        const auto [text, number] = test::fetch<QString, double>("text", "number");
         QCOMPARE(ItemRules::leadingNumber(text), number);
     }
 
@@ -109,8 +105,7 @@ private slots:
     }
     void pictureFiles()
     {
-        QFETCH(QString, name);
-        QFETCH(bool, picture);
+        const auto [name, picture] = test::fetch<QString, bool>("name", "picture");
         QCOMPARE(ItemRules::isPictureFile(name), picture);
     }
 };

@@ -62,8 +62,8 @@ private slots:
     }
     void repaginate()
     {
-        QFETCH(QVariantList, numbers);
-        QFETCH(QList<int>, expected);
+        const auto [numbers, expected] =
+            test::fetch<QVariantList, QList<int>>("numbers", "expected");
         test::TestHome home;
         test::FixtureStore store(home.home());
         const qint32 doc = store.document(1, "Doc");
@@ -91,10 +91,9 @@ private slots:
         const qint32 doc = store.document(fld, "Doc", QDate(2026, 1, 2));
         const qint32 pag = store.pageRow(doc, 1);
         ItemStore items(store.db());
-        QCOMPARE(items.cabinetOfDrawer(drw), cab);
-        QCOMPARE(items.drawerOfFolder(fld), drw);
-        QCOMPARE(items.folderOfDocument(doc), fld);
-        QCOMPARE(items.documentOfPage(pag), doc);
+        QCOMPARE((QList<qint32>{items.cabinetOfDrawer(drw), items.drawerOfFolder(fld),
+                                items.folderOfDocument(doc), items.documentOfPage(pag)}),
+                 (QList<qint32>{cab, drw, fld, doc}));
         // A dangling id answers -1 instead of failing.
         QCOMPARE(items.folderOfDocument(9999), -1);
         QCOMPARE(items.parentOf(Level::Cabinet, cab), -1);
@@ -103,10 +102,10 @@ private slots:
         const qint32 first = store.drawer(cab, "A first");
         const QVector<ItemRow> drawers = items.children(Level::Drawer, cab);
         QCOMPARE(drawers.size(), 3);
-        QCOMPARE(drawers.at(0).name, QStringLiteral("A first"));
-        QCOMPARE(drawers.at(0).id, first);
-        QCOMPARE(drawers.at(1).name, QStringLiteral("b second"));
-        QCOMPARE(drawers.at(1).id, second);
+        QCOMPARE((QStringList{drawers.at(0).name, drawers.at(1).name}),
+                 (QStringList{"A first", "b second"}));
+        QCOMPARE((QList<qint32>{drawers.at(0).id, drawers.at(1).id}),
+                 (QList<qint32>{first, second}));
         QCOMPARE(items.children(Level::Document, fld).at(0).date, QDate(2026, 1, 2));
         QCOMPARE(items.item(Level::Folder, 777).id, -1);
 

@@ -25,9 +25,7 @@ private slots:
     }
     void computed()
     {
-        QFETCH(int, id);
-        QFETCH(QString, page);
-        QFETCH(QString, thumb);
+        const auto [id, page, thumb] = test::fetch<int, QString, QString>("id", "page", "thumb");
         test::TestHome home;
         PagePaths paths(home.home());
         // No stored file name: the computed scheme.
@@ -39,44 +37,32 @@ private slots:
                  PagePaths::directoryPart(home.file(page)));
     }
 
+    // A stored file name: used as it is, its thumbnail beside it, and its parts split at the
+    // last separator.
     void storedFilename_data()
     {
         columns<QString, QString, QString, QString>({"filename", "pageDir", "thumbDir", "thumb"});
+        columns<QString, QString>({"dir", "file"});
         row("scan", "/data/scans/june.tif", "/data/scans", "/data/scans/Thumbs",
-            "/data/scans/Thumbs/june.tif");
-        row("top level", "/x.jpg", "/", "/Thumbs", "/Thumbs/x.jpg");
+            "/data/scans/Thumbs/june.tif", "/data/scans/", "june.tif");
+        row("top level", "/x.jpg", "/", "/Thumbs", "/Thumbs/x.jpg", "/", "x.jpg");
         // A name with no separator at all: the thumbnail path ends in one.
-        row("bare name", "x.jpg", "", "Thumbs", "Thumbs/");
+        row("bare name", "x.jpg", "", "Thumbs", "Thumbs/", "", "");
+        row("directory", "/a/b/", "/a/b", "/a/b/Thumbs", "/a/b/Thumbs/", "/a/b/", "");
     }
     void storedFilename()
     {
-        QFETCH(QString, filename);
-        QFETCH(QString, pageDir);
-        QFETCH(QString, thumbDir);
-        QFETCH(QString, thumb);
+        const auto [filename, pageDir, thumbDir, thumb, dir, file] =
+            test::fetch<QString, QString, QString, QString, QString, QString>(
+                "filename", "pageDir", "thumbDir", "thumb", "dir", "file");
         test::TestHome home;
         PagePaths paths(home.home());
         QCOMPARE(paths.pagePath(7, filename), filename);
         QCOMPARE(paths.pageDirectory(7, filename), pageDir);
         QCOMPARE(paths.thumbDirectory(7, filename), thumbDir);
         QCOMPARE(paths.thumbPath(7, filename), thumb);
-    }
-
-    void parts_data()
-    {
-        columns<QString, QString, QString>({"path", "dir", "file"});
-        row("file", "/a/b/c.jpg", "/a/b/", "c.jpg");
-        row("root file", "/x.jpg", "/", "x.jpg");
-        row("bare", "x.jpg", "", "");
-        row("dir", "/a/b/", "/a/b/", "");
-    }
-    void parts()
-    {
-        QFETCH(QString, path);
-        QFETCH(QString, dir);
-        QFETCH(QString, file);
-        QCOMPARE(PagePaths::directoryPart(path), dir);
-        QCOMPARE(PagePaths::filePart(path), file);
+        QCOMPARE(PagePaths::directoryPart(filename), dir);
+        QCOMPARE(PagePaths::filePart(filename), file);
     }
 
     void ensurePathExists_data()
@@ -92,9 +78,8 @@ private slots:
     }
     void ensurePathExists()
     {
-        QFETCH(QString, path);
-        QFETCH(QStringList, made);
-        QFETCH(QStringList, notMade);
+        const auto [path, made, notMade] =
+            test::fetch<QString, QStringList, QStringList>("path", "made", "notMade");
         test::TestHome home;
         QVERIFY(PagePaths::ensurePathExists(home.file(path)));
         for (const QString& d : made)

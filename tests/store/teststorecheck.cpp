@@ -49,6 +49,12 @@ bool makeOlder(const QString& path, int seconds)
     return ::utime(QFile::encodeName(path).constData(), &times) == 0;
 }
 
+// A cabinet, drawer and folder holding one document, "Doc".
+qint32 oneDocument(test::FixtureStore& store)
+{
+    return store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
+}
+
 struct Checked
 {
     QStringList problems;
@@ -98,9 +104,8 @@ private slots:
     }
     void summaryText()
     {
-        QFETCH(int, problems);
-        QFETCH(int, repaired);
-        QFETCH(QString, text);
+        const auto [problems, repaired, text] =
+            test::fetch<int, int, QString>("problems", "repaired", "text");
         QCOMPARE((StoreCheck::Summary{problems, repaired}.text()), text);
     }
 
@@ -126,13 +131,11 @@ private slots:
     // finds the home clean, and no row, nor any file a row refers to, is ever removed.
     void damage()
     {
-        QFETCH(QString, damage);
-        QFETCH(QString, named);
-        QFETCH(bool, mendable);
+        const auto [damage, named, mendable] =
+            test::fetch<QString, QString, bool>("damage", "named", "mendable");
         test::TestHome home;
         test::FixtureStore store(home.home());
-        const qint32 doc =
-            store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
+        const qint32 doc = oneDocument(store);
         const qint32 a = store.page(doc, 1, QSize(200, 260));
         const qint32 b = store.page(doc, 2, QSize(200, 260));
         const PagePaths paths(home.home());
@@ -218,8 +221,7 @@ private slots:
     {
         test::TestHome home;
         test::FixtureStore store(home.home());
-        const qint32 doc =
-            store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
+        const qint32 doc = oneDocument(store);
         const qint32 kept = store.page(doc, 1, QSize(50, 50));
         const qint32 bare = store.pageRow(doc, 2);
         const PagePaths paths(home.home());
@@ -279,8 +281,7 @@ private slots:
     {
         test::TestHome home;
         test::FixtureStore store(home.home());
-        const qint32 doc =
-            store.document(store.folder(store.drawer(store.cabinet("C"), "D"), "F"), "Doc");
+        const qint32 doc = oneDocument(store);
         const PagePaths paths(home.home());
         const QList<qint32> ids{1000, 1001};
         for (const qint32 id : ids)

@@ -7,6 +7,7 @@
 #include "core/findcriteria.h"
 #include "store/documentsearch.h"
 #include "store/textindex.h"
+#include "store/wordindex.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/datarow.h"
@@ -30,6 +31,30 @@ QList<TextIndex::Word> line(const QString& text, int y = 100)
 }
 
 const TextIndex::Stamp kStamp{1234, 1700000000000};
+
+// The names of the documents a search of the cabinet finds, sorted, each once.
+QStringList foundNames(Database& db, qint32 cabinet, const QString& keywords,
+                       const QString& pageWords = QString())
+{
+    FindCriteria criteria;
+    criteria.keywords = keywords;
+    criteria.pageWords = PageWords::parse(pageWords);
+    QStringList names;
+    for (const FoundDocument& d : DocumentSearch(db).run(criteria, {cabinet}).documents)
+        names << d.documentName;
+    names.sort();
+    names.removeDuplicates();
+    return names;
+}
+
+void dropWordIndex(Database& db)
+{
+    for (const char* table : {"Document", "Folder"}) {
+        for (const char* trigger : {"Add", "Remove", "Change"})
+            db.execute(QStringLiteral("DROP TRIGGER %1_Words%2").arg(table, trigger));
+        db.execute(QStringLiteral("DROP TABLE %1Words").arg(table));
+    }
+}
 
 } // namespace
 
@@ -56,8 +81,7 @@ private slots:
     }
     void findsThePagesThatHoldEveryTerm()
     {
-        QFETCH(QString, typed);
-        QFETCH(QList<int>, pages);
+        const auto [typed, pages] = test::fetch<QString, QList<int>>("typed", "pages");
         TextIndex index(m_home.path());
         index.open();
         index.put(1, kStamp, line("Gas invoice for Müller, e-mail billing@example.com"));
@@ -111,8 +135,7 @@ private slots:
     }
     void boxesOfTheMatchingWords()
     {
-        QFETCH(QString, typed);
-        QFETCH(QList<int>, words);
+        const auto [typed, words] = test::fetch<QString, QList<int>>("typed", "words");
         TextIndex index(m_home.path());
         index.open();
         // Two lines: the boxes go back to the left and down, and come back as they were.
@@ -141,10 +164,9 @@ private slots:
     }
     void theDocumentSearchAsksTheIndex()
     {
-        QFETCH(QString, keywords);
-        QFETCH(QString, pageWords);
-        QFETCH(bool, attached);
-        QFETCH(QStringList, documents);
+        const auto [keywords, pageWords, attached, documents] =
+            test::fetch<QString, QString, bool, QStringList>("keywords", "pageWords", "attached",
+                                                             "documents");
         TestHome home;
         FixtureStore store(home.home());
         const qint32 cabinet = store.cabinet("Home");
@@ -162,15 +184,7 @@ private slots:
         file(store.folder(drawer, "Water"), "Spring", {"invoice"});
         if (attached)
             index.attachTo(store.db());
-        FindCriteria criteria;
-        criteria.keywords = keywords;
-        criteria.pageWords = PageWords::parse(pageWords);
-        QStringList names;
-        for (const FoundDocument& d : DocumentSearch(store.db()).run(criteria, {cabinet}).documents)
-            names << d.documentName;
-        names.sort();
-        names.removeDuplicates();
-        QCOMPARE(names, documents);
+        QCOMPARE(foundNames(store.db(), cabinet, keywords, pageWords), documents);
     }
 
     // A file that is no index is set aside, and no journal of it is left to be played into
@@ -193,6 +207,69 @@ private slots:
         QVERIFY(aside.open(QIODevice::ReadOnly));
         QCOMPARE(aside.readAll(), QByteArray(4096, 'x'));
         QVERIFY(!QFile::exists(path + "-journal"));
+    }
+
+    // The word index only narrows what a search reads: kept by its triggers, made afresh from
+    // the rows, or not there at all, a search finds the same documents.
+    void wordIndexFindsWhatTheRowsHold_data()
+    {
+        columns<QString, QString, QStringList>({"change", "keywords", "expected"});
+        const QString renamed =
+            "UPDATE Document SET Name = 'Water bill' WHERE Name = 'Gas invoice'";
+        const QString described =
+            "UPDATE Document SET Description = 'summer cooling' WHERE Name = 'Gas invoice'";
+        row("a word", "", "invoice", QStringList{"Gas invoice"});
+        row("another case", "", "INVOICE", QStringList{"Gas invoice"});
+        row("a description", "", "heating", QStringList{"Gas invoice"});
+        row("long s", "", "hasen", QStringList{"Ha\u017Fen farm"});
+        row("Kelvin sign", "", "kitchen", QStringList{"\u212Aitchen"});
+        row("quotes", "", "\"big\"", QStringList{"The \"big\" one"});
+        row("two letters", "", "as", QStringList{"Gas invoice", "Ha\u017Fen farm"});
+        row("two words", "", "farm kitchen", QStringList{"Ha\u017Fen farm", "\u212Aitchen"});
+        row("renamed: old name", renamed, "invoice", QStringList{});
+        row("renamed: new name", renamed, "water", QStringList{"Water bill"});
+        row("described: old text", described, "heating", QStringList{});
+        row("described: new text", described, "cooling", QStringList{"Gas invoice"});
+        row("deleted", "DELETE FROM Document WHERE Name = 'Gas invoice'", "gas", QStringList{});
+        row("added",
+            "INSERT INTO Document (FolderId, Name) SELECT FolderId, 'Gas "
+            "meter' FROM Folder",
+            "gas", QStringList{"Gas invoice", "Gas meter"});
+        row("folder described", "UPDATE Folder SET Description = 'old receipts'", "receipts",
+            QStringList{"Gas invoice", "Ha\u017Fen farm", "The \"big\" one", "\u212Aitchen"});
+        row("folder renamed: old name", "UPDATE Folder SET Name = 'Bills'", "letters",
+            QStringList{});
+    }
+    void wordIndexFindsWhatTheRowsHold()
+    {
+        const auto [change, keywords, expected] =
+            test::fetch<QString, QString, QStringList>("change", "keywords", "expected");
+        TestHome home;
+        FixtureStore store(home.home());
+        Database& db = store.db();
+        QVERIFY(WordIndex::present(db));
+        const qint32 cabinet = store.cabinet("Home");
+        const qint32 folder = store.folder(store.drawer(cabinet, "House"), "Letters");
+        for (const QString name :
+             {"Gas invoice", "Ha\u017Fen farm", "\u212Aitchen", "The \"big\" one"})
+            store.document(folder, name);
+        db.execute("UPDATE Document SET Description = 'winter heating' WHERE Name = 'Gas invoice'");
+        if (!change.isEmpty())
+            db.execute(change);
+
+        QCOMPARE(foundNames(db, cabinet, keywords), expected); // kept by the triggers
+        dropWordIndex(db);
+        QVERIFY(!WordIndex::present(db));
+        QCOMPARE(foundNames(db, cabinet, keywords), expected); // every row read
+        WordIndex::ensure(db);
+        QVERIFY(WordIndex::present(db));
+        QCOMPARE(foundNames(db, cabinet, keywords), expected); // made from the rows
+        // Later changes reach the index made from the rows too.
+        db.execute("UPDATE Document SET Name = Name || ' x'");
+        QStringList suffixed;
+        for (const QString& name : expected)
+            suffixed << name + " x";
+        QCOMPARE(foundNames(db, cabinet, keywords), suffixed);
     }
 };
 
