@@ -1,8 +1,11 @@
 #pragma once
 
+#include <QCoreApplication>
 #include <QImage>
 #include <QPainter>
 #include <QStringList>
+
+#include "text/textworker.h"
 
 namespace qmr::test {
 
@@ -39,6 +42,12 @@ inline QImage printedPage(const QStringList& lines, QPoint origin = QPoint(150, 
     }
     painter.end();
     return page;
+}
+
+// This executable started as the reading worker, for `languages` when they are given.
+inline QStringList workerCommand(const QStringList& languages = {})
+{
+    return QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption} + languages;
 }
 
 } // namespace qmr::test

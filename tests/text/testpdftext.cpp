@@ -1,4 +1,3 @@
-#include <QCoreApplication>
 #include <QDebug>
 #include <QDir>
 #include <QElapsedTimer>
@@ -12,7 +11,6 @@
 #include "store/cabinetlock.h"
 #include "store/pagepaths.h"
 #include "store/pagestore.h"
-#include "tests/support/datarow.h"
 #include "tests/support/fixturestore.h"
 #include "tests/support/testhome.h"
 #include "tests/support/testpdfs.h"
@@ -21,7 +19,6 @@
 #include "text/pdftext.h"
 #include "text/textfind.h"
 #include "text/textreading.h"
-#include "text/textworker.h"
 
 using namespace qmr;
 using namespace qmr::test;
@@ -30,15 +27,8 @@ namespace {
 
 const QList<QStringList> kLetter = {{"Northwind heating invoice", "Account 4471"},
                                     {"Water meter reading"}};
-
-QStringList wordsOf(const QList<QStringList>& pages)
-{
-    QStringList words;
-    for (const QStringList& lines : pages)
-        for (const QString& line : lines)
-            words << line.split(' ');
-    return words;
-}
+const QStringList kLetterWords = {"Northwind", "heating", "invoice", "Account",
+                                  "4471",      "Water",   "meter",   "reading"};
 
 // A shortcut page in `document` that points at `file`.
 qint32 shortcutTo(FixtureStore& store, qint32 document, int number, const QString& file)
@@ -90,7 +80,7 @@ private slots:
         QStringList texts;
         for (const TextIndex::Word& word : words)
             texts << word.text;
-        QCOMPARE(texts, printed ? wordsOf(kLetter) : QStringList());
+        QCOMPARE(texts, printed ? kLetterWords : QStringList());
         if (!printed)
             return;
         // Boxes in points, the second page below the first: a word follows the one before it
@@ -135,8 +125,7 @@ private slots:
             QVERIFY(TestPdfs::refused(kind, file));
             refusedPages << shortcutTo(store, document, int(refusedPages.size()) + 4, file);
         }
-        TextReading reading(store.db(), paths, "eng",
-                            {QCoreApplication::applicationFilePath(), TextWorker::kOption});
+        TextReading reading(store.db(), paths, "eng", workerCommand());
         QVERIFY(reading.start().ok());
         QSignalSpy idle(reading.reader(), &TextReader::idle);
         QSignalSpy started(reading.reader(), &TextReader::pageStarted);
@@ -212,9 +201,7 @@ private slots:
         QVERIFY(whole.ok());
         QCOMPARE(whole.value().toRead.size(), 300000);
 
-        auto reading = std::make_unique<TextReading>(
-            store.db(), paths, "eng",
-            QStringList{QCoreApplication::applicationFilePath(), TextWorker::kOption});
+        auto reading = std::make_unique<TextReading>(store.db(), paths, "eng", workerCommand());
         QVERIFY(reading->start().ok());
         reading->refresh();
         clock.restart();

@@ -6,7 +6,6 @@
 #include <QRandomGenerator>
 #include <QTest>
 
-#include "core/pagewords.h"
 #include "tests/support/datarow.h"
 #include "tests/support/testrunner.h"
 #include "tests/text/printedpage.h"
@@ -97,7 +96,6 @@ private slots:
         columns<QString, QString, QString>({"locale", "installed", "chosen"});
         row("the locale's pack", "de_DE", "deu eng", "deu");
         row("no pack for the locale", "de_DE", "eng fra", "eng");
-        row("English", "en_GB", "eng", "eng");
     }
     void languages()
     {
@@ -105,15 +103,13 @@ private slots:
         QTEST(TextRecognizer::defaultLanguages(QLocale(locale), installed.split(' ')), "chosen");
     }
 
+    // The message for a missing pack is checked through the worker, in the reader's test, and
+    // that "eng" is among the packs installed by the start in initTestCase.
     void aMissingPackIsNamed()
     {
         TextRecognizer recognizer;
-        const Attempt<> started = recognizer.start("eng+xyz");
-        QVERIFY(!started);
-        QCOMPARE(started.why(), QString("The language pack for xyz is not installed; text on the "
-                                        "pages is not read until it is."));
+        QVERIFY(!recognizer.start("eng+xyz"));
         QCOMPARE(recognizer.read(paper()), QList<TextIndex::Word>{});
-        QVERIFY(TextRecognizer::installedLanguages().contains("eng"));
         QVERIFY(!TextRecognizer::installedLanguages().contains("osd"));
     }
 
