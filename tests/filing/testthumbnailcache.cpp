@@ -48,6 +48,15 @@ bool writeBytes(const QString& path, const QByteArray& bytes)
            file.write(bytes) == bytes.size();
 }
 
+// Moves the file's time on by `seconds`, as a later save would.
+bool postdate(const QString& path, int seconds)
+{
+    QFile file(path);
+    return file.open(QIODevice::ReadWrite) &&
+           file.setFileTime(QFileInfo(path).lastModified().addSecs(seconds),
+                            QFileDevice::FileModificationTime);
+}
+
 // A cache on a temporary home, with what it delivers recorded.
 struct CacheBench
 {
@@ -147,11 +156,7 @@ private slots:
         QImage green(100, 100, QImage::Format_RGB32);
         green.fill(Qt::green);
         QVERIFY(green.save(page.thumbPath, "JPG"));
-        QFile f(page.thumbPath);
-        QVERIFY(f.open(QIODevice::ReadWrite));
-        QVERIFY(f.setFileTime(QDateTime::currentDateTime().addSecs(60),
-                              QFileDevice::FileModificationTime));
-        f.close();
+        QVERIFY(postdate(page.thumbPath, 60));
         const QRgb now = b.cache.request({page}).value(1).pixel(50, 50);
         QVERIFY(qGreen(now) > 200 && qRed(now) < 60);
     }
@@ -282,13 +287,10 @@ private slots:
         // again; once the file has changed, it is drawn anew, and once it cannot be drawn, no
         // tile comes and none is kept.
         const auto change = [&](bool toGarbage, int seconds) {
-            if (!(toGarbage ? TestPdfs::garbage(pdf)
-                            : TestPdfs::printed(pdf, {{"Another", "letter", "much", "longer"}})))
-                return false;
-            QFile file(pdf);
-            return file.open(QIODevice::ReadWrite) &&
-                   file.setFileTime(QFileInfo(pdf).lastModified().addSecs(seconds),
-                                    QFileDevice::FileModificationTime);
+            return (toGarbage
+                        ? TestPdfs::garbage(pdf)
+                        : TestPdfs::printed(pdf, {{"Another", "letter", "much", "longer"}})) &&
+                   postdate(pdf, seconds);
         };
         QCOMPARE(b.cache.request({request}).value(1), tile);
         QVERIFY(b.waitForBlock());
@@ -310,40 +312,35 @@ private slots:
         QVERIFY(b.waitForBlock());
     }
 
-    void goneOrUnreadablePageLeavesNoThumbnail_data()
+    // A page that is gone: missingThumbnailsAreMadeOnFirstRequest. A thumbnail that cannot be
+    // put in place is made again when it is missed; the reason goes to the log, and nothing is
+    // left aside.
+    void aThumbnailThatCannotBeMadeLeavesNone_data()
     {
-        // A page that is gone: missingThumbnailsAreMadeOnFirstRequest.
-        columns<QByteArray>({"content"});
-        row("not an image", QByteArray("this is no picture"));
+        columns<QByteArray, bool>({"content", "blocked"}); // `blocked`: a folder in the way
+        row("not an image", QByteArray("this is no picture"), false);
         // Which stated sizes are too large to open is the image loader's rule.
-        row("JPEG too large to open", BigPictures::bomb());
+        row("JPEG too large to open", BigPictures::bomb(), false);
+        QBuffer page;
+        page.open(QIODevice::WriteOnly);
+        halfDark(QSize(300, 200)).save(&page, "JPG");
+        row("cannot be put in place", page.data(), true);
     }
-    void goneOrUnreadablePageLeavesNoThumbnail()
+    void aThumbnailThatCannotBeMadeLeavesNone()
     {
-        QFETCH(QByteArray, content);
+        auto [content, blocked] = fetch<QByteArray, bool>("content", "blocked");
         QTemporaryDir dir;
         const QString src = dir.filePath("page.jpg");
         QVERIFY(writeBytes(src, content));
-        const QString dst = dir.filePath("thumb.jpg");
-        QImage(10, 10, QImage::Format_RGB32).save(dst, "JPG"); // a stale one
-        QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
-        QVERIFY(!QFile::exists(dst));
-    }
-
-    // A thumbnail that cannot be put in place is made again when it is missed; the reason
-    // goes to the log, and nothing is left aside.
-    void oneThatCannotBePutInPlaceIsLogged()
-    {
-        QTemporaryDir dir;
-        QImage page(300, 200, QImage::Format_RGB32);
-        page.fill(Qt::gray);
-        const QString src = dir.filePath("page.jpg");
-        QVERIFY(page.save(src, "JPG"));
         const QString dst = dir.filePath("Thumbs/1.jpg");
-        QVERIFY(QDir().mkpath(dst + "/in the way"));
-        QTest::ignoreMessage(QtWarningMsg,
-                             QRegularExpression("^No thumbnail written to .*/Thumbs/1\\.jpg: "));
+        QVERIFY(QDir().mkpath(blocked ? dst + "/in the way" : dir.filePath("Thumbs")));
+        if (blocked)
+            QTest::ignoreMessage(
+                QtWarningMsg, QRegularExpression("^No thumbnail written to .*/Thumbs/1\\.jpg: "));
+        else
+            QImage(10, 10, QImage::Format_RGB32).save(dst, "JPG"); // a stale one
         QVERIFY(!ThumbnailMaker::makeThumbnail(src, dst, dir.path()));
+        QVERIFY(!QFileInfo(dst).isFile());
         QCOMPARE(QDir(dir.filePath("Thumbs")).entryList(QDir::Files | QDir::Hidden).size(), 0);
     }
 

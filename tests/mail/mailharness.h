@@ -3,13 +3,21 @@
 #include <QFile>
 #include <QHash>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include "core/settings.h"
 #include "mail/mailsettings.h"
 #include "tests/support/datarow.h"
 
 namespace qmr::test {
+
+// Writes `bytes` to `path`; the bytes.
+inline QByteArray writeFile(const QString& path, const QByteArray& bytes)
+{
+    QFile f(path);
+    f.open(QIODevice::WriteOnly);
+    f.write(bytes);
+    return bytes;
+}
 
 // A stand-in for the system's sendmail: it keeps its arguments and its input in files, and
 // ends with the exit code it was made with.
@@ -26,11 +34,8 @@ struct SendmailStandIn
         if (!complaint.isEmpty())
             script += "echo '" + complaint + "' >&2\n";
         script += "exit " + QByteArray::number(exitCode) + "\n";
-        QFile f(program);
-        f.open(QIODevice::WriteOnly);
-        f.write(script);
-        f.close();
-        f.setPermissions(QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
+        writeFile(program, script);
+        QFile::setPermissions(program, QFile::ReadOwner | QFile::WriteOwner | QFile::ExeOwner);
     }
     QByteArray read(const char* name) const
     {

@@ -84,8 +84,6 @@ private:
             } else if (verb == "EHLO")
                 socket->write(m_offerLogin ? "250-sink.test\r\n250-AUTH PLAIN\r\n250 8BITMIME\r\n"
                                            : "250-sink.test\r\n250 8BITMIME\r\n");
-            else if (verb == "HELO")
-                socket->write("250 sink.test\r\n");
             else if (verb == "MAIL") {
                 mailFrom = address(line);
                 socket->write("250 2.1.0 ok\r\n");
@@ -104,8 +102,6 @@ private:
                 socket->write("221 bye\r\n");
                 socket->disconnectFromHost();
                 return;
-            } else if (verb == "RSET" || verb == "NOOP") {
-                socket->write("250 ok\r\n");
             } else {
                 socket->write("502 5.5.2 not here\r\n");
             }

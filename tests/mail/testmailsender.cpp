@@ -49,10 +49,7 @@ private slots:
         QImage image(120, 90, QImage::Format_RGB32);
         image.fill(Qt::darkYellow);
         QVERIFY(image.save(page, "JPG"));
-        QFile f(letter);
-        QVERIFY(f.open(QIODevice::WriteOnly));
-        f.write("%PDF-1.4\n%\xe2\xe3\xcf\xd3\n1 0 obj\n<<>>\nendobj\n");
-        f.close();
+        test::writeFile(letter, "%PDF-1.4\n%\xe2\xe3\xcf\xd3\n1 0 obj\n<<>>\nendobj\n");
         QString attachments = page + "|" + letter + "|";
         test::SmtpSink sink;
         const bool full = route == "sendmail fails";

@@ -23,14 +23,6 @@ QByteArray decodeWords(const QByteArray& header)
     return out;
 }
 
-QByteArray writeFile(const QTemporaryDir& dir, const QString& name, const QByteArray& bytes)
-{
-    QFile f(dir.filePath(name));
-    f.open(QIODevice::WriteOnly);
-    f.write(bytes);
-    return bytes;
-}
-
 } // namespace
 
 class TestMimeMessage : public QObject
@@ -128,9 +120,11 @@ private slots:
         // Name, bytes and the type that goes with the name.
         const QList<std::tuple<QString, QByteArray, QByteArray>> files = {
             {"page.jpg", jpeg.readAll(), "image/jpeg"},
-            {"letter.pdf", writeFile(dir, "letter.pdf", "%PDF-1.4\n" + binary), "application/pdf"},
-            {"notes.txt", writeFile(dir, "notes.txt", "plain notes\n"), "text/plain"},
-            {odd, writeFile(dir, odd, binary.left(1000)), "image/jpeg"}};
+            {"letter.pdf", test::writeFile(dir.filePath("letter.pdf"), "%PDF-1.4\n" + binary),
+             "application/pdf"},
+            {"notes.txt", test::writeFile(dir.filePath("notes.txt"), "plain notes\n"),
+             "text/plain"},
+            {odd, test::writeFile(dir.filePath(odd), binary.left(1000)), "image/jpeg"}};
         MailMessage m;
         m.to = "you@example.org";
         m.body = "Here they are";
