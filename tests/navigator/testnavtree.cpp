@@ -110,10 +110,10 @@ private slots:
         QVERIFY(!tree.setCurrentNode("DOC9") && !tree.setNodeEditable("DOC9", true) &&
                 !tree.editNode("DOC9"));
         QCOMPARE(tree.selectedKey(), QStringLiteral("FDC1"));
-        QVERIFY(tree.setNodeEditable("FDC1", true));
-        QVERIFY(tree.node("FDC1")->flags() & Qt::ItemIsEditable);
-        QVERIFY(tree.setNodeEditable("FDC1", false));
-        QVERIFY(!(tree.node("FDC1")->flags() & Qt::ItemIsEditable));
+        for (const bool editable : {true, false}) {
+            QVERIFY(tree.setNodeEditable("FDC1", editable));
+            QCOMPARE(bool(tree.node("FDC1")->flags() & Qt::ItemIsEditable), editable);
+        }
         QVERIFY(tree.node("FDC1")->flags() & Qt::ItemIsSelectable);
     }
 
@@ -155,9 +155,8 @@ private slots:
         // Folders arrive under their drawers.
         QVERIFY(!h.childKeys(h.childKeys(cab).at(1)).isEmpty());
         // A refresh on an emptied store brings the sample back.
-        h.session->db().execute("DELETE FROM Folder");
-        h.session->db().execute("DELETE FROM Drawer");
-        h.session->db().execute("DELETE FROM Cabinet");
+        for (const char* table : {"Folder", "Drawer", "Cabinet"})
+            h.session->db().execute(QString("DELETE FROM %1").arg(table));
         QTest::keyClick(h.tree(), Qt::Key_F5);
         QCOMPARE(h.childKeys("ROOT"), QStringList{"CAB2"}); // ids are never reused
         QCOMPARE(h.childTexts("ROOT"), QStringList{"Generic File Cabinet"});

@@ -159,19 +159,19 @@ private slots:
     {
         SampleWindow h({"CAB1", "DRW1"});
         h.selectInList("Savings");
-        // From the list, with nothing in the record: the list's label.
-        h.setSource(ContextSource::List);
-        h.window->menus().action("mnuPopupFolderRename")->trigger();
-        QVERIFY(editorOf(h.window->list()));
-        QTest::keyClick(editorOf(h.window->list()), Qt::Key_Escape);
-        settle(h);
-        // From the tree: the tree's label.
-        h.setSource(ContextSource::Tree);
-        h.window->menus().action("mnuPopupDrawerRename")->trigger();
-        QVERIFY(editorOf(h.tree()));
-        QCOMPARE(editorOf(h.tree())->text(), QStringLiteral("Bank"));
-        QTest::keyClick(editorOf(h.tree()), Qt::Key_Escape);
-        settle(h);
+        // From the list, with nothing in the record, the list's label; from the tree the tree's.
+        for (const auto& [source, entry, view, label] :
+             {std::tuple{ContextSource::List, "mnuPopupFolderRename",
+                         static_cast<QAbstractItemView*>(h.window->list()), "Savings"},
+              std::tuple{ContextSource::Tree, "mnuPopupDrawerRename",
+                         static_cast<QAbstractItemView*>(h.tree()), "Bank"}}) {
+            h.setSource(source);
+            h.window->menus().action(entry)->trigger();
+            QVERIFY(editorOf(view));
+            QCOMPARE(editorOf(view)->text(), QString(label));
+            QTest::keyClick(editorOf(view), Qt::Key_Escape);
+            settle(h);
+        }
         QVERIFY(!h.navigator().rename().isEditing());
 
         QSignalSpy exits(h.window.get(), &NavWindow::exitRequested);
