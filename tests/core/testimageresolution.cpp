@@ -57,6 +57,10 @@ private slots:
             0);
         row("PNG per metre", png(1, 11811, 3937), true, 300, 100);
         row("PNG stating only the aspect", png(0, 2, 1), true, 0, 0);
+        // A header read up to the end of the pHYs data (its check sum not read) still counts;
+        // one byte short, it does not.
+        row("PNG header ending with the pHYs data", png(1, 11811, 3937).left(50), true, 300, 100);
+        row("PNG header cut inside the pHYs data", png(1, 11811, 3937).left(49), true, 0, 0);
         row("neither", QByteArray("GIF89a"), false, 0, 0);
     }
     void header()

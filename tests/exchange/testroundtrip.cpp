@@ -232,6 +232,16 @@ private slots:
         QCOMPARE(f.counts(), counts);
         QCOMPARE(f.nav.calls.filter(QRegularExpression("^(DRW|FLD|DOC)")).size(), 0);
         QVERIFY(f.prompter.verify());
+
+        // The same exporter once more over its own export: the names the first export gave
+        // are not taken any more, so every file is written under its name again.
+        const ExportReport twice =
+            ex.exporter.exportCabinet(c.id, f.outsidePath("out"), f.progress);
+        QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(twice.reportText(), "Export complete. 5 pages copied.");
+        QCOMPARE(
+            QDir(billDir).entryList(QDir::Files, QDir::Name),
+            QStringList({"Document.txt", "Page 1.jpg", "Page 3.jpg", "notes.pdf", "scan.jpeg"}));
     }
 
     void looseFilesFindUnfiledHomes()
@@ -301,6 +311,31 @@ private slots:
         QCOMPARE(f.count("Page"), 2);
         QCOMPARE(f.field("SELECT Name FROM Page WHERE PageId = ?", {owner + 1}).toString(),
                  QString("a.jpg"));
+    }
+
+    // Stopped once the first file is on its way: the second stays out, and the report says so.
+    void filesImportStopped()
+    {
+        ExchangeFixture f;
+        const qint32 doc = f.store->document(
+            f.store->folder(f.store->drawer(f.store->cabinet("C"), "D"), "F"), "Doc");
+        const QString dir = f.outsidePath("scans");
+        QVERIFY(ExchangeFixture::writeImage(dir + "/a.jpg", Qt::green));
+        QVERIFY(ExchangeFixture::writeImage(dir + "/b.jpg", Qt::blue));
+        struct StopAfterOne : SilentProgress
+        {
+            bool begun = false;
+            void step(const QString& status) override
+            {
+                begun = begun || status.startsWith("Import ");
+            }
+            bool stopped() const override { return begun || SilentProgress::stopped(); }
+        } progress;
+        const ImportReport report =
+            Exchange(f).importer.importFiles(doc, Level::Document, dir, FileTypeFilter(), progress);
+        QCOMPARE(report.reportText(),
+                 "1 files imported.\r\n0 shortcuts created.\r\nImport stopped by user.");
+        QCOMPARE(f.count("Page"), 1);
     }
 
     void upperCaseAndWindows1252()
