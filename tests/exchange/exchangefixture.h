@@ -151,6 +151,9 @@ struct ExchangeFixture : CommandHarness<HookPrompter>
     {
         const Level levels[] = {Level::Drawer, Level::Folder, Level::Document};
         qint32 id = cabinet;
+        // Deeper than a document there is no item: -1, as for a name not found.
+        if (names.size() > 3)
+            return -1;
         for (int i = 0; i < names.size(); ++i)
             id = session->items().childNamed(levels[i], id, names.at(i));
         return id;

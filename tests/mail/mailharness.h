@@ -10,12 +10,13 @@
 
 namespace qmr::test {
 
-// Writes `bytes` to `path`; the bytes.
+// Writes `bytes` to `path`; the bytes. A file that cannot be written ends the test run at
+// once, so that no test goes on with a sender or an attachment that is not there.
 inline QByteArray writeFile(const QString& path, const QByteArray& bytes)
 {
     QFile f(path);
-    f.open(QIODevice::WriteOnly);
-    f.write(bytes);
+    if (!f.open(QIODevice::WriteOnly) || f.write(bytes) != bytes.size())
+        qFatal("Cannot write %s", qPrintable(path));
     return bytes;
 }
 
