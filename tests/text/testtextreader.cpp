@@ -167,6 +167,7 @@ private slots:
     {
         columns<QString, QString, QList<int>>({"entry", "file", "read"});
         row("no entry", "", "same", QList<int>{1});
+        row("no entry, no file", "", "gone", QList<int>{1});
         row("read from this file", "read", "same", QList<int>{});
         row("read, the file changed since", "read", "changed", QList<int>{1});
         row("read, the file is gone", "read", "gone", QList<int>{1});
