@@ -170,10 +170,14 @@ private slots:
         const QString doc = f.outsidePath("b/Papers/Drawer/Folder/Document 1");
         TestFileSystem unreadable;
         unreadable.unreadable.insert(doc + "/Page 2.jpg");
+        // So is one gone between the listing and its turn.
+        unreadable.afterCopy = [&](int) { QFile::remove(doc + "/Page 3.jpg"); };
         run = importCabinet(f, f.outsidePath("b/Papers"), "Target", &unreadable);
         QCOMPARE(run.status, 1);
-        QCOMPARE(run.out, "2 files imported.\r\n0 shortcuts created.\n");
+        QCOMPARE(run.out, "1 files imported.\r\n0 shortcuts created.\n");
         QVERIFY2(run.err.contains("quillmere: Cannot read " + doc + "/Page 2.jpg"),
+                 qPrintable(run.err));
+        QVERIFY2(run.err.contains("quillmere: Cannot read " + doc + "/Page 3.jpg\n"),
                  qPrintable(run.err));
         QVERIFY(f.prompter.verify());
     }

@@ -256,8 +256,13 @@ private slots:
         ExchangeFixture::writeImage(root + "/Bank/Checking/statement.JPG");
         ExchangeFixture::writeBytes(root + "/Bank/Checking/March/Page 2.jpg", "not an image");
         ExchangeFixture::writeImage(root + "/Bank/Checking/March/Deeper/ignored.jpg");
+        // A folder whose name the store refuses is named, and nothing below it comes in.
+        const QString longName(81, 'n');
+        ExchangeFixture::writeImage(root + "/Bank/" + longName + "/Doc/Page 1.jpg");
         const ImportReport report = Exchange(f).importer.importCabinet(target, root, 1, f.progress);
         QVERIFY2(f.prompter.verify(), qPrintable(f.prompter.report()));
+        QCOMPARE(report.problems, QStringList(longName + ": The name is too long: a folder's name "
+                                                         "can have at most 80 characters."));
         QCOMPARE(report.filesImported, 3);
         ItemStore& items = f.session->items();
         // At the top: "Unfiled drawer", "Unfiled folder", and a document named as the file.
@@ -307,6 +312,7 @@ private slots:
         QCOMPARE(report.filesImported, 1);
         QVERIFY2(report.error.contains(QString("is the file of page %1").arg(owner)),
                  qPrintable(report.error));
+        QVERIFY(f.progress.stopped()); // its window is closed
         QCOMPARE(ExchangeFixture::readBytes(taken), QByteArray("the page's own"));
         QCOMPARE(f.count("Page"), 2);
         QCOMPARE(f.field("SELECT Name FROM Page WHERE PageId = ?", {owner + 1}).toString(),

@@ -149,8 +149,13 @@ private slots:
             QCOMPARE(db.hasColumn("Page", "ShortcutYN"), from >= 3);
             QCOMPARE(db.hasColumn("Page", "Filetype"), from >= 2);
             QCOMPARE(db.hasColumn("Cabinet", "Storage"), from >= 1);
-            if (from < 2)
-                db.execute("INSERT INTO Page (DocumentId, PageNumber) VALUES (1, 1)");
+            if (from < 2) {
+                // Rows as an older program wrote them, their dates among the first columns.
+                db.execute(
+                    "INSERT INTO Document (FolderId, DateOnDocument) VALUES (1, '2020-01-02')");
+                db.execute("INSERT INTO Page (DocumentId, PageNumber, ScanDate) VALUES (1, 1, "
+                           "'2020-01-02')");
+            }
             QVERIFY(!hasIndex(db, "Page_DocumentScan"));
         }
         Database db;

@@ -264,6 +264,7 @@ private slots:
         store.db().execute("UPDATE sqlite_sequence SET seq = ? WHERE name = 'Page'", {bare + 19});
         QCOMPARE(store.pageRow(doc, 3), bare + 20);
         QVERIFY(finished.wait(20000));
+        QVERIFY(!sweep.isRunning());
 
         QVERIFY(!QFile::exists(orphan));
         QVERIFY(!QFile::exists(orphanThumb));
