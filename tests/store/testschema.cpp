@@ -150,7 +150,7 @@ private slots:
             QCOMPARE(db.hasColumn("Page", "Filetype"), from >= 2);
             QCOMPARE(db.hasColumn("Cabinet", "Storage"), from >= 1);
             if (from < 2) {
-                // Rows as an older program wrote them, their dates among the first columns.
+                // Rows as the oldest stores held them: both dates were there from the start.
                 db.execute(
                     "INSERT INTO Document (FolderId, DateOnDocument) VALUES (1, '2020-01-02')");
                 db.execute("INSERT INTO Page (DocumentId, PageNumber, ScanDate) VALUES (1, 1, "
@@ -161,8 +161,13 @@ private slots:
         Database db;
         StoreSchema::openDatabase(db, home.home());
         expectCurrent(db);
-        if (from < 2) // pages older than the file type get "JPG"
+        if (from < 2) { // pages older than the file type get "JPG"; the dates stay
             QCOMPARE(db.scalar("SELECT Filetype FROM Page").toString(), QStringLiteral("JPG"));
+            QCOMPARE(db.scalar("SELECT ScanDate FROM Page").toString(),
+                     QStringLiteral("2020-01-02"));
+            QCOMPARE(db.scalar("SELECT DateOnDocument FROM Document").toString(),
+                     QStringLiteral("2020-01-02"));
+        }
     }
 
     // A version the program did not write: none at all is version 0 and is upgraded; one
